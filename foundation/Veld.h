@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+// The constants that the product's programs share; they live in Veld.dll (libVeld.so).
+#pragma once
+
+#include "veldExport.h"
+
+// The program's name, as it stands in log lines.
+extern VELD_EXPORT const wchar_t* const APPNAME;
+
+// Name of the manual-reset event that makes the monitoring service write a crash dump.
+extern VELD_EXPORT const wchar_t* const FORCE_CORE_EVENT;
