@@ -84,7 +84,8 @@ KELVANE_EXPORT void PumpMessages(HWND window, DWORD reserved);
 
 // A message box that closes by itself after `seconds`. `type` as for MessageBoxW; the result is the button's
 // id, or `timeoutResult` when time ran out.
-KELVANE_EXPORT int TimedMessageBox(const wchar_t* title, const wchar_t* text, UINT type, DWORD seconds, int timeoutResult);
+KELVANE_EXPORT int TimedMessageBox(const wchar_t* title, const wchar_t* text, UINT type, DWORD seconds,
+                                   int timeoutResult);
 
 // While it lives, a hardware fault on this thread (access violation, division by zero) is thrown as a
 // SEHException, so that a catch block around the guard receives it.
@@ -132,8 +133,8 @@ KELVANE_EXPORT ZTString GetLogDirectory();
 // Size in bytes, 0 for a file that is not there.
 KELVANE_EXPORT std::uint64_t ZTGetFileSize(const wchar_t* path);
 // Writes the text as UTF-8 without a byte order mark, in place of what the file held.
-KELVANE_EXPORT bool WriteTextFileAsUTF8(const wchar_t* path, const ZTString& text, bool overwrite, bool share, bool append,
-                                        bool mark);
+KELVANE_EXPORT bool WriteTextFileAsUTF8(const wchar_t* path, const ZTString& text, bool overwrite, bool share,
+                                        bool append, bool mark);
 KELVANE_EXPORT bool IsFileOrDirLink(const WIN32_FIND_DATAW& findData);
 // Replaces what a file name cannot hold on either system; never leaves a reserved name, an empty one, "."
 // or "..".
