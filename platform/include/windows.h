@@ -10,4 +10,5 @@
 #include "winbase.h"
 #include "winnls.h"
 #include "winreg.h"
+#include "libloaderapi.h"
 #include "winuser.h"

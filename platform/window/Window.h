@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+// Windows as the layer keeps them: plain objects that hold everything the program or a person can see or
+// change. The message calls work on these, a Display shows them. They live on one thread, the one that
+// made the first of them.
+#pragma once
+
+#include <windows.h>
+
+#include "platformExport.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace platform
+{
+
+struct Window;
+
+enum class WindowKind
+{
+    Dialog,
+    PushButton,
+    CheckBox, // automatic: a click toggles it
+    Edit,
+    ComboBox, // drop-down list
+    Label,
+};
+
+// In dialog units: a quarter of the average character width, an eighth of the character height of the
+// dialog's font. Controls count from the upper left corner of the dialog's client area.
+struct DialogRect
+{
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
+struct ComboItem
+{
+    std::wstring text;
+    LPARAM data = 0;
+};
+
+struct DialogFont
+{
+    std::wstring face; // empty: the display's own
+    int points = 8;
+    int weight = 400;
+    bool italic = false;
+};
+
+// An icon at a place of the client area, in pixels from its upper left corner.
+struct DrawnIcon
+{
+    HICON icon = nullptr;
+    int x = 0;
+    int y = 0;
+};
+
+// What only a dialog has.
+struct DialogState
+{
+    DialogFont font;
+    HICON bigIcon = nullptr;
+    HICON smallIcon = nullptr;
+    Window* focus = nullptr;      // the control with the keyboard, also while another dialog is on top
+    std::vector<DrawnIcon> drawn; // by the last WM_PAINT
+    bool isMessageBox = false;    // one label and push buttons without a layout: the display makes one
+    UINT messageBoxType = 0;      // MB_ICON* bits and the like
+    bool iconic = false;          // minimised
+    int pixelWidth = 0;           // client area, set by the display when it shows the dialog; 0 is unknown
+    int pixelHeight = 0;
+    UINT defaultButton = 0;        // control id, 0 for none
+    bool ended = false;            // EndDialog was called
+    bool ownerWasDisabled = false; // by this dialog, which gives it back when it ends
+    INT_PTR result = 0;
+    int depth = 0; // of message handlers on the stack when the dialog was shown
+    DLGPROC procedure = nullptr;
+    LONG_PTR user = 0;          // DWLP_USER
+    LONG_PTR messageResult = 0; // DWLP_MSGRESULT
+};
+
+struct Window
+{
+    HWND handle = nullptr;
+    WindowKind kind = WindowKind::Dialog;
+    UINT id = 0;
+    Window* parent = nullptr;                      // of a control its dialog, of a dialog its owner or null
+    std::vector<std::unique_ptr<Window>> children; // in the template's order, which is the tab order
+
+    DWORD style = 0; // WS_* and the kind's own (ES_*, BS_*, CBS_*, SS_*); WS_VISIBLE, WS_DISABLED see below
+    DWORD extendedStyle = 0;
+    DialogRect rect;
+    bool visible = false; // of itself; a control is seen only while its dialog is, too
+    bool enabled = true;  // likewise
+
+    std::wstring
+        text;      // caption, label or content; an edit's lines end in "\r\n"; '&' marks a key in captions
+    int check = 0; // BST_UNCHECKED, BST_CHECKED
+
+    // Edit
+    std::size_t lineCount = 1;
+    std::size_t selectionStart = 0;
+    std::size_t selectionEnd = 0;
+    std::size_t textLimit = 0; // of typing, in characters; 0 is none
+
+    // Combo box
+    std::vector<ComboItem> items;
+    int selection = -1;
+
+    WNDPROC procedure = nullptr;
+    LONG_PTR userData = 0;               // GWLP_USERDATA
+    std::unique_ptr<DialogState> dialog; // null for a control
+
+    // The display's own object for this window. The display alone reads and writes it, and has let go of it
+    // when Forget returns.
+    void* shown = nullptr;
+};
+
+// The dialog that a window belongs to, or is.
+inline Window& DialogOf(Window& window)
+{
+    return window.dialog ? window : *window.parent;
+}
+inline const Window& DialogOf(const Window& window)
+{
+    return window.dialog ? window : *window.parent;
+}
+
+// True when a person can use the control: it and its dialog are visible and enabled.
+inline bool IsUsable(const Window& window)
+{
+    const Window& dialog = DialogOf(window);
+    return window.visible && window.enabled && dialog.visible && dialog.enabled;
+}
+
+// The newest dialog that is not destroyed; null when there is none. A person's input belongs to it, as soon
+// as it is visible.
+PLATFORM_EXPORT Window* TopDialog();
+
+// What the person at the display did; called by the display within Wait, on its thread. Texts and selections
+// count at once. What the program is told (a click, a change, a key) waits behind all posted messages, in
+// the order of the calls, and is dropped when the window cannot take it any more.
+PLATFORM_EXPORT void UserClicked(Window& button);
+PLATFORM_EXPORT void UserTyped(Window& edit, std::wstring wholeText);
+PLATFORM_EXPORT void UserSelected(Window& comboBox, int index);
+PLATFORM_EXPORT void UserFocused(Window& control);
+PLATFORM_EXPORT void UserPressed(Window& dialog, WORD key); // VK_RETURN or VK_ESCAPE
+PLATFORM_EXPORT void UserClosed(Window& dialog);            // the close box
+PLATFORM_EXPORT void UserMinimized(Window& dialog, bool iconic);
+
+// An icon resource's image closest to a size in pixels, as the bytes of a PNG file or of a device-independent
+// bitmap (ICO form: XOR and AND masks, no file header). Empty when the handle is none.
+struct IconImage
+{
+    const BYTE* bytes = nullptr;
+    std::size_t size = 0;
+    bool isPng = false;
+};
+PLATFORM_EXPORT IconImage FindIconImage(HICON icon, int pixels);
+
+} // namespace platform
