@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+// Runs the program that ships, in a copy of its folder of its own: logs and settings of one test never meet
+// those of another. The same tests drive both systems: on Linux through the terminal, on Windows through
+// the console's window.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+// Which of the two programs this is; for the few cases that one system cannot hold.
+bool RunsOnWindows();
+
+struct ProgramOutcome
+{
+    bool ended = false; // false: it was ended because its time ran out
+    int exitCode = -1;
+    std::string console; // UTF-8, "\n" line ends: what the user saw, boxes and dialogs included
+    std::string errors;  // standard error; Linux only
+};
+
+// A start of the program, with what its user does.
+struct ProgramStart
+{
+    std::vector<std::string> arguments;
+    // Lines of input: a button's caption, or ID=text. When they are used up the dialog on top is cancelled.
+    std::vector<std::string> input;
+    // Set in the program's environment; an empty value takes the variable out.
+    std::vector<std::pair<std::string, std::string>> environment;
+    std::chrono::seconds limit{60};
+    bool asOtherUser = false; // as a user without rights ("nobody"); Linux only
+};
+
+class ProgramFolder
+{
+public:
+    // Copies TAVO_PROGRAM_DIR without logs and settings.
+    ProgramFolder();
+    ~ProgramFolder();
+    ProgramFolder(const ProgramFolder&) = delete;
+    ProgramFolder& operator=(const ProgramFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return mPath; }
+    std::filesystem::path Program() const;
+
+    ProgramOutcome Run(const ProgramStart& start) const;
+
+    // The text of a file of the folder, empty when it is not there.
+    std::string Read(const std::filesystem::path& name) const;
+    std::string Log() const { return Read("Logs/Tavo.log"); }
+
+private:
+    std::filesystem::path mPath;
+};
+
+// The console's text less the "[...ms] " prefixes, whose numbers differ from run to run.
+std::string WithoutTimes(const std::string& console);

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/ProgramFolder.h"
+
+#include <windows.h>
+
+#include <optional>
+#include <set>
+
+namespace
+{
+
+constexpr int kConsoleOutput = 1000;
+constexpr DWORD kPollMilliseconds = 50;
+// The report is over when the console's text has stood still for so long.
+constexpr int kStillPolls = 16;
+
+std::wstring Widen(const std::string& text)
+{
+    std::wstring wide(text.size(), L'\0');
+    const int count = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
+                                          static_cast<int>(wide.size()));
+    wide.resize(static_cast<std::size_t>(count));
+    return wide;
+}
+
+std::string Narrow(const std::wstring& text)
+{
+    std::string narrow(text.size() * 3, '\0');
+    const int count = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
+                                          narrow.data(), static_cast<int>(narrow.size()), nullptr, nullptr);
+    narrow.resize(static_cast<std::size_t>(count));
+    std::erase(narrow, '\r');
+    return narrow;
+}
+
+std::wstring TextOf(HWND window)
+{
+    DWORD_PTR length = 0;
+    if (!SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_ABORTIFHUNG, 5000, &length))
+        return {};
+    std::wstring text(length + 1, L'\0');
+    DWORD_PTR copied = 0;
+    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()),
+                        SMTO_ABORTIFHUNG, 5000, &copied);
+    text.resize(copied);
+    return text;
+}
+
+// An argument as the C runtime of a Windows program takes it apart again.
+std::wstring Quoted(const std::string& argument)
+{
+    const std::wstring wide = Widen(argument);
+    if (wide.find_first_of(L" \t") == std::wstring::npos)
+        return wide;
+    const std::size_t separator = wide.find_first_of(L":=");
+    if ((wide[0] == L'-' || wide[0] == L'/') && separator < wide.find(L' '))
+        return wide.substr(0, separator + 1) + L'"' + wide.substr(separator + 1) + L'"';
+    return L'"' + wide + L'"';
+}
+
+// The user: watches the program's dialogs, does what the input says and cancels what is left.
+class User
+{
+public:
+    User(DWORD process, const std::vector<std::string>& input) : mProcess(process), mInput(input) {}
+
+    // One look at the dialog on top.
+    void Look()
+    {
+        const HWND dialog = Top();
+        if (dialog == nullptr)
+            return;
+        if (GetDlgItem(dialog, kConsoleOutput) != nullptr)
+            LookAtConsole(dialog);
+        else
+            LookAtOther(dialog);
+    }
+
+    std::string Seen() const { return mSeen + Narrow(mConsole); }
+
+private:
+    HWND Top() const
+    {
+        struct Search
+        {
+            DWORD process;
+            HWND found;
+        } search{mProcess, nullptr};
+        EnumWindows(
+            [](HWND window, LPARAM parameter) -> BOOL
+            {
+                auto* wanted = reinterpret_cast<Search*>(parameter);
+                DWORD owner = 0;
+                GetWindowThreadProcessId(window, &owner);
+                if (owner != wanted->process || !IsWindowVisible(window) || !IsWindowEnabled(window))
+                    return TRUE;
+                wanted->found = window;
+                return FALSE;
+            },
+            reinterpret_cast<LPARAM>(&search));
+        return search.found;
+    }
+
+    void LookAtConsole(HWND dialog)
+    {
+        const std::wstring text = TextOf(GetDlgItem(dialog, kConsoleOutput));
+        if (text.empty() || text != mConsole)
+        {
+            if (!text.empty())
+                mConsole = text;
+            mStill = 0;
+            return;
+        }
+        if (++mStill >= kStillPolls)
+            Act(dialog);
+    }
+
+    void LookAtOther(HWND dialog)
+    {
+        if (mShown.insert(dialog).second)
+        {
+            mSeen += Narrow(TextOf(dialog)) + "\n";
+            EnumChildWindows(
+                dialog,
+                [](HWND child, LPARAM parameter) -> BOOL
+                {
+                    wchar_t kind[32] = L"";
+                    GetClassNameW(child, kind, 32);
+                    if (std::wstring(kind) == L"Static")
+                        *reinterpret_cast<std::string*>(parameter) += Narrow(TextOf(child)) + "\n";
+                    return TRUE;
+                },
+                reinterpret_cast<LPARAM>(&mSeen));
+            return;
+        }
+        Act(dialog);
+    }
+
+    void Act(HWND dialog)
+    {
+        mStill = 0;
+        if (mNext == mInput.size())
+        {
+            // A question is answered with No, a box that only tells with OK, a dialog with Cancel.
+            const int answer = GetDlgItem(dialog, IDNO) != nullptr ? IDNO : IDCANCEL;
+            PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(answer), 0);
+            return;
+        }
+        const std::string line = mInput[mNext++];
+        const std::size_t equals = line.find('=');
+        if (equals != std::string::npos)
+            SendMessageW(GetDlgItem(dialog, std::stoi(line.substr(0, equals))), WM_SETTEXT, 0,
+                         reinterpret_cast<LPARAM>(Widen(line.substr(equals + 1)).c_str()));
+        else
+            Press(dialog, line);
+    }
+
+    static void Press(HWND dialog, const std::string& caption)
+    {
+        for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr;
+             child = GetWindow(child, GW_HWNDNEXT))
+        {
+            std::wstring text = TextOf(child);
+            std::erase(text, L'&');
+            if (text.rfind(Widen(caption), 0) == 0)
+            {
+                PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(GetDlgCtrlID(child)),
+                             reinterpret_cast<LPARAM>(child));
+                return;
+            }
+        }
+    }
+
+    DWORD mProcess;
+    const std::vector<std::string>& mInput;
+    std::size_t mNext = 0;
+    std::wstring mConsole;
+    int mStill = 0;
+    std::set<HWND> mShown;
+    std::string mSeen; // boxes and other dialogs
+};
+
+} // namespace
+
+bool RunsOnWindows()
+{
+    return true;
+}
+
+std::filesystem::path ProgramFolder::Program() const
+{
+    return mPath / "Tavo.exe";
+}
+
+ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
+{
+    std::wstring command = L'"' + Program().wstring() + L'"';
+    for (const std::string& argument : start.arguments)
+        command += L" " + Quoted(argument);
+    for (const auto& [name, value] : start.environment)
+        SetEnvironmentVariableW(Widen(name).c_str(), value.empty() ? nullptr : Widen(value).c_str());
+
+    ProgramOutcome outcome;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, mPath.c_str(), &startup,
+                        &process))
+        return outcome;
+
+    User user(process.dwProcessId, start.input);
+    const auto deadline = std::chrono::steady_clock::now() + start.limit;
+    while (WaitForSingleObject(process.hProcess, kPollMilliseconds) == WAIT_TIMEOUT)
+    {
+        if (std::chrono::steady_clock::now() > deadline)
+        {
+            TerminateProcess(process.hProcess, 1);
+            break;
+        }
+        user.Look();
+    }
+    outcome.ended = std::chrono::steady_clock::now() <= deadline;
+    DWORD code = 0;
+    GetExitCodeProcess(process.hProcess, &code);
+    outcome.exitCode = static_cast<int>(code);
+    outcome.console = user.Seen();
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return outcome;
+}
