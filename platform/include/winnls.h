@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+// Code pages and locales. The ANSI code page is the character set of the user's locale; both locales are
+// read from the environment or the system's files, never from setlocale.
+#pragma once
+
+#include "winnt.h"
+
+#include "platformExport.h"
+
+#define CP_ACP 0
+#define CP_UTF8 65001
+#define MB_ERR_INVALID_CHARS 0x00000008
+
+extern "C"
+{
+    // CP_ACP or CP_UTF8, flags 0. Counts of wide characters are counts of code points.
+    PLATFORM_EXPORT int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideLength,
+                                            LPSTR narrow, int narrowSize, LPCSTR defaultCharacter,
+                                            BOOL* usedDefault);
+    PLATFORM_EXPORT int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR narrow, int narrowLength,
+                                            LPWSTR wide, int wideSize);
+
+    // The locale of LC_ALL, LC_CTYPE or LANG, the first that is set; 0x0409 for C, POSIX and none.
+    PLATFORM_EXPORT LCID GetUserDefaultLCID();
+    // The locale of /etc/default/locale or /etc/locale.conf.
+    PLATFORM_EXPORT LCID GetSystemDefaultLCID();
+}
