@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+// Both programs on one machine, in one run: their reports say the same, save for what the two systems
+// really know differently.
+#include "tests/support/ProgramFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+namespace
+{
+
+std::string OutputOf(const std::string& command)
+{
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::string text;
+    char buffer[4096];
+    for (std::size_t count = 0; (count = fread(buffer, 1, sizeof(buffer), pipe.get())) > 0;)
+        text.append(buffer, count);
+    std::erase(text, '\r');
+    return text;
+}
+
+struct Difference
+{
+    const char* line; // the values behind this beginning are not compared
+    const char* why;
+};
+
+constexpr Difference kDifferences[] = {
+    {"Current Computer: ", "the Windows side asks for the NetBIOS name, in capitals and cut to 15"},
+    {"Current local time: ", "\"%c\" belongs to the C runtime, and the clock moves on"},
+    {"Current RFC822 mail time: ", "the clock moves on"},
+    {"Current ISO8601 time: ", "the clock moves on"},
+    {"Current ODBC time in UTC: ", "the clock moves on"},
+    {"Timezone Standard Name: ", "each system has zone names of its own"},
+    {"Timezone Daylight Name: ", "each system has zone names of its own"},
+    {"MAC log: ", "the sizes of the adapter records differ"},
+    {"User default locale: ", "the prefix has a registry of its own"},
+    {"System default locale: ", "the prefix has a registry of its own"},
+};
+
+std::vector<std::string> Compared(const std::string& console)
+{
+    std::vector<std::string> lines;
+    std::istringstream stream(WithoutTimes(console));
+    for (std::string line; std::getline(stream, line);)
+    {
+        for (const Difference& difference : kDifferences)
+            if (line.rfind(difference.line, 0) == 0)
+                line = difference.line;
+        if (line.find("Current Computer") != std::string::npos)
+            lines.clear(); // what stands above the report is how a display shows a dialog
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+TEST(SameText, BothProgramsReportTheSameOfOneMachine)
+{
+    const std::string windows = std::string(TAVO_SOURCE_DIR) + "/build-windows/tests/show_console.exe";
+    if (!std::ifstream(windows))
+        GTEST_SKIP() << "the Windows program is not built";
+    const std::vector<std::string> there =
+        Compared(OutputOf(std::string(TAVO_SOURCE_DIR) + "/scripts/wine-run " + windows));
+    const std::vector<std::string> here = Compared(OutputOf(std::string(TAVO_TEST_DIR) + "/show_console"));
+    ASSERT_GT(here.size(), 20u);
+    EXPECT_EQ(here, there);
+}
+
+} // namespace
