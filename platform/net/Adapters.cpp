@@ -4,27 +4,77 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <ifaddrs.h>
 #include <linux/if_arp.h>
 #include <linux/if_packet.h>
+#include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace
 {
 
-bool IsWireless(const char* name)
+struct Link
 {
-    const std::string link = std::string("/sys/class/net/") + name + "/phy80211";
-    return access(link.c_str(), F_OK) == 0;
+    std::string name;
+    int index = 0;
+    unsigned hardware = ARPHRD_NONE;
+    std::vector<BYTE> address;
+};
+
+// The kind of an interface that has no address to tell it.
+unsigned HardwareOf(const std::string& name)
+{
+    const int channel = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    ifreq request{};
+    name.copy(request.ifr_name, sizeof(request.ifr_name) - 1);
+    const bool known = channel >= 0 && ioctl(channel, SIOCGIFHWADDR, &request) == 0;
+    if (channel >= 0)
+        close(channel);
+    return known ? request.ifr_hwaddr.sa_family : unsigned{ARPHRD_NONE};
 }
 
-ULONG TypeOf(const ifaddrs& interface, unsigned hardware)
+// False when the system cannot tell, with the reason in errno.
+bool ListLinks(std::vector<Link>& links)
 {
-    switch (hardware)
+    ifaddrs* list = nullptr;
+    if (getifaddrs(&list) != 0)
+        return false;
+    for (const ifaddrs* entry = list; entry; entry = entry->ifa_next)
+    {
+        if (!entry->ifa_addr)
+        {
+            const int index = static_cast<int>(if_nametoindex(entry->ifa_name));
+            links.push_back({entry->ifa_name, index, HardwareOf(entry->ifa_name), {}});
+        }
+        else if (entry->ifa_addr->sa_family == AF_PACKET)
+        {
+            const auto* address = reinterpret_cast<const sockaddr_ll*>(entry->ifa_addr);
+            links.push_back({entry->ifa_name,
+                             address->sll_ifindex,
+                             address->sll_hatype,
+                             {address->sll_addr, address->sll_addr + address->sll_halen}});
+        }
+    }
+    freeifaddrs(list);
+    std::ranges::stable_sort(links, {}, &Link::index);
+    const auto doubles = std::ranges::unique(links, {}, &Link::index);
+    links.erase(doubles.begin(), doubles.end());
+    return true;
+}
+
+bool IsWireless(const std::string& name)
+{
+    return access(("/sys/class/net/" + name + "/phy80211").c_str(), F_OK) == 0;
+}
+
+ULONG TypeOf(const Link& link)
+{
+    switch (link.hardware)
     {
     case ARPHRD_LOOPBACK:
         return IF_TYPE_SOFTWARE_LOOPBACK;
@@ -33,12 +83,12 @@ ULONG TypeOf(const ifaddrs& interface, unsigned hardware)
     case ARPHRD_SIT:
     case ARPHRD_IPGRE:
     case ARPHRD_IP6GRE:
-    case ARPHRD_NONE: // made by a program: a private network's end
+    case ARPHRD_NONE: // the end of a private network that a program made
         return IF_TYPE_TUNNEL;
     case ARPHRD_PPP:
         return IF_TYPE_PPP;
     case ARPHRD_ETHER:
-        return IsWireless(interface.ifa_name) ? IF_TYPE_IEEE80211 : IF_TYPE_ETHERNET_CSMACD;
+        return IsWireless(link.name) ? IF_TYPE_IEEE80211 : IF_TYPE_ETHERNET_CSMACD;
     default:
         return IF_TYPE_OTHER;
     }
@@ -51,26 +101,11 @@ ULONG WINAPI GetAdaptersAddresses(ULONG family, ULONG flags, PVOID reserved, PIP
 {
     if (!size || family != AF_UNSPEC || flags != 0 || reserved)
         return ERROR_INVALID_PARAMETER;
-
-    ifaddrs* list = nullptr;
-    if (getifaddrs(&list) != 0)
-        return errno == ENOMEM ? ERROR_NOT_ENOUGH_MEMORY : ERROR_NOT_SUPPORTED;
-    const std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> owner(list, &freeifaddrs);
-
-    struct Link
-    {
-        const ifaddrs* interface;
-        const sockaddr_ll* address;
-    };
     std::vector<Link> links;
-    for (const ifaddrs* interface = list; interface; interface = interface->ifa_next)
-    {
-        if (interface->ifa_addr && interface->ifa_addr->sa_family == AF_PACKET)
-            links.push_back({interface, reinterpret_cast<const sockaddr_ll*>(interface->ifa_addr)});
-    }
+    if (!ListLinks(links))
+        return errno == ENOMEM ? ERROR_NOT_ENOUGH_MEMORY : ERROR_NOT_SUPPORTED;
     if (links.empty())
         return ERROR_NO_DATA;
-    std::ranges::sort(links, {}, [](const Link& link) { return link.address->sll_ifindex; });
 
     const ULONG needed = static_cast<ULONG>(links.size() * sizeof(IP_ADAPTER_ADDRESSES));
     const bool fits = addresses && *size >= needed;
@@ -84,12 +119,13 @@ ULONG WINAPI GetAdaptersAddresses(ULONG family, ULONG flags, PVOID reserved, PIP
         IP_ADAPTER_ADDRESSES& record = addresses[i];
         record = {};
         record.Length = sizeof(record);
-        record.Next = i + 1 < links.size() ? &addresses[i + 1] : nullptr;
-        record.IfType = TypeOf(*link.interface, link.address->sll_hatype);
+        record.Next = i + 1 < links.size() ? &record + 1 : nullptr;
+        record.IfType = TypeOf(link);
         if (record.IfType == IF_TYPE_SOFTWARE_LOOPBACK || record.IfType == IF_TYPE_TUNNEL)
             continue;
-        record.PhysicalAddressLength = std::min<ULONG>(link.address->sll_halen, MAX_ADAPTER_ADDRESS_LENGTH);
-        std::copy_n(link.address->sll_addr, record.PhysicalAddressLength, record.PhysicalAddress);
+        const std::size_t length = std::min<std::size_t>(link.address.size(), MAX_ADAPTER_ADDRESS_LENGTH);
+        std::copy_n(link.address.data(), length, record.PhysicalAddress);
+        record.PhysicalAddressLength = static_cast<ULONG>(length);
     }
     return NO_ERROR;
 }
