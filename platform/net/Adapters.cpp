@@ -8,15 +8,18 @@
 #include <vector>
 
 #include <ifaddrs.h>
-#include <linux/if_arp.h>
-#include <linux/if_packet.h>
 #include <net/if.h>
+#include <net/if_arp.h>
+#include <netpacket/packet.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace
 {
+
+// Missing in the C library's header.
+constexpr unsigned ARPHRD_IP6GRE = 823;
 
 struct Link
 {
