@@ -4,10 +4,13 @@ include(GenerateExportHeader)
 
 function(tavo_common target)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+    # The same commit gives the same bytes wherever it is built.
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=build)
   if(WIN32)
     target_compile_definitions(${target} PRIVATE
       UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX)
+    target_link_options(${target} PRIVATE -Wl,--no-insert-timestamp)
   endif()
   if(TAVO_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${TAVO_SANITIZE} -fno-omit-frame-pointer
