@@ -290,6 +290,10 @@ extern "C"
     // Resources.
     PLATFORM_EXPORT HICON LoadIconW(HINSTANCE module, LPCWSTR name);
     PLATFORM_EXPORT int LoadStringW(HINSTANCE module, UINT id, LPWSTR text, int capacity);
+
+    // Lower case by the Unicode mapping of one character to one, the same in every locale, code points beyond
+    // U+FFFF included. Gives `length`.
+    PLATFORM_EXPORT DWORD CharLowerBuffW(LPWSTR text, DWORD length);
 }
 
 #endif // RC_INVOKED
