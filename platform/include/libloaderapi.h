@@ -11,6 +11,8 @@
 
 extern "C"
 {
+    // The instance handle of the program itself, whatever module is named.
+    PLATFORM_EXPORT HMODULE GetModuleHandleW(LPCWSTR name);
     // The path of the program itself, whatever module is named.
     PLATFORM_EXPORT DWORD GetModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD size);
     PLATFORM_EXPORT HRSRC FindResourceW(HMODULE module, LPCWSTR name, LPCWSTR type);
