@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+#include <typeinfo>
+
+struct FreeDeleter
+{
+    void operator()(void* block) const { std::free(block); }
+};
+
+// The name of a type as the source spells it; null when the run-time library cannot tell.
+std::unique_ptr<char, FreeDeleter> UndecoratedName(const std::type_info& type);
