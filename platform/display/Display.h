@@ -71,6 +71,10 @@ public:
     static constexpr std::chrono::milliseconds kForever{-1};
 };
 
+// The label that names an edit or combo box: the nearest one to its left on the same line, else one close
+// above it; null when the template has none. A button or check box has its own caption.
+PLATFORM_EXPORT const Window* LabelOf(const Window& control);
+
 enum class DisplayKind
 {
     Automatic, // Qt where a display server is there and the module loads, otherwise the terminal
