@@ -29,6 +29,9 @@ struct UploadResult
     std::string text;      // what went wrong; for a server's answer the line itself
 };
 
+// The number of an answer's last line, "226 Done."; 0 for another line.
+int AnswerNumber(std::string_view line);
+
 // Hands events to the component's owner. All texts are made harmless here, and the password is hidden.
 class UploadEvents
 {

@@ -25,6 +25,14 @@ void* AsParameter(const std::string& text)
 
 } // namespace
 
+int AnswerNumber(std::string_view line)
+{
+    const auto digit = [&line](std::size_t i) { return line[i] >= '0' && line[i] <= '9'; };
+    if (line.size() < 4 || line[3] != ' ' || !digit(0) || !digit(1) || !digit(2))
+        return 0;
+    return (line[0] - '0') * 100 + (line[1] - '0') * 10 + (line[2] - '0');
+}
+
 UploadEvents::UploadEvents(IPWorksEventSink sink, void* object, const UploadJob& job)
     : mSink(sink), mObject(object), mJob(job)
 {
