@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "winldap.h"
+
+// `freeBuffer` is not looked at: a position owns no buffer of its own. Null is ignored.
+extern "C" PLATFORM_EXPORT void ber_free(BerElement* element, INT freeBuffer) WLDAP32_SYMBOL(ber_free);
