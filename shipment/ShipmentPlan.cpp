@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "shipment/ShipmentPlan.h"
+
+#include "foundation/DateValue.h"
+#include "foundation/Kelvane.h"
+
+#include <time.h>
+
+#include <deque>
+#include <filesystem>
+#include <string_view>
+
+namespace
+{
+
+constexpr wchar_t kSeparator = std::filesystem::path::preferred_separator;
+
+struct FindCloser
+{
+    ~FindCloser() { FindClose(find); }
+    HANDLE find;
+};
+
+bool IsDirectory(const WIN32_FIND_DATAW& entry)
+{
+    return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool IsWalked(const WIN32_FIND_DATAW& entry)
+{
+    const std::wstring_view name = entry.cFileName;
+    return name != L"." && name != L".." && !IsFileOrDirLink(entry);
+}
+
+} // namespace
+
+ZTString ArchiveName(const wchar_t* wanted)
+{
+    ZTString name(wanted);
+    name.Trim(L"\r\n\t ");
+    if (name.IsEmpty())
+    {
+        const DateValue today = DateFromTime(_time64(nullptr));
+        name.Format(L"Logs-{0}-{1}-{2}", today.GetYear(), today.GetMonth(), today.GetDay());
+    }
+    RemoveIllegalFileSystemCharacters(name, L"_");
+    return name;
+}
+
+std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff)
+{
+    std::set<ZTString> names;
+    std::deque<ZTString> waiting{directory};
+    while (!waiting.empty())
+    {
+        ZTString current = waiting.back();
+        waiting.pop_back();
+        if (current.IsEmpty() || current[current.GetLength() - 1] != kSeparator)
+            current += kSeparator;
+
+        WIN32_FIND_DATAW entry{};
+        const HANDLE find = FindFirstFileW(current + L"*", &entry);
+        if (find == INVALID_HANDLE_VALUE)
+            continue;
+        const FindCloser closer{find};
+        do
+        {
+            if (!IsDirectory(entry))
+            {
+                if (FILETIMEToTimeT(entry.ftLastWriteTime) < cutOff)
+                    names.insert(entry.cFileName);
+            }
+            else if (IsWalked(entry))
+                waiting.push_back(current + entry.cFileName);
+        } while (FindNextFileW(find, &entry));
+    }
+    return names;
+}
+
+ZTString ArchiverCommandLine(bool hasIgnoreList, const ZTString& archivePath)
+{
+    ZTString exclusion;
+    if (hasIgnoreList)
+        exclusion = ZTString(L"-x@") + kIgnoreListName;
+    const ZTString archiver = GetPathInAppFolder(L"7za.exe");
+    return _StrFormat(L"\"{0}\" a -r -ssw {1} \"{2}\" *", {archiver, exclusion, archivePath});
+}
