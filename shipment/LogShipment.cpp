@@ -58,7 +58,7 @@ Handle StartArchiver(CTavoDlg& console, const ZTString& commandLine)
     startup.wShowWindow = SW_HIDE;
     PROCESS_INFORMATION process{};
     ZTString buffer = commandLine;
-    if (!CreateProcessW(nullptr, buffer.GetBuffer(), nullptr, nullptr, TRUE, 0, nullptr, GetLogDirectory(),
+    if (!CreateProcessW(nullptr, buffer.GetBuffer(buffer.GetLength()), nullptr, nullptr, TRUE, 0, nullptr, GetLogDirectory(),
                         &startup, &process))
     {
         const ZTString error = SystemErrorText(GetLastError());

@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "libraries/ipworks/LocalFile.h"
 
+#include "libraries/ipworks/NativePath.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
 
 bool LocalFile::Open(const std::wstring& path, std::string& problem)
-try
 {
-    const std::filesystem::path file(path);
-    if (std::filesystem::is_directory(file))
+    const std::filesystem::path file = NativePath(path);
+    std::error_code ignored;
+    if (std::filesystem::is_directory(file, ignored))
     {
         problem = std::generic_category().message(EISDIR);
         return false;
@@ -27,11 +29,6 @@ try
     mSize = static_cast<std::int64_t>(mStream.tellg());
     mStream.seekg(0);
     return true;
-}
-catch (const std::filesystem::filesystem_error& error)
-{
-    problem = error.code().message();
-    return false;
 }
 
 std::int64_t LocalFile::Read(char* buffer, std::int64_t capacity)

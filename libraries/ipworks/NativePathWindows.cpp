@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include "libraries/ipworks/NativePath.h"
+
+std::filesystem::path NativePath(const std::wstring& text)
+{
+    return text;
+}
