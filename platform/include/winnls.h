@@ -9,7 +9,7 @@
 
 #define CP_ACP 0
 #define CP_UTF8 65001
-#define MB_ERR_INVALID_CHARS 0x00000008
+#define LOCALE_CUSTOM_DEFAULT 0x0C00
 
 extern "C"
 {

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+#include "platform/kernel/CommandLine.h"
+
+#include "platform/kernel/Text.h"
+#include "winbase.h"
+
+#include <fstream>
+#include <iterator>
+
+namespace
+{
+
+constexpr wchar_t kQuote = L'"';
+
+// Where the opening quote belongs in an argument that needs quotes.
+std::size_t ValueStart(const std::wstring& argument)
+{
+    const bool isSwitch = argument.find_first_of(L"-/") == 0;
+    const std::size_t end = argument.find_first_of(L" :=");
+    return isSwitch && end != std::wstring::npos && argument[end] != L' ' ? end + 1 : 0;
+}
+
+std::wstring QuoteArgument(std::wstring argument)
+{
+    const bool blank = argument.find_first_not_of(L" \t\r\n\v\f") == std::wstring::npos;
+    if (!blank && argument.find(L' ') == std::wstring::npos)
+    {
+        return argument;
+    }
+    const std::size_t start = ValueStart(argument);
+    if (start < argument.size() && argument[start] == kQuote)
+    {
+        return argument;
+    }
+    return argument.insert(start, 1, kQuote) + kQuote;
+}
+
+std::vector<std::wstring> OwnArguments()
+{
+    std::ifstream file("/proc/self/cmdline", std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    std::vector<std::wstring> arguments;
+    for (std::size_t at = 0; at < bytes.size();)
+    {
+        const std::size_t end = bytes.find('\0', at);
+        arguments.push_back(WideFromSystem(std::string_view(bytes).substr(at, end - at)));
+        at = end == std::string::npos ? end : end + 1;
+    }
+    return arguments;
+}
+
+bool IsBlank(wchar_t character)
+{
+    return character == L' ' || character == L'\t';
+}
+
+// Takes the first word off the line.
+std::wstring TakeProgram(std::wstring_view& line)
+{
+    std::wstring word;
+    bool quoted = false;
+    std::size_t at = 0;
+    for (; at < line.size() && (quoted || !IsBlank(line[at])); ++at)
+    {
+        if (line[at] == kQuote)
+        {
+            quoted = !quoted;
+        }
+        else
+        {
+            word += line[at];
+        }
+    }
+    line.remove_prefix(at);
+    return word;
+}
+
+// Takes a further word off the line, which begins with it.
+std::wstring TakeArgument(std::wstring_view& line)
+{
+    std::wstring word;
+    bool quoted = false;
+    std::size_t at = 0;
+    while (at < line.size() && (quoted || !IsBlank(line[at])))
+    {
+        std::size_t backslashes = 0;
+        while (at < line.size() && line[at] == L'\\')
+        {
+            ++backslashes;
+            ++at;
+        }
+        if (at == line.size() || line[at] != kQuote)
+        {
+            word.append(backslashes, L'\\');
+            if (backslashes == 0)
+            {
+                word += line[at++];
+            }
+            continue;
+        }
+        word.append(backslashes / 2, L'\\');
+        const bool doubled = quoted && at + 1 < line.size() && line[at + 1] == kQuote;
+        if (backslashes % 2 != 0 || doubled)
+        {
+            word += kQuote;
+            at += backslashes % 2 != 0 ? 1 : 2;
+        }
+        else
+        {
+            quoted = !quoted;
+            ++at;
+        }
+    }
+    line.remove_prefix(at);
+    return word;
+}
+
+} // namespace
+
+std::wstring JoinCommandLine(const std::vector<std::wstring>& arguments)
+{
+    std::wstring line;
+    for (const std::wstring& argument : arguments)
+    {
+        line += line.empty() ? L"" : L" ";
+        line += QuoteArgument(argument);
+    }
+    return line;
+}
+
+std::vector<std::wstring> SplitCommandLine(std::wstring_view line)
+{
+    std::vector<std::wstring> words = {TakeProgram(line)};
+    for (;;)
+    {
+        while (!line.empty() && IsBlank(line.front()))
+        {
+            line.remove_prefix(1);
+        }
+        if (line.empty())
+        {
+            return words;
+        }
+        words.push_back(TakeArgument(line));
+    }
+}
+
+LPWSTR GetCommandLineW()
+{
+    static auto* line = new std::wstring(JoinCommandLine(OwnArguments()));
+    return line->data();
+}

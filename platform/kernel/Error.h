@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "windef.h"
+
+// The Windows code of an errno value; one that has no counterpart becomes ERROR_GEN_FAILURE.
+DWORD ErrorFromErrno(int code);
+
+// Sets the thread's last error and gives FALSE, for a call's failing return.
+BOOL FailWith(DWORD code);
+BOOL FailWithErrno(int code);

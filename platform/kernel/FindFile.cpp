@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: MIT
+#include "platform/kernel/Handle.h"
+#include "platform/kernel/Text.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace
+{
+
+// 100 ns units since 1601, of which 1970 is this many seconds away.
+constexpr std::int64_t kSecondsTo1970 = 11644473600;
+
+FILETIME FileTimeOf(const struct statx_timestamp& time)
+{
+    const std::int64_t units = (time.tv_sec + kSecondsTo1970) * 10000000 + time.tv_nsec / 100;
+    return {static_cast<DWORD>(units), static_cast<DWORD>(units >> 32)};
+}
+
+// * stands for any characters, ? for one.
+bool Matches(std::wstring_view name, std::wstring_view pattern)
+{
+    std::size_t at = 0;
+    std::size_t in = 0;
+    std::size_t star = std::wstring_view::npos;
+    std::size_t resume = 0;
+    while (at < name.size())
+    {
+        if (in < pattern.size() && pattern[in] == L'*')
+        {
+            star = in++;
+            resume = at;
+        }
+        else if (in < pattern.size() && (pattern[in] == L'?' || pattern[in] == name[at]))
+        {
+            ++in;
+            ++at;
+        }
+        else if (star != std::wstring_view::npos)
+        {
+            in = star + 1; // let the last star take one character more
+            at = ++resume;
+        }
+        else
+        {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of(L'*', in) == std::wstring_view::npos;
+}
+
+bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FIND_DATAW& data)
+{
+    struct statx status = {};
+    constexpr unsigned kWanted = STATX_TYPE | STATX_SIZE | STATX_ATIME | STATX_MTIME | STATX_BTIME;
+    if (statx(folder, name, AT_SYMLINK_NOFOLLOW, kWanted, &status) != 0)
+    {
+        return false;
+    }
+    data = {};
+    bool directory = S_ISDIR(status.stx_mode);
+    if (S_ISLNK(status.stx_mode))
+    {
+        struct stat target = {};
+        directory = fstatat(folder, name, &target, 0) == 0 && S_ISDIR(target.st_mode);
+        data.dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+        data.dwReserved0 = IO_REPARSE_TAG_SYMLINK;
+    }
+    if (directory)
+    {
+        data.dwFileAttributes |= FILE_ATTRIBUTE_DIRECTORY;
+    }
+    if (data.dwFileAttributes == 0)
+    {
+        data.dwFileAttributes = FILE_ATTRIBUTE_NORMAL;
+    }
+    if ((status.stx_mask & STATX_BTIME) != 0)
+    {
+        data.ftCreationTime = FileTimeOf(status.stx_btime);
+    }
+    data.ftLastAccessTime = FileTimeOf(status.stx_atime);
+    data.ftLastWriteTime = FileTimeOf(status.stx_mtime);
+    if (S_ISREG(status.stx_mode))
+    {
+        data.nFileSizeHigh = static_cast<DWORD>(status.stx_size >> 32);
+        data.nFileSizeLow = static_cast<DWORD>(status.stx_size);
+    }
+    return CopyOut(wideName, data.cFileName, MAX_PATH);
+}
+
+class Listing : public HandleObject
+{
+public:
+    Listing(DIR* folder, std::wstring pattern) : mFolder(folder), mPattern(std::move(pattern)) {}
+    ~Listing() override { closedir(mFolder); }
+
+    // False behind the last entry. One that vanishes meanwhile is passed over.
+    bool Next(WIN32_FIND_DATAW& data)
+    {
+        while (const dirent* entry = readdir(mFolder))
+        {
+            const std::wstring name = WideFromSystem(entry->d_name);
+            if (Matches(name, mPattern) && FillData(dirfd(mFolder), entry->d_name, name, data))
+            {
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    DIR* mFolder;
+    std::wstring mPattern;
+};
+
+} // namespace
+
+HANDLE FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW data)
+{
+    const std::wstring_view path = pattern;
+    const std::size_t name = path.find_last_of(L'/') + 1; // 0 without a separator
+    const std::string folder = name == 0 ? "." : SystemFromWide(path.substr(0, name));
+    DIR* directory = opendir(folder.c_str());
+    if (directory == nullptr)
+    {
+        const DWORD error = errno == ENOTDIR ? ERROR_DIRECTORY : ErrorFromErrno(errno);
+        SetLastError(error == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : error);
+        return INVALID_HANDLE_VALUE;
+    }
+    auto listing = std::make_shared<Listing>(directory, std::wstring(path.substr(name)));
+    if (!listing->Next(*data))
+    {
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return INVALID_HANDLE_VALUE;
+    }
+    return MakeHandle(std::move(listing));
+}
+
+BOOL FindNextFileW(HANDLE find, LPWIN32_FIND_DATAW data)
+{
+    const auto listing = ObjectOf<Listing>(find);
+    if (listing == nullptr)
+    {
+        return FALSE;
+    }
+    return listing->Next(*data) ? TRUE : FailWith(ERROR_NO_MORE_FILES);
+}
+
+BOOL FindClose(HANDLE find)
+{
+    return CloseHandleOf<Listing>(find);
+}
+
+BOOL DeleteFileW(LPCWSTR path)
+{
+    return unlink(SystemFromWide(path).c_str()) == 0 ? TRUE : FailWithErrno(errno);
+}

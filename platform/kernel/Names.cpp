@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+// Names of the machine, the user and the program.
+#include "platform/kernel/Error.h"
+#include "platform/kernel/Text.h"
+#include "winbase.h"
+#include "libloaderapi.h"
+#include "security.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <vector>
+
+namespace
+{
+
+std::wstring HostName()
+{
+    std::array<char, HOST_NAME_MAX + 1> name = {};
+    gethostname(name.data(), name.size() - 1);
+    const std::string_view full = name.data();
+    return WideFromSystem(full.substr(0, full.find('.')));
+}
+
+struct User
+{
+    std::wstring mLogin;
+    std::wstring mFullName;
+};
+
+// The effective user; the number alone for one without an account.
+User EffectiveUser()
+{
+    const uid_t id = geteuid();
+    std::vector<char> buffer(16384);
+    passwd entry = {};
+    passwd* found = nullptr;
+    while (getpwuid_r(id, &entry, buffer.data(), buffer.size(), &found) == ERANGE)
+    {
+        buffer.resize(buffer.size() * 2);
+    }
+    if (found == nullptr)
+    {
+        return {std::to_wstring(id), {}};
+    }
+    const std::string_view comment = found->pw_gecos;
+    return {WideFromSystem(found->pw_name), WideFromSystem(comment.substr(0, comment.find(',')))};
+}
+
+// The rule of these calls: `size` is the buffer's on entry, afterwards the characters with the terminator
+// needed, or written.
+bool CopyWithSize(const std::wstring& text, wchar_t* buffer, DWORD& size)
+{
+    const bool copied = CopyOut(text, buffer, buffer == nullptr ? 0 : size);
+    size = static_cast<DWORD>(text.size()) + 1;
+    return copied;
+}
+
+} // namespace
+
+BOOL GetComputerNameW(LPWSTR buffer, LPDWORD size)
+{
+    if (!CopyWithSize(HostName(), buffer, *size))
+    {
+        return FailWith(ERROR_BUFFER_OVERFLOW);
+    }
+    --*size; // the terminator is not counted here
+    return TRUE;
+}
+
+BOOL GetUserNameW(LPWSTR buffer, LPDWORD size)
+{
+    return CopyWithSize(EffectiveUser().mLogin, buffer, *size) ? TRUE : FailWith(ERROR_INSUFFICIENT_BUFFER);
+}
+
+BYTE GetUserNameExW(EXTENDED_NAME_FORMAT format, LPWSTR buffer, PULONG size)
+{
+    const User user = EffectiveUser();
+    std::wstring name;
+    if (format == NameSamCompatible)
+    {
+        name = HostName();
+        name += L'\\';
+        name += user.mLogin;
+    }
+    else if (format == NameDisplay)
+    {
+        name = user.mFullName;
+    }
+    if (name.empty())
+    {
+        SetLastError(ERROR_NONE_MAPPED);
+        return FALSE;
+    }
+    if (!CopyWithSize(name, buffer, *size))
+    {
+        SetLastError(ERROR_MORE_DATA);
+        return FALSE;
+    }
+    --*size;
+    return TRUE;
+}
+
+DWORD GetModuleFileNameW(HMODULE, LPWSTR buffer, DWORD size)
+{
+    std::vector<char> bytes(PATH_MAX);
+    const ssize_t length = readlink("/proc/self/exe", bytes.data(), bytes.size());
+    if (length <= 0 || size == 0)
+    {
+        FailWith(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    const std::wstring path = WideFromSystem({bytes.data(), static_cast<std::size_t>(length)});
+    if (CopyOut(path, buffer, size))
+    {
+        SetLastError(ERROR_SUCCESS);
+        return static_cast<DWORD>(path.size());
+    }
+    CopyOut(std::wstring_view(path).substr(0, size - 1), buffer, size); // cut, as on Windows
+    SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    return size;
+}

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "platform/kernel/Text.h"
+#include "timezoneapi.h"
+
+#include <time.h>
+#include <unicode/ucal.h>
+#include <unicode/ustring.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace
+{
+
+constexpr time_t kDay = 24 * 60 * 60; // in s
+
+struct tm LocalTime(time_t when)
+{
+    struct tm fields = {};
+    localtime_r(&when, &fields);
+    return fields;
+}
+
+// The clocks of one year, as offsets to UTC in seconds. Which is daylight time goes by the clock alone: the
+// flag of the zone's source marks Dublin's winter.
+struct YearClocks
+{
+    long mStandard;
+    long mDaylight;
+    bool mChanges; // false: both are the offset in force
+    std::string mStandardName;
+    std::string mDaylightName;
+};
+
+YearClocks ClocksAround(time_t now)
+{
+    const struct tm today = LocalTime(now);
+    YearClocks clocks = {today.tm_gmtoff, today.tm_gmtoff, false, today.tm_zone, today.tm_zone};
+    bool normal = false;
+    bool marked = false;
+    const time_t newYear = now - today.tm_yday * kDay;
+    constexpr int kLastDay = 364;
+    for (int day = 0; day <= kLastDay; ++day)
+    {
+        const struct tm fields = LocalTime(newYear + day * kDay);
+        (fields.tm_isdst > 0 ? marked : normal) = true;
+        if (fields.tm_gmtoff < clocks.mStandard)
+        {
+            clocks.mStandard = fields.tm_gmtoff;
+            clocks.mStandardName = fields.tm_zone;
+        }
+        if (fields.tm_gmtoff > clocks.mDaylight)
+        {
+            clocks.mDaylight = fields.tm_gmtoff;
+            clocks.mDaylightName = fields.tm_zone;
+        }
+    }
+    clocks.mChanges = normal && marked && clocks.mStandard != clocks.mDaylight;
+    if (!clocks.mChanges) // a zone that moved for good has the clock in force
+    {
+        clocks.mStandard = clocks.mDaylight = today.tm_gmtoff;
+        clocks.mStandardName = clocks.mDaylightName = today.tm_zone;
+    }
+    return clocks;
+}
+
+// "Europe/Berlin" of a file below a zoneinfo folder; empty for any other.
+std::string ZoneOfFile(const std::string& path)
+{
+    constexpr std::string_view kFolder = "/zoneinfo/";
+    const std::size_t at = path.find(kFolder);
+    return at == std::string::npos ? std::string() : path.substr(at + kFolder.size());
+}
+
+std::string ZoneId()
+{
+    if (const char* variable = getenv("TZ"))
+    {
+        const std::string value = *variable == ':' ? variable + 1 : variable;
+        return value.empty() ? "UTC" : value.front() == '/' ? ZoneOfFile(value) : value;
+    }
+    std::error_code error;
+    std::string zone = ZoneOfFile(std::filesystem::canonical("/etc/localtime", error).string());
+    if (zone.empty())
+    {
+        std::ifstream("/etc/timezone") >> zone;
+    }
+    return zone;
+}
+
+// Windows' name of a zone by the table that comes with ICU; empty where it has none.
+std::string WindowsZone(const std::string& zone)
+{
+    const std::u16string id(zone.begin(), zone.end());
+    std::array<UChar, 64> name = {};
+    UErrorCode error = U_ZERO_ERROR;
+    const int32_t length = ucal_getWindowsTimeZoneID(id.data(), static_cast<int32_t>(id.size()), name.data(),
+                                                     name.size(), &error);
+    return U_SUCCESS(error) ? std::string(name.data(), name.data() + length) : std::string();
+}
+
+void SetNames(TIME_ZONE_INFORMATION& information, const std::string& zone, const YearClocks& clocks)
+{
+    constexpr std::string_view kStandard = "Standard Time";
+    std::string standard = zone == "UTC" ? "Coordinated Universal Time" : zone;
+    std::string daylight = standard;
+    if (const std::size_t at = daylight.find(kStandard); at != std::string::npos)
+    {
+        daylight.replace(at, kStandard.size(), "Daylight Time");
+    }
+    if (zone.empty())
+    {
+        standard = clocks.mStandardName;
+        daylight = clocks.mDaylightName;
+    }
+    CopyOut(WideFromSystem(standard), information.StandardName, std::size(information.StandardName));
+    CopyOut(WideFromSystem(daylight), information.DaylightName, std::size(information.DaylightName));
+}
+
+LONG Minutes(long seconds)
+{
+    return static_cast<LONG>(seconds / 60);
+}
+
+} // namespace
+
+DWORD GetTimeZoneInformation(LPTIME_ZONE_INFORMATION information)
+{
+    tzset();
+    const time_t now = time(nullptr);
+    const YearClocks clocks = ClocksAround(now);
+    const std::string zone = WindowsZone(ZoneId());
+    *information = {};
+    information->Bias = -Minutes(clocks.mStandard);
+    SetNames(*information, zone, clocks);
+    if (!clocks.mChanges)
+    {
+        // Windows keeps an hour's difference for most zones that never use it.
+        constexpr LONG kUnusedDaylightBias = -60;
+        information->DaylightBias = zone.find("Standard Time") != std::string::npos ? kUnusedDaylightBias : 0;
+        return TIME_ZONE_ID_UNKNOWN;
+    }
+    information->DaylightBias = -Minutes(clocks.mDaylight - clocks.mStandard);
+    return LocalTime(now).tm_gmtoff == clocks.mDaylight ? TIME_ZONE_ID_DAYLIGHT : TIME_ZONE_ID_STANDARD;
+}
