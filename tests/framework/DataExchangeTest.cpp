@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: MIT
+// Values between members and controls: round trips, and what happens to a text that is no number.
+#include "tests/framework/TestDialog.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <optional>
+
+namespace
+{
+
+void Nothing() {}
+
+class ExchangeDialog : public TestDialog
+{
+public:
+    ExchangeDialog() : TestDialog(IDD_EXCHANGE) {}
+
+    HWND Control(int id) { return ::GetDlgItem(m_hWnd, id); }
+    void Type(int id, const wchar_t* text) { SetWindowTextW(Control(id), text); }
+
+    CStringW mText;
+    std::uint32_t mNumber = 389;
+    CStringW mBehind; // exchanged after the number
+    int mCheck = 1;
+    CComboBox mChoice;
+    CEdit mLongEdit;
+    CStringW mLongText;
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override
+    {
+        DDX_Text(pDX, IDC_TEXT, mText);
+        DDX_Text(pDX, IDC_NUMBER, mNumber);
+        DDX_Text(pDX, IDC_BEHIND, mBehind);
+        DDX_Check(pDX, IDC_CHECK, mCheck);
+        DDX_Control(pDX, IDC_CHOICE, mChoice);
+        DDX_Text(pDX, IDC_LONG_TEXT, mLongText);
+        DDX_Control(pDX, IDC_LONG_TEXT, mLongEdit);
+    }
+};
+
+} // namespace
+
+TEST(DataExchange, FillsTheControlsAndTakesTheirValues)
+{
+    ExchangeDialog dialog;
+    dialog.mText = L"Grüße € \x65E5\x672C";
+    const INT_PTR result = dialog.Run({
+        [&]
+        {
+            EXPECT_EQ(TextOf(dialog.Control(IDC_TEXT)), dialog.mText.GetString());
+            EXPECT_EQ(TextOf(dialog.Control(IDC_NUMBER)), L"389");
+            EXPECT_EQ(SendMessageW(dialog.Control(IDC_CHECK), BM_GETCHECK, 0, 0), BST_CHECKED);
+            dialog.mText = L"";
+            dialog.mNumber = UINT32_MAX;
+            dialog.mCheck = 0;
+            EXPECT_TRUE(dialog.UpdateData(FALSE));
+            EXPECT_EQ(TextOf(dialog.Control(IDC_TEXT)), L"");
+            EXPECT_EQ(TextOf(dialog.Control(IDC_NUMBER)), L"4294967295");
+            EXPECT_EQ(SendMessageW(dialog.Control(IDC_CHECK), BM_GETCHECK, 0, 0), BST_UNCHECKED);
+            dialog.mCheck = -7; // any number but 0 ticks the box
+            EXPECT_TRUE(dialog.UpdateData(FALSE));
+            EXPECT_TRUE(dialog.UpdateData(TRUE));
+            EXPECT_EQ(dialog.mCheck, 1);
+
+            dialog.Type(IDC_TEXT, L" typed ");
+            dialog.Type(IDC_NUMBER, L"636");
+            SendMessageW(dialog.Control(IDC_CHECK), BM_SETCHECK, BST_UNCHECKED, 0);
+            dialog.Click(IDOK);
+        },
+    });
+    EXPECT_EQ(result, IDOK);
+    EXPECT_STREQ(dialog.mText, L" typed ");
+    EXPECT_EQ(dialog.mNumber, 636U);
+    EXPECT_EQ(dialog.mCheck, 0);
+}
+
+TEST(DataExchange, CancelTakesNoValues)
+{
+    ExchangeDialog dialog;
+    const INT_PTR result = dialog.Run({[&]
+                                       {
+                                           dialog.Type(IDC_TEXT, L"typed");
+                                           dialog.Type(IDC_NUMBER, L"no number");
+                                           dialog.Click(IDCANCEL);
+                                       }});
+    EXPECT_EQ(result, IDCANCEL);
+    EXPECT_TRUE(dialog.mText.IsEmpty());
+    EXPECT_EQ(dialog.mNumber, 389U);
+}
+
+TEST(DataExchange, TakesNumbersOf32Bits)
+{
+    struct Case
+    {
+        const wchar_t* text;
+        std::optional<std::uint32_t> number;
+    };
+    const Case cases[] = {
+        {L"0", 0},
+        {L"389", 389},
+        {L"4294967295", UINT32_MAX},
+        {L" \t636 ", 636},
+        {L"0000000000000007", 7},
+        {L"", std::nullopt},
+        {L"  ", std::nullopt},
+        {L"ldap", std::nullopt},
+        {L"-1", std::nullopt},
+        {L"4294967296", std::nullopt},
+        {L"18446744073709551617", std::nullopt}, // 1 in 64 bits
+        {L"389x", std::nullopt},
+        {L"3 89", std::nullopt},
+        {L"0x10", std::nullopt},
+        {L"1.5", std::nullopt},
+        {L"\xFF13\xFF18\xFF19", std::nullopt}, // digits of another script
+    };
+    ExchangeDialog dialog;
+    std::vector<TestDialog::Step> steps;
+    for (const Case& row : cases)
+    {
+        steps.emplace_back(
+            [&]
+            {
+                dialog.mNumber = 42;
+                dialog.Type(IDC_NUMBER, row.text);
+                SetFocus(dialog.Control(IDC_CHECK));
+                EXPECT_EQ(dialog.UpdateData(TRUE), row.number.has_value()) << row.text;
+                EXPECT_EQ(dialog.mNumber, row.number.value_or(42)) << row.text;
+                EXPECT_EQ(GetFocus(), dialog.Control(row.number ? IDC_CHECK : IDC_NUMBER)) << row.text;
+            });
+        if (!row.number)
+        {
+            steps.emplace_back(Nothing);
+            steps.emplace_back([]
+                               { EXPECT_EQ(ReadAndCloseMessageBox(), L"Please enter a positive integer."); });
+        }
+    }
+    steps.emplace_back([&] { dialog.EndDialog(1); });
+    dialog.Run(steps);
+}
+
+TEST(DataExchange, RefusedNumberKeepsTheDialogOpenAndItsTextSelected)
+{
+    ExchangeDialog dialog;
+    const INT_PTR result = dialog.Run({
+        [&]
+        {
+            dialog.Type(IDC_TEXT, L"before");
+            dialog.Type(IDC_NUMBER, L"many");
+            dialog.Type(IDC_BEHIND, L"behind");
+            SetFocus(dialog.Control(IDOK));
+            dialog.Click(IDOK);
+        },
+        Nothing,
+        [&]
+        {
+            EXPECT_FALSE(IsWindowEnabled(dialog.m_hWnd)) << "the message belongs to the dialog";
+            EXPECT_EQ(ReadAndCloseMessageBox(), L"Please enter a positive integer.");
+        },
+        [&]
+        {
+            EXPECT_TRUE(IsWindowEnabled(dialog.m_hWnd));
+            EXPECT_TRUE(IsWindowVisible(dialog.m_hWnd));
+            EXPECT_EQ(GetFocus(), dialog.Control(IDC_NUMBER));
+            DWORD start = 99;
+            DWORD end = 99;
+            SendMessageW(dialog.Control(IDC_NUMBER), EM_GETSEL, reinterpret_cast<WPARAM>(&start),
+                         reinterpret_cast<LPARAM>(&end));
+            EXPECT_EQ(start, 0U);
+            EXPECT_EQ(end, 4U);
+            EXPECT_STREQ(dialog.mText, L"before");
+            EXPECT_EQ(dialog.mNumber, 389U);
+            EXPECT_TRUE(dialog.mBehind.IsEmpty()) << "the exchange ends with the refusal";
+            dialog.Type(IDC_NUMBER, L"636");
+            dialog.Click(IDOK);
+        },
+    });
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(dialog.mNumber, 636U);
+    EXPECT_STREQ(dialog.mBehind, L"behind");
+}
+
+TEST(DataExchange, LongTextsAreNotCut)
+{
+    std::wstring lines;
+    while (lines.size() < 300'000)
+        lines += L"[1234ms] A line of the console as it comes, " + std::to_wstring(lines.size()) + L"\r\n";
+    const std::wstring oneLine(70'000, L'x');
+    ExchangeDialog dialog;
+    dialog.mText = oneLine.c_str();
+    dialog.mLongText = lines.c_str();
+    dialog.Run({
+        [&]
+        {
+            dialog.mText = L"";
+            dialog.mLongText = L"";
+            EXPECT_TRUE(dialog.UpdateData(TRUE));
+            EXPECT_TRUE(dialog.mText.GetString() == oneLine) << dialog.mText.GetLength();
+            EXPECT_TRUE(dialog.mLongText.GetString() == lines) << dialog.mLongText.GetLength();
+            dialog.EndDialog(1);
+        },
+    });
+}
+
+TEST(DataExchange, ControlObjectsAreTiedWhileTheDialogIsOpen)
+{
+    ExchangeDialog dialog;
+    for (int round = 0; round < 2; ++round)
+    {
+        dialog.Run({
+            [&]
+            {
+                EXPECT_EQ(dialog.mChoice.m_hWnd, dialog.Control(IDC_CHOICE));
+                EXPECT_EQ(dialog.mLongEdit.m_hWnd, dialog.Control(IDC_LONG_TEXT));
+                EXPECT_EQ(dialog.GetDlgItem(IDC_TEXT)->m_hWnd, dialog.Control(IDC_TEXT));
+                EXPECT_EQ(dialog.GetDlgItem(IDC_TEXT), dialog.GetDlgItem(IDC_TEXT));
+                EXPECT_EQ(dialog.GetDlgItem(4711), nullptr);
+
+                dialog.GetDlgItem(IDOK)->EnableWindow(FALSE);
+                EXPECT_FALSE(IsWindowEnabled(dialog.Control(IDOK)));
+                dialog.EndDialog(1);
+            },
+        });
+        EXPECT_EQ(dialog.mChoice.m_hWnd, nullptr);
+        EXPECT_EQ(dialog.mLongEdit.m_hWnd, nullptr);
+    }
+}
+
+TEST(DataExchange, ComboBoxKeepsItsItemsInOrderWithTheirData)
+{
+    ExchangeDialog dialog;
+    dialog.Run({
+        [&]
+        {
+            EXPECT_EQ(dialog.mChoice.GetCurSel(), -1);
+            EXPECT_EQ(dialog.mChoice.AddString(L"zero"), 0);
+            EXPECT_EQ(dialog.mChoice.AddString(L"first"), 1); // not sorted
+            dialog.mChoice.SetItemData(0, 7);
+            dialog.mChoice.SetItemData(1, 0x123456789AU);
+            EXPECT_EQ(dialog.mChoice.SetCurSel(1), 1);
+            EXPECT_EQ(dialog.mChoice.GetCurSel(), 1);
+            EXPECT_EQ(dialog.mChoice.GetItemData(0), 7U);
+            EXPECT_EQ(dialog.mChoice.GetItemData(1), 0x123456789AU);
+            dialog.EndDialog(1);
+        },
+    });
+}

@@ -1,0 +1,379 @@
+// SPDX-License-Identifier: MIT
+// Modal dialogs: loops within loops, ends in the middle of a handler, keys, and the way of a message to its
+// handler.
+#include "tests/framework/TestDialog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+using testing::ElementsAre;
+
+namespace
+{
+
+// A step that only lets what was posted before it come first.
+void Nothing() {}
+
+} // namespace
+
+TEST(ModalDialog, GivesTheResultThatItWasEndedWith)
+{
+    TestDialog dialog;
+    EXPECT_EQ(dialog.Run({[&] { dialog.EndDialog(77); }}), 77);
+    EXPECT_EQ(dialog.m_hWnd, nullptr);
+}
+
+TEST(ModalDialog, CanBeShownAgainAfterItsEnd)
+{
+    TestDialog dialog;
+    for (const int result : {3, 4})
+        EXPECT_EQ(dialog.Run({[&] { dialog.EndDialog(result); }}), result);
+}
+
+TEST(ModalDialog, FailsWithoutATemplate)
+{
+    TestDialog dialog(4711);
+    EXPECT_EQ(dialog.DoModal(), -1);
+}
+
+TEST(ModalDialog, DisablesItsParentAndServesIt)
+{
+    TestDialog outer;
+    TestDialog inner(IDD_PLAIN, &outer);
+    TestDialog innermost(IDD_PLAIN, &inner);
+    const auto enabled = [&]
+    {
+        return std::vector<bool>{IsWindowEnabled(outer.m_hWnd) != 0, IsWindowEnabled(inner.m_hWnd) != 0,
+                                 IsWindowEnabled(innermost.m_hWnd) != 0};
+    };
+    std::vector<std::string> order;
+    outer.Run({
+        [&]
+        {
+            inner.DoModal();
+            order.emplace_back("inner returned");
+            EXPECT_THAT(enabled(), ElementsAre(true, false, false));
+        },
+        [&]
+        {
+            innermost.DoModal();
+            order.emplace_back("innermost returned");
+            EXPECT_THAT(enabled(), ElementsAre(false, true, false));
+        },
+        [&]
+        {
+            EXPECT_THAT(enabled(), ElementsAre(false, false, true));
+            innermost.EndDialog(1);
+            order.emplace_back("innermost ended");
+        },
+        [&]
+        {
+            inner.EndDialog(1);
+            order.emplace_back("inner ended");
+        },
+        [&] { outer.EndDialog(1); },
+    });
+    EXPECT_THAT(order, ElementsAre("innermost ended", "innermost returned", "inner ended", "inner returned"));
+}
+
+TEST(ModalDialog, WaitsForTheHandlerInWhichItWasEnded)
+{
+    TestDialog dialog;
+    dialog.mWork = [&]
+    {
+        Pump(); // dispatches the click on End
+        EXPECT_TRUE(IsWindow(dialog.m_hWnd));
+        EXPECT_FALSE(IsWindowVisible(dialog.m_hWnd));
+        EXPECT_TRUE(dialog.UpdateData(TRUE));
+        Pump();
+    };
+    EXPECT_EQ(dialog.Run({[&] { dialog.Click(IDC_WORK); }, [&] { dialog.Click(IDC_END); }}), IDC_END);
+    EXPECT_THAT(dialog.mTrace, ElementsAre("fill", "work begins", "OnEnd", "save", "work ends"));
+}
+
+TEST(ModalDialog, EndedUnderAnotherOneReturnsAfterIt)
+{
+    TestDialog outer;
+    TestDialog inner(IDD_PLAIN, &outer);
+    std::vector<std::string> order;
+    const INT_PTR result = outer.Run({
+        [&]
+        {
+            EXPECT_EQ(inner.DoModal(), 2);
+            order.emplace_back("inner returned");
+        },
+        [&]
+        {
+            outer.EndDialog(1);
+            order.emplace_back("outer ended");
+        },
+        [&]
+        {
+            EXPECT_TRUE(IsWindowVisible(inner.m_hWnd));
+            inner.EndDialog(2);
+        },
+    });
+    EXPECT_EQ(result, 1);
+    EXPECT_THAT(order, ElementsAre("outer ended", "inner returned"));
+}
+
+TEST(ModalDialog, EndedWhileItOpensServesNothingMore)
+{
+    TestDialog dialog;
+    dialog.mInitResult = FALSE;
+    dialog.mBeforeEnd = [&]
+    {
+        PostMessageW(dialog.m_hWnd, WM_COMMAND, IDC_WORK, 0);
+        dialog.EndDialog(1);
+    };
+    EXPECT_EQ(dialog.DoModal(), 1);
+    EXPECT_THAT(dialog.mTrace, ElementsAre("fill"));
+}
+
+TEST(ModalDialog, FirstControlHasTheFocus)
+{
+    TestDialog dialog(IDD_EXCHANGE);
+    dialog.Run({
+        [&]
+        {
+            EXPECT_EQ(GetFocus(), GetDlgItem(dialog.m_hWnd, IDC_TEXT));
+            dialog.EndDialog(1);
+        },
+    });
+}
+
+TEST(ModalDialog, TakesEnterAndEscapeWithoutButtonsForThem)
+{
+    struct Case
+    {
+        int focus;
+        WORD key;
+        int result;
+    };
+    const Case cases[] = {
+        {IDC_LINE, VK_RETURN, IDOK},    {IDC_LINE, VK_ESCAPE, IDCANCEL},
+        {IDC_LOG, VK_ESCAPE, IDCANCEL}, // the many-lined box takes all keys and closes the dialog itself
+        {IDC_END, VK_RETURN, IDC_END},  // Enter presses the button with the focus
+        {IDC_END, VK_ESCAPE, IDCANCEL},
+    };
+    for (const Case& row : cases)
+    {
+        TestDialog dialog;
+        EXPECT_EQ(dialog.Run({[&] { dialog.Press(row.focus, row.key); }}), row.result)
+            << "key " << row.key << " on " << row.focus;
+    }
+}
+
+TEST(ModalDialog, CloseCancelsIt)
+{
+    TestDialog dialog;
+    EXPECT_EQ(dialog.Run({[&] { PostMessageW(dialog.m_hWnd, WM_CLOSE, 0, 0); }}), IDCANCEL);
+    EXPECT_THAT(dialog.mTrace, ElementsAre("fill", "OnCancel"));
+}
+
+TEST(ModalDialog, PaintsAreOver)
+{
+    TestDialog dialog;
+    dialog.Run({
+        [&]
+        {
+            Pump();
+            dialog.UpdateWindow();
+            EXPECT_GE(dialog.mPaints, 1);
+            const int paints = dialog.mPaints;
+            Pump();
+            dialog.UpdateWindow();
+            EXPECT_EQ(dialog.mPaints, paints) << "OnPaint left something to paint";
+            dialog.EndDialog(1);
+        },
+    });
+}
+
+namespace
+{
+
+constexpr int kThreads = 4;
+constexpr int kPosts = 500;
+constexpr UINT WM_NUMBER = WM_USER + 3; // thread and number
+
+class Receiver : public CDialog
+{
+public:
+    Receiver() : CDialog(IDD_PLAIN) {}
+
+    std::vector<std::vector<LPARAM>> mReceived = std::vector<std::vector<LPARAM>>(kThreads);
+    std::vector<std::thread> mThreads;
+
+protected:
+    BOOL OnInitDialog() override
+    {
+        for (WPARAM thread = 0; thread < kThreads; ++thread)
+        {
+            mThreads.emplace_back(
+                [window = m_hWnd, thread]
+                {
+                    for (int i = 0; i < kPosts; ++i)
+                        PostMessageW(window, WM_NUMBER, thread, i);
+                });
+        }
+        return TRUE;
+    }
+
+    afx_msg LRESULT OnNumber(WPARAM thread, LPARAM number)
+    {
+        mReceived[thread].push_back(number);
+        if (++mCount == kThreads * kPosts)
+            EndDialog(1);
+        return 0;
+    }
+    DECLARE_MESSAGE_MAP()
+
+private:
+    int mCount = 0;
+};
+
+BEGIN_MESSAGE_MAP(Receiver, CDialog)
+ON_MESSAGE(WM_NUMBER, OnNumber)
+END_MESSAGE_MAP()
+
+} // namespace
+
+TEST(ModalDialog, ReceivesEachThreadsPostsInTheirOrder)
+{
+    Receiver dialog;
+    EXPECT_EQ(dialog.DoModal(), 1);
+    for (std::thread& thread : dialog.mThreads)
+        thread.join();
+    for (const std::vector<LPARAM>& numbers : dialog.mReceived)
+    {
+        EXPECT_EQ(numbers.size(), kPosts);
+        EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+    }
+}
+
+TEST(MessageMap, GivesTheResultOfTheHandler)
+{
+    TestDialog dialog;
+    dialog.Run({
+        [&]
+        {
+            // The second needs all 64 bits.
+            EXPECT_EQ(SendMessageW(dialog.m_hWnd, WM_ADD, 1000, -1001), -1);
+            EXPECT_EQ(SendMessageW(dialog.m_hWnd, WM_ADD, 1, 0x123456789ALL), 0x123456789BLL);
+            EXPECT_EQ(SendMessageW(dialog.m_hWnd, WM_QUERYDRAGICON, 0, 0),
+                      reinterpret_cast<LRESULT>(&dialog));
+            dialog.EndDialog(1);
+        },
+    });
+}
+
+namespace
+{
+
+class DerivedDialog : public TestDialog
+{
+public:
+    int mNewRow = 0;
+
+protected:
+    afx_msg void OnOtherWork() { mTrace.emplace_back("other work"); }
+    afx_msg void OnCommand() { ++mNewRow; }
+    DECLARE_MESSAGE_MAP()
+};
+
+constexpr int kOtherCommand = 0x8001;
+
+BEGIN_MESSAGE_MAP(DerivedDialog, TestDialog)
+ON_BN_CLICKED(IDC_WORK, OnOtherWork)
+ON_COMMAND(kOtherCommand, OnCommand)
+END_MESSAGE_MAP()
+
+} // namespace
+
+TEST(MessageMap, DerivedClassComesFirstAndItsBasesServeTheRest)
+{
+    DerivedDialog dialog;
+    dialog.Run({
+        [&] { dialog.Click(IDC_WORK); },
+        [&] { SendMessageW(dialog.m_hWnd, WM_COMMAND, kOtherCommand, 0); },
+        // Another notification of the same button has no row.
+        [&] { SendMessageW(dialog.m_hWnd, WM_COMMAND, MAKEWPARAM(IDC_WORK, 5), 0); },
+        [&] { SendMessageW(dialog.m_hWnd, WM_COMMAND, IDOK, 0); },
+    });
+    EXPECT_THAT(dialog.mTrace, ElementsAre("fill", "other work", "OnOK", "save"));
+    EXPECT_EQ(dialog.mNewRow, 1);
+}
+
+TEST(MessageMap, KnowsTwoRowsForTheSameMessage)
+{
+    constexpr AFX_MSGMAP_ENTRY paint{WM_PAINT, 0, 0, nullptr};
+    constexpr AFX_MSGMAP_ENTRY click{WM_COMMAND, BN_CLICKED, 7, nullptr};
+    constexpr AFX_MSGMAP_ENTRY otherClick{WM_COMMAND, BN_CLICKED, 8, nullptr};
+    EXPECT_TRUE(AfxRowsDiffer({paint, click, otherClick, {}}));
+    EXPECT_FALSE(AfxRowsDiffer({click, paint, click, {}}));
+}
+
+namespace
+{
+
+class TestApp : public CWinApp
+{
+public:
+    TestApp() : CWinApp(L"Test") {}
+
+protected:
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(TestApp, CWinApp)
+ON_COMMAND(ID_HELP, CWinApp::OnHelp)
+END_MESSAGE_MAP()
+
+} // namespace
+
+TEST(Application, ServesTheCommandsThatTheDialogDoesNot)
+{
+    TestApp app;
+    ASSERT_EQ(AfxGetApp(), &app);
+    TestDialog dialog;
+    app.m_pMainWnd = &dialog;
+    dialog.Run({
+        [&] { SendMessageW(dialog.m_hWnd, WM_COMMAND, ID_HELP, 0); },
+        Nothing,
+        [&]
+        {
+            EXPECT_EQ(TextOf(TopWindow()), L"Test");
+            EXPECT_EQ(ReadAndCloseMessageBox(), L"Failed to launch help.");
+        },
+        [&] { dialog.EndDialog(1); },
+    });
+}
+
+namespace
+{
+
+class NamedDialog : public CDialog
+{
+    DECLARE_DYNAMIC(NamedDialog)
+
+public:
+    NamedDialog() : CDialog(IDD_PLAIN) {}
+};
+
+IMPLEMENT_DYNAMIC(NamedDialog, CDialog)
+
+} // namespace
+
+TEST(RuntimeClass, KnowsItsNameAndItsBases)
+{
+    const NamedDialog dialog;
+    EXPECT_STREQ(dialog.GetRuntimeClass()->m_lpszClassName, "NamedDialog");
+    EXPECT_TRUE(dialog.IsKindOf(RUNTIME_CLASS(NamedDialog)));
+    EXPECT_TRUE(dialog.IsKindOf(RUNTIME_CLASS(CWnd)));
+    EXPECT_TRUE(dialog.IsKindOf(RUNTIME_CLASS(CObject)));
+    EXPECT_FALSE(dialog.IsKindOf(RUNTIME_CLASS(CEdit)));
+    EXPECT_FALSE(CDialog(IDD_PLAIN).IsKindOf(RUNTIME_CLASS(NamedDialog)));
+}

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+// A dialog that is driven through messages by a list of steps. Each step is a posted message of its own, and
+// the next one is posted before a step runs: when a step opens a nested loop (a dialog, a message box, a
+// handler that pumps) the next one runs inside that loop.
+#pragma once
+
+#include "framework/afxwin.h"
+#include "tests/framework/testIds.h"
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <vector>
+
+class TestDialog : public CDialog
+{
+public:
+    using Step = std::function<void()>;
+
+    explicit TestDialog(UINT templateId = IDD_PLAIN, CWnd* parent = nullptr) : CDialog(templateId, parent) {}
+
+    // Runs the dialog with these steps. A dialog that stays open after the last one is a failure of the test,
+    // and is ended.
+    INT_PTR Run(std::vector<Step> steps);
+
+    // A click on a button, as a person's.
+    void Click(int id);
+    // A key on a control, which gets the focus.
+    void Press(int id, WORD key);
+
+    std::vector<std::string> mTrace; // what was called, in order
+    Step mWork;                      // what the button "Work" does
+    Step mBeforeEnd;                 // runs in OnInitDialog
+    BOOL mInitResult = TRUE;
+    int mPaints = 0;
+
+protected:
+    BOOL OnInitDialog() override;
+    void OnOK() override;
+    void OnCancel() override;
+    void DoDataExchange(CDataExchange* pDX) override;
+
+    afx_msg void OnPaint();
+    afx_msg HCURSOR OnQueryDragIcon();
+    afx_msg void OnEnd();
+    afx_msg void OnWork();
+    afx_msg LRESULT OnStep(WPARAM wParam, LPARAM lParam);
+    afx_msg LRESULT OnAdd(WPARAM wParam, LPARAM lParam);
+    afx_msg LRESULT OnTimer(WPARAM wParam, LPARAM lParam);
+    DECLARE_MESSAGE_MAP()
+
+private:
+    std::deque<Step> mSteps;
+};
+
+constexpr UINT WM_STEP = WM_USER + 1;
+constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
+
+// The message box or dialog on top.
+HWND TopWindow();
+std::wstring TextOf(HWND window);
+// What the message box on top says; it is then answered with OK.
+std::wstring ReadAndCloseMessageBox();
+// Serves the messages that wait.
+void Pump();
