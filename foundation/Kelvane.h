@@ -15,7 +15,7 @@
 #include <security.h>
 
 #include <cstdint>
-#include <ctime>
+#include <exception>
 #include <set>
 #include <string>
 
@@ -25,10 +25,26 @@ class RequestTarget; // never made by this program: every pointer passed is null
 
 // --- Configuration ---
 
-// A setting's number. Named ones are those that the libraries themselves obey.
+// A setting's number. The settings live in one file, Tavo.settings.json in the program folder, which a person
+// may edit; what is not there, or is not of its type, has its default. All are read when the program starts.
 enum eConfigID : int
 {
     eConfigNone = 0,
+
+    // LogDirectory: where the log lies, for the whole life of the process; "Logs". A relative path starts in
+    // the program folder.
+    eConfigLogDirectory = 337,
+    // CustomerServiceText: how to reach the people who help; what GetCustServiceInfo gives.
+    eConfigCustomerServiceText = 338,
+    // LogLevel: the highest severity that is logged, 0 for no log at all; 2. At once.
+    eConfigLogLevel = 339,
+    // LogSizeLimitKB: the size beyond which a new log is begun, in units of 1024 bytes, 0 for none; 4096. At
+    // once.
+    eConfigLogSizeLimitKB = 340,
+    // LogFileCount: how many older logs are kept, Tavo.1.log being the latest, 99 at most; 5. At once.
+    eConfigLogFileCount = 341,
+    // RecordLockWaits: not 0 has every wait for a lock recorded; SignalShutdown logs them. 0.
+    eConfigRecordLockWaits = 342,
 };
 
 enum eParamType : int
@@ -38,33 +54,42 @@ enum eParamType : int
     eParamDWord = 13,
 };
 
-// The setting of a name, in any case, or eConfigNone. `logUnknown` is kept for the product's other programs.
+// The setting of a name, in any case; when not `byName`, the one whose number the text holds. eConfigNone
+// when there is none.
 KELVANE_EXPORT eConfigID GetConfigID(const wchar_t* name, bool byName);
 KELVANE_EXPORT eParamType GetConfigType(eConfigID id);
 
-// Store a value durably; false when the store refuses it. Another process that writes another setting at
-// the same moment loses nothing, nor does a crash.
+// Change a value, for this process and with `save` in the store, too. False, and nothing is changed, when the
+// store cannot be written or the setting is of another type. A stored value has reached the disk; another
+// process that writes another setting at the same moment loses nothing, nor does a crash. `target` is null.
 KELVANE_EXPORT bool SetConfigStr(eConfigID id, const wchar_t* text, bool save, RequestTarget* target);
 KELVANE_EXPORT bool SetConfigDWord(eConfigID id, DWORD number, bool save, RequestTarget* target);
 
-// Forgets what is remembered of a setting: the next read gives what the store holds.
+// Values are remembered at the first read. This forgets one: the next read gives what the store holds.
 KELVANE_EXPORT void ResetConfigVal(eConfigID id);
 KELVANE_EXPORT ZTString GetConfigStr(eConfigID id, RequestTarget* target);
 KELVANE_EXPORT DWORD GetConfigDWord(eConfigID id, RequestTarget* target);
 
 // --- Logging ---
 
+// The log is Tavo.log in the log directory: UTF-8, a line with local time, process and thread for each call,
+// whatever control characters the text holds. Several processes may write it at once. It may be used before
+// main and after it. When it cannot be written, the program goes on, and standard error says so once.
+
 // Severity of a log line.
 constexpr unsigned char kLogFailure = 1;
 constexpr unsigned char kLogProgress = 2;
 
 KELVANE_EXPORT void _Log(unsigned char severity, const wchar_t* format, const PlaceholderValues& values);
+// A finished text; with `flush` it is on the disk when the call returns.
 KELVANE_EXPORT void LogNF(unsigned char severity, const wchar_t* text, bool flush);
+// A null instance is the program itself.
 KELVANE_EXPORT void LogModuleLoaded(HINSTANCE instance, bool loaded);
 
 // --- Start and end ---
 
-// Comes before all logging and configuration. `instance` may be null.
+// Comes before all logging and configuration. `kind` becomes gRunningApp, `logSetting` is the setting that
+// names the log's directory. `instance` is not needed on these systems and may be null.
 KELVANE_EXPORT void CriticalStartupInit(unsigned long kind, eConfigID logSetting, HINSTANCE instance);
 
 // Which program of the product runs; 4 is a one-shot change of a setting.
@@ -73,13 +98,15 @@ extern KELVANE_EXPORT unsigned long gRunningApp;
 // Thread procedure for _beginthread: waits for SignalShutdown. Nobody waits for the thread.
 KELVANE_EXPORT void __cdecl GUIListenForShutdown(void* unused);
 
-// Logs the reason and releases the listener.
+// Logs the reason, and before it the waits for locks where they were recorded; releases the listener.
 KELVANE_EXPORT void SignalShutdown(const wchar_t* reason);
 
 // First call on a new thread; the name stands in the thread's log lines and in a debugger.
 KELVANE_EXPORT void ThreadInit(const wchar_t* name);
 
-// Dispatches the messages that wait for the calling thread and returns without waiting for more.
+// Dispatches the messages that wait for the calling thread and returns without waiting for more, or when
+// WM_QUIT is met, which stays for the loop outside. `window` is null: messages of all windows. A handler that
+// is dispatched may pump in turn, to a depth of 16; beyond it the call returns at once.
 KELVANE_EXPORT void PumpMessages(HWND window, DWORD reserved);
 
 // A message box that closes by itself after `seconds`. `type` as for MessageBoxW; the result is the button's
@@ -87,8 +114,29 @@ KELVANE_EXPORT void PumpMessages(HWND window, DWORD reserved);
 KELVANE_EXPORT int TimedMessageBox(const wchar_t* title, const wchar_t* text, UINT type, DWORD seconds,
                                    int timeoutResult);
 
-// While it lives, a hardware fault on this thread (access violation, division by zero) is thrown as a
-// SEHException, so that a catch block around the guard receives it.
+// What a hardware fault becomes under a CatchSEH.
+class KELVANE_EXPORT SEHException : public std::exception
+{
+public:
+    // Windows' codes of exceptions, on both systems.
+    static constexpr unsigned long kAccessViolation = 0xC0000005;
+    static constexpr unsigned long kIllegalInstruction = 0xC000001D;
+    static constexpr unsigned long kFloatingPoint = 0xC0000090;
+    static constexpr unsigned long kIntegerDivision = 0xC0000094;
+
+    explicit SEHException(unsigned long code);
+    unsigned long Code() const noexcept;
+    const char* what() const noexcept override;
+
+private:
+    unsigned long mCode;
+};
+
+// While it lives, a hardware fault on this thread (access violation, division by zero, illegal instruction,
+// but no overflow of the stack) is thrown as a SEHException, so that a catch block around the guard receives
+// it. The fault must lie in a function that is called inside that block, and the compiler must not take the
+// call for one that throws nothing (noexcept, C library functions of Linux): go through a volatile function
+// pointer.
 class KELVANE_EXPORT CatchSEH
 {
 public:
@@ -96,22 +144,22 @@ public:
     ~CatchSEH();
     CatchSEH(const CatchSEH&) = delete;
     CatchSEH& operator=(const CatchSEH&) = delete;
-
-private:
-    void* mPrevious;
 };
 
 // --- User and report ---
 
 KELVANE_EXPORT ZTString GetLocalComputerName();
+// NameUnknown gives the account's bare name; the others are those of GetUserNameExW.
 KELVANE_EXPORT ZTString GetUserNameW(EXTENDED_NAME_FORMAT format);
+// The setting CustomerServiceText.
 KELVANE_EXPORT ZTString GetCustServiceInfo();
 
-// Month and day of the first and the second change between standard and daylight time in `year`, in local
-// time before the change; four zeros where there is none.
+// Month and day of the first and the second change between standard and daylight time in `year` (1 to 9999),
+// by the machine's zone data and in local time before the change; zeros where there is none.
 KELVANE_EXPORT void GetTimeZoneTransitionDates(int year, int& month1, int& day1, int& month2, int& day2);
 
-// The number by the user's regional number format. `digits` -1 keeps the digits that the format has.
+// The number by the user's regional number format, with `digits` behind the point, 9 at most; -1 for those
+// that the number has. What is no finite number has printf's form.
 KELVANE_EXPORT ZTString FormatFloatingPointNum(double value, bool grouping, int digits);
 
 enum eSysErrMsg : int
@@ -123,28 +171,32 @@ enum eMonitorType : int
     eMonitorNone = 0,
 };
 
-// The system's text of an error code, without a line end; the code itself stands in it.
+// "2: The system cannot find the file specified.": the code, in hexadecimal from 0x80000000 on, and the
+// system's text without line ends. `log` also logs it as a failure.
 KELVANE_EXPORT ZTString GetSystemErrorMessage(DWORD code, eSysErrMsg kind, eMonitorType monitor, bool log);
 
 // --- Files and text ---
 
-// The log directory, ending in a separator.
+// The log directory's full path, ending in a separator; the directory is made if it is missing.
 KELVANE_EXPORT ZTString GetLogDirectory();
 // Size in bytes, 0 for a file that is not there.
 KELVANE_EXPORT std::uint64_t ZTGetFileSize(const wchar_t* path);
-// Writes the text as UTF-8 without a byte order mark, in place of what the file held.
+// Writes the text as UTF-8, a byte order mark before it with `mark`. A file that is there is appended to with
+// `append`, replaced with `overwrite`, else left alone (false). `share` lets others open it meanwhile.
 KELVANE_EXPORT bool WriteTextFileAsUTF8(const wchar_t* path, const ZTString& text, bool overwrite, bool share,
                                         bool append, bool mark);
+// Symbolic links and mounted directories, not the placeholders of cloud storage and the like.
 KELVANE_EXPORT bool IsFileOrDirLink(const WIN32_FIND_DATAW& findData);
-// Replaces what a file name cannot hold on either system; never leaves a reserved name, an empty one, "."
-// or "..".
+// Replaces each character that a file name cannot hold on either system; never leaves a reserved name, one
+// that ends in a dot or a blank, an empty one, "." or "..". The result and an extension of four characters
+// make a valid name; what is too long is cut.
 KELVANE_EXPORT void RemoveIllegalFileSystemCharacters(ZTString& name, const wchar_t* replacement);
 // The set's texts in order, the separator between them.
 KELVANE_EXPORT ZTString GetStringFromSet(const std::set<ZTString>& texts, const wchar_t* separator);
 // Seconds since 1970, rounded down.
 KELVANE_EXPORT std::int64_t FILETIMEToTimeT(FILETIME time);
 
-// The UTF-8 form of a text, alive as long as the object.
+// The UTF-8 form of a text, alive as long as the object. What is no character becomes U+FFFD.
 class KELVANE_EXPORT StrConverter
 {
 public:
@@ -155,7 +207,8 @@ private:
     std::string mNarrow;
 };
 
-// Reads decimal digits, or hexadecimal ones after 0x; see the definition for anything else.
+// Reads decimal digits, or hexadecimal ones after 0x, behind blanks, up to the first character that is none.
+// 0 when there is nothing to read; what is above 0xFFFFFFFF becomes that.
 KELVANE_EXPORT unsigned long wtodw(const wchar_t* text);
 
 // --- The registry of cleanable objects ---

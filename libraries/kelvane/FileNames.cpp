@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+// The names that a file may have on both systems: Windows' rules, which are the stricter ones
+// (https://learn.microsoft.com/windows/win32/fileio/naming-a-file), and Linux' 255 bytes.
+#include "foundation/Kelvane.h"
+#include "libraries/kelvane/Text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+// The name and an extension of four characters fit into 255 bytes of UTF-8, so also into 255 units of UTF-16.
+constexpr std::size_t kLongestName = 255 - 4;
+constexpr std::wstring_view kForbidden = L"<>:\"/\\|?*";
+constexpr std::wstring_view kForbiddenAtEnd = L". ";
+
+bool IsHighSurrogate(wchar_t character)
+{
+    return character >= 0xD800 && character < 0xDC00;
+}
+
+bool IsLowSurrogate(wchar_t character)
+{
+    return character >= 0xDC00 && character < 0xE000;
+}
+
+// Whether the character at `index` may not stand in a name. A surrogate may where it is half of a pair.
+bool IsForbidden(std::wstring_view text, std::size_t index)
+{
+    const wchar_t character = text[index];
+    if (sizeof(wchar_t) == 2 && IsHighSurrogate(character))
+        return index + 1 == text.size() || !IsLowSurrogate(text[index + 1]);
+    if (sizeof(wchar_t) == 2 && IsLowSurrogate(character))
+        return index == 0 || !IsHighSurrogate(text[index - 1]);
+    return character < 0x20 || character == 0x7F || IsHighSurrogate(character) || IsLowSurrogate(character) ||
+           kForbidden.find(character) != std::wstring_view::npos;
+}
+
+std::wstring WithoutForbidden(std::wstring_view text, std::wstring_view replacement)
+{
+    std::wstring result;
+    for (std::size_t index = 0; index < text.size(); ++index)
+        IsForbidden(text, index) ? result.append(replacement) : result.append(1, text[index]);
+    return result;
+}
+
+// A device's name counts with any extension, too.
+bool IsReserved(std::wstring_view name)
+{
+    std::wstring base(name.substr(0, name.find(L'.')));
+    base.erase(base.find_last_not_of(L' ') + 1);
+    std::transform(base.begin(), base.end(), base.begin(),
+                   [](wchar_t c)
+                   { return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - (L'a' - L'A')) : c; });
+    constexpr std::array<std::wstring_view, 6> kDevices{L"CON", L"PRN",    L"AUX",
+                                                        L"NUL", L"CONIN$", L"CONOUT$"};
+    if (std::find(kDevices.begin(), kDevices.end(), base) != kDevices.end())
+        return true;
+    // The superscript digits count as digits here.
+    return base.size() == 4 && (base.starts_with(L"COM") || base.starts_with(L"LPT")) &&
+           std::wstring_view(L"123456789\u00B9\u00B2\u00B3").find(base[3]) != std::wstring_view::npos;
+}
+
+void CutToLength(std::wstring& name)
+{
+    while (kelvane::Narrow(name).size() > kLongestName)
+    {
+        const bool pair = sizeof(wchar_t) == 2 && IsLowSurrogate(name.back());
+        name.resize(name.size() - (pair ? 2 : 1));
+    }
+}
+
+} // namespace
+
+void RemoveIllegalFileSystemCharacters(ZTString& name, const wchar_t* replacement)
+{
+    const std::wstring substitute = WithoutForbidden(kelvane::ViewOf(replacement), {});
+    std::wstring result = WithoutForbidden(name.AsView(), substitute);
+
+    const std::size_t end = result.find_last_not_of(kForbiddenAtEnd) + 1;
+    const std::size_t trailing = result.size() - end;
+    result.resize(end);
+    for (std::size_t count = 0; count < trailing; ++count)
+        result += substitute;
+
+    if (IsReserved(result))
+        result.insert(0, substitute.empty() ? L"_" : substitute);
+    CutToLength(result);
+    result.erase(result.find_last_not_of(kForbiddenAtEnd) + 1);
+    if (result.empty())
+        result = L"_";
+    name = result.c_str();
+}

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+// The log is used by static objects before main and after its end: nothing here is ever destroyed.
+#include "libraries/kelvane/Log.h"
+
+#include "libraries/kelvane/Files.h"
+#include "libraries/kelvane/Process.h"
+#include "libraries/kelvane/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <mutex>
+
+namespace kelvane
+{
+namespace
+{
+
+constexpr DWORD kMostOlderFiles = 99;
+constexpr std::size_t kLongestThreadName = 64;
+
+std::atomic<int> gDirectorySetting{eConfigLogDirectory};
+std::atomic<bool> gTroubleTold{false};
+std::atomic<bool> gLineTorn{false};
+
+// Plain memory, which outlives the thread's objects with destructors.
+thread_local std::array<char, kLongestThreadName + 1> tThreadName{};
+
+// The file, and those before it: Tavo.log, Tavo.1.log, Tavo.2.log ...
+std::filesystem::path LogFile(const std::filesystem::path& directory, DWORD age)
+{
+    return directory / (age == 0 ? "Tavo.log" : "Tavo." + std::to_string(age) + ".log");
+}
+
+// A text is one line in the log, whatever it holds; nor can it move a terminal's cursor.
+std::string Escaped(std::wstring_view text)
+{
+    const std::string narrow = Narrow(text);
+    std::string escaped;
+    escaped.reserve(narrow.size());
+    for (std::size_t at = 0; at < narrow.size(); ++at)
+    {
+        const auto byte = static_cast<unsigned char>(narrow[at]);
+        // U+0080 to U+009F are control characters, too; in UTF-8 they are C2 and themselves.
+        const bool second =
+            byte == 0xC2 && at + 1 < narrow.size() && static_cast<unsigned char>(narrow[at + 1]) < 0xA0;
+        if (byte >= 0x20 && byte != 0x7F && !second)
+        {
+            escaped += narrow[at];
+            continue;
+        }
+        const unsigned code = second ? static_cast<unsigned char>(narrow[++at]) : byte;
+        std::array<char, 8> form{};
+        if (code == '\n' || code == '\r' || code == '\t')
+            escaped.append({'\\', code == '\n' ? 'n' : code == '\r' ? 'r' : 't'});
+        else
+            escaped.append(form.data(), static_cast<std::size_t>(
+                                            std::snprintf(form.data(), form.size(), "\\u%04X", code)));
+    }
+    return escaped;
+}
+
+std::string LineOf(unsigned char severity, std::wstring_view text)
+{
+    const char* const kind = severity == kLogFailure ? "failure" : "progress";
+    std::string line =
+        LocalMoment() + " [" + std::to_string(ProcessId()) + ":" + std::to_string(GetCurrentThreadId());
+    if (tThreadName[0] != '\0')
+        line.append(" ").append(tThreadName.data());
+    return line + "] " + kind + ": " + Escaped(text) + "\n";
+}
+
+void TellTrouble()
+{
+    if (!gTroubleTold.exchange(true))
+        std::fprintf(stderr, "Tavo: the log in %s cannot be written\n",
+                     Narrow(GetLogDirectory().AsView()).c_str());
+}
+
+// Makes room for a new log file. Whoever comes second finds the work done, and somebody who is at it is not
+// waited for. A file that cannot be moved, since somebody reads it, goes on growing until it can.
+void Rotate(const std::filesystem::path& directory, std::uint64_t fullSize)
+{
+    std::error_code error;
+    const DirectoryLock lock(directory, std::chrono::milliseconds(0));
+    if (!lock.IsHeld() || std::filesystem::file_size(LogFile(directory, 0), error) < fullSize || error)
+        return;
+
+    const DWORD kept = std::min(GetConfigDWord(eConfigLogFileCount, nullptr), kMostOlderFiles);
+    for (DWORD age = kMostOlderFiles; age > kept; --age)
+        std::filesystem::remove(LogFile(directory, age), error);
+    if (kept == 0)
+    {
+        std::filesystem::remove(LogFile(directory, 0), error);
+        return;
+    }
+    // A gap, left where the newest could not be moved, ends the shifting.
+    DWORD gap = 1;
+    while (gap < kept && std::filesystem::exists(LogFile(directory, gap), error))
+        ++gap;
+    for (DWORD age = gap; age > 0; --age)
+        std::filesystem::rename(LogFile(directory, age - 1), LogFile(directory, age), error);
+}
+
+bool Write(const std::filesystem::path& directory, const std::string& line, bool flush)
+{
+    const std::filesystem::path path = LogFile(directory, 0);
+    const std::uint64_t limit = std::uint64_t{GetConfigDWord(eConfigLogSizeLimitKB, nullptr)} * 1024;
+    if (limit != 0)
+    {
+        std::error_code error;
+        const std::uint64_t size = std::filesystem::file_size(path, error);
+        if (!error && size != 0 && size + line.size() > limit)
+            Rotate(directory, size);
+    }
+    AppendFile file(path);
+    return file.IsOpen() && file.Append(line, flush);
+}
+
+// A line that the disk had no room for leaves its beginning behind; the next one then starts a line of its
+// own.
+void WriteLine(const std::string& line, bool flush)
+{
+    const std::filesystem::path directory = NativePath(GetLogDirectory().AsView());
+    const std::string whole = gLineTorn.exchange(false) ? "\n" + line : line;
+    if (!Write(directory, whole, flush))
+    {
+        gLineTorn = true;
+        TellTrouble();
+    }
+}
+
+} // namespace
+
+void SetLogDirectorySetting(eConfigID setting)
+{
+    gDirectorySetting = setting;
+}
+
+void SetThreadNameInLog(const wchar_t* name)
+{
+    const std::string narrow = Escaped(ViewOf(name)).substr(0, kLongestThreadName);
+    *std::copy(narrow.begin(), narrow.end(), tThreadName.begin()) = '\0';
+}
+
+} // namespace kelvane
+
+using namespace kelvane;
+
+ZTString GetLogDirectory()
+{
+    static auto& guard = *new std::mutex;
+    static auto& known = *new ZTString;
+
+    std::unique_lock lock(guard);
+    if (known.IsEmpty())
+    {
+        // Reading a setting may log, which asks for the directory.
+        lock.unlock();
+        ZTString directory = GetConfigStr(static_cast<eConfigID>(gDirectorySetting.load()), nullptr);
+        if (directory.IsEmpty())
+            directory = L"Logs";
+        lock.lock();
+        if (known.IsEmpty())
+            known = FullDirectory(directory);
+    }
+    const ZTString result = known;
+    lock.unlock();
+    MakePrivateDirectory(NativePath(result.AsView()));
+    return result;
+}
+
+void LogNF(unsigned char severity, const wchar_t* text, bool flush)
+{
+    if (severity <= GetConfigDWord(eConfigLogLevel, nullptr))
+        WriteLine(LineOf(severity, ViewOf(text)), flush);
+}
+
+void _Log(unsigned char severity, const wchar_t* format, const PlaceholderValues& values)
+{
+    LogNF(severity, _StrFormat(format, values), false);
+}
+
+void LogModuleLoaded(HINSTANCE instance, bool loaded)
+{
+    std::array<wchar_t, 1024> path{};
+    GetModuleFileNameW(instance, path.data(), static_cast<DWORD>(path.size()));
+    _Log(kLogProgress, loaded ? L"Module loaded: {0:s}" : L"Module unloaded: {0:s}", {path.data()});
+}

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/Kelvane.h"
+#include "libraries/kelvane/TimedBox.h"
+
+#include <algorithm>
+
+namespace
+{
+
+// A handler that shows a line pumps in turn, so a thousand posted lines would stack a thousand handlers.
+// Beyond this depth a pump leaves the waiting messages to the pumps that it runs inside of, in the same
+// order.
+constexpr int kMostNestedPumps = 16;
+thread_local int tNestedPumps = 0;
+
+class NestedPump
+{
+public:
+    NestedPump() { ++tNestedPumps; }
+    ~NestedPump() { --tNestedPumps; }
+    NestedPump(const NestedPump&) = delete;
+    NestedPump& operator=(const NestedPump&) = delete;
+};
+
+// The window itself, or the one that holds this control.
+HWND TopOf(HWND window)
+{
+    while (window != nullptr && (GetWindowLongPtrW(window, GWL_STYLE) & WS_CHILD) != 0)
+        window = GetParent(window);
+    return window;
+}
+
+} // namespace
+
+void PumpMessages(HWND window, DWORD)
+{
+    if (tNestedPumps == kMostNestedPumps)
+        return;
+    const NestedPump nested;
+    MSG message;
+    while (PeekMessageW(&message, window, 0, 0, PM_REMOVE))
+    {
+        if (message.message == WM_QUIT)
+        {
+            // Not ours: it ends the loop that this pump runs inside of.
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return;
+        }
+        // The keyboard works in a dialog whose own loop is held up.
+        const HWND dialog = TopOf(message.hwnd);
+        if (dialog != nullptr && IsDialogMessageW(dialog, &message))
+            continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+int TimedMessageBox(const wchar_t* title, const wchar_t* text, UINT type, DWORD seconds, int timeoutResult)
+{
+    constexpr DWORD kMsPerSecond = 1000;
+    const DWORD milliseconds = std::min<DWORD>(seconds, INFINITE / kMsPerSecond - 1) * kMsPerSecond;
+    const int answer = kelvane::ShowTimedBox(title, text, type, milliseconds);
+    return answer == kelvane::kTimedOut ? timeoutResult : answer;
+}

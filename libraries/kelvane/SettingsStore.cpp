@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "libraries/kelvane/SettingsStore.h"
+
+#include "foundation/Kelvane.h"
+#include "libraries/kelvane/Files.h"
+
+#include <atomic>
+
+namespace kelvane
+{
+namespace
+{
+
+constexpr std::size_t kLongestFile = 1U << 20;
+constexpr std::chrono::seconds kPatience{30};
+
+const std::filesystem::path& StorePath()
+{
+    static const auto& path =
+        *new std::filesystem::path(NativePath(GetPathInAppFolder(L"Tavo.settings.json").AsView()));
+    return path;
+}
+
+// Once in a process, since every read meets the same trouble. Told before it is logged: logging reads
+// settings.
+void TellTrouble(const wchar_t* text)
+{
+    static std::atomic<bool> told{false};
+    if (!told.exchange(true))
+        LogNF(kLogFailure, text, false);
+}
+
+// The caller holds the lock, so nobody replaces the file meanwhile.
+bool SetAside()
+{
+    std::error_code error;
+    std::string name;
+    int number = 0;
+    do
+        name = "Tavo.settings.broken-" + std::to_string(++number) + ".json";
+    while (std::filesystem::exists(StorePath().parent_path() / name, error));
+    std::filesystem::rename(StorePath(), StorePath().parent_path() / name, error);
+    if (error)
+    {
+        TellTrouble(L"Tavo.settings.json cannot be understood and cannot be moved away: defaults hold");
+        return false;
+    }
+    _Log(kLogFailure, L"Tavo.settings.json could not be understood and was moved to {0:S}: defaults hold",
+         {name.c_str()});
+    return true;
+}
+
+FoundSetting FindIn(const FileContent& content, std::string_view name)
+{
+    if (content.text)
+        return FindSetting(*content.text, name);
+    if (!content.missing)
+        TellTrouble(L"Tavo.settings.json cannot be read: defaults hold");
+    return {Finding::Absent, {}};
+}
+
+} // namespace
+
+FoundSetting ReadStoredSetting(std::string_view name)
+{
+    FoundSetting found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
+    if (found.finding != Finding::Broken)
+        return found;
+
+    // Perhaps another process has mended it by now.
+    const DirectoryLock lock(StorePath().parent_path(), kPatience);
+    found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
+    if (found.finding != Finding::Broken)
+        return found;
+    if (lock.IsHeld())
+        SetAside();
+    return {Finding::Absent, {}};
+}
+
+bool WriteStoredSetting(std::string_view name, const SettingValue& value)
+{
+    const DirectoryLock lock(StorePath().parent_path(), kPatience);
+    if (!lock.IsHeld())
+        return false;
+    const FileContent content = ReadWholeFile(StorePath(), kLongestFile);
+    if (!content.text && !content.missing)
+        return false;
+    std::optional<std::string> text = WithSetting(content.text.value_or("{}"), name, value);
+    if (!text)
+    {
+        if (!SetAside())
+            return false;
+        text = WithSetting("{}", name, value);
+    }
+    return text == content.text || ReplaceWholeFile(StorePath(), *text);
+}
+
+} // namespace kelvane

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "libraries/kelvane/Text.h"
+
+#include "foundation/Kelvane.h"
+
+#include <climits>
+
+namespace kelvane
+{
+
+std::string Narrow(std::wstring_view text)
+{
+    const int length = static_cast<int>(text.size());
+    const int bytes =
+        length == 0 ? 0 : WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string narrow(static_cast<std::size_t>(bytes), '\0');
+    if (bytes > 0)
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), length, narrow.data(), bytes, nullptr, nullptr);
+    return narrow;
+}
+
+ZTString Widen(std::string_view text)
+{
+    const int bytes = static_cast<int>(text.size());
+    const int length = bytes == 0 ? 0 : MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, nullptr, 0);
+    ZTString wide;
+    if (length > 0)
+    {
+        MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, wide.GetBuffer(length), length);
+        wide.ReleaseBuffer(length);
+    }
+    return wide;
+}
+
+} // namespace kelvane
+
+StrConverter::StrConverter(const wchar_t* text) : mNarrow(kelvane::Narrow(kelvane::ViewOf(text))) {}
+
+StrConverter::operator const char*() const
+{
+    return mNarrow.c_str();
+}
+
+unsigned long wtodw(const wchar_t* text)
+{
+    std::wstring_view rest = kelvane::ViewOf(text);
+    rest.remove_prefix(std::min(rest.find_first_not_of(L" \t\r\n"), rest.size()));
+    unsigned base = 10;
+    if (rest.size() > 2 && rest[0] == L'0' && (rest[1] == L'x' || rest[1] == L'X'))
+    {
+        base = 16;
+        rest.remove_prefix(2);
+    }
+    constexpr std::wstring_view kDigits = L"0123456789abcdef";
+    std::uint64_t number = 0;
+    for (const wchar_t character : rest)
+    {
+        const wchar_t folded = character >= L'A' && character <= L'F'
+                                   ? static_cast<wchar_t>(character + (L'a' - L'A'))
+                                   : character;
+        const std::size_t digit = kDigits.substr(0, base).find(folded);
+        if (digit == std::wstring_view::npos)
+            break;
+        number = std::min<std::uint64_t>(number * base + digit, UINT32_MAX);
+    }
+    return static_cast<unsigned long>(number);
+}
+
+ZTString GetStringFromSet(const std::set<ZTString>& texts, const wchar_t* separator)
+{
+    ZTString joined;
+    for (const ZTString& text : texts)
+    {
+        if (&text != &*texts.begin())
+            joined += separator;
+        joined += text;
+    }
+    return joined;
+}
+
+std::int64_t FILETIMEToTimeT(FILETIME time)
+{
+    constexpr std::int64_t kTicksPerSecond = 10'000'000;
+    constexpr std::int64_t kTicksTo1970 = 116'444'736'000'000'000;
+    const std::uint64_t value = (static_cast<std::uint64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
+    // The system's own times stay far below the sign bit.
+    const std::int64_t ticks =
+        static_cast<std::int64_t>(std::min<std::uint64_t>(value, INT64_MAX)) - kTicksTo1970;
+    return ticks / kTicksPerSecond - (ticks % kTicksPerSecond < 0 ? 1 : 0);
+}
