@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+#include "platform/net/LdapFault.h"
+
+#include "platform/net/LdapText.h"
+
+#include <winldap.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+constexpr std::size_t kLongestCause = 400; // characters
+
+struct CodeText
+{
+    ULONG code;
+    const wchar_t* text;
+};
+
+// As the Windows client names them.
+constexpr CodeText kTexts[] = {
+    {0x00, L"Success"},
+    {0x01, L"Operations Error"},
+    {0x02, L"Protocol Error"},
+    {0x03, L"Time Limit Exceeded"},
+    {0x04, L"Size Limit Exceeded"},
+    {0x05, L"Compare False"},
+    {0x06, L"Compare True"},
+    {0x07, L"Authentication Method Not Supported"},
+    {0x08, L"Strong Authentication Required"},
+    {0x09, L"Referral (v2)"},
+    {0x0a, L"Referral"},
+    {0x0b, L"Administration Limit Exceeded"},
+    {0x0c, L"Unavailable Critical Extension"},
+    {0x0d, L"Confidentiality Required"},
+    {0x0e, L"SASL Bind in Progress"},
+    {0x10, L"No Such Attribute"},
+    {0x11, L"Undefined Type"},
+    {0x12, L"Inappropriate Matching"},
+    {0x13, L"Constraint Violation"},
+    {0x14, L"Attribute Or Value Exists"},
+    {0x15, L"Invalid Syntax"},
+    {0x20, L"No Such Object"},
+    {0x21, L"Alias Problem"},
+    {0x22, L"Invalid DN Syntax"},
+    {0x23, L"Is Leaf"},
+    {0x24, L"Alias Dereference Problem"},
+    {0x30, L"Inappropriate Authentication"},
+    {0x31, L"Invalid Credentials"},
+    {0x32, L"Insufficient Rights"},
+    {0x33, L"Busy"},
+    {0x34, L"Unavailable"},
+    {0x35, L"Unwilling To Perform"},
+    {0x36, L"Loop Detected"},
+    {0x3c, L"Sort Control Missing"},
+    {0x3d, L"Index range error"},
+    {0x40, L"Naming Violation"},
+    {0x41, L"Object Class Violation"},
+    {0x42, L"Not allowed on Non-leaf"},
+    {0x43, L"Not allowed on RDN"},
+    {0x44, L"Already Exists"},
+    {0x45, L"No Object Class Mods"},
+    {0x46, L"Results Too Large"},
+    {0x47, L"Affects Multiple DSAs"},
+    {0x4c, L"Virtual List View Error"},
+    {0x50, L"Other"},
+    {0x51, L"Server Down"},
+    {0x52, L"Local Error"},
+    {0x53, L"Encoding Error"},
+    {0x54, L"Decoding Error"},
+    {0x55, L"Timeout"},
+    {0x56, L"Auth Unknown"},
+    {0x57, L"Filter Error"},
+    {0x58, L"User Canceled"},
+    {0x59, L"Parameter Error"},
+    {0x5a, L"No Memory"},
+    {0x5b, L"Can't connect to the LDAP server"},
+    {0x5c, L"Operation not supported by this version of the LDAP protocol"},
+    {0x5d, L"Specified control was not found in message"},
+    {0x5e, L"No result present in message"},
+    {0x5f, L"More results returned"},
+    {0x60, L"Loop while handling referrals"},
+    {0x61, L"Referral hop limit exceeded"},
+};
+
+const wchar_t* TextOf(ULONG code)
+{
+    const CodeText* entry = std::ranges::find(kTexts, code, &CodeText::code);
+    return entry != std::end(kTexts) ? entry->text : L"Unknown Error";
+}
+
+struct LastFault
+{
+    ULONG code = LDAP_SUCCESS;
+    std::wstring text;
+};
+thread_local LastFault gLastFault;
+
+// What would break the line, or let a server write over or turn around what stands before it.
+bool IsUnprintable(wchar_t character)
+{
+    const auto point = static_cast<std::uint32_t>(character);
+    return point < 0x20 || (point >= 0x7f && point < 0xa0) || point == 0x061c || point == 0x200e ||
+           point == 0x200f || (point >= 0x2028 && point <= 0x202e) || (point >= 0x2066 && point <= 0x2069) ||
+           point == 0xfeff;
+}
+
+} // namespace
+
+std::uint32_t RememberFault(const LdapFault& fault)
+{
+    if (!fault)
+        return LDAP_SUCCESS;
+    gLastFault.code = fault.code;
+    gLastFault.text.clear();
+    const std::wstring cause = SafeToPrint(fault.cause);
+    if (!cause.empty())
+        gLastFault.text = std::wstring(TextOf(fault.code)) + L": " + cause;
+    return fault.code;
+}
+
+std::uint32_t WindowsCode(int libraryCode)
+{
+    // The library counts its own codes down from -1 in the order in which Windows counts up from 0x51.
+    return static_cast<std::uint32_t>(libraryCode < 0 ? 0x50 - libraryCode : libraryCode);
+}
+
+std::wstring SafeToPrint(std::string_view text)
+{
+    std::wstring safe;
+    for (const wchar_t character : FromUtf8(text))
+    {
+        if (!IsUnprintable(character))
+            safe += character;
+        else if (!safe.empty() && safe.back() != L' ')
+            safe += L' ';
+    }
+    safe.erase(safe.find_last_not_of(L' ') + 1);
+    safe.erase(0, safe.find_first_not_of(L' '));
+    if (safe.size() > kLongestCause)
+        safe.replace(kLongestCause, std::wstring::npos, L"...");
+    return safe;
+}
+
+ULONG LdapGetLastError()
+{
+    return gLastFault.code;
+}
+
+PWCHAR ldap_err2stringW(ULONG code)
+{
+    if (code == gLastFault.code && !gLastFault.text.empty())
+        return gLastFault.text.data();
+    return const_cast<PWCHAR>(TextOf(code));
+}

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "platform/net/LdapHost.h"
+
+#include "platform/net/RunWithin.h"
+
+#include <winldap.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <memory>
+#include <system_error>
+
+#include <netdb.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+struct FreeAddresses
+{
+    void operator()(addrinfo* list) const { freeaddrinfo(list); }
+};
+using Addresses = std::unique_ptr<addrinfo, FreeAddresses>;
+
+struct Resolution
+{
+    int result = EAI_FAIL;
+    int systemError = 0;
+    Addresses addresses;
+};
+
+Resolution Resolve(const LdapHost& host)
+{
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_flags = AI_NUMERICSERV | AI_IDN;
+    Resolution resolution;
+    addrinfo* list = nullptr;
+    resolution.result = getaddrinfo(host.name.c_str(), std::to_string(host.port).c_str(), &hints, &list);
+    resolution.systemError = errno;
+    resolution.addresses.reset(list);
+    return resolution;
+}
+
+std::string Lower(std::string text)
+{
+    if (!text.empty() && text.size() > 1 && text[1] >= 'a' && text[1] <= 'z')
+        text[0] = static_cast<char>(text[0] >= 'A' && text[0] <= 'Z' ? text[0] - 'A' + 'a' : text[0]);
+    return text;
+}
+
+LdapFault Down(const std::string& cause)
+{
+    return {LDAP_SERVER_DOWN, cause};
+}
+
+LdapFault DownBySystem(int error)
+{
+    return Down(Lower(std::generic_category().message(error)));
+}
+
+int ConnectToAddress(const addrinfo& address, Deadline deadline, LdapFault& fault)
+{
+    const int result = socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (result < 0)
+    {
+        fault = DownBySystem(errno);
+        return -1;
+    }
+    int error = connect(result, address.ai_addr, address.ai_addrlen) == 0 ? 0 : errno;
+    if (error == EINPROGRESS)
+    {
+        socklen_t size = sizeof(error);
+        if (!WaitForSocket(result, POLLOUT, deadline))
+            error = ETIMEDOUT;
+        else if (getsockopt(result, SOL_SOCKET, SO_ERROR, &error, &size) != 0)
+            error = errno;
+    }
+    if (error == 0)
+        return result;
+    fault = DownBySystem(error);
+    close(result);
+    return -1;
+}
+
+std::optional<std::uint16_t> ParsePort(std::string_view text)
+{
+    std::uint16_t port = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+    if (error != std::errc() || end != text.data() + text.size() || port == 0)
+        return std::nullopt;
+    return port;
+}
+
+std::optional<LdapHost> ParseHost(std::string_view text, std::uint16_t defaultPort)
+{
+    std::string_view name = text;
+    std::string_view behind; // the name
+    if (text.starts_with('['))
+    {
+        const std::size_t end = text.find(']');
+        if (end == std::string_view::npos)
+            return std::nullopt;
+        name = text.substr(1, end - 1);
+        behind = text.substr(end + 1);
+    }
+    else if (std::ranges::count(text, ':') == 1)
+    {
+        name = text.substr(0, text.find(':'));
+        behind = text.substr(name.size());
+    }
+    const std::optional<std::uint16_t> port =
+        behind.empty() ? defaultPort : (behind[0] == ':' ? ParsePort(behind.substr(1)) : std::nullopt);
+    if (!port)
+        return std::nullopt;
+    return LdapHost{std::string(name), *port};
+}
+
+} // namespace
+
+std::optional<std::vector<LdapHost>> ParseHosts(std::string_view text, std::uint32_t port)
+{
+    if (port == 0 || port > 0xFFFF)
+        return std::nullopt;
+    std::vector<LdapHost> hosts;
+    while (!text.empty())
+    {
+        const std::string_view word = text.substr(0, text.find(' '));
+        text.remove_prefix(std::min(word.size() + 1, text.size()));
+        if (word.empty())
+            continue;
+        const std::optional<LdapHost> host = ParseHost(word, static_cast<std::uint16_t>(port));
+        if (!host)
+            return std::nullopt;
+        hosts.push_back(*host);
+    }
+    return hosts;
+}
+
+bool IsAddress(const std::string& name)
+{
+    addrinfo hints{};
+    hints.ai_flags = AI_NUMERICHOST;
+    addrinfo* list = nullptr;
+    const bool numeric = getaddrinfo(name.c_str(), nullptr, &hints, &list) == 0;
+    const Addresses owner(list);
+    return numeric;
+}
+
+bool WaitForSocket(int socket, short events, Deadline deadline)
+{
+    while (true)
+    {
+        const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now()).count();
+        pollfd entry{socket, events, 0};
+        const int ready = poll(&entry, 1, static_cast<int>(std::clamp<long>(left, 0, 3'600'000)));
+        if (ready > 0)
+            return true;
+        if (ready == 0 || errno != EINTR)
+            return false;
+    }
+}
+
+int ConnectTo(const LdapHost& host, Deadline deadline, LdapFault& fault)
+{
+    if (host.name.empty())
+    {
+        fault = Down("no server name was given");
+        return -1;
+    }
+    std::optional<Resolution> resolution = RunWithin(deadline, [host] { return Resolve(host); });
+    if (!resolution)
+    {
+        fault = Down("the name server gave no answer in time");
+        return -1;
+    }
+    if (resolution->result == EAI_SYSTEM)
+    {
+        fault = DownBySystem(resolution->systemError);
+        return -1;
+    }
+    if (resolution->result != 0)
+    {
+        fault = Down(Lower(gai_strerror(resolution->result)));
+        return -1;
+    }
+
+    long waiting = 0;
+    for (const addrinfo* address = resolution->addresses.get(); address; address = address->ai_next)
+        ++waiting;
+    for (const addrinfo* address = resolution->addresses.get(); address; address = address->ai_next)
+    {
+        const Deadline turn = Clock::now() + (deadline - Clock::now()) / waiting--;
+        const int result = ConnectToAddress(*address, turn, fault);
+        if (result >= 0)
+            return result;
+    }
+    return -1;
+}

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include "platform/net/LdapText.h"
+
+#include <cstdint>
+#include <cstring>
+
+#include <unicode/utf8.h>
+
+namespace
+{
+
+constexpr UChar32 kReplacement = 0xFFFD;
+constexpr std::size_t kLongestSequence = 4; // bytes of one character
+
+} // namespace
+
+std::string ToUtf8(std::wstring_view text)
+{
+    // Room for all at once: no shorter copy of a secret stays behind in memory.
+    std::string bytes(text.size() * kLongestSequence, '\0');
+    std::size_t length = 0;
+    for (const wchar_t character : text)
+    {
+        auto point = static_cast<UChar32>(character);
+        if (static_cast<std::uint32_t>(point) > 0x10FFFF || U_IS_SURROGATE(point))
+            point = kReplacement;
+        U8_APPEND_UNSAFE(bytes.data(), length, point);
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
+std::wstring FromUtf8(std::string_view text)
+{
+    std::wstring wide;
+    wide.reserve(text.size());
+    const auto length = static_cast<int32_t>(text.size());
+    for (int32_t at = 0; at < length;)
+    {
+        UChar32 point = 0;
+        U8_NEXT_OR_FFFD(text.data(), at, length, point);
+        wide.push_back(static_cast<wchar_t>(point));
+    }
+    return wide;
+}
+
+Secret::Secret(std::wstring_view text) : mText(ToUtf8(text)) {}
+
+Secret::~Secret()
+{
+    explicit_bzero(mText.data(), mText.capacity());
+}
