@@ -27,4 +27,5 @@ LibraryText NextAttribute(ldap* handle, ldapmsg* message, berelement* position);
 void FreePosition(berelement* position);
 
 // The attribute's values in the server's order; nothing when they cannot be read.
-std::optional<std::vector<std::string>> ValuesOf(ldap* handle, ldapmsg* message, const std::string& attribute);
+std::optional<std::vector<std::string>> ValuesOf(ldap* handle, ldapmsg* message,
+                                                 const std::string& attribute);

@@ -19,7 +19,7 @@ constexpr std::uint32_t kInvalidCredentials = 0x31;
 constexpr std::uint32_t kLocalError = 0x52;
 constexpr std::uint32_t kAuthUnknown = 0x56;
 
-constexpr std::size_t kLongestPlain = 64 * 1024;         // wrapped in one token, in bytes
+constexpr std::size_t kLongestPlain = 64 * 1024;          // wrapped in one token, in bytes
 constexpr std::uint32_t kLongestToken = 16 * 1024 * 1024; // taken from a server, in bytes
 constexpr std::size_t kLengthSize = 4;
 
@@ -102,8 +102,8 @@ bool IsInstalled(const gss_OID_desc& mechanism)
 }
 
 // A credential of `mechanism` from a name and a password; a SPNEGO one that will offer `inner` alone.
-GssCredential AcquireCredential(const std::string& user, const Secret& password, gss_OID mechanism, gss_OID inner,
-                                LdapFault& fault)
+GssCredential AcquireCredential(const std::string& user, const Secret& password, gss_OID mechanism,
+                                gss_OID inner, LdapFault& fault)
 {
     OM_uint32 minor = 0;
     const GssName name = ImportName(user, GSS_C_NT_USER_NAME);
@@ -165,8 +165,8 @@ std::unique_ptr<GssContext> GssContext::Ntlm(const LdapIdentity& identity, const
         return nullptr;
     }
     const std::string user = identity.domain.empty() ? identity.user : identity.domain + "\\" + identity.user;
-    GssCredential credential = AcquireCredential(user, identity.password, bare ? &kNtlm : &kSpnego,
-                                                 bare ? nullptr : &kNtlm, fault);
+    GssCredential credential =
+        AcquireCredential(user, identity.password, bare ? &kNtlm : &kSpnego, bare ? nullptr : &kNtlm, fault);
     if (!credential)
         return nullptr;
     GssName target = ImportName("ldap@" + host, GSS_C_NT_HOSTBASED_SERVICE);
@@ -187,28 +187,28 @@ std::unique_ptr<GssContext> GssContext::Kerberos(const LdapIdentity& identity, c
     // The realm of the target is left open: the servers of the user's realm refer to the right one.
     const std::string target = "ldap/" + Escaped(host) + "@";
     const std::string user = Escaped(identity.user.substr(0, identity.user.find('@'))) + "@" + realm;
-    auto outcome = RunWithin(
-        deadline,
-        [target, user, password = identity.password]
-        {
-            const auto make = [&target](GssCredential credential)
-            {
-                GssName name = ImportName(target, const_cast<gss_OID>(GSS_KRB5_NT_PRINCIPAL_NAME));
-                return std::unique_ptr<GssContext>(
-                    new GssContext(std::move(credential), &kSpnego, name.release()));
-            };
-            Outcome result;
-            GssCredential credential =
-                AcquireCredential(user, password, &kSpnego, &kKerberos, result.fault);
-            if (!credential)
-                return result;
-            std::string token;
-            const std::unique_ptr<GssContext> first = make(std::move(credential));
-            result.fault = first->Step({}, token);
-            if (!result.fault)
-                result.context = make(std::move(first->mCredential));
-            return result;
-        });
+    auto outcome = RunWithin(deadline,
+                             [target, user, password = identity.password]
+                             {
+                                 const auto make = [&target](GssCredential credential)
+                                 {
+                                     GssName name =
+                                         ImportName(target, const_cast<gss_OID>(GSS_KRB5_NT_PRINCIPAL_NAME));
+                                     return std::unique_ptr<GssContext>(
+                                         new GssContext(std::move(credential), &kSpnego, name.release()));
+                                 };
+                                 Outcome result;
+                                 GssCredential credential =
+                                     AcquireCredential(user, password, &kSpnego, &kKerberos, result.fault);
+                                 if (!credential)
+                                     return result;
+                                 std::string token;
+                                 const std::unique_ptr<GssContext> first = make(std::move(credential));
+                                 result.fault = first->Step({}, token);
+                                 if (!result.fault)
+                                     result.context = make(std::move(first->mCredential));
+                                 return result;
+                             });
     if (!outcome)
     {
         fault = {kLocalError, "the ticket server gave no answer in time"};
@@ -362,7 +362,8 @@ ber_slen_t GssLayer::Write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length
     // After a refusal for now the same bytes come again: what they became must go out first.
     if (self.mOutgoing.empty())
     {
-        const std::string_view plain(static_cast<const char*>(bytes), std::min<std::size_t>(length, kLongestPlain));
+        const std::string_view plain(static_cast<const char*>(bytes),
+                                     std::min<std::size_t>(length, kLongestPlain));
         std::string token;
         if (!self.mContext->Wrap(plain, token))
         {

@@ -94,6 +94,6 @@ private:
     GssFrames mIncoming;
     std::string mPlain; // unwrapped, from mPlainAt on not yet read
     std::size_t mPlainAt = 0;
-    std::string mOutgoing; // wrapped, not yet written
+    std::string mOutgoing;          // wrapped, not yet written
     std::size_t mOutgoingPlain = 0; // bytes of the caller's that mOutgoing stands for
 };

@@ -93,7 +93,8 @@ std::string UrlOf(const LdapHost& host)
 
 timeval TimeLeft(Deadline deadline)
 {
-    const auto left = std::max<long>(0, std::chrono::duration_cast<microseconds>(deadline - Clock::now()).count());
+    const auto left =
+        std::max<long>(0, std::chrono::duration_cast<microseconds>(deadline - Clock::now()).count());
     return {left / 1'000'000, left % 1'000'000};
 }
 
@@ -115,7 +116,8 @@ std::string DiagnosticOf(LDAP* handle)
 int AnswerDigest(LDAP*, unsigned, void* defaults, void* questions)
 {
     const LdapIdentity& identity = *static_cast<const LdapIdentity*>(defaults);
-    for (auto* question = static_cast<sasl_interact_t*>(questions); question->id != SASL_CB_LIST_END; ++question)
+    for (auto* question = static_cast<sasl_interact_t*>(questions); question->id != SASL_CB_LIST_END;
+         ++question)
     {
         const char* answer = "";
         switch (question->id)
@@ -127,7 +129,8 @@ int AnswerDigest(LDAP*, unsigned, void* defaults, void* questions)
             answer = identity.password.Text().c_str();
             break;
         case SASL_CB_GETREALM:
-            answer = identity.domain.empty() && question->defresult ? question->defresult : identity.domain.c_str();
+            answer = identity.domain.empty() && question->defresult ? question->defresult
+                                                                    : identity.domain.c_str();
             break;
         default: // on whose behalf: one's own
             break;
@@ -141,7 +144,8 @@ int AnswerDigest(LDAP*, unsigned, void* defaults, void* questions)
 std::string Upper(std::string text)
 {
     std::ranges::transform(text, text.begin(),
-                           [](unsigned char character) { return static_cast<char>(std::toupper(character)); });
+                           [](unsigned char character)
+                           { return static_cast<char>(std::toupper(character)); });
     return text;
 }
 
@@ -323,7 +327,8 @@ LdapFault LdapSession::BindDigest(const LdapIdentity& identity)
         if (result == LDAP_SUCCESS)
             return {};
         if (result == LDAP_AUTH_UNKNOWN && !mechanism)
-            return {WindowsCode(result), "DIGEST-MD5 is not installed on this machine (package libsasl2-modules)"};
+            return {WindowsCode(result),
+                    "DIGEST-MD5 is not installed on this machine (package libsasl2-modules)"};
         if (result != LDAP_SASL_BIND_IN_PROGRESS)
             return LibraryFault(result);
         if (LdapFault fault = Await(request, deadline, answer))
@@ -391,7 +396,8 @@ LdapFault LdapSession::BindGss(const LdapIdentity& identity, GssMethod method)
     return fault;
 }
 
-LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const char* mechanism, Deadline deadline)
+LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const char* mechanism,
+                                   Deadline deadline)
 {
     std::string incoming;
     while (true)
@@ -404,8 +410,7 @@ LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const ch
         }
         berval credentials = {outgoing.size(), outgoing.data()};
         int request = 0;
-        const int sent =
-            ldap_sasl_bind(mHandle, "", mechanism, &credentials, nullptr, nullptr, &request);
+        const int sent = ldap_sasl_bind(mHandle, "", mechanism, &credentials, nullptr, nullptr, &request);
         if (sent != LDAP_SUCCESS)
             return LibraryFault(sent);
         Message answer;
@@ -452,14 +457,16 @@ LdapFault LdapSession::Search(const std::string& base, int scope, const std::str
     return fault;
 }
 
-LdapFault LdapSession::SearchUntil(Deadline deadline, const std::string& base, int scope, const std::string& filter,
-                                   const char* const* attributes, bool namesOnly, Message& result)
+LdapFault LdapSession::SearchUntil(Deadline deadline, const std::string& base, int scope,
+                                   const std::string& filter, const char* const* attributes, bool namesOnly,
+                                   Message& result)
 {
     const auto serverLimit = std::chrono::ceil<seconds>(deadline - Clock::now() - kGrace).count();
     timeval limit = {std::max<long>(1, serverLimit), 0};
     int request = 0;
-    const int sent = ldap_search_ext(mHandle, base.c_str(), scope, filter.c_str(), const_cast<char**>(attributes),
-                                     namesOnly, nullptr, nullptr, &limit, LDAP_NO_LIMIT, &request);
+    const int sent =
+        ldap_search_ext(mHandle, base.c_str(), scope, filter.c_str(), const_cast<char**>(attributes),
+                        namesOnly, nullptr, nullptr, &limit, LDAP_NO_LIMIT, &request);
     if (sent != LDAP_SUCCESS)
         return LibraryFault(sent);
     if (LdapFault fault = Await(request, deadline, result))

@@ -51,8 +51,8 @@ public:
     LdapFault BindGss(const LdapIdentity& identity, GssMethod method);
 
     // The attributes end with a null; the result is released by ldap_msgfree. Null when the search failed.
-    LdapFault Search(const std::string& base, int scope, const std::string& filter, const char* const* attributes,
-                     bool namesOnly, ldapmsg*& result);
+    LdapFault Search(const std::string& base, int scope, const std::string& filter,
+                     const char* const* attributes, bool namesOnly, ldapmsg*& result);
 
     // OpenLDAP's handle, null before Connect.
     ldap* Handle() const { return mHandle; }

@@ -6,10 +6,13 @@
 
 #include <unicode/utf8.h>
 
+// The macros of ICU narrow without saying so.
+#pragma GCC diagnostic ignored "-Wconversion"
+
 namespace
 {
 
-constexpr UChar32 kReplacement = 0xFFFD;
+constexpr std::uint32_t kReplacement = 0xFFFD;
 constexpr std::size_t kLongestSequence = 4; // bytes of one character
 
 } // namespace
@@ -21,8 +24,8 @@ std::string ToUtf8(std::wstring_view text)
     std::size_t length = 0;
     for (const wchar_t character : text)
     {
-        auto point = static_cast<UChar32>(character);
-        if (static_cast<std::uint32_t>(point) > 0x10FFFF || U_IS_SURROGATE(point))
+        auto point = static_cast<std::uint32_t>(character);
+        if (point > 0x10FFFF || U_IS_SURROGATE(point))
             point = kReplacement;
         U8_APPEND_UNSAFE(bytes.data(), length, point);
     }

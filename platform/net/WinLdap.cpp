@@ -162,9 +162,9 @@ ULONG ldap_search_sW(LDAP* session, const PWCHAR base, ULONG scope, const PWCHAR
     for (const std::string& name : names)
         list.push_back(name.c_str());
     list.push_back(nullptr);
-    return RememberFault(SessionOf(session)->Search(ToUtf8(ViewOf(base)), static_cast<int>(scope),
-                                                    ToUtf8(ViewOf(filter)), attributes ? list.data() : nullptr,
-                                                    namesOnly != 0, *result));
+    return RememberFault(
+        SessionOf(session)->Search(ToUtf8(ViewOf(base)), static_cast<int>(scope), ToUtf8(ViewOf(filter)),
+                                   attributes ? list.data() : nullptr, namesOnly != 0, *result));
 }
 
 LDAPMessage* ldap_next_entry(LDAP* session, LDAPMessage* entry)
