@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/Oriska.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <limits>
+#include <string>
+#include <type_traits>
+
+namespace
+{
+
+std::wstring Text(const wchar_t* format, const PlaceholderValues& values)
+{
+    const ZTString text = _StrFormat(format, values);
+    return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
+}
+
+struct Case
+{
+    const wchar_t* format;
+    PlaceholderValues values;
+    const wchar_t* expected;
+};
+
+void Check(const std::vector<Case>& cases)
+{
+    for (const Case& row : cases)
+        EXPECT_EQ(Text(row.format, row.values), row.expected)
+            << "format " << testing::PrintToString(row.format);
+}
+
+} // namespace
+
+static_assert(std::is_trivially_copyable_v<PlaceholderValue>);
+
+TEST(Format, GivesEachFormOfTheLanguage)
+{
+    const ZTString text(L"text");
+    Check({
+        {L"{0}|{1}|{2}", {text, L"wide", "narrow"}, L"text|wide|narrow"},
+        {L"{0}|{1}|{2}", {-5, 7u, 18446744073709551615ull}, L"-5|7|18446744073709551615"},
+        {L"{0:s}|{1:s}", {text, L"wide"}, L"text|wide"},
+        {L"{0:S}",
+         {"Gr\xC3\xBC\xC3\x9F"
+          "e"},
+         L"Grüße"},
+        {L"{0:d}|{0:u}", {-1}, L"-1|4294967295"},
+        {L"{0:d}|{0:u}", {-1ll}, L"-1|18446744073709551615"},
+        {L"{0:d}", {4294967295u}, L"-1"}, // signed in its own width, as printf reads it
+        {L"{0:u}|{0}", {static_cast<unsigned char>(200)}, L"200|200"},
+        {L"{0:02d}|{0:04d}|{1:02d}", {7, 123}, L"07|0007|123"},
+        {L"{0:04d}", {-1}, L"-001"},
+        {L"{0:02X}-{1:04X}-{2:08X}",
+         {static_cast<unsigned char>(0xAB), 0xC0Du, 0xBEEFu},
+         L"AB-0C0D-0000BEEF"},
+        {L"{0:08X}", {0x995DC9BBDF1939FAull}, L"995DC9BBDF1939FA"}, // all digits of a 64-bit value
+        {L"{0:f}|{0:0.1f}", {1.2}, L"1.200000|1.2"},
+        {L"{0:f}", {2958466.0}, L"2958466.000000"},
+        {L"{0}|{1}", {0.1, -2.5}, L"0.1|-2.5"},
+        {L"{0:c}{1:c}", {65, 0x20ACu}, L"A€"},
+    });
+}
+
+TEST(Format, ReadsBracesAndIndices)
+{
+    Check({
+        {L"", {}, L""},
+        {nullptr, {}, L""},
+        {L"plain", {}, L"plain"},
+        {L"{{invalid date - {0:f} }", {1.0}, L"{invalid date - 1.000000 }"},
+        {L"{{0}", {1}, L"{0}"},
+        {L"{{{0}}", {1}, L"{1}"}, // "{{", a placeholder, a lone "}"
+        {L"}a}", {}, L"}a}"},
+        {L"{}, {}, {}", {1, 2, 3}, L"1, 2, 3"},
+        {L"{:04X} {:d}", {255, 255}, L"00FF 255"},
+        {L"{1} {} {0} {}", {L"a", L"b", L"c", L"d"}, L"b b a d"}, // every placeholder moves the index on
+        {L"{0} {1} never", {1}, L"1 @@@"},
+        {L"{}", {}, L"@@@"},
+        {L"{99999999999999999999999} never", {1}, L"@@@"},
+        {L"{4294967296} never", {1}, L"@@@"}, // no index wraps round to an argument
+        {L"{0", {1}, L"{0"},
+        {L"{", {1}, L"{"},
+        {L"{name} {-1} { 0}", {1}, L"{name} {-1} { 0}"},
+        {L"{000}{0:}", {1}, L"11"},
+    });
+}
+
+// What printf would make undefined behaviour of shows the value in its natural form.
+TEST(Format, ChecksASpecAgainstTheTypeOfItsValue)
+{
+    Check({
+        {L"{0:s}|{0:S}|{0:f}|{0:n}|{0:p}", {5}, L"5|5|5|5|5"},
+        {L"{0:d}|{0:x}|{0:n}", {L"text"}, L"text|text|text"},
+        {L"{0:d}|{0:s}|{0:#g}", {1.5}, L"1.5|1.5|1.5"},
+        {L"{0:*d}|{0:%}|{0:5}|{0:dd}|{0:.}|{0:-}", {5}, L"5|5|5|5|5|5"},
+        {L"{0:lld}|{0:I64u}|{0:hhX}", {0x1FFFFFFFFull}, L"8589934591|8589934591|1FFFFFFFF"},
+        {L"{0:ls}|{1:hs}", {L"wide", "narrow"}, L"wide|narrow"},
+        {L"{0:S}|{1:s}", {L"wide", "narrow"}, L"wide|narrow"},
+        {L"[{0}{1}{0:5s}]",
+         {static_cast<const wchar_t*>(nullptr), static_cast<const char*>(nullptr)},
+         L"[     ]"},
+        {L"{0:S}", {"\xFF"}, L"\xFFFD"},
+        {L"{0:c}", {-1}, L"-1"},
+        {L"{0:03d}|{0:f}", {std::numeric_limits<double>::infinity()}, L"inf|inf"},
+        {L"{0:06f}|{1}",
+         {-std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()},
+         L"  -inf|nan"},
+    });
+}
+
+TEST(Format, CutsSizesDownToTheirLimit)
+{
+    const auto limit = static_cast<std::size_t>(kFormatSizeMax);
+    EXPECT_EQ(Text(L"{0:99999999999d}", {5}), std::wstring(limit - 1, L' ') + L"5");
+    EXPECT_EQ(Text(L"{0:-9999s}|", {L"a"}), L"a" + std::wstring(limit - 1, L' ') + L"|");
+    EXPECT_EQ(Text(L"{0:.9999d}", {-1}), L"-" + std::wstring(limit - 1, L'0') + L"1");
+    const double largest = std::numeric_limits<double>::max();
+    EXPECT_EQ(Text(L"{0:.9999f}", {largest}).size(), 309 + 1 + limit);
+    EXPECT_EQ(Text(L"{0:.9999g}", {std::numeric_limits<double>::denorm_min()}).substr(0, 8), L"4.940656");
+}
+
+TEST(Format, KeepsCharactersBehindAZeroInAString)
+{
+    const ZTString text(L"a\0b", 3);
+    EXPECT_EQ(Text(L"{0}", {text}), std::wstring(L"a\0b", 3));
+}
+
+TEST(Format, MayTakeTheStringItWrites)
+{
+    ZTString text(L"x");
+    text.Format(L"{0}{1}{0}", text, 1);
+    EXPECT_EQ(text, L"x1x");
+    text.Format(L"{0}{1}{2}{3}{4}{5}{6}{7}{8}{9}", 0, 1u, 2l, 3ul, 4ll, 5ull, 6.0, L"7", "8", text);
+    EXPECT_EQ(text, L"012345678x1x");
+    text.Format(L"none");
+    EXPECT_EQ(text, L"none");
+}
+
+TEST(Format, AgreesWithPrintfOnEveryCombinationOfFlagsAndSizes)
+{
+    const auto compare = [](const std::string& spec, auto value, auto printfValue)
+    {
+        char expected[128];
+        // The length is what makes one table serve all integer types.
+        const std::string length = std::is_floating_point_v<decltype(value)> ? "" : "ll";
+        const std::string printfSpec = "%" + spec.substr(0, spec.size() - 1) + length + spec.back();
+        std::snprintf(expected, sizeof expected, printfSpec.c_str(), printfValue);
+        const std::wstring format = L"{0:" + std::wstring(spec.begin(), spec.end()) + L"}";
+        const std::wstring text = Text(format.c_str(), {value});
+        EXPECT_EQ(std::string(text.begin(), text.end()), expected) << spec;
+    };
+    for (int flags = 0; flags < 32; ++flags)
+        for (const char* sizes : {"", "1", "12", ".0", ".3", "9.3", "20.12", "1.20"})
+        {
+            std::string front;
+            for (int flag = 0; flag < 5; ++flag)
+                if (flags & (1 << flag))
+                    front += "-+ 0#"[flag];
+            front += sizes;
+            for (const char* conversion : {"d", "i", "u", "o", "x", "X"})
+                for (const long long value :
+                     {0LL, 1LL, -1LL, 123456LL, -98765LL, std::numeric_limits<long long>::min(),
+                      std::numeric_limits<long long>::max()})
+                    compare(front + conversion, value, value);
+            if (flags & 16)
+                continue; // "#" is none of the language's flags for a double
+            for (const char* conversion : {"f", "F", "e", "E", "g", "G"})
+                for (const double value :
+                     {0.0, -0.0, 1.0, -1.5, 0.00012345, 123456789.125, 1e-7, 1e15, 0.5, 2.5})
+                    compare(front + conversion, value, value);
+        }
+}
+
+TEST(PlaceholderValue, FormatsIntoABufferOrTellsThatItCannot)
+{
+    const struct
+    {
+        PlaceholderValue value;
+        const wchar_t* spec;
+        int capacity;
+        int expected;
+    } kCases[] = {
+        {12345, L"%d", 5, 5}, {12345, L"%d", 4, -1}, {12345, nullptr, 5, 5}, {12345, L"%s", 5, -1},
+        {12345, L"d", 5, -1}, {12345, L"%", 5, 5},   {L"", L"%s", 0, 0},     {"a", L"%3S", 5, 3},
+    };
+    for (const auto& row : kCases)
+    {
+        wchar_t out[6] = L"*****";
+        EXPECT_EQ(row.value.Format(out, row.capacity, row.spec), row.expected);
+        EXPECT_EQ(out[std::max(row.expected, 0)], row.expected == 5 ? L'\0' : L'*')
+            << "wrote past its result";
+    }
+}

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/Oriska.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+#include <vector>
+
+TEST(LockWaits, AreBookedByLabelFromAnyThread)
+{
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back(
+            []
+            {
+                for (int wait = 0; wait < 1000; ++wait)
+                    RecordLockWait(L"Queue", 50);
+            });
+    for (std::thread& thread : threads)
+        thread.join();
+    RecordLockWait(L"Catalogue", 4294967295);
+    RecordLockWait(L"Catalogue", 4294967295);
+    EXPECT_EQ(GetLockWaits(), L"Catalogue: 2 waits, 85899345.90 ms, longest 42949672.95 ms\n"
+                              L"Queue: 8000 waits, 4000.00 ms, longest 0.50 ms\n");
+}
+
+TEST(Timer, CountsHundredthsOfAMillisecond)
+{
+    const std::int64_t start = TimerStart();
+    EXPECT_NE(start, 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const DWORD elapsed = TimerEnd100thms(start);
+    EXPECT_GE(elapsed, 4900u);
+    EXPECT_LT(elapsed, 1'000'000u) << "a busy machine is late, but not by ten seconds";
+}
