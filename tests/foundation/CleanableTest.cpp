@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/Cleanable.h"
+#include "foundation/StaticOrder.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+struct Report
+{
+    std::string text;
+    std::uint64_t count;
+    std::uint64_t sizeKB;
+
+    bool operator==(const Report&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Report& report)
+{
+    return out << report.text << ", " << report.count << ", " << report.sizeKB << " KB";
+}
+
+Report ReportOf(Cleanable& object)
+{
+    ZTString text;
+    Report report{};
+    object.GetReport(text, report.count, report.sizeKB);
+    for (int i = 0; i < text.GetLength(); ++i)
+        report.text += static_cast<char>(text[i]);
+    return report;
+}
+
+std::size_t Registered()
+{
+    const CAcquireCS registry(GetgCleanablesCS());
+    return GetgCleanables().size();
+}
+
+// Does with each registered object what a walker from outside may do.
+void WalkRegistry()
+{
+    const CAcquireCS noneEnds(GetgCleanablesDeleteCS());
+    CAcquireCS registry(GetgCleanablesCS());
+    const std::set<Cleanable*> objects = GetgCleanables();
+    registry.Release();
+    for (Cleanable* object : objects)
+    {
+        ReportOf(*object);
+        if (object->GetCount() > 100)
+            object->Clean();
+    }
+}
+
+[[gnu::init_priority(kStaticContainers + 1)]] std::size_t gRegisteredAfterContainers = Registered();
+
+} // namespace
+
+TEST(Cleanable, SixVectorsAreRegisteredBeforeTheProgramStarts)
+{
+    EXPECT_EQ(gRegisteredAfterContainers, 6u);
+    const CAcquireCS registry(GetgCleanablesCS());
+    for (Cleanable* object : GetgCleanables())
+    {
+        EXPECT_EQ(ReportOf(*object), (Report{"ZTString in CleanableVector<ZTString>", 0, 0}));
+        const auto* const vector = dynamic_cast<CleanableVector<ZTString>*>(object);
+        ASSERT_NE(vector, nullptr);
+        EXPECT_EQ(vector->mLock.mState, kLockUsable);
+        EXPECT_EQ(vector->mLock.mLabel, nullptr);
+    }
+}
+
+TEST(Cleanable, IsRegisteredAsLongAsItLives)
+{
+    const std::size_t before = Registered();
+    {
+        CleanableVector<int> vector;
+        EXPECT_EQ(GetgCleanables().count(&vector), 1u);
+        EXPECT_EQ(Registered(), before + 1);
+    }
+    EXPECT_EQ(Registered(), before);
+}
+
+TEST(Cleanable, LosesItsElementsAndKeepsItsMemory)
+{
+    CleanableVector<ZTString> vector;
+    vector.mItems.assign(1000, ZTString(L"element"));
+    const std::size_t capacity = vector.mItems.capacity();
+    EXPECT_EQ(vector.GetCount(), 1000u);
+    vector.Clean();
+    EXPECT_EQ(vector.GetCount(), 0u);
+    EXPECT_EQ(vector.mItems.capacity(), capacity);
+    EXPECT_EQ(vector.mLock.mOwnerThread, 0u);
+}
+
+TEST(Cleanable, ReportsElementsOfAnySize)
+{
+    CleanableVector<std::uint64_t> eights;
+    EXPECT_EQ(ReportOf(eights).sizeKB, 0u);
+    eights.mItems.resize(127);
+    EXPECT_EQ(ReportOf(eights).sizeKB, 0u);
+    eights.mItems.resize(128);
+    EXPECT_EQ(ReportOf(eights).sizeKB, 1u);
+
+    CleanableVector<ZTString> strings;
+    strings.mItems.resize(2048);
+    EXPECT_EQ(ReportOf(strings),
+              (Report{"ZTString in CleanableVector<ZTString>", 2048, 2048 * sizeof(ZTString) / 1024}));
+
+    CleanableVector<char> characters;
+    characters.mItems.resize(2047);
+    EXPECT_EQ(ReportOf(characters), (Report{"char in CleanableVector<char>", 2047, 1}));
+
+    CleanableVector<std::array<char, 100'000>> blocks;
+    blocks.mItems.resize(3);
+    EXPECT_EQ(ReportOf(blocks).sizeKB, 292u);
+}
+
+TEST(Cleanable, CountsTheTextOfTheFrameworksStrings)
+{
+    CleanableVector<CStringW> strings;
+    EXPECT_EQ(ReportOf(strings).sizeKB, 0u);
+    strings.mItems.assign(10, CStringW(std::wstring(1019, L'x').c_str()));
+    std::uint64_t characters = 0;
+    for (const CStringW& item : strings.mItems)
+        characters += static_cast<std::uint64_t>(item.GetAllocLength()) + 5;
+    EXPECT_GE(characters, 10240u);
+    const Report report = ReportOf(strings);
+    EXPECT_EQ(report.sizeKB, characters * 2 / 1024);
+    EXPECT_EQ(report.text, "ZTString in CleanableVector<ZTString>");
+}
+
+TEST(Cleanable, StandsEightThreadsAndAWalkerOfTheRegistry)
+{
+    const std::size_t before = Registered();
+    CleanableVector<ZTString> shared;
+    std::atomic<bool> done = false;
+    std::thread walker(
+        [&done]
+        {
+            while (!done)
+                WalkRegistry();
+        });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back(
+            [&shared, i]
+            {
+                for (int round = 0; round < 200; ++round)
+                {
+                    {
+                        const CAcquireCS lock(shared.mLock);
+                        shared.mItems.emplace_back(L"element");
+                    }
+                    CleanableVector<int> own;
+                    {
+                        const CAcquireCS lock(own.mLock);
+                        own.mItems.resize(150);
+                    }
+                    ReportOf(own);
+                    if (round % 8 == i)
+                        shared.Clean();
+                    shared.GetCount();
+                }
+            });
+    for (std::thread& thread : threads)
+        thread.join();
+    done = true;
+    walker.join();
+    EXPECT_EQ(Registered(), before + 1);
+}

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/DateValue.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cwchar>
+#include <limits>
+
+namespace
+{
+
+DateValue Valid(double date)
+{
+    return {date, eDateValid};
+}
+
+// The zone of this moment in minutes east of UTC, from the run-time library's two clocks.
+int MinutesEast()
+{
+    const time_t now = time(nullptr);
+    tm utc = *gmtime(&now);
+    utc.tm_isdst = localtime(&now)->tm_isdst;
+    return static_cast<int>((now - mktime(&utc)) / 60);
+}
+
+} // namespace
+
+TEST(DateFormat, ShowsTheLocalDateOrWhyItCannot)
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct
+    {
+        DateValue value;
+        const wchar_t* expected;
+    } kCases[] = {
+        {{}, L""},
+        {{5.0, eDateNull}, L""},
+        {Valid(99.999), L"[bad date value - 99.999000]"},
+        {Valid(-1.25), L"[bad date value - -1.250000]"},
+        {{1.0, eDateInvalid}, L"[bad date value - 1.000000]"}, // the first test of the two
+        {{100.0, eDateInvalid}, L"{invalid date - 100.000000 }"},
+        {Valid(2958465.5), L"{invalid date - 2958465.500000 }"},
+        {Valid(nan), L"{invalid date - nan }"},
+    };
+    for (const auto& row : kCases)
+        EXPECT_EQ(FormatLocalDate(row.value), row.expected);
+
+    tm april{};
+    april.tm_mday = 9;
+    april.tm_mon = 3;
+    april.tm_wday = 1;
+    april.tm_yday = 98;
+    wchar_t expected[128];
+    std::wcsftime(expected, std::size(expected), L"%c", &april);
+    EXPECT_EQ(FormatLocalDate(Valid(100.0)), expected);
+    EXPECT_GT(FormatLocalDate(Valid(2958465.0)).GetLength(), 10);
+}
+
+TEST(DateFormat, ShowsTheMailForm)
+{
+    const int east = MinutesEast();
+    ZTString zone;
+    zone.Format(L"{0}{1:02d}{2:02d}", east < 0 ? L"-" : L"+", std::abs(east) / 60, std::abs(east) % 60);
+    const struct
+    {
+        DateValue value;
+        const wchar_t* expected;
+    } kCases[] = {
+        {Valid(2.0), L"Mon, 1 Jan 1900 00:00:00 "},
+        {Valid(-1.25), L"Fri, 29 Dec 1899 06:00:00 "},
+        {Valid(36585.75), L"Tue, 29 Feb 2000 18:00:00 "},
+        {Valid(2958465.0), L"Fri, 31 Dec 9999 00:00:00 "},
+        {{}, L"???, -1 ??? -1 -1:-1:-1 "},
+    };
+    for (const auto& row : kCases)
+        EXPECT_EQ(FormatRFC822Date(row.value), row.expected + zone);
+}
+
+TEST(DateFormat, ShowsTheIsoForm)
+{
+    EXPECT_EQ(FormatISO8601Date(Valid(2.0)), L"1900-01-01T00:00:00");
+    EXPECT_EQ(FormatISO8601Date(Valid(kDateMin)), L"0100-01-01T00:00:00");
+    EXPECT_EQ(FormatISO8601Date(Valid(36585.99998)), L"2000-02-29T23:59:58");
+    EXPECT_EQ(FormatISO8601Date({}), L"-001--1--1T-1:-1:-1");
+}
+
+TEST(DateFormat, ShowsTheTimestampOfADatabaseInUtc)
+{
+    EXPECT_EQ(FormatODBCDate(0), L"{ts '1970-01-01 00:00:00' }");
+    EXPECT_EQ(FormatODBCDate(951868799), L"{ts '2000-02-29 23:59:59' }");
+    EXPECT_EQ(FormatODBCDate(std::numeric_limits<time_t>::max()), L"");
+}

@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/DateValue.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <tuple>
+#include <vector>
+
+namespace
+{
+
+// year, month, day, hour, minute, second, day of the week, day of the year
+using Fields = std::tuple<int, int, int, int, int, int, int, int>;
+
+Fields Split(double date)
+{
+    DateFields f{};
+    EXPECT_TRUE(DateToFields(date, f)) << date;
+    return {f.year, f.month, f.day, f.hour, f.minute, f.second, f.dayOfWeek, f.dayOfYear};
+}
+
+double Build(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
+{
+    const auto narrow = [](int field) { return static_cast<std::uint16_t>(field); };
+    double date = std::numeric_limits<double>::quiet_NaN();
+    DateFromFields(narrow(year), narrow(month), narrow(day), narrow(hour), narrow(minute), narrow(second),
+                   date);
+    return date;
+}
+
+DateValue Valid(double date)
+{
+    return {date, eDateValid};
+}
+
+} // namespace
+
+// Every day, each with another time of day, against the standard library's calendar.
+TEST(DateValue, AgreesWithTheCalendarOnEveryDayOfTheYears100To9999)
+{
+    using namespace std::chrono;
+    const sys_days epoch = year{1899} / December / 30;
+    const sys_days last = year{9999} / December / 31;
+    int secondOfDay = 0;
+    for (sys_days day = year{100} / January / 1; day <= last; day += days{1})
+    {
+        secondOfDay = (secondOfDay + 7919) % 86400;
+        const year_month_day ymd = day;
+        const auto months = static_cast<int>(static_cast<unsigned>(ymd.month()));
+        const auto dayOfMonth = static_cast<int>(static_cast<unsigned>(ymd.day()));
+        const auto years = static_cast<int>(ymd.year());
+        const auto hour = secondOfDay / 3600, minute = secondOfDay / 60 % 60, second = secondOfDay % 60;
+
+        const double number = static_cast<double>((day - epoch).count());
+        const double fraction = secondOfDay / 86400.0;
+        const double date = Build(years, months, dayOfMonth, hour, minute, second);
+        ASSERT_EQ(date, number < 0 ? number - fraction : number + fraction);
+
+        const auto dayOfYear = static_cast<int>((day - sys_days{ymd.year() / January / 1}).count() + 1);
+        const auto weekday = static_cast<int>(std::chrono::weekday{day}.c_encoding() + 1);
+        ASSERT_EQ(Split(date), Fields(years, months, dayOfMonth, hour, minute, second, weekday, dayOfYear));
+    }
+}
+
+TEST(DateValue, KeepsEverySecondOfADayOnBothSidesOfZero)
+{
+    for (const int year : {100, 1899, 1900, 9999})
+        for (int second = 0; second < 86400; ++second)
+        {
+            const double date = Build(year, 12, 29, second / 3600, second / 60 % 60, second % 60);
+            DateFields fields;
+            ASSERT_TRUE(DateToFields(date, fields));
+            ASSERT_EQ((fields.hour * 60 + fields.minute) * 60 + fields.second, second) << year;
+            ASSERT_EQ(fields.day, 29);
+        }
+}
+
+TEST(DateValue, SplitsTheOddCorners)
+{
+    const struct
+    {
+        double date;
+        Fields expected;
+    } kCases[] = {
+        {0.0, {1899, 12, 30, 0, 0, 0, 7, 364}},
+        {1.0, {1899, 12, 31, 0, 0, 0, 1, 365}},
+        {2.0, {1900, 1, 1, 0, 0, 0, 2, 1}},
+        {-1.25, {1899, 12, 29, 6, 0, 0, 6, 363}},
+        {-657434.0, {100, 1, 1, 0, 0, 0, 6, 1}},
+        {1.99999999, {1900, 1, 1, 0, 0, 0, 2, 1}}, // within half a second of midnight
+        {2958465.0, {9999, 12, 31, 0, 0, 0, 6, 365}},
+        {2958465.99999, {9999, 12, 31, 23, 59, 59, 6, 365}},
+    };
+    for (const auto& row : kCases)
+        EXPECT_EQ(Split(row.date), row.expected) << row.date;
+    EXPECT_EQ(Build(1899, 12, 29, 6), -1.25);
+    EXPECT_EQ(Build(100, 1, 1), kDateMin);
+    EXPECT_EQ(Build(9999, 12, 31), kDateMax);
+}
+
+TEST(DateValue, RefusesWhatCannotBeSplit)
+{
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const double date : {-657434.5, -1e300, 1e300, 2147483647.0, infinity, -infinity,
+                              std::numeric_limits<double>::quiet_NaN()})
+    {
+        DateFields fields{};
+        fields.year = -7;
+        EXPECT_FALSE(DateToFields(date, fields)) << date;
+        EXPECT_EQ(fields.year, -7) << "the record is untouched";
+        EXPECT_EQ(Valid(date).GetYear(), -1);
+    }
+    DateFields fields;
+    EXPECT_TRUE(DateToFields(2146789687.0, fields)) << "the last day number of 32 bits";
+}
+
+TEST(DateValue, RefusesWhatIsNoDate)
+{
+    const int kCases[][6] = {
+        {1900, 2, 29, 0, 0, 0}, {2001, 2, 29, 0, 0, 0}, {2000, 2, 30, 0, 0, 0}, {2001, 4, 31, 0, 0, 0},
+        {2001, 1, 0, 0, 0, 0},  {2001, 0, 1, 0, 0, 0},  {2001, 13, 1, 0, 0, 0}, {2001, 1, 32, 0, 0, 0},
+        {2001, 1, 1, 24, 0, 0}, {2001, 1, 1, 0, 60, 0}, {2001, 1, 1, 0, 0, 60}, {10000, 1, 1, 0, 0, 0},
+    };
+    for (const auto& row : kCases)
+        EXPECT_TRUE(std::isnan(Build(row[0], row[1], row[2], row[3], row[4], row[5])))
+            << testing::PrintToString(row);
+    EXPECT_EQ(Build(2000, 2, 29), 36585.0);
+    EXPECT_LT(Build(99, 12, 31), kDateMin) << "built, though it cannot be split";
+}
+
+TEST(DateValue, ReadsFieldsOfValidDatesUpToTheLastMidnightAlone)
+{
+    const DateValue kUnreadable[] = {
+        {}, {2.0, eDateInvalid}, {2.0, eDateNull}, Valid(2958465.5), Valid(-657435.0)};
+    for (const DateValue& value : kUnreadable)
+        for (const int field : {value.GetYear(), value.GetMonth(), value.GetDay(), value.GetHour(),
+                                value.GetMinute(), value.GetSecond(), value.GetDayOfWeek()})
+            EXPECT_EQ(field, -1);
+    const DateValue value = Valid(-1.25);
+    EXPECT_EQ(Fields(value.GetYear(), value.GetMonth(), value.GetDay(), value.GetHour(), value.GetMinute(),
+                     value.GetSecond(), value.GetDayOfWeek(), 0),
+              Fields(1899, 12, 29, 6, 0, 0, 6, 0));
+}
+
+TEST(DateValue, CountsDaysStraightAcrossZero)
+{
+    const double kCases[][2] = {{2.5, 2.5}, {0.0, 0.0}, {-0.5, -0.5}, {-1.25, -0.75}, {-2.0, -2.0}};
+    for (const auto& row : kCases)
+        EXPECT_EQ(LinearDays(row[0]), row[1]) << row[0];
+}
+
+TEST(DateValue, ComesFromTheLocalClockAndGoesBackToIt)
+{
+    const time_t now = time(nullptr);
+    const DateValue date = DateFromTime(now);
+    const tm local = *localtime(&now);
+    EXPECT_EQ(date.mStatus, eDateValid);
+    EXPECT_EQ(date.GetYear(), local.tm_year + 1900);
+    EXPECT_EQ(date.GetMonth(), local.tm_mon + 1);
+    EXPECT_EQ(date.GetDay(), local.tm_mday);
+    EXPECT_EQ(date.GetHour(), local.tm_hour);
+    EXPECT_EQ(date.GetMinute(), local.tm_min);
+    EXPECT_EQ(date.GetSecond(), local.tm_sec);
+    EXPECT_EQ(date.GetDayOfWeek(), local.tm_wday + 1);
+
+    // The present moment is read twice meanwhile, and a second may begin between.
+    for (const time_t distance : {0, 1, -1, 3600, -86400 * 3})
+    {
+        DateValue other = date;
+        other.mDate += static_cast<double>(distance) / 86400.0;
+        const time_t back = DateToTime(other);
+        EXPECT_GE(back, now + distance - 1);
+        EXPECT_LE(back, now + distance + 1);
+    }
+}
+
+TEST(DateValue, GivesTheCalendarTimeOfOddValues)
+{
+    EXPECT_EQ(DateToTime({}), 0);
+    EXPECT_EQ(DateToTime(Valid(0.0)), 0);
+    EXPECT_NEAR(static_cast<double>(DateToTime({5.0, eDateInvalid})), static_cast<double>(time(nullptr)), 2);
+    EXPECT_NEAR(static_cast<double>(DateToTime({5.0, eDateNull})), static_cast<double>(time(nullptr)), 2);
+    EXPECT_EQ(DateToTime(Valid(-600000.0)), 0) << "never negative";
+    const auto furthest = static_cast<double>(time(nullptr)) + 2147483647.0;
+    EXPECT_NEAR(static_cast<double>(DateToTime(Valid(kDateMax))), furthest, 2)
+        << "no further than 32 bits of seconds";
+    DateToTime(Valid(std::numeric_limits<double>::quiet_NaN()));
+}
+
+TEST(DateValue, NeverEndsAWholeMinuteOnSecondOne)
+{
+    const DateValue now = DateFromTime(time(nullptr));
+    const double today = std::floor(now.mDate);
+    for (int minute = 0; minute < 1440; ++minute)
+        ASSERT_NE(DateToTime(Valid(today + minute / 1440.0)) % 60, 1) << minute;
+}
+
+// The run-time library refuses negative times on one system and shows them on the other.
+TEST(DateValue, OfATimeThatTheLibraryRefusesPrintsAsInvalid)
+{
+    const DateValue value = DateFromTime(std::numeric_limits<time_t>::max());
+    EXPECT_EQ(value.mStatus, eDateInvalid);
+    EXPECT_EQ(FormatLocalDate(value), L"{invalid date - 2958466.000000 }");
+}

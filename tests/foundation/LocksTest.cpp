@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/Locks.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+// The line of a label in the book of waits; empty when there is none.
+ZTString LineOf(const wchar_t* label)
+{
+    const ZTString book = GetLockWaits();
+    const int first = book.Find(label);
+    return first < 0 ? ZTString() : ZTString(book.Mid(first, book.Find(L'\n', first) - first));
+}
+
+struct RecordingSwitch
+{
+    RecordingSwitch() { gbRecordLockWaits = true; }
+    ~RecordingSwitch() { gbRecordLockWaits = false; }
+};
+
+// Holds the lock on another thread for a while; returns when it is held.
+std::thread HoldElsewhere(CLockCS& lock, std::chrono::milliseconds time)
+{
+    std::atomic<bool> held = false;
+    std::thread holder(
+        [&lock, &held, time]
+        {
+            const CAcquireCS acquired(lock);
+            held = true;
+            held.notify_one();
+            std::this_thread::sleep_for(time);
+        });
+    held.wait(false);
+    return holder;
+}
+
+} // namespace
+
+TEST(Locks, KnowTheirOwnerAndTheLastOne)
+{
+    CLockCS lock;
+    EXPECT_EQ(lock.mState, kLockUsable);
+    EXPECT_EQ(lock.mLabel, nullptr);
+    CAcquireCS acquired(lock);
+    EXPECT_EQ(acquired.mHeld, 1u);
+    EXPECT_EQ(lock.mOwnerThread, GetCurrentThreadId());
+    EXPECT_EQ(lock.mLastOwnerThread, 0u);
+    acquired.Release();
+    EXPECT_EQ(acquired.mHeld, 0u);
+    EXPECT_EQ(lock.mOwnerThread, 0u);
+    EXPECT_EQ(lock.mLastOwnerThread, GetCurrentThreadId());
+    acquired.Release();
+    // Free for others, though the holder still lives.
+    HoldElsewhere(lock, std::chrono::milliseconds(0)).join();
+    EXPECT_NE(lock.mLastOwnerThread, GetCurrentThreadId());
+}
+
+TEST(Locks, CanBeTakenAgainByTheirOwner)
+{
+    CLockCS lock;
+    std::atomic<bool> entered = false;
+    std::thread other;
+    {
+        const CAcquireCS outer(lock);
+        {
+            const CAcquireCS inner(lock);
+        }
+        other = std::thread(
+            [&]
+            {
+                const CAcquireCS acquired(lock);
+                entered = true;
+            });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_FALSE(entered) << "the inner holder has let go for the outer one";
+    }
+    other.join();
+    EXPECT_TRUE(entered);
+}
+
+TEST(Locks, AreExclusiveAmongEightThreads)
+{
+    CLockCS lock;
+    int counter = 0; // races without the lock
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back(
+            [&]
+            {
+                for (int round = 0; round < 20'000; ++round)
+                {
+                    const CAcquireCS acquired(lock);
+                    ++counter;
+                }
+            });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(counter, 160'000);
+}
+
+TEST(Locks, ArePassedOverBeforeTheyAreMadeAndAfterTheyAreGone)
+{
+    // As a static object's memory is before its constructor runs.
+    alignas(CLockCS) static std::byte storage[sizeof(CLockCS)];
+    auto* const lock = reinterpret_cast<CLockCS*>(storage);
+    const auto passedOver = [lock]
+    {
+        CAcquireCS first(*lock);
+        const CAcquireCS second(*lock);
+        EXPECT_EQ(first.mHeld, 0u);
+        EXPECT_EQ(first.mAcquiredCS, nullptr);
+        first.Release();
+    };
+    const RecordingSwitch recording;
+    EXPECT_EQ(lock->mState, kLockUnderConstruction);
+    passedOver();
+    std::construct_at(lock);
+    {
+        const CAcquireCS acquired(*lock);
+        EXPECT_EQ(acquired.mHeld, 1u);
+    }
+    std::destroy_at(lock);
+    EXPECT_EQ(lock->mState, kLockDestroyed);
+    passedOver();
+    std::thread(passedOver).join();
+}
+
+TEST(Locks, RecordTheWaitsOfLabelledLocksWhileTheSwitchIsOn)
+{
+    using namespace std::chrono_literals;
+    CLockCS lock;
+    lock.mLabel = L"Contended";
+    const auto wait = [&lock]
+    {
+        std::thread holder = HoldElsewhere(lock, 50ms);
+        {
+            const CAcquireCS acquired(lock);
+        }
+        holder.join();
+    };
+    wait();
+    EXPECT_EQ(LineOf(L"Contended"), L"") << "the switch is off";
+
+    const RecordingSwitch recording;
+    wait();
+    const ZTString line = LineOf(L"Contended");
+    EXPECT_GE(line.Find(L" ms, longest "), 0) << "there is a record";
+    EXPECT_EQ(line.Find(L" 0.0"), -1) << "of some length";
+
+    // A wait shorter than the timer's unit is none.
+    lock.mLabel = L"Free";
+    for (int i = 0; i < 1000; ++i)
+        const CAcquireCS acquired(lock);
+    const ZTString waits = LineOf(L"Free").Mid(6);
+    EXPECT_LT(std::wcstol(waits, nullptr, 10), 900);
+
+    const ZTString before = GetLockWaits();
+    lock.mLabel = nullptr;
+    wait();
+    EXPECT_EQ(GetLockWaits(), before) << "a lock without a label is never recorded";
+}
