@@ -87,8 +87,8 @@ enum class DisplayKind
 // one is in use already. A program that does not call this gets Automatic.
 PLATFORM_EXPORT bool UseDisplay(DisplayKind kind);
 
-std::unique_ptr<Display> MakeTerminalDisplay();
-std::unique_ptr<Display> MakeNoDisplay();
+// A display of the kind; null when there is none.
+std::unique_ptr<Display> MakeDisplay(DisplayKind kind);
 
 // What the module libtavoqt.so in the program folder exports under the name kDisplayFactoryName: a new
 // display, owned by the caller, or null when no display server answers. Called once, on the windows' thread.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Windows, dialogs, messages and the resources they are made from. The windows of a process live on one
-// thread, the one that makes the first of them; only PostMessageW may be called from others. Resources are
-// those embedded in the program (see platform/resource/); a module handle names the program, null or not.
+// thread, the one that makes the first of them; only PostMessageW does anything on others. Resources are
+// those embedded in the program (see platform/resource/), whatever module is named; their names are numbers.
 #pragma once
 
 #include "windef.h"
@@ -19,7 +19,6 @@
 #define WS_VSCROLL 0x00200000
 #define WS_HSCROLL 0x00100000
 #define WS_SYSMENU 0x00080000
-#define WS_THICKFRAME 0x00040000
 #define WS_GROUP 0x00020000
 #define WS_TABSTOP 0x00010000
 #define WS_MINIMIZEBOX 0x00020000
@@ -83,36 +82,21 @@
 #define RT_GROUP_ICON MAKEINTRESOURCEW(14)
 
 // Messages.
-#define WM_NULL 0x0000
-#define WM_CREATE 0x0001
-#define WM_DESTROY 0x0002
-#define WM_ACTIVATE 0x0006
-#define WM_SETFOCUS 0x0007
-#define WM_KILLFOCUS 0x0008
-#define WM_ENABLE 0x000A
 #define WM_SETTEXT 0x000C
 #define WM_GETTEXT 0x000D
 #define WM_GETTEXTLENGTH 0x000E
 #define WM_PAINT 0x000F
 #define WM_CLOSE 0x0010
-#define WM_QUIT 0x0012
-#define WM_SHOWWINDOW 0x0018
 #define WM_ICONERASEBKGND 0x0027
 #define WM_NEXTDLGCTL 0x0028
 #define WM_QUERYDRAGICON 0x0037
 #define WM_SETICON 0x0080
-#define WM_GETICON 0x007F
-#define WM_NCDESTROY 0x0082
-#define WM_GETDLGCODE 0x0087
 #define WM_KEYDOWN 0x0100
-#define WM_CHAR 0x0102
 #define WM_INITDIALOG 0x0110
 #define WM_COMMAND 0x0111
-#define WM_SYSCOMMAND 0x0112
 #define WM_TIMER 0x0113
 #define WM_USER 0x0400
 #define DM_GETDEFID (WM_USER + 0)
-#define DM_SETDEFID (WM_USER + 1)
 #define DC_HASDEFID 0x534B
 
 #define EM_GETSEL 0x00B0
@@ -121,16 +105,9 @@
 #define EM_GETLINECOUNT 0x00BA
 #define EM_REPLACESEL 0x00C2
 #define EM_LIMITTEXT 0x00C5
-#define EM_SETLIMITTEXT EM_LIMITTEXT
-#define EM_SETREADONLY 0x00CF
-#define EN_SETFOCUS 0x0100
-#define EN_KILLFOCUS 0x0200
-#define EN_CHANGE 0x0300
-#define EN_UPDATE 0x0400
 
 #define BM_GETCHECK 0x00F0
 #define BM_SETCHECK 0x00F1
-#define BM_SETSTYLE 0x00F4
 #define BM_CLICK 0x00F5
 #define BN_CLICKED 0
 #define BST_UNCHECKED 0
@@ -141,63 +118,41 @@
 #define CB_GETCURSEL 0x0147
 #define CB_GETLBTEXT 0x0148
 #define CB_GETLBTEXTLEN 0x0149
-#define CB_RESETCONTENT 0x014B
 #define CB_SETCURSEL 0x014E
 #define CB_GETITEMDATA 0x0150
 #define CB_SETITEMDATA 0x0151
 #define CB_ERR (-1)
-#define CBN_SELCHANGE 1
 
 #define ICON_SMALL 0
 #define ICON_BIG 1
 
-#define VK_TAB 0x09
 #define VK_RETURN 0x0D
 #define VK_ESCAPE 0x1B
 
 #define SW_HIDE 0
-#define SW_SHOWNORMAL 1
-#define SW_SHOW 5
-#define SW_MINIMIZE 6
-#define SW_RESTORE 9
 
 #define PM_NOREMOVE 0
 #define PM_REMOVE 1
 
-#define GW_HWNDFIRST 0
-#define GW_HWNDNEXT 2
-#define GW_OWNER 4
-#define GW_CHILD 5
-
-#define GWLP_WNDPROC (-4)
-#define GWL_STYLE (-16)
-#define GWL_EXSTYLE (-20)
-#define GWLP_ID (-12)
-#define GWLP_USERDATA (-21)
 #define DWLP_MSGRESULT 0
-#define DWLP_DLGPROC (DWLP_MSGRESULT + static_cast<int>(sizeof(LRESULT)))
-#define DWLP_USER (DWLP_DLGPROC + static_cast<int>(sizeof(DLGPROC)))
+#define DWLP_USER 16
 
 #define SM_CXICON 11
 #define SM_CYICON 12
 
 #define MB_OK 0x00000000
 #define MB_OKCANCEL 0x00000001
-#define MB_ABORTRETRYIGNORE 0x00000002
 #define MB_YESNOCANCEL 0x00000003
 #define MB_YESNO 0x00000004
-#define MB_RETRYCANCEL 0x00000005
 #define MB_ICONERROR 0x00000010
 #define MB_ICONQUESTION 0x00000020
-#define MB_ICONWARNING 0x00000030
-#define MB_ICONEXCLAMATION MB_ICONWARNING
+#define MB_ICONEXCLAMATION 0x00000030
 #define MB_ICONINFORMATION 0x00000040
 #define MB_ICONMASK 0x000000F0
 #define MB_DEFBUTTON2 0x00000100
 #define MB_TYPEMASK 0x0000000F
 #define MB_TIMEDOUT 32000
 
-using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 using DLGPROC = INT_PTR (*)(HWND, UINT, WPARAM, LPARAM);
 using TIMERPROC = void (*)(HWND, UINT, UINT_PTR, DWORD);
 
@@ -228,67 +183,56 @@ extern "C"
     // Dialogs.
     PLATFORM_EXPORT INT_PTR DialogBoxParamW(HINSTANCE module, LPCWSTR dialog, HWND owner, DLGPROC procedure,
                                             LPARAM parameter);
-    PLATFORM_EXPORT HWND CreateDialogParamW(HINSTANCE module, LPCWSTR dialog, HWND owner, DLGPROC procedure,
-                                            LPARAM parameter);
     PLATFORM_EXPORT BOOL EndDialog(HWND dialog, INT_PTR result);
-    PLATFORM_EXPORT BOOL DestroyWindow(HWND window);
     PLATFORM_EXPORT HWND GetDlgItem(HWND dialog, int id);
-    PLATFORM_EXPORT int GetDlgCtrlID(HWND window);
-    PLATFORM_EXPORT BOOL IsDialogMessageW(HWND dialog, LPMSG message);
-    PLATFORM_EXPORT LRESULT DefDlgProcW(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    PLATFORM_EXPORT LONG_PTR GetWindowLongPtrW(HWND dialog, int index); // DWLP_... only
+    PLATFORM_EXPORT LONG_PTR SetWindowLongPtrW(HWND dialog, int index, LONG_PTR value);
 
     // Message boxes. MessageBoxTimeoutW answers MB_TIMEDOUT when nobody did within the time; the language
-    // is ignored. A null owner is nobody: dialogs that are open stay enabled.
+    // is ignored. Without an owner, dialogs that are open stay enabled.
     PLATFORM_EXPORT int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
-    PLATFORM_EXPORT int MessageBoxTimeoutW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
-                                           WORD language, DWORD milliseconds);
+    PLATFORM_EXPORT int MessageBoxTimeoutW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type, WORD language,
+                                           DWORD milliseconds);
 
-    // Messages. The time-out and order rules are those of Windows: posted messages first, then WM_QUIT, then
-    // what the person did, then paint, then timers. The filter arguments must be 0.
+    // Messages. Posted ones come first, in the order of posting, then what the person did, then WM_PAINT, then
+    // WM_TIMER.
+    // Any thread may post. PeekMessageW takes no filter: window, first and last are 0. It gives FALSE on
+    // any other thread than the windows'.
     PLATFORM_EXPORT LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    PLATFORM_EXPORT LRESULT SendDlgItemMessageW(HWND dialog, int id, UINT message, WPARAM wParam,
-                                                LPARAM lParam);
     PLATFORM_EXPORT BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    PLATFORM_EXPORT void PostQuitMessage(int exitCode);
-    PLATFORM_EXPORT BOOL GetMessageW(LPMSG message, HWND window, UINT first, UINT last);
     PLATFORM_EXPORT BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT remove);
     PLATFORM_EXPORT BOOL TranslateMessage(const MSG* message);
     PLATFORM_EXPORT LRESULT DispatchMessageW(const MSG* message);
-    PLATFORM_EXPORT LRESULT CallWindowProcW(WNDPROC procedure, HWND window, UINT message, WPARAM wParam,
-                                            LPARAM lParam);
-    PLATFORM_EXPORT LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+    // WM_TIMER comes again and again until the window goes. There are no timers without a window, and no
+    // timer procedures.
     PLATFORM_EXPORT UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
-    PLATFORM_EXPORT BOOL KillTimer(HWND window, UINT_PTR id);
 
     // Windows.
     PLATFORM_EXPORT BOOL IsWindow(HWND window);
     PLATFORM_EXPORT BOOL IsWindowVisible(HWND window);
     PLATFORM_EXPORT BOOL IsWindowEnabled(HWND window);
-    PLATFORM_EXPORT BOOL IsIconic(HWND window);
-    PLATFORM_EXPORT HWND GetParent(HWND window);
-    PLATFORM_EXPORT HWND GetWindow(HWND window, UINT relation);
-    PLATFORM_EXPORT HWND GetActiveWindow();
+    PLATFORM_EXPORT HWND GetActiveWindow(); // the dialog on top
+    PLATFORM_EXPORT HWND GetFocus();
     PLATFORM_EXPORT BOOL SetWindowTextW(HWND window, LPCWSTR text);
     PLATFORM_EXPORT int GetWindowTextW(HWND window, LPWSTR text, int capacity);
     PLATFORM_EXPORT int GetWindowTextLengthW(HWND window);
     PLATFORM_EXPORT BOOL EnableWindow(HWND window, BOOL enable);
-    PLATFORM_EXPORT BOOL ShowWindow(HWND window, int command);
-    PLATFORM_EXPORT HWND SetFocus(HWND window);
-    PLATFORM_EXPORT HWND GetFocus();
-    PLATFORM_EXPORT LONG_PTR GetWindowLongPtrW(HWND window, int index);
-    PLATFORM_EXPORT LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value);
+    PLATFORM_EXPORT HWND SetFocus(HWND control);
+    PLATFORM_EXPORT BOOL IsIconic(HWND window);
 
-    // Painting. Only icons are drawn, and a client rectangle is in the display's pixels (two a dialog unit
-    // where there is none).
+    // Painting of dialogs. Only icons are drawn. A client rectangle is in the display's pixels, two a dialog
+    // unit where there are none.
     PLATFORM_EXPORT BOOL UpdateWindow(HWND window);
-    PLATFORM_EXPORT HDC BeginPaint(HWND window, LPPAINTSTRUCT paint);
-    PLATFORM_EXPORT BOOL EndPaint(HWND window, const PAINTSTRUCT* paint);
-    PLATFORM_EXPORT BOOL GetClientRect(HWND window, LPRECT rectangle);
+    PLATFORM_EXPORT HDC BeginPaint(HWND dialog, LPPAINTSTRUCT paint);
+    PLATFORM_EXPORT BOOL EndPaint(HWND dialog, const PAINTSTRUCT* paint);
+    PLATFORM_EXPORT BOOL GetClientRect(HWND dialog, LPRECT rectangle);
     PLATFORM_EXPORT BOOL DrawIcon(HDC context, int x, int y, HICON icon);
-    PLATFORM_EXPORT int GetSystemMetrics(int index);
+    PLATFORM_EXPORT int GetSystemMetrics(int index); // SM_CXICON, SM_CYICON
 
     // Resources.
     PLATFORM_EXPORT HICON LoadIconW(HINSTANCE module, LPCWSTR name);
+    // A capacity of 0 gives 0: there is no text to point into.
     PLATFORM_EXPORT int LoadStringW(HINSTANCE module, UINT id, LPWSTR text, int capacity);
 
     // Lower case by the Unicode mapping of one character to one, the same in every locale, code points beyond

@@ -67,20 +67,24 @@ struct DialogState
     HICON bigIcon = nullptr;
     HICON smallIcon = nullptr;
     Window* focus = nullptr;      // the control with the keyboard, also while another dialog is on top
+    UINT defaultButton = 0;       // control id, 0 for none
     std::vector<DrawnIcon> drawn; // by the last WM_PAINT
     bool isMessageBox = false;    // one label and push buttons without a layout: the display makes one
-    UINT messageBoxType = 0;      // MB_ICON* bits and the like
+    UINT messageBoxType = 0;      // as given to MessageBoxW
     bool iconic = false;          // minimised
     int pixelWidth = 0;           // client area, set by the display when it shows the dialog; 0 is unknown
     int pixelHeight = 0;
-    UINT defaultButton = 0;        // control id, 0 for none
-    bool ended = false;            // EndDialog was called
-    bool ownerWasDisabled = false; // by this dialog, which gives it back when it ends
-    INT_PTR result = 0;
-    int depth = 0; // of message handlers on the stack when the dialog was shown
+
+    // For the message calls alone.
     DLGPROC procedure = nullptr;
-    LONG_PTR user = 0;          // DWLP_USER
-    LONG_PTR messageResult = 0; // DWLP_MSGRESULT
+    LONG_PTR user = 0;             // DWLP_USER
+    LONG_PTR messageResult = 0;    // DWLP_MSGRESULT
+    INT_PTR result = 0;            // as given to EndDialog
+    bool ended = false;            // EndDialog was called
+    bool canceled = false;         // told so because input has ended
+    bool hasDisabledOwner = false; // which is enabled again when this dialog ends
+    bool needsPaint = false;
+    int depth = 0; // of message handlers on the stack where the dialog's own loop runs
 };
 
 struct Window
@@ -91,15 +95,15 @@ struct Window
     Window* parent = nullptr;                      // of a control its dialog, of a dialog its owner or null
     std::vector<std::unique_ptr<Window>> children; // in the template's order, which is the tab order
 
-    DWORD style = 0; // WS_* and the kind's own (ES_*, BS_*, CBS_*, SS_*); WS_VISIBLE, WS_DISABLED see below
+    DWORD style = 0; // as in the template; WS_VISIBLE and WS_DISABLED are the start values of the flags below
     DWORD extendedStyle = 0;
     DialogRect rect;
     bool visible = false; // of itself; a control is seen only while its dialog is, too
     bool enabled = true;  // likewise
 
     std::wstring
-        text;      // caption, label or content; an edit's lines end in "\r\n"; '&' marks a key in captions
-    int check = 0; // BST_UNCHECKED, BST_CHECKED
+        text; // caption, label or content; an edit's lines end in "\r\n"; '&' marks a key in captions
+    int check = BST_UNCHECKED;
 
     // Edit
     std::size_t lineCount = 1;
@@ -111,8 +115,6 @@ struct Window
     std::vector<ComboItem> items;
     int selection = -1;
 
-    WNDPROC procedure = nullptr;
-    LONG_PTR userData = 0;               // GWLP_USERDATA
     std::unique_ptr<DialogState> dialog; // null for a control
 
     // The display's own object for this window. The display alone reads and writes it, and has let go of it
@@ -141,9 +143,10 @@ inline bool IsUsable(const Window& window)
 // as it is visible.
 PLATFORM_EXPORT Window* TopDialog();
 
-// What the person at the display did; called by the display within Wait, on its thread. Texts and selections
-// count at once. What the program is told (a click, a change, a key) waits behind all posted messages, in
-// the order of the calls, and is dropped when the window cannot take it any more.
+// What the person at the display did; called by the display within Wait, on its thread. Texts, selections and
+// the focus count at once. What the program is told (a click, a key, the close box) waits behind all posted
+// messages, in the order of the calls, and is dropped when the window cannot take it any more. A check box
+// changes when the program hears of the click, which the display sees as Change::Check.
 PLATFORM_EXPORT void UserClicked(Window& button);
 PLATFORM_EXPORT void UserTyped(Window& edit, std::wstring wholeText);
 PLATFORM_EXPORT void UserSelected(Window& comboBox, int index);

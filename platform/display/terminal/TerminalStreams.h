@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+// Standard input as lines and standard output as text.
+#pragma once
+
+#include "platform/display/terminal/TerminalText.h"
+
+#include <chrono>
+#include <optional>
+
+namespace platform
+{
+
+class TerminalOutput
+{
+public:
+    explicit TerminalOutput(const TerminalEncoding& encoding);
+
+    // Text as it comes, each part where the one before it ended.
+    void WritePart(std::wstring_view text);
+    // Text on a line of its own.
+    void WriteLine(std::wstring_view text);
+    // The prompt stands until something else is written; `ShowPrompt` does nothing while it stands.
+    void ShowPrompt();
+    // The person has ended the line with the prompt.
+    void LeavePrompt() { mPromptStands = false; }
+
+private:
+    void Write(std::string_view bytes);
+    void ClearPrompt();
+
+    const TerminalEncoding& mEncoding;
+    HarmlessText mHarmless;
+    bool mAtLineStart = true;
+    bool mPromptStands = false;
+    bool mIsGone = false; // nobody reads any more
+};
+
+class TerminalInput
+{
+public:
+    explicit TerminalInput(const TerminalEncoding& encoding);
+
+    // The next line that has been read, without its end; nothing when there is none yet. The last line needs
+    // no end.
+    std::optional<std::wstring> TakeLine();
+
+    // True when a read may give something now or later without stopping the process.
+    bool CanRead() const;
+    // Reads what is there; call it when a poll says that there is something.
+    void Read();
+
+    // True when all lines have been taken and no more will come.
+    bool HasEnded() const { return mEnded && mBytes.empty(); }
+    // A terminal can go on after its end of input.
+    void Reopen() { mEnded = mEnded && !mIsTerminal; }
+
+    bool IsTerminal() const { return mIsTerminal; }
+
+private:
+    const TerminalEncoding& mEncoding;
+    const bool mIsTerminal;
+    std::string mBytes;
+    bool mEnded = false;
+};
+
+} // namespace platform

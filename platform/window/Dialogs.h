@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// Modal dialogs: their own loop, what they do with messages that their procedure leaves, message boxes.
+#pragma once
+
+#include "platform/window/Window.h"
+
+#include <chrono>
+#include <memory>
+#include <optional>
+
+namespace platform
+{
+
+struct DialogTemplate;
+
+// The windows of a template. Null when it has a control of a kind that the layer lacks.
+std::unique_ptr<Window> MakeDialog(const DialogTemplate& source);
+
+struct ModalRun
+{
+    HWND owner = nullptr; // disabled meanwhile; a control stands for its dialog
+    DLGPROC procedure = nullptr;
+    LPARAM parameter = 0;
+    std::optional<std::chrono::milliseconds> timeout; // the result is then MB_TIMEDOUT
+};
+
+// Shows a dialog and serves messages until it has been ended; gives the result of EndDialog.
+INT_PTR RunModal(std::unique_ptr<Window> made, const ModalRun& run);
+
+LRESULT ServeDialog(Window& dialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+// The button that answers a message box when a person's input has ended: No, or the only one, or Cancel.
+UINT AnswerOfNobody(const Window& messageBox);
+
+} // namespace platform

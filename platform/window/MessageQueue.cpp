@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "platform/window/MessageQueue.h"
+
+#include "platform/display/Display.h"
+#include "platform/window/Desk.h"
+
+#include <algorithm>
+
+namespace platform
+{
+
+namespace
+{
+
+constexpr std::chrono::milliseconds kShortestPeriod{10}; // of a timer, as on Windows
+
+MSG MakeMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const auto now =
+        std::chrono::duration_cast<std::chrono::milliseconds>(MessageQueue::Clock::now().time_since_epoch());
+    return {window, message, wParam, lParam, static_cast<DWORD>(now.count()), {0, 0}};
+}
+
+} // namespace
+
+void MessageQueue::Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const std::lock_guard lock(mMutex);
+    mPosted.push_back(MakeMessage(window, message, wParam, lParam));
+    if (mWaiting)
+        mDisplay->Wake();
+    mWaiting = false;
+}
+
+void MessageQueue::Drop(HWND window)
+{
+    const auto isForIt = [window](const MSG& message) { return message.hwnd == window; };
+    std::erase_if(mInput, isForIt);
+    std::erase_if(mTimers, [window](const Timer& timer) { return timer.window == window; });
+    const std::lock_guard lock(mMutex);
+    std::erase_if(mPosted, isForIt);
+}
+
+void MessageQueue::AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    mInput.push_back(MakeMessage(window, message, wParam, lParam));
+}
+
+void MessageQueue::SetTimer(HWND window, UINT_PTR id, std::chrono::milliseconds period)
+{
+    std::erase_if(mTimers, [=](const Timer& timer) { return timer.window == window && timer.id == id; });
+    period = std::max(period, kShortestPeriod);
+    mTimers.push_back({window, id, period, Clock::now() + period});
+}
+
+bool MessageQueue::NextPosted(MSG& message, bool remove)
+{
+    const std::lock_guard lock(mMutex);
+    if (mPosted.empty())
+        return false;
+    message = mPosted.front();
+    if (remove)
+        mPosted.pop_front();
+    return true;
+}
+
+bool MessageQueue::NextInput(MSG& message, bool remove)
+{
+    while (!mInput.empty())
+    {
+        message = mInput.front();
+        const bool canTakeIt = CanTakeInput(message);
+        if (remove || !canTakeIt)
+            mInput.pop_front();
+        if (canTakeIt)
+            return true;
+    }
+    return false;
+}
+
+bool MessageQueue::NextTimer(MSG& message, bool remove)
+{
+    const auto next = std::ranges::min_element(mTimers, {}, &Timer::due);
+    const auto now = Clock::now();
+    if (next == mTimers.end() || next->due > now)
+        return false;
+    message = MakeMessage(next->window, WM_TIMER, next->id, 0);
+    if (remove)
+        next->due = now + next->period;
+    return true;
+}
+
+bool MessageQueue::Next(MSG& message, bool remove)
+{
+    if (NextPosted(message, remove) || NextInput(message, remove))
+        return true;
+    mDisplay->Wait(std::chrono::milliseconds(0));
+    if (NextPosted(message, remove) || NextInput(message, remove))
+        return true;
+    if (const HWND unpainted = FindUnpainted())
+    {
+        message = MakeMessage(unpainted, WM_PAINT, 0, 0);
+        return true;
+    }
+    if (NextTimer(message, remove))
+        return true;
+    return mDisplay->InputHasEnded() && CancelTopDialog() && NextPosted(message, remove);
+}
+
+void MessageQueue::Wait(Clock::time_point deadline)
+{
+    using std::chrono::milliseconds;
+    for (const Timer& timer : mTimers)
+        deadline = std::min(deadline, timer.due);
+    {
+        const std::lock_guard lock(mMutex);
+        if (!mPosted.empty())
+            return;
+        mWaiting = true;
+    }
+    mDisplay->Wait(deadline == kNever
+                       ? Display::kForever
+                       : std::max(std::chrono::ceil<milliseconds>(deadline - Clock::now()), milliseconds(0)));
+    const std::lock_guard lock(mMutex);
+    mWaiting = false;
+}
+
+} // namespace platform

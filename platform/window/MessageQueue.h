@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+// The messages of the windows' thread. Others post to it; that thread alone takes messages out and waits.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <deque>
+#include <mutex>
+#include <vector>
+
+namespace platform
+{
+
+class Display;
+
+class MessageQueue
+{
+public:
+    using Clock = std::chrono::steady_clock;
+    static constexpr Clock::time_point kNever = Clock::time_point::max();
+
+    // Any thread.
+    void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+    // Drops what waits for a window that goes. The windows' thread only, like all below.
+    void Drop(HWND window);
+
+    // What a person did. It comes behind all posted messages, whenever those were posted.
+    void AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+    void SetTimer(HWND window, UINT_PTR id, std::chrono::milliseconds period);
+
+    // Takes the next message, or only looks at it; false when there is none now.
+    bool Next(MSG& message, bool remove);
+
+    // Returns once something may have come, not necessarily a message, or at the deadline.
+    void Wait(Clock::time_point deadline);
+
+    // Waits happen in the display, which hears of input as well. Comes before all other calls.
+    void WaitIn(Display& display) { mDisplay = &display; }
+
+private:
+    struct Timer
+    {
+        HWND window;
+        UINT_PTR id;
+        std::chrono::milliseconds period;
+        Clock::time_point due;
+    };
+
+    bool NextPosted(MSG& message, bool remove);
+    bool NextInput(MSG& message, bool remove);
+    bool NextTimer(MSG& message, bool remove);
+
+    std::mutex mMutex;
+    std::deque<MSG> mPosted; // with mMutex
+    bool mWaiting = false;   // with mMutex
+    Display* mDisplay = nullptr;
+    std::deque<MSG> mInput;
+    std::vector<Timer> mTimers;
+};
+
+} // namespace platform

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+// A dialog is asked to paint once after it has appeared. Its device context is its handle under another
+// type: there is one context a dialog, and only icons to put into it.
+#include "platform/window/Desk.h"
+
+#include <algorithm>
+
+using namespace platform;
+
+namespace
+{
+
+constexpr int kPixelsPerUnit = 2; // where the display has no pixels
+constexpr int kIconSize = 32;     // pixels
+
+} // namespace
+
+BOOL UpdateWindow(HWND handle)
+{
+    Window* const dialog = FindDialog(handle);
+    if (dialog == nullptr)
+        return FALSE;
+    if (dialog->visible && dialog->dialog->needsPaint)
+        Call(*dialog, WM_PAINT, 0, 0);
+    TheDisplay().Update(*dialog);
+    return TRUE;
+}
+
+HDC BeginPaint(HWND handle, LPPAINTSTRUCT paint)
+{
+    *paint = {};
+    Window* const dialog = FindDialog(handle);
+    if (dialog == nullptr)
+        return nullptr;
+    dialog->dialog->needsPaint = false;
+    dialog->dialog->drawn.clear();
+    paint->hdc = reinterpret_cast<HDC>(handle);
+    GetClientRect(handle, &paint->rcPaint);
+    return paint->hdc;
+}
+
+BOOL EndPaint(HWND handle, const PAINTSTRUCT*)
+{
+    Window* const dialog = FindDialog(handle);
+    if (dialog != nullptr)
+        TheDisplay().Refresh(*dialog, Change::Drawn, 0);
+    return TRUE;
+}
+
+BOOL GetClientRect(HWND handle, LPRECT rectangle)
+{
+    const Window* const dialog = FindDialog(handle);
+    if (dialog == nullptr)
+        return FALSE;
+    const DialogState& state = *dialog->dialog;
+    *rectangle = {0, 0, state.pixelWidth, state.pixelHeight};
+    if (state.pixelWidth == 0)
+        *rectangle = {0, 0, dialog->rect.width * kPixelsPerUnit, dialog->rect.height * kPixelsPerUnit};
+    return TRUE;
+}
+
+BOOL DrawIcon(HDC context, int x, int y, HICON icon)
+{
+    Window* const dialog = FindDialog(reinterpret_cast<HWND>(context));
+    if (dialog == nullptr || icon == nullptr)
+        return FALSE;
+    dialog->dialog->drawn.push_back({icon, x, y});
+    return TRUE;
+}
+
+int GetSystemMetrics(int index)
+{
+    return index == SM_CXICON || index == SM_CYICON ? kIconSize : 0;
+}
