@@ -23,6 +23,9 @@ constexpr std::size_t kLongestPlain = 64 * 1024;          // wrapped in one toke
 constexpr std::uint32_t kLongestToken = 16 * 1024 * 1024; // taken from a server, in bytes
 constexpr std::size_t kLengthSize = 4;
 
+constexpr OM_uint32 kProtected =
+    GSS_C_MUTUAL_FLAG | GSS_C_REPLAY_FLAG | GSS_C_SEQUENCE_FLAG | GSS_C_INTEG_FLAG | GSS_C_CONF_FLAG;
+
 gss_OID_desc kSpnego = {6, const_cast<char*>("\x2b\x06\x01\x05\x05\x02")};
 gss_OID_desc kNtlm = {10, const_cast<char*>("\x2b\x06\x01\x04\x01\x82\x37\x02\x02\x0a")};
 gss_OID_desc kKerberos = {9, const_cast<char*>("\x2a\x86\x48\x86\xf7\x12\x01\x02\x02")};
@@ -140,7 +143,8 @@ std::string Escaped(const std::string& component)
 } // namespace
 
 GssContext::GssContext(GssCredential credential, gss_OID mechanism, gss_name_t target)
-    : mCredential(std::move(credential)), mMechanism(mechanism), mTarget(target)
+    : mCredential(std::move(credential)), mMechanism(mechanism), mTarget(target),
+      mWanted(mechanism == &kSpnego ? kProtected : 0)
 {
 }
 
@@ -223,10 +227,9 @@ LdapFault GssContext::Step(const std::string& token, std::string& reply)
     OM_uint32 minor = 0;
     gss_buffer_desc input = BufferOf(token);
     GssBuffer output;
-    const OM_uint32 major = gss_init_sec_context(
-        &minor, mCredential.get(), &mContext, mTarget, mMechanism,
-        GSS_C_MUTUAL_FLAG | GSS_C_REPLAY_FLAG | GSS_C_SEQUENCE_FLAG | GSS_C_INTEG_FLAG | GSS_C_CONF_FLAG, 0,
-        GSS_C_NO_CHANNEL_BINDINGS, &input, nullptr, &output.data, &mFlags, nullptr);
+    const OM_uint32 major =
+        gss_init_sec_context(&minor, mCredential.get(), &mContext, mTarget, mMechanism, mWanted, 0,
+                             GSS_C_NO_CHANNEL_BINDINGS, &input, nullptr, &output.data, &mFlags, nullptr);
     reply = output.View();
     if (GSS_ERROR(major))
         return {kLocalError, StatusText(major, minor, mMechanism)};

@@ -42,7 +42,7 @@ public:
     LdapFault Step(const std::string& token, std::string& reply);
     bool IsComplete() const { return mComplete; }
     // True when what follows must pass through Wrap and Unwrap.
-    bool Protects() const { return (mFlags & (GSS_C_INTEG_FLAG | GSS_C_CONF_FLAG)) != 0; }
+    bool Protects() const { return (mWanted & mFlags & (GSS_C_INTEG_FLAG | GSS_C_CONF_FLAG)) != 0; }
 
     bool Wrap(std::string_view plain, std::string& token);
     bool Unwrap(std::string_view token, std::string& plain);
@@ -54,7 +54,8 @@ private:
     gss_OID mMechanism;
     gss_name_t mTarget;
     gss_ctx_id_t mContext = GSS_C_NO_CONTEXT;
-    OM_uint32 mFlags = 0;
+    OM_uint32 mWanted;    // nothing for bare NTLM, after which servers take plain messages
+    OM_uint32 mFlags = 0; // agreed with the server
     bool mComplete = false;
 };
 

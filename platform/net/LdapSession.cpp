@@ -371,8 +371,6 @@ LdapFault LdapSession::BindGss(const LdapIdentity& identity, GssMethod method)
     if (mLost || fault.code == WindowsCode(LDAP_TIMEOUT))
         return fault;
 
-    const auto offers = [&](const char* mechanism)
-    { return std::ranges::find(traits.mechanisms, mechanism) != traits.mechanisms.end(); };
     std::string noTicket;
     if (method == GssMethod::Negotiate && !identity.user.empty() && !IsAddress(mHost))
     {
@@ -387,7 +385,9 @@ LdapFault LdapSession::BindGss(const LdapIdentity& identity, GssMethod method)
             noTicket = ticketFault.cause;
         }
     }
-    const bool bare = method == GssMethod::Ntlm && offers(kNtlmName) && !offers(kSpnegoName);
+    // Servers of the Windows kind want NTLM inside SPNEGO, others by its own name.
+    const bool bare = method == GssMethod::Ntlm && traits.realm.empty() &&
+                      std::ranges::find(traits.mechanisms, kNtlmName) != traits.mechanisms.end();
     auto context = GssContext::Ntlm(identity, mHost, bare, fault);
     if (context)
         fault = ExchangeGss(std::move(context), bare ? kNtlmName : kSpnegoName, deadline);
