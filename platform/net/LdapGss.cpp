@@ -178,11 +178,29 @@ std::unique_ptr<GssContext> GssContext::Ntlm(const LdapIdentity& identity, const
         new GssContext(std::move(credential), bare ? &kNtlm : &kSpnego, target.release()));
 }
 
+std::unique_ptr<GssContext> GssContext::WithTicket(const std::string& user, const Secret& password,
+                                                   const std::string& target, gss_OID mechanism,
+                                                   LdapFault& fault)
+{
+    GssCredential credential =
+        AcquireCredential(user, password, mechanism, mechanism == &kSpnego ? &kKerberos : nullptr, fault);
+    if (!credential)
+        return nullptr;
+    const auto make = [&]
+    {
+        GssName name = ImportName(target, const_cast<gss_OID>(GSS_KRB5_NT_PRINCIPAL_NAME));
+        return std::unique_ptr<GssContext>(new GssContext(std::move(credential), mechanism, name.release()));
+    };
+    const std::unique_ptr<GssContext> first = make();
+    std::string token;
+    fault = first->Step({}, token);
+    credential = std::move(first->mCredential);
+    return fault ? nullptr : make();
+}
+
 std::unique_ptr<GssContext> GssContext::Kerberos(const LdapIdentity& identity, const std::string& realm,
                                                  const std::string& host, Deadline deadline, LdapFault& fault)
 {
-    // The first token needs the ticket, so making one fetches it into the credential's own memory; that
-    // context is then dropped.
     struct Outcome
     {
         std::unique_ptr<GssContext> context;
@@ -194,23 +212,13 @@ std::unique_ptr<GssContext> GssContext::Kerberos(const LdapIdentity& identity, c
     auto outcome = RunWithin(deadline,
                              [target, user, password = identity.password]
                              {
-                                 const auto make = [&target](GssCredential credential)
-                                 {
-                                     GssName name =
-                                         ImportName(target, const_cast<gss_OID>(GSS_KRB5_NT_PRINCIPAL_NAME));
-                                     return std::unique_ptr<GssContext>(
-                                         new GssContext(std::move(credential), &kSpnego, name.release()));
-                                 };
+                                 // SPNEGO does not tell why there is no ticket: Kerberos itself is asked
+                                 // first.
                                  Outcome result;
-                                 GssCredential credential =
-                                     AcquireCredential(user, password, &kSpnego, &kKerberos, result.fault);
-                                 if (!credential)
-                                     return result;
-                                 std::string token;
-                                 const std::unique_ptr<GssContext> first = make(std::move(credential));
-                                 result.fault = first->Step({}, token);
+                                 WithTicket(user, password, target, &kKerberos, result.fault);
                                  if (!result.fault)
-                                     result.context = make(std::move(first->mCredential));
+                                     result.context =
+                                         WithTicket(user, password, target, &kSpnego, result.fault);
                                  return result;
                              });
     if (!outcome)

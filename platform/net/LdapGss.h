@@ -48,6 +48,11 @@ public:
     bool Unwrap(std::string_view token, std::string& plain);
 
 private:
+    // A new exchange with Kerberos whose ticket is at hand: a first token is made and dropped, which fetches
+    // the ticket into the credential's own memory.
+    static std::unique_ptr<GssContext> WithTicket(const std::string& user, const Secret& password,
+                                                  const std::string& target, gss_OID mechanism,
+                                                  LdapFault& fault);
     GssContext(GssCredential credential, gss_OID mechanism, gss_name_t target);
 
     GssCredential mCredential;
