@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "ldap/LDAPCreds.h"
+
+#include "resources/resource.h"
+
+namespace
+{
+
+struct MethodItem
+{
+    const wchar_t* text;
+    eLDAPAuthMethod method;
+};
+
+constexpr MethodItem kMethodItems[] = {
+    {L"Try all", eLDAPAuthTryAll},
+    {L"Simple bind - SSL", eLDAPAuthSimpleSSL},
+    {L"Simple bind - plain text", eLDAPAuthSimplePlain},
+    {L"NTLM", eLDAPAuthNTLM},
+    {L"Digest", eLDAPAuthDigest},
+    {L"DPA", eLDAPAuthDPA},
+    {L"Negotiate", eLDAPAuthNegotiate},
+};
+
+} // namespace
+
+IMPLEMENT_DYNAMIC(LDAPCreds, CDialog)
+
+BEGIN_MESSAGE_MAP(LDAPCreds, CDialog)
+END_MESSAGE_MAP()
+
+LDAPCreds::LDAPCreds(CWnd* parent) : CDialog(IDD_LDAP_CREDS, parent) {}
+
+void LDAPCreds::DoDataExchange(CDataExchange* pDX)
+{
+    DDX_Text(pDX, IDC_SERVER, mServer);
+    DDX_Text(pDX, IDC_USER, mUser);
+    DDX_Text(pDX, IDC_PASSWORD, mPassword);
+    DDX_Control(pDX, IDC_AUTH_METHOD, mAuthCombo);
+    DDX_Text(pDX, IDC_PORT, mPort);
+    DDX_Text(pDX, IDC_DOMAIN, mDomain);
+}
+
+BOOL LDAPCreds::OnInitDialog()
+{
+    CDialog::OnInitDialog();
+    for (const MethodItem& item : kMethodItems)
+        mAuthCombo.SetItemData(mAuthCombo.AddString(item.text), item.method);
+    mAuthCombo.SetCurSel(0);
+    return 1;
+}
+
+void LDAPCreds::OnOK()
+{
+    mAuthMethod = static_cast<DWORD>(mAuthCombo.GetItemData(mAuthCombo.GetCurSel()));
+    CDialog::OnOK();
+}

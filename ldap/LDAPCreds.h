@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// The dialog that asks what the LDAP test is to try. The answers stay in its members for the caller; nothing
+// is remembered from one test to the next.
+#pragma once
+
+#include "foundation/Oriska.h"
+#include "framework/afxwin.h"
+
+// How to log on. The numbers are the item data of the dialog's combo box; 2 belongs to none.
+enum eLDAPAuthMethod : DWORD
+{
+    eLDAPAuthTryAll = 0, // all the others in turn
+    eLDAPAuthSimpleSSL = 1,
+    eLDAPAuthNTLM = 3,
+    eLDAPAuthDigest = 4,
+    eLDAPAuthDPA = 5,
+    eLDAPAuthSimplePlain = 6,
+    eLDAPAuthNegotiate = 7,
+};
+
+class LDAPCreds : public CDialog
+{
+    DECLARE_DYNAMIC(LDAPCreds)
+
+public:
+    explicit LDAPCreds(CWnd* parent = nullptr);
+    ~LDAPCreds() override = default;
+
+    ZTString mServer;
+    ZTString mUser;
+    ZTString mPassword;
+    CComboBox mAuthCombo;
+    DWORD mAuthMethod = eLDAPAuthTryAll; // valid after OnOK
+    DWORD mPort = 389;                   // 0 stands for the method's usual one
+    ZTString mDomain;
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override;
+    BOOL OnInitDialog() override;
+    void OnOK() override;
+    DECLARE_MESSAGE_MAP()
+};

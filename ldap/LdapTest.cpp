@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: MIT
+#include "ldap/LdapTest.h"
+
+#include "ldap/LdapCall.h"
+
+#include "console/TavoDlg.h"
+#include "foundation/Utf16.h"
+
+#include <rpc.h>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+
+namespace
+{
+
+constexpr LONG kConnectSeconds = 15;
+constexpr ULONG kSearchSeconds = 15;
+constexpr ULONG kVersion3 = 3;
+constexpr ULONG kSimpleBind = 0;
+
+struct Method
+{
+    eLDAPAuthMethod number;
+    const wchar_t* beginText;
+    ULONG bind; // LDAP_AUTH_..., or kSimpleBind
+};
+
+constexpr Method kMethods[] = {
+    {eLDAPAuthSimpleSSL, L"ldap_simple_bind_s begin ...", kSimpleBind},
+    {eLDAPAuthNTLM, L"ldap_bind_s(NTLM) begin ...", LDAP_AUTH_NTLM},
+    {eLDAPAuthDigest, L"ldap_bind_s(Digest) begin ...", LDAP_AUTH_DIGEST},
+    {eLDAPAuthDPA, L"ldap_bind_s(DPA) begin ...", LDAP_AUTH_DPA},
+    {eLDAPAuthSimplePlain, L"ldap_bind_s(plain text) begin ...", kSimpleBind},
+    {eLDAPAuthNegotiate, L"ldap_bind_s(negotiate) begin ...", LDAP_AUTH_NEGOTIATE},
+};
+
+struct Unbind
+{
+    void operator()(LDAP* session) const { ldap_unbind(session); }
+};
+using Session = std::unique_ptr<LDAP, Unbind>;
+
+// The identity that ldap_bind_sW takes, with the texts it points to.
+class BindIdentity
+{
+public:
+    explicit BindIdentity(const LDAPCreds& creds)
+        : mUser(Units(creds.mUser)), mDomain(Units(creds.mDomain)), mPassword(Units(creds.mPassword))
+    {
+        Point(mUser, mIdentity.User, mIdentity.UserLength);
+        Point(mDomain, mIdentity.Domain, mIdentity.DomainLength);
+        Point(mPassword, mIdentity.Password, mIdentity.PasswordLength);
+        mIdentity.Flags = SEC_WINNT_AUTH_IDENTITY_UNICODE;
+    }
+    ~BindIdentity()
+    {
+        for (volatile char16_t& unit : mPassword)
+            unit = 0;
+    }
+    BindIdentity(const BindIdentity&) = delete;
+    BindIdentity& operator=(const BindIdentity&) = delete;
+
+    PWCHAR Get() { return reinterpret_cast<PWCHAR>(&mIdentity); }
+
+private:
+    static std::u16string Units(const ZTString& text)
+    {
+        return ToUtf16(text, static_cast<std::size_t>(text.GetLength()));
+    }
+    template <typename Length>
+    static void Point(std::u16string& text, unsigned short*& units, Length& length)
+    {
+        units = reinterpret_cast<unsigned short*>(text.data());
+        length = static_cast<Length>(text.size());
+    }
+
+    std::u16string mUser;
+    std::u16string mDomain;
+    std::u16string mPassword;
+    SEC_WINNT_AUTH_IDENTITY_W mIdentity{};
+};
+
+Session OpenSession(DWORD method, const LDAPCreds& creds, const LdapConsole& append)
+{
+    Session session;
+    if (method == eLDAPAuthSimpleSSL)
+    {
+        append(L"ldap_sslinit begin ... ");
+        session.reset(
+            ldap_sslinitW(LdapText(creds.mServer), creds.mPort != 0 ? creds.mPort : LDAP_SSL_PORT, 1));
+    }
+    else
+    {
+        append(L"ldap_init begin ... ");
+        session.reset(ldap_initW(LdapText(creds.mServer), creds.mPort != 0 ? creds.mPort : LDAP_PORT));
+    }
+    append(L"end\r\n");
+    if (!session)
+    {
+        const ULONG error = LdapGetLastError();
+        append(_StrFormat(L"LDAP: Failed to initialize LDAP session.  Err={0:d}, {1:s}\r\n",
+                          {error, ldap_err2stringW(error)}));
+    }
+    return session;
+}
+
+void SetOption(LDAP* session, int option, const void* value, const wchar_t* format, const LdapConsole& append)
+{
+    const ULONG result = ldap_set_optionW(session, option, value);
+    append(_StrFormat(format, {LdapOutcome(result), result}));
+}
+
+bool Connect(LDAP* session, const LDAPCreds& creds, const LdapConsole& append)
+{
+    append(_StrFormat(L"ldap_connect({0:s}) begin ...", {creds.mServer}));
+    LDAP_TIMEVAL timeout{};
+    timeout.tv_sec = kConnectSeconds;
+    const ULONG result = ldap_connect(session, &timeout);
+    append(LdapResultLine(result));
+    if (result == 0)
+        return true;
+    append(_StrFormat(L"LDAP: Failed to connect to LDAP server {0:s}.  Err={1:d}, {2:s}\r\n",
+                      {creds.mServer, result, ldap_err2stringW(LdapGetLastError())}));
+    return false;
+}
+
+bool Bind(LDAP* session, DWORD number, const LDAPCreds& creds, const LdapConsole& append)
+{
+    const Method& method = *std::ranges::find(kMethods, number, &Method::number);
+    append(method.beginText);
+    const ULONG result = method.bind == kSimpleBind
+                             ? ldap_simple_bind_sW(session, LdapText(creds.mUser), LdapText(creds.mPassword))
+                             : ldap_bind_sW(session, nullptr, BindIdentity(creds).Get(), method.bind);
+    append(LdapResultLine(result));
+    if (result == 0)
+        return true;
+    append(ldap_err2stringW(result));
+    append(L"\r\n");
+    return false;
+}
+
+} // namespace
+
+std::vector<DWORD> LdapAttempts(DWORD method)
+{
+    if (method != eLDAPAuthTryAll)
+        return {method};
+    return {eLDAPAuthSimpleSSL, eLDAPAuthNTLM,      eLDAPAuthDigest,
+            eLDAPAuthDPA,       eLDAPAuthNegotiate, eLDAPAuthSimplePlain};
+}
+
+bool TryLdapMethod(DWORD method, const LDAPCreds& creds, const LdapConsole& append,
+                   const std::function<void(LDAP*)>& walk)
+{
+    append(L"\r\n");
+    const Session session = OpenSession(method, creds, append);
+    if (!session)
+        return false;
+    SetOption(session.get(), LDAP_OPT_TCP_KEEPALIVE, LDAP_OPT_ON, L"Set TCP keep alive - {0:s} ({1:08X})\r\n",
+              append);
+    SetOption(session.get(), LDAP_OPT_REFERRALS, LDAP_OPT_OFF,
+              L"Set no follow referrals - {0:s} ({1:08X})\r\n", append);
+    if (!Connect(session.get(), creds, append))
+        return false;
+
+    ULONG version = 0;
+    ldap_get_optionW(session.get(), LDAP_OPT_PROTOCOL_VERSION, &version);
+    if (version == kVersion3)
+    {
+        SetOption(session.get(), LDAP_OPT_PROTOCOL_VERSION, &version,
+                  L"Set protocol ver=3 - {0:s} ({1:08X})\r\n", append);
+    }
+    ULONG seconds = kSearchSeconds;
+    SetOption(session.get(), LDAP_OPT_TIMELIMIT, &seconds, L"Set timeout (15 sec) - {0:s} ({1:08X})\r\n",
+              append);
+    if (!Bind(session.get(), method, creds, append))
+        return false;
+    walk(session.get());
+    return true;
+}
+
+void CTavoDlg::OnLdapTest()
+{
+    LDAPCreds creds(this);
+    if (creds.DoModal() != IDOK)
+        return;
+    gStartTick = GetTickCount();
+    AppendLine(L"\r\n========= LDAP =========\r\n");
+    AppendLine(_StrFormat(L"Server: {0:s}\r\n", {creds.mServer}));
+    AppendLine(_StrFormat(L"Domain: {0:s}\r\n", {creds.mDomain}));
+    AppendLine(_StrFormat(L"User: {0:s}\r\n", {creds.mUser}));
+
+    const auto append = [this](const wchar_t* text) { AppendLine(text); };
+    const auto walk = [this](LDAP* session) { WalkLdapTree(session); };
+    for (const DWORD method : LdapAttempts(creds.mAuthMethod))
+    {
+        if (TryLdapMethod(method, creds, append, walk))
+            break;
+    }
+    AppendLine(L"END TEST\r\n");
+}

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "ldap/LdapTest.h"
+
+#include "ldap/LdapCall.h"
+
+#include "console/TavoDlg.h"
+
+#include <winber.h>
+
+#include <memory>
+
+namespace
+{
+
+constexpr int kPasses = 2;
+constexpr wchar_t kFilter[] = L"(objectClass=*)";
+constexpr wchar_t kNamingContextsKey[] = L"namingcontexts";
+
+struct FreeResult
+{
+    void operator()(LDAPMessage* result) const { ldap_msgfree(result); }
+};
+
+struct FreeValues
+{
+    void operator()(PWCHAR* values) const { ldap_value_freeW(values); }
+};
+
+std::vector<ZTString> ReadValues(LDAP* session, LDAPMessage* entry, PWCHAR name)
+{
+    const std::unique_ptr<PWCHAR, FreeValues> values(ldap_get_valuesW(session, entry, name));
+    std::vector<ZTString> texts;
+    for (const PWCHAR* value = values.get(); value && *value; ++value)
+        texts.emplace_back(*value);
+    return texts;
+}
+
+// Visits the messages of a result, the result's handle being the first, and gives their number. Each value
+// of a root entry's naming contexts replaces the one before.
+int VisitEntries(LDAP* session, LDAPMessage* result, bool root, ZTString& namingContext)
+{
+    int objects = 0;
+    for (LDAPMessage* entry = result; entry; entry = ldap_next_entry(session, entry))
+    {
+        LDAPAttributes attributes = GetEntryAttributes(session, entry);
+        if (root)
+        {
+            for (const ZTString& value : attributes[kNamingContextsKey])
+                namingContext = value;
+        }
+        ++objects;
+    }
+    return objects;
+}
+
+void Search(LDAP* session, ZTString& namingContext, const LdapConsole& append)
+{
+    const bool root = namingContext.IsEmpty();
+    const ZTString base = namingContext;
+    PWCHAR attributes[] = {LdapText(root ? L"namingContexts" : L"objectClass"),
+                           LdapText(L"distinguishedName"), nullptr};
+    append(root ? L"ldap_search_s[Scope=base, filter=(objectClass=*)] begin ..."
+                : L"ldap_search_s[Scope=one_level, filter=(objectClass=*)] begin ...");
+    LDAPMessage* found = nullptr;
+    const ULONG error = ldap_search_sW(session, LdapText(base), root ? LDAP_SCOPE_BASE : LDAP_SCOPE_ONELEVEL,
+                                       LdapText(kFilter), attributes, 0, &found);
+    const std::unique_ptr<LDAPMessage, FreeResult> result(found);
+    append(LdapResultLine(error));
+    if (error != 0)
+    {
+        append(_StrFormat(L"LDAP:GetChildNodes failed with {0:d}, {1:s} at [{2:s}]\r\n",
+                          {error, ldap_err2stringW(error), base}));
+        return;
+    }
+    append(_StrFormat(L"Got {0:d} objects back\r\n", {VisitEntries(session, found, root, namingContext)}));
+}
+
+} // namespace
+
+LDAPAttributes GetEntryAttributes(LDAP* session, LDAPMessage* entry)
+{
+    LDAPAttributes attributes;
+    BerElement* position = nullptr;
+    for (PWCHAR name = ldap_first_attributeW(session, entry, &position); name;
+         name = ldap_next_attributeW(session, entry, position))
+    {
+        std::vector<ZTString> values = ReadValues(session, entry, name);
+        ZTString key(name);
+        key.MakeLower();
+        attributes[key] = std::move(values);
+        ldap_memfreeW(name);
+    }
+    ber_free(position, 0);
+    return attributes;
+}
+
+void WalkLdapTree(LDAP* session, const LdapConsole& append)
+{
+    ZTString namingContext;
+    for (int pass = 0; pass < kPasses; ++pass)
+        Search(session, namingContext, append);
+}
+
+void CTavoDlg::WalkLdapTree(LDAP* session)
+{
+    ::WalkLdapTree(session, [this](const wchar_t* text) { AppendLine(text); });
+}
