@@ -11,8 +11,6 @@
 namespace
 {
 
-constexpr std::size_t kLongestCause = 400; // characters
-
 struct CodeText
 {
     ULONG code;
@@ -98,15 +96,6 @@ struct LastFault
 };
 thread_local LastFault gLastFault;
 
-// What would break the line, or let a server write over or turn around what stands before it.
-bool IsUnprintable(wchar_t character)
-{
-    const auto point = static_cast<std::uint32_t>(character);
-    return point < 0x20 || (point >= 0x7f && point < 0xa0) || point == 0x061c || point == 0x200e ||
-           point == 0x200f || (point >= 0x2028 && point <= 0x202e) || (point >= 0x2066 && point <= 0x2069) ||
-           point == 0xfeff;
-}
-
 } // namespace
 
 std::uint32_t RememberFault(const LdapFault& fault)
@@ -125,23 +114,6 @@ std::uint32_t WindowsCode(int libraryCode)
 {
     // The library counts its own codes down from -1 in the order in which Windows counts up from 0x51.
     return static_cast<std::uint32_t>(libraryCode < 0 ? 0x50 - libraryCode : libraryCode);
-}
-
-std::wstring SafeToPrint(std::string_view text)
-{
-    std::wstring safe;
-    for (const wchar_t character : FromUtf8(text))
-    {
-        if (!IsUnprintable(character))
-            safe += character;
-        else if (!safe.empty() && safe.back() != L' ')
-            safe += L' ';
-    }
-    safe.erase(safe.find_last_not_of(L' ') + 1);
-    safe.erase(0, safe.find_first_not_of(L' '));
-    if (safe.size() > kLongestCause)
-        safe.replace(kLongestCause, std::wstring::npos, L"...");
-    return safe;
 }
 
 ULONG LdapGetLastError()

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 struct LdapFault
 {
@@ -20,7 +19,3 @@ std::uint32_t RememberFault(const LdapFault& fault);
 
 // The code that OpenLDAP's library gave in Windows' numbers; its own ones are negative.
 std::uint32_t WindowsCode(int libraryCode);
-
-// A text from a server, fit for a console line: one line, no control or direction characters, no more than
-// a few hundred characters; bytes that are no UTF-8 become U+FFFD.
-std::wstring SafeToPrint(std::string_view text);

@@ -19,9 +19,7 @@ constexpr std::uint32_t kInvalidCredentials = 0x31;
 constexpr std::uint32_t kLocalError = 0x52;
 constexpr std::uint32_t kAuthUnknown = 0x56;
 
-constexpr std::size_t kLongestPlain = 64 * 1024;          // wrapped in one token, in bytes
-constexpr std::uint32_t kLongestToken = 16 * 1024 * 1024; // taken from a server, in bytes
-constexpr std::size_t kLengthSize = 4;
+constexpr std::size_t kLongestPlain = 64 * 1024; // wrapped in one token, in bytes
 
 constexpr OM_uint32 kProtected =
     GSS_C_MUTUAL_FLAG | GSS_C_REPLAY_FLAG | GSS_C_SEQUENCE_FLAG | GSS_C_INTEG_FLAG | GSS_C_CONF_FLAG;
@@ -266,48 +264,6 @@ bool GssContext::Unwrap(std::string_view token, std::string& plain)
         return false;
     plain = output.View();
     return true;
-}
-
-namespace
-{
-
-std::uint32_t LengthAt(std::string_view bytes)
-{
-    std::uint32_t length = 0;
-    for (std::size_t i = 0; i < kLengthSize; ++i)
-        length = length << 8 | static_cast<unsigned char>(bytes[i]);
-    return length;
-}
-
-} // namespace
-
-bool GssFrames::Append(std::string_view bytes)
-{
-    mBytes += bytes;
-    return mBytes.size() < kLengthSize || LengthAt(mBytes) <= kLongestToken;
-}
-
-bool GssFrames::HasNext() const
-{
-    return mBytes.size() >= kLengthSize && mBytes.size() - kLengthSize >= LengthAt(mBytes);
-}
-
-bool GssFrames::Next(std::string& token)
-{
-    if (!HasNext())
-        return false;
-    const std::size_t length = LengthAt(mBytes);
-    token.assign(mBytes, kLengthSize, length);
-    mBytes.erase(0, kLengthSize + length);
-    return true;
-}
-
-std::string GssFrames::Frame(std::string_view token)
-{
-    std::string framed;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        framed += static_cast<char>(token.size() >> shift & 0xff);
-    return framed.append(token);
 }
 
 void GssLayer::Attach(Sockbuf* buffer)

@@ -4,6 +4,7 @@
 // has a say in it.
 #pragma once
 
+#include "platform/net/GssFrames.h"
 #include "platform/net/LdapSession.h"
 
 #include <memory>
@@ -62,22 +63,6 @@ private:
     OM_uint32 mWanted;    // nothing for bare NTLM, after which servers take plain messages
     OM_uint32 mFlags = 0; // agreed with the server
     bool mComplete = false;
-};
-
-// Cuts a stream into tokens, each behind its length in four bytes, most significant first.
-class GssFrames
-{
-public:
-    // False once a length came that no token has; the stream is then useless.
-    bool Append(std::string_view bytes);
-    // Takes the next token out; false while it is not complete.
-    bool Next(std::string& token);
-    bool HasNext() const;
-
-    static std::string Frame(std::string_view token);
-
-private:
-    std::string mBytes;
 };
 
 // The layer of a session's buffer that protects all that passes after a bind.

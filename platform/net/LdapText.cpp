@@ -13,7 +13,17 @@ namespace
 {
 
 constexpr std::uint32_t kReplacement = 0xFFFD;
+constexpr std::size_t kLongestCause = 400;  // characters
 constexpr std::size_t kLongestSequence = 4; // bytes of one character
+
+// What would break the line, or let a server write over or turn around what stands before it.
+bool IsUnprintable(wchar_t character)
+{
+    const auto point = static_cast<std::uint32_t>(character);
+    return point < 0x20 || (point >= 0x7f && point < 0xa0) || point == 0x061c || point == 0x200e ||
+           point == 0x200f || (point >= 0x2028 && point <= 0x202e) || (point >= 0x2066 && point <= 0x2069) ||
+           point == 0xfeff;
+}
 
 } // namespace
 
@@ -45,6 +55,23 @@ std::wstring FromUtf8(std::string_view text)
         wide.push_back(static_cast<wchar_t>(point));
     }
     return wide;
+}
+
+std::wstring SafeToPrint(std::string_view text)
+{
+    std::wstring safe;
+    for (const wchar_t character : FromUtf8(text))
+    {
+        if (!IsUnprintable(character))
+            safe += character;
+        else if (!safe.empty() && safe.back() != L' ')
+            safe += L' ';
+    }
+    safe.erase(safe.find_last_not_of(L' ') + 1);
+    safe.erase(0, safe.find_first_not_of(L' '));
+    if (safe.size() > kLongestCause)
+        safe.replace(kLongestCause, std::wstring::npos, L"...");
+    return safe;
 }
 
 Secret::Secret(std::wstring_view text) : mText(ToUtf8(text)) {}

@@ -10,6 +10,10 @@ std::string ToUtf8(std::wstring_view text);
 // Each byte that begins no well-formed sequence becomes U+FFFD.
 std::wstring FromUtf8(std::string_view text);
 
+// A text from a server, fit for a console line: one line, no control or direction characters, no more than
+// a few hundred characters.
+std::wstring SafeToPrint(std::string_view text);
+
 // A text whose memory is overwritten before it is given back.
 class Secret
 {
