@@ -104,6 +104,12 @@ BYTE GetUserNameExW(EXTENDED_NAME_FORMAT format, LPWSTR buffer, PULONG size)
     return TRUE;
 }
 
+HMODULE GetModuleHandleW(LPCWSTR)
+{
+    static char program; // its address is the handle
+    return reinterpret_cast<HMODULE>(&program);
+}
+
 DWORD GetModuleFileNameW(HMODULE, LPWSTR buffer, DWORD size)
 {
     std::vector<char> bytes(PATH_MAX);
