@@ -74,6 +74,14 @@ bool InitialiseOnce()
     return done;
 }
 
+// From 7.87.0 on and before 8.0.0 the file would go out in plain text on a connection that the server opened
+// (https://github.com/curl/curl/issues/10666).
+bool ForgetsToEncrypt()
+{
+    const unsigned version = curl_version_info(CURLVERSION_NOW)->version_num;
+    return version >= 0x075700 && version < 0x080000;
+}
+
 bool SamePeer(int left, int right)
 {
     sockaddr_storage a{};
@@ -129,9 +137,13 @@ private:
     CurlList mCommands;
     char mProblem[CURL_ERROR_SIZE] = {};
 
-    int mControl = -1; // sockets, owned by libcurl
-    int mData = -1;
+    // Sockets, owned by libcurl: the control connection, known from the greeting on, and the latest two
+    // that were made. Once there is a data connection, it is the latest.
+    int mControl = -1;
+    int mLatest = -1;
+    int mBeforeLatest = -1;
     bool mSecured = false; // the control connection is encrypted
+    bool mLeaves = false;  // all is over: the answer to QUIT tells nothing of the upload
     int mAnswer = 0;       // number of the answer to the latest command, and its line
     std::string mAnswerLine;
     bool mAwaitsEnd = false; // the transfer has begun and the server has not said how it ended
@@ -240,7 +252,9 @@ UploadResult CurlUpload::Judge(CURLcode code) const
     if (mAnswer >= 400)
         return {mAnswer, mAnswerLine};
 
-    const std::string text = mProblem[0] != '\0' ? mProblem : curl_easy_strerror(code);
+    // In direct mode libcurl 7.88 leaves a message about the listening socket there, before anything has
+    // failed.
+    const std::string text = mJob.passive && mProblem[0] != '\0' ? mProblem : curl_easy_strerror(code);
     switch (code)
     {
     case CURLE_COULDNT_RESOLVE_HOST:
@@ -291,7 +305,9 @@ void CurlUpload::Command(std::string_view line)
         mSecured = true;
         mEvents.Status(kIPWorksSecured, "The connection is encrypted");
     }
-    mAnswer = 0;
+    mLeaves = line.substr(0, 4) == "QUIT";
+    if (!mLeaves)
+        mAnswer = 0;
     mEvents.Command(line);
 }
 
@@ -299,15 +315,13 @@ void CurlUpload::Answer(std::string_view line)
 {
     mEvents.Answer(line);
     const int number = AnswerNumber(line);
-    if (number == 0)
+    if (number == 0 || mLeaves)
         return;
     mAnswer = number;
     mAnswerLine = line;
     if (number == 220 && mControl < 0)
     {
-        curl_socket_t socket = CURL_SOCKET_BAD;
-        curl_easy_getinfo(mCurl.get(), CURLINFO_ACTIVESOCKET, &socket);
-        mControl = socket;
+        mControl = mLatest; // attempts at other addresses are closed by now
         mEvents.Status(kIPWorksConnected, "Connected to " + mJob.host);
     }
     else if (number == 230 || number == 232)
@@ -352,14 +366,16 @@ CURLcode CurlUpload::OnTls(CURL*, void* sslContext, void* self)
 int CurlUpload::OnSocket(void* self, curl_socket_t socket, curlsocktype purpose)
 {
     CurlUpload& upload = *static_cast<CurlUpload*>(self);
-    upload.mData = socket;
+    upload.mBeforeLatest = upload.mLatest;
+    upload.mLatest = socket;
+    if (purpose != CURLSOCKTYPE_ACCEPT)
+        return CURL_SOCKOPT_OK;
     // Whoever connects first to our open port would get the file.
-    if (purpose == CURLSOCKTYPE_ACCEPT && !SamePeer(socket, upload.mControl))
-    {
+    if (!SamePeer(socket, upload.mControl))
         upload.Stop(kIPWorksConnectFailed, "A stranger opened the data connection.");
-        return CURL_SOCKOPT_ERROR;
-    }
-    return CURL_SOCKOPT_OK;
+    else if (upload.mSecured && ForgetsToEncrypt())
+        upload.Stop(kIPWorksSecurityFailed, "This libcurl cannot encrypt a data connection in direct mode.");
+    return upload.mStopped.code == kIPWorksOk ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
 }
 
 int CurlUpload::OnCloseSocket(void* self, curl_socket_t socket)
@@ -367,8 +383,8 @@ int CurlUpload::OnCloseSocket(void* self, curl_socket_t socket)
     CurlUpload& upload = *static_cast<CurlUpload*>(self);
     if (socket == upload.mControl)
         upload.ReadLastWord();
-    if (socket == upload.mData)
-        upload.mData = -1;
+    if (socket == upload.mLatest)
+        upload.mLatest = upload.mBeforeLatest;
     return close(socket);
 }
 
@@ -417,7 +433,7 @@ bool CurlUpload::HasStalled()
 std::int64_t CurlUpload::Unacknowledged() const
 {
     int bytes = 0;
-    return mData >= 0 && ioctl(mData, SIOCOUTQ, &bytes) == 0 ? bytes : 0;
+    return mLatest >= 0 && ioctl(mLatest, SIOCOUTQ, &bytes) == 0 ? bytes : 0;
 }
 
 // Waits until the server's system has everything, since libcurl's time for the last answer begins then.
@@ -428,7 +444,7 @@ bool CurlUpload::Drain()
     {
         if (HasStalled())
             return false;
-        pollfd data{mData, 0, 0};
+        pollfd data{mLatest, 0, 0};
         if (poll(&data, 1, static_cast<int>(kDrainInterval.count())) > 0)
             return true; // broken: libcurl finds out how
     }

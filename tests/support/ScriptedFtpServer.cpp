@@ -1,0 +1,279 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/ScriptedFtpServer.h"
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+#include <sstream>
+
+namespace
+{
+
+// The last two numbers of "h,h,h,h,p,p".
+std::uint16_t PortOfAddress(const std::string& address)
+{
+    std::istringstream numbers(address);
+    std::string number;
+    unsigned port = 0;
+    while (std::getline(numbers, number, ','))
+        port = (port << 8U | static_cast<unsigned>(std::stoul(number))) & 0xFFFFU;
+    return static_cast<std::uint16_t>(port);
+}
+
+// The port of "|1|127.0.0.1|4711|".
+std::uint16_t PortOfExtendedAddress(const std::string& address)
+{
+    const std::size_t end = address.rfind('|');
+    const std::size_t begin = address.rfind('|', end - 1) + 1;
+    return static_cast<std::uint16_t>(std::stoul(address.substr(begin, end - begin)));
+}
+
+} // namespace
+
+class ScriptedFtpServer::Session
+{
+public:
+    Session(ScriptedFtpServer& server, std::unique_ptr<TcpStream> control)
+        : mServer(server), mScript(server.mScript), mPlain(std::move(control)), mControl(mPlain.get())
+    {
+    }
+
+    void Run()
+    {
+        if (!Say(mScript.greeting))
+            return;
+        while (const std::optional<std::string> line = ReadLine())
+        {
+            {
+                const std::lock_guard lock(mServer.mMutex);
+                mServer.mCommands.push_back(*line);
+            }
+            const std::size_t blank = line->find(' ');
+            const std::string verb = line->substr(0, blank);
+            const std::string rest = blank == std::string::npos ? "" : line->substr(blank + 1);
+            if (!Obey(verb, rest))
+                return;
+        }
+    }
+
+private:
+    // False ends the session.
+    bool Obey(const std::string& verb, const std::string& rest)
+    {
+        const auto scripted = mScript.answers.find(verb);
+        if (scripted != mScript.answers.end())
+        {
+            if (verb == "PASV" || verb == "EPSV")
+                mPassive = std::make_unique<TcpListener>(std::uint16_t{0});
+            if (verb == "STOR" && scripted->second[0] == '1')
+                return Store(rest, scripted->second);
+            return Say(scripted->second);
+        }
+        if (verb == "STOR")
+            return Store(rest, "150 Go on.\r\n");
+        if (verb == "AUTH")
+            return Secure(rest);
+        if (verb == "QUIT")
+            return Say("221 Bye.\r\n") && false;
+        if (verb == "EPRT" || verb == "PORT")
+        {
+            mPeerPort = verb == "PORT" ? PortOfAddress(rest) : PortOfExtendedAddress(rest);
+            return Say("200 Noted.\r\n");
+        }
+        if (verb == "EPSV" || verb == "PASV")
+        {
+            mPassive = std::make_unique<TcpListener>(std::uint16_t{0});
+            const unsigned port = mPassive->Port();
+            // An address that is not ours: a client has to ignore it.
+            return Say(verb == "EPSV" ? "229 Come in (|||" + std::to_string(port) + "|).\r\n"
+                                      : "227 Come in (192,0,2,1," + std::to_string(port >> 8U) + "," +
+                                            std::to_string(port & 0xFFU) + ").\r\n");
+        }
+        static const std::map<std::string, std::string> kOrdinary = {
+            {"USER", "331 Password?\r\n"}, {"PASS", "230 Welcome.\r\n"}, {"PWD", "257 \"/\" is here.\r\n"},
+            {"TYPE", "200 Binary.\r\n"},   {"OPTS", "200 On.\r\n"},      {"PBSZ", "200 0.\r\n"},
+            {"PROT", "200 Private.\r\n"},  {"SYST", "215 UNIX\r\n"},     {"FEAT", "502 None.\r\n"}};
+        const auto ordinary = kOrdinary.find(verb);
+        return Say(ordinary == kOrdinary.end() ? "500 What?\r\n" : ordinary->second);
+    }
+
+    bool Secure(const std::string& mechanism)
+    {
+        if (!mScript.secure || mechanism != "TLS")
+            return Say("500 No.\r\n");
+        if (!Say("234 Shake hands.\r\n"))
+            return false;
+        mSecured = mScript.secure(std::move(mPlain));
+        mControl = mSecured.get();
+        return mControl != nullptr;
+    }
+
+    bool Store(const std::string& name, const std::string& answer)
+    {
+        std::unique_ptr<TcpStream> plain = mPeerPort != 0 ? TcpStream::Connect(mPeerPort) : nullptr;
+        while (mPeerPort == 0 && !plain && !mServer.mEnd)
+            plain = mPassive->Accept();
+        mPeerPort = 0;
+        if (!plain)
+            return Say("425 No data connection.\r\n");
+        if (mScript.breakAt == 0 && mScript.atBreak == FtpScript::Break::eReset)
+        {
+            plain->Reset();
+            plain.reset();
+            return Say(answer) && Say(mScript.farewell);
+        }
+        if (!Say(answer))
+            return false;
+        std::unique_ptr<Stream> data = std::move(plain);
+        if (mSecured)
+            data = mScript.secure(std::unique_ptr<TcpStream>(static_cast<TcpStream*>(data.release())));
+        if (!data)
+            return Say("522 No secure data connection.\r\n");
+        {
+            const std::lock_guard lock(mServer.mMutex);
+            mServer.mUploaded.clear();
+            mServer.mUploadedName = name;
+        }
+        return Receive(std::move(data));
+    }
+
+    bool Receive(std::unique_ptr<Stream> data)
+    {
+        std::vector<char> buffer(65536);
+        std::int64_t count = 0;
+        const auto start = std::chrono::steady_clock::now();
+        while (!mServer.mEnd)
+        {
+            const std::int64_t room =
+                mScript.breakAt < 0 ? std::int64_t(buffer.size()) : mScript.breakAt - count;
+            if (room <= 0)
+                return Break(std::move(data));
+            const int got =
+                data->Receive(buffer.data(), static_cast<int>(std::min(room, std::int64_t(buffer.size()))));
+            if (got == 0)
+                break;
+            if (got > 0)
+            {
+                const std::lock_guard lock(mServer.mMutex);
+                mServer.mUploaded.append(buffer.data(), static_cast<std::size_t>(got));
+                count += got;
+                if (mScript.bytesPerSecond > 0)
+                    std::this_thread::sleep_until(
+                        start + std::chrono::milliseconds(count * 1000 / mScript.bytesPerSecond));
+            }
+        }
+        data.reset();
+        return Say(mScript.farewell);
+    }
+
+    bool Break(std::unique_ptr<Stream> data)
+    {
+        if (!mScript.breakAnswer.empty() && !Say(mScript.breakAnswer))
+            return false;
+        switch (mScript.atBreak)
+        {
+        case FtpScript::Break::eStall:
+            return Say(kSilence);
+        case FtpScript::Break::eHangUp:
+            data->Reset();
+            return false;
+        case FtpScript::Break::eReset:
+            data->Reset();
+            break;
+        case FtpScript::Break::eClose:
+            break;
+        }
+        data.reset();
+        return mScript.breakAnswer.empty() ? Say(mScript.farewell) : true;
+    }
+
+    bool Say(const std::string& answer)
+    {
+        if (answer == kHangUp)
+            return false;
+        if (answer == kSilence)
+        {
+            // Until the other side gives up.
+            while (ReadLine())
+            {
+            }
+            return false;
+        }
+        if (!mScript.inSingleBytes)
+            return mControl->Send(answer);
+        for (const char c : answer)
+        {
+            if (!mControl->Send({&c, 1}))
+                return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return true;
+    }
+
+    std::optional<std::string> ReadLine()
+    {
+        for (;;)
+        {
+            const std::size_t end = mPending.find("\r\n");
+            if (end != std::string::npos)
+            {
+                std::string line = mPending.substr(0, end);
+                mPending.erase(0, end + 2);
+                return line;
+            }
+            char buffer[4096];
+            const int got = mControl->Receive(buffer, sizeof buffer);
+            if (got == 0 || mServer.mEnd)
+                return std::nullopt;
+            if (got > 0)
+                mPending.append(buffer, static_cast<std::size_t>(got));
+        }
+    }
+
+    ScriptedFtpServer& mServer;
+    const FtpScript& mScript;
+    std::unique_ptr<TcpStream> mPlain;
+    std::unique_ptr<Stream> mSecured;
+    Stream* mControl;
+    std::unique_ptr<TcpListener> mPassive;
+    std::uint16_t mPeerPort = 0;
+    std::string mPending;
+};
+
+ScriptedFtpServer::ScriptedFtpServer(FtpScript script, std::uint16_t port)
+    : mScript(std::move(script)), mListener(port), mThread([this] { Serve(); })
+{
+}
+
+ScriptedFtpServer::~ScriptedFtpServer()
+{
+    mEnd = true;
+    mThread.join();
+}
+
+void ScriptedFtpServer::Serve()
+{
+    while (!mEnd)
+    {
+        if (std::unique_ptr<TcpStream> control = mListener.Accept())
+            Session(*this, std::move(control)).Run();
+    }
+}
+
+std::vector<std::string> ScriptedFtpServer::Commands() const
+{
+    const std::lock_guard lock(mMutex);
+    return mCommands;
+}
+
+std::string ScriptedFtpServer::Uploaded() const
+{
+    const std::lock_guard lock(mMutex);
+    return mUploaded;
+}
+
+std::string ScriptedFtpServer::UploadedName() const
+{
+    const std::lock_guard lock(mMutex);
+    return mUploadedName;
+}
