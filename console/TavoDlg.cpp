@@ -8,7 +8,19 @@
 #include <cstdlib>
 
 HWND gConsoleWnd = nullptr;
-[[gnu::init_priority(kStaticStartTick)]] DWORD gStartTick = GetTickCount();
+DWORD gStartTick = 0;
+
+namespace
+{
+
+// Only objects of class type can be ordered.
+struct StartTick
+{
+    StartTick() { gStartTick = GetTickCount(); }
+};
+[[gnu::init_priority(kStaticStartTick)]] const StartTick kTakeStartTick;
+
+} // namespace
 
 BEGIN_MESSAGE_MAP(CTavoDlg, CDialog)
 ON_WM_PAINT()
