@@ -60,6 +60,8 @@ std::unique_ptr<Window> MakeMessageBox(const wchar_t* text, const wchar_t* capti
     const std::size_t preselected = (type & MB_DEFBUTTON2) != 0 && answers.size() > 1 ? 1 : 0;
 
     DialogTemplate source;
+    // The close box is Cancel; a question of yes or no has none.
+    source.style = WS_POPUP | WS_CAPTION | ((type & MB_TYPEMASK) == MB_YESNO ? 0 : WS_SYSMENU);
     source.caption = caption;
     source.controls.push_back(MakeControl(ControlClass::Static, kLabelId, text, SS_LEFT));
     for (std::size_t i = 0; i < answers.size(); ++i)
