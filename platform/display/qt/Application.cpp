@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "platform/display/qt/Application.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QProxyStyle>
+#include <QStyleFactory>
+#include <QStyleOption>
+
+namespace platform
+{
+
+namespace
+{
+
+// The list of a combo box opens below it, and a text area with the keyboard shows that as other boxes do.
+class Style final : public QProxyStyle
+{
+public:
+    Style() : QProxyStyle(QStyleFactory::create("Fusion")) {}
+
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override
+    {
+        QProxyStyle::drawControl(element, option, painter, widget);
+        const bool hasKeyboard = (option->state & State_HasFocus) != 0;
+        if (element != CE_ShapedFrame || !hasKeyboard || !qobject_cast<const QPlainTextEdit*>(widget))
+            return;
+        painter->setPen(option->palette.color(QPalette::Highlight));
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    }
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* result) const override
+    {
+        return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, result);
+    }
+};
+
+constexpr char kLastResort[] = "offscreen";
+
+// Where Qt can reach none of the platforms it is given, it ends the process. So the last one given always
+// works, and means that there is no display.
+QByteArray Platforms()
+{
+    const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
+    return (chosen.isEmpty() ? QByteArray("xcb;wayland") : chosen) + ';' + kLastResort;
+}
+
+void IgnoreMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+} // namespace
+
+KeptLocale::~KeptLocale()
+{
+    if (mLocale != std::setlocale(LC_ALL, nullptr))
+        std::setlocale(LC_ALL, mLocale.c_str());
+}
+
+std::unique_ptr<QApplication> MakeApplication()
+{
+    const KeptLocale locale;
+    static QByteArray platforms = Platforms();
+    static char name[] = "Tavo";
+    static char option[] = "-platform";
+    static char* arguments[] = {name, option, platforms.data(), nullptr};
+    static int count = 3;
+
+    // A platform that is not there is no news: the next one is taken, or the terminal.
+    const QtMessageHandler reports = qInstallMessageHandler(IgnoreMessage);
+    auto application = std::make_unique<QApplication>(count, arguments);
+    qInstallMessageHandler(reports);
+
+    const bool wanted = qgetenv("QT_QPA_PLATFORM").startsWith(kLastResort);
+    if (QGuiApplication::platformName() == kLastResort && !wanted)
+        return nullptr;
+    QApplication::setStyle(new Style);
+    QApplication::setQuitOnLastWindowClosed(false);
+    return application;
+}
+
+} // namespace platform

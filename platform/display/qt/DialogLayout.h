@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+// Where a dialog's controls lie on the screen: dialog units turned into Qt's pixels, which follow the
+// screen's scaling by themselves.
+#pragma once
+
+#include "platform/window/Window.h"
+
+#include <QFont>
+#include <QRect>
+#include <QString>
+
+namespace platform
+{
+
+QString ToQString(const std::wstring& text);
+
+// The dialog's font. Where its face is missing, one whose letters are as wide stands in for it.
+QFont FontOf(const DialogFont& font);
+
+// Pixels of one horizontal and one vertical dialog unit.
+struct DialogUnits
+{
+    double x = 0.0;
+    double y = 0.0;
+
+    QRect ToPixels(const DialogRect& rect) const;
+};
+
+// Units as Windows has them: a quarter of the average width of the 52 letters, an eighth of the font's
+// height. Another font than the template's author had can be wider in just the letters of one caption; the
+// horizontal unit then grows until every caption fits into its control, so that none is cut off.
+DialogUnits UnitsOf(const Window& dialog);
+
+} // namespace platform

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+// An icon resource in all its sizes, for a window's title bar and the task bar.
+#pragma once
+
+#include "platform/window/Window.h"
+
+#include <QIcon>
+
+namespace platform
+{
+
+// Empty when the handle is none or its images cannot be read.
+QIcon ToQIcon(HICON icon);
+
+} // namespace platform
