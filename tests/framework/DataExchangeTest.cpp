@@ -128,7 +128,7 @@ TEST(DataExchange, TakesNumbersOf32Bits)
                 SetFocus(dialog.Control(IDC_CHECK));
                 EXPECT_EQ(dialog.UpdateData(TRUE), row.number.has_value()) << row.text;
                 EXPECT_EQ(dialog.mNumber, row.number.value_or(42)) << row.text;
-                EXPECT_EQ(GetFocus(), dialog.Control(row.number ? IDC_CHECK : IDC_NUMBER)) << row.text;
+                EXPECT_EQ(FocusedControl(), dialog.Control(row.number ? IDC_CHECK : IDC_NUMBER)) << row.text;
             });
         if (!row.number)
         {
@@ -156,20 +156,15 @@ TEST(DataExchange, RefusedNumberKeepsTheDialogOpenAndItsTextSelected)
         Nothing,
         [&]
         {
-            EXPECT_FALSE(IsWindowEnabled(dialog.m_hWnd)) << "the message belongs to the dialog";
+            EXPECT_FALSE(IsEnabled(dialog.m_hWnd)) << "the message belongs to the dialog";
             EXPECT_EQ(ReadAndCloseMessageBox(), L"Please enter a positive integer.");
         },
         [&]
         {
-            EXPECT_TRUE(IsWindowEnabled(dialog.m_hWnd));
-            EXPECT_TRUE(IsWindowVisible(dialog.m_hWnd));
-            EXPECT_EQ(GetFocus(), dialog.Control(IDC_NUMBER));
-            DWORD start = 99;
-            DWORD end = 99;
-            SendMessageW(dialog.Control(IDC_NUMBER), EM_GETSEL, reinterpret_cast<WPARAM>(&start),
-                         reinterpret_cast<LPARAM>(&end));
-            EXPECT_EQ(start, 0U);
-            EXPECT_EQ(end, 4U);
+            EXPECT_TRUE(IsEnabled(dialog.m_hWnd));
+            EXPECT_TRUE(IsShown(dialog.m_hWnd));
+            EXPECT_EQ(FocusedControl(), dialog.Control(IDC_NUMBER));
+            EXPECT_EQ(SendMessageW(dialog.Control(IDC_NUMBER), EM_GETSEL, 0, 0), MAKELONG(0, 4));
             EXPECT_STREQ(dialog.mText, L"before");
             EXPECT_EQ(dialog.mNumber, 389U);
             EXPECT_TRUE(dialog.mBehind.IsEmpty()) << "the exchange ends with the refusal";
@@ -219,7 +214,7 @@ TEST(DataExchange, ControlObjectsAreTiedWhileTheDialogIsOpen)
                 EXPECT_EQ(dialog.GetDlgItem(4711), nullptr);
 
                 dialog.GetDlgItem(IDOK)->EnableWindow(FALSE);
-                EXPECT_FALSE(IsWindowEnabled(dialog.Control(IDOK)));
+                EXPECT_FALSE(IsEnabled(dialog.Control(IDOK)));
                 dialog.EndDialog(1);
             },
         });

@@ -44,10 +44,9 @@ TEST(ModalDialog, DisablesItsParentAndServesIt)
     TestDialog outer;
     TestDialog inner(IDD_PLAIN, &outer);
     TestDialog innermost(IDD_PLAIN, &inner);
-    const auto enabled = [&]
-    {
-        return std::vector<bool>{IsWindowEnabled(outer.m_hWnd) != 0, IsWindowEnabled(inner.m_hWnd) != 0,
-                                 IsWindowEnabled(innermost.m_hWnd) != 0};
+    const auto enabled = [&] {
+        return std::vector<bool>{IsEnabled(outer.m_hWnd), IsEnabled(inner.m_hWnd),
+                                 IsEnabled(innermost.m_hWnd)};
     };
     std::vector<std::string> order;
     outer.Run({
@@ -85,8 +84,7 @@ TEST(ModalDialog, WaitsForTheHandlerInWhichItWasEnded)
     dialog.mWork = [&]
     {
         Pump(); // dispatches the click on End
-        EXPECT_TRUE(IsWindow(dialog.m_hWnd));
-        EXPECT_FALSE(IsWindowVisible(dialog.m_hWnd));
+        EXPECT_FALSE(IsShown(dialog.m_hWnd));
         EXPECT_TRUE(dialog.UpdateData(TRUE));
         Pump();
     };
@@ -112,7 +110,7 @@ TEST(ModalDialog, EndedUnderAnotherOneReturnsAfterIt)
         },
         [&]
         {
-            EXPECT_TRUE(IsWindowVisible(inner.m_hWnd));
+            EXPECT_TRUE(IsShown(inner.m_hWnd));
             inner.EndDialog(2);
         },
     });
@@ -139,7 +137,7 @@ TEST(ModalDialog, FirstControlHasTheFocus)
     dialog.Run({
         [&]
         {
-            EXPECT_EQ(GetFocus(), GetDlgItem(dialog.m_hWnd, IDC_TEXT));
+            EXPECT_EQ(FocusedControl(), GetDlgItem(dialog.m_hWnd, IDC_TEXT));
             dialog.EndDialog(1);
         },
     });
@@ -162,7 +160,7 @@ TEST(ModalDialog, TakesEnterAndEscapeWithoutButtonsForThem)
     for (const Case& row : cases)
     {
         TestDialog dialog;
-        EXPECT_EQ(dialog.Run({[&] { dialog.Press(row.focus, row.key); }}), row.result)
+        EXPECT_EQ(dialog.Run({[&] { PressKey(dialog.m_hWnd, row.focus, row.key); }}), row.result)
             << "key " << row.key << " on " << row.focus;
     }
 }

@@ -3,11 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
+#include <thread>
+
 namespace
 {
 
 constexpr int kLeftOpen = -2;
-constexpr UINT kPatienceMilliseconds = 3000;
+constexpr std::chrono::seconds kPatience{60};
 // A message box gives its text this id.
 constexpr int kMessageBoxText = 0xFFFF;
 
@@ -20,13 +24,22 @@ ON_BN_CLICKED(IDC_END, OnEnd)
 ON_BN_CLICKED(IDC_WORK, OnWork)
 ON_MESSAGE(WM_STEP, OnStep)
 ON_MESSAGE(WM_ADD, OnAdd)
-ON_MESSAGE(WM_TIMER, OnTimer)
+ON_MESSAGE(WM_PATIENCE_ENDED, OnPatienceEnded)
 END_MESSAGE_MAP()
 
 INT_PTR TestDialog::Run(std::vector<Step> steps)
 {
     mSteps.assign(steps.begin(), steps.end());
+    std::promise<void> ended;
+    std::thread watch(
+        [this, waiting = ended.get_future()]
+        {
+            if (waiting.wait_for(kPatience) == std::future_status::timeout)
+                PostMessageW(mWindow, WM_PATIENCE_ENDED, 0, 0);
+        });
     const INT_PTR result = DoModal();
+    ended.set_value();
+    watch.join();
     EXPECT_NE(result, kLeftOpen) << "no step ended the dialog";
     EXPECT_TRUE(mSteps.empty()) << "the dialog ended before its last step";
     return result;
@@ -38,16 +51,10 @@ void TestDialog::Click(int id)
                  reinterpret_cast<LPARAM>(::GetDlgItem(m_hWnd, id)));
 }
 
-void TestDialog::Press(int id, WORD key)
-{
-    const HWND control = ::GetDlgItem(m_hWnd, id);
-    SendMessageW(m_hWnd, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
-    PostMessageW(control, WM_KEYDOWN, key, 1);
-}
-
 BOOL TestDialog::OnInitDialog()
 {
     CDialog::OnInitDialog();
+    mWindow = m_hWnd;
     PostMessageW(m_hWnd, WM_STEP, 0, 0);
     if (mBeforeEnd)
         mBeforeEnd();
@@ -99,10 +106,7 @@ void TestDialog::OnWork()
 LRESULT TestDialog::OnStep(WPARAM, LPARAM)
 {
     if (mSteps.empty())
-    {
-        SetTimer(m_hWnd, 1, kPatienceMilliseconds, nullptr);
         return 0;
-    }
     PostMessageW(m_hWnd, WM_STEP, 0, 0);
     const Step step = std::move(mSteps.front());
     mSteps.pop_front();
@@ -115,15 +119,10 @@ LRESULT TestDialog::OnAdd(WPARAM wParam, LPARAM lParam)
     return static_cast<LRESULT>(wParam) + lParam;
 }
 
-LRESULT TestDialog::OnTimer(WPARAM, LPARAM)
+LRESULT TestDialog::OnPatienceEnded(WPARAM, LPARAM)
 {
     EndDialog(kLeftOpen);
     return 0;
-}
-
-HWND TopWindow()
-{
-    return GetActiveWindow();
 }
 
 std::wstring TextOf(HWND window)

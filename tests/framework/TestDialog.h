@@ -6,7 +6,9 @@
 
 #include "framework/afxwin.h"
 #include "tests/framework/testIds.h"
+#include "tests/support/WindowProbe.h"
 
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <string>
@@ -25,8 +27,6 @@ public:
 
     // A click on a button, as a person's.
     void Click(int id);
-    // A key on a control, which gets the focus.
-    void Press(int id, WORD key);
 
     std::vector<std::string> mTrace; // what was called, in order
     Step mWork;                      // what the button "Work" does
@@ -46,18 +46,18 @@ protected:
     afx_msg void OnWork();
     afx_msg LRESULT OnStep(WPARAM wParam, LPARAM lParam);
     afx_msg LRESULT OnAdd(WPARAM wParam, LPARAM lParam);
-    afx_msg LRESULT OnTimer(WPARAM wParam, LPARAM lParam);
+    afx_msg LRESULT OnPatienceEnded(WPARAM wParam, LPARAM lParam);
     DECLARE_MESSAGE_MAP()
 
 private:
     std::deque<Step> mSteps;
+    std::atomic<HWND> mWindow; // for the thread that watches
 };
 
 constexpr UINT WM_STEP = WM_USER + 1;
 constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
+constexpr UINT WM_PATIENCE_ENDED = WM_USER + 4;
 
-// The message box or dialog on top.
-HWND TopWindow();
 std::wstring TextOf(HWND window);
 // What the message box on top says; it is then answered with OK.
 std::wstring ReadAndCloseMessageBox();

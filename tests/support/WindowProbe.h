@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// What a test asks of this process's windows and does to them as a person would, on either system. For the
+// windows' thread.
+#pragma once
+
+#include <windows.h>
+
+// The dialog or message box that a person's input goes to.
+HWND TopWindow();
+HWND FocusedControl();
+
+// False as well for a window that is no more.
+bool IsShown(HWND window);
+bool IsEnabled(HWND window);
+
+// Moves the focus to a control and presses a key there (VK_RETURN or VK_ESCAPE). The key is served like any
+// input, not at once.
+void PressKey(HWND dialog, int controlId, WORD key);

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/WindowProbe.h"
+
+#include "platform/window/Window.h"
+
+using platform::Window;
+
+namespace
+{
+
+// Among the newest dialog, its owners and their controls.
+Window* Find(HWND handle)
+{
+    for (Window* dialog = platform::TopDialog(); dialog != nullptr; dialog = dialog->parent)
+    {
+        if (dialog->handle == handle)
+            return dialog;
+        for (const auto& control : dialog->children)
+        {
+            if (control->handle == handle)
+                return control.get();
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+HWND TopWindow()
+{
+    const Window* top = platform::TopDialog();
+    return top ? top->handle : nullptr;
+}
+
+HWND FocusedControl()
+{
+    const Window* top = platform::TopDialog();
+    return top && top->dialog->focus ? top->dialog->focus->handle : nullptr;
+}
+
+bool IsShown(HWND window)
+{
+    const Window* found = Find(window);
+    return found && found->visible;
+}
+
+bool IsEnabled(HWND window)
+{
+    const Window* found = Find(window);
+    return found && found->enabled;
+}
+
+void PressKey(HWND dialog, int controlId, WORD key)
+{
+    SetFocus(GetDlgItem(dialog, controlId));
+    platform::UserPressed(*Find(dialog), key);
+}

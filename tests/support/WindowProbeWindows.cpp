@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/WindowProbe.h"
+
+HWND TopWindow()
+{
+    return GetActiveWindow();
+}
+
+HWND FocusedControl()
+{
+    return GetFocus();
+}
+
+bool IsShown(HWND window)
+{
+    return IsWindowVisible(window) != 0;
+}
+
+bool IsEnabled(HWND window)
+{
+    return IsWindow(window) && IsWindowEnabled(window);
+}
+
+void PressKey(HWND dialog, int controlId, WORD key)
+{
+    const HWND control = GetDlgItem(dialog, controlId);
+    // Unlike SetFocus this tells the dialog, whose default button it may be.
+    SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
+    PostMessageW(control, WM_KEYDOWN, key, 1);
+}
