@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include "tests/kernel/PeerProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <fstream>
+#include <map>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+class FindFile : public testing::Test
+{
+protected:
+    FindFile() { fs::create_directories(mFolder); }
+    ~FindFile() override { fs::remove_all(mFolder); }
+
+    void Write(const fs::path& name, const std::string& content) const
+    {
+        std::ofstream(mFolder / name) << content;
+    }
+
+    std::map<std::wstring, WIN32_FIND_DATAW> List(const std::wstring& pattern) const
+    {
+        std::map<std::wstring, WIN32_FIND_DATAW> found;
+        WIN32_FIND_DATAW data = {};
+        const HANDLE find = FindFirstFileW((mFolder / pattern).wstring().c_str(), &data);
+        if (find == INVALID_HANDLE_VALUE)
+        {
+            return found;
+        }
+        do
+        {
+            found[data.cFileName] = data;
+        } while (FindNextFileW(find, &data));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_FILES});
+        EXPECT_TRUE(FindClose(find));
+        return found;
+    }
+
+    const fs::path mFolder = fs::temp_directory_path() / UniqueName(L"find");
+};
+
+// Seconds since 1970.
+std::int64_t Seconds(FILETIME time)
+{
+    const std::int64_t units = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
+    return units / 10000000 - 11644473600;
+}
+
+} // namespace
+
+TEST_F(FindFile, ListsAFolderWithKindSizeAndTime)
+{
+    Write("old.log", "12345");
+    Write("new.txt", "");
+    fs::create_directory(mFolder / "sub");
+    using namespace std::chrono;
+    const auto old = fs::file_time_type::clock::now() - hours(24 * 30);
+    fs::last_write_time(mFolder / "old.log", old);
+    const std::int64_t now = duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
+
+    auto found = List(L"*");
+    ASSERT_EQ(found.size(), 5U); // with . and ..
+    EXPECT_EQ(found[L"."].dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY, DWORD{FILE_ATTRIBUTE_DIRECTORY});
+    EXPECT_EQ(found[L"sub"].dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY, DWORD{FILE_ATTRIBUTE_DIRECTORY});
+    const WIN32_FIND_DATAW& log = found[L"old.log"];
+    EXPECT_EQ(log.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT), 0U);
+    EXPECT_NE(log.dwFileAttributes, 0U);
+    EXPECT_EQ(log.nFileSizeLow, 5U);
+    EXPECT_NEAR(static_cast<double>(Seconds(log.ftLastWriteTime)), static_cast<double>(now - 24 * 30 * 3600),
+                5);
+    EXPECT_NEAR(static_cast<double>(Seconds(found[L"new.txt"].ftLastWriteTime)), static_cast<double>(now), 5);
+}
+
+TEST_F(FindFile, WildcardsStandForCharacters)
+{
+    for (const char* name : {"a.log", "ab.log", "a.txt", "log"})
+    {
+        Write(name, "x");
+    }
+    struct Row
+    {
+        const wchar_t* pattern;
+        std::size_t count;
+    };
+    const Row rows[] = {{L"*.log", 2}, {L"a*.log", 2}, {L"a?.log", 1}, {L"a.*", 2},
+                        {L"log", 1},   {L"*b*g", 1},   {L"?", 0},      {L"b*", 0}};
+    for (const Row& row : rows)
+    {
+        auto found = List(row.pattern);
+        found.erase(L"."); // Windows' ? takes the folder itself for a name
+        EXPECT_EQ(found.size(), row.count)
+            << std::string(row.pattern, row.pattern + std::wcslen(row.pattern));
+    }
+}
+
+TEST_F(FindFile, SaysWhatIsMissing)
+{
+    WIN32_FIND_DATAW data = {};
+    EXPECT_EQ(FindFirstFileW((mFolder / L"none").wstring().c_str(), &data), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+    EXPECT_EQ(FindFirstFileW((mFolder / L"none" / L"*").wstring().c_str(), &data), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
+    EXPECT_FALSE(FindNextFileW(INVALID_HANDLE_VALUE, &data));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+}
+
+TEST_F(FindFile, DeleteTakesAFileAndNothingElse)
+{
+    Write("file", "x");
+    fs::create_directory(mFolder / "sub");
+    EXPECT_TRUE(DeleteFileW((mFolder / L"file").wstring().c_str()));
+    EXPECT_FALSE(fs::exists(mFolder / "file"));
+    EXPECT_FALSE(DeleteFileW((mFolder / L"file").wstring().c_str()));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+    EXPECT_FALSE(DeleteFileW((mFolder / L"sub").wstring().c_str()));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+}
