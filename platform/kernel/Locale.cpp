@@ -41,6 +41,18 @@ std::string_view PartBehind(std::string_view name, char mark)
     return part.substr(0, part.find('@'));
 }
 
+// Some languages have their number by the script that goes without saying: sr_RS is sr_Cyrl_RS there.
+LCID NumberOf(const std::string& locale)
+{
+    std::array<char, ULOC_FULLNAME_CAPACITY> full = {};
+    std::array<char, ULOC_FULLNAME_CAPACITY> numbered = {};
+    UErrorCode error = U_ZERO_ERROR;
+    uloc_addLikelySubtags(locale.c_str(), full.data(), full.size(), &error);
+    const LCID id = uloc_getLCID(full.data());
+    uloc_getLocaleForLCID(id, numbered.data(), numbered.size(), &error);
+    return U_SUCCESS(error) && full == numbered ? id : uloc_getLCID(locale.c_str());
+}
+
 bool IsStandardC(std::string_view base)
 {
     return base.empty() || base == "C" || base == "POSIX";
@@ -58,7 +70,7 @@ LCID LcidOfLocale(std::string_view name)
     const std::string_view modifier = PartBehind(name, '@');
     const char* script = modifier == "latin" ? "_Latn" : modifier == "cyrillic" ? "_Cyrl" : "";
     base.insert(std::min(base.find('_'), base.size()), script);
-    const LCID id = uloc_getLCID(base.c_str());
+    const LCID id = NumberOf(base);
     return id == 0 ? LOCALE_CUSTOM_DEFAULT : id;
 }
 

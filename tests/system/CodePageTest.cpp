@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "tests/system/Environment.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace
+{
+
+std::string ToNarrow(UINT codePage, const std::wstring& wide)
+{
+    const int length = static_cast<int>(wide.size());
+    const int size = WideCharToMultiByte(codePage, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string narrow(static_cast<std::size_t>(size), '\0');
+    EXPECT_EQ(WideCharToMultiByte(codePage, 0, wide.data(), length, narrow.data(), size, nullptr, nullptr),
+              size);
+    return narrow;
+}
+
+std::wstring ToWide(UINT codePage, const std::string& narrow)
+{
+    const int length = static_cast<int>(narrow.size());
+    const int size = MultiByteToWideChar(codePage, 0, narrow.data(), length, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(size), L'\0');
+    EXPECT_EQ(MultiByteToWideChar(codePage, 0, narrow.data(), length, wide.data(), size), size);
+    return wide;
+}
+
+} // namespace
+
+TEST(CodePage, AnsiIsTheCharacterSetOfTheUsersLocale)
+{
+    struct Row
+    {
+        const char* locale;
+        const wchar_t* wide;
+        const char* narrow;
+    };
+    const Row rows[] = {
+        {"en_US.UTF-8", L"\u00E9\U0001F600", "\xC3\xA9\xF0\x9F\x98\x80"},
+        {"de_DE.ISO-8859-1", L"\u00E9\u20AC", "\xE9?"},
+        {"de_DE.ISO-8859-15@euro", L"\u20AC", "\xA4"},
+        {"ru_RU.KOI8-R", L"\u0430\u00E9", "\xC1?"},
+        {"ja_JP.eucJP", L"\u3042", "\xA4\xA2"},
+        {"de_DE.ISO-8859-1", L"a\U0001F600b", "a??b"}, // two units
+        {"C", L"a\u00E9", "a?"},
+        {"xx_YY.no-such-set", L"a\u00E9", "a?"},
+    };
+    for (const Row& row : rows)
+    {
+        const Variable locale("LC_ALL", row.locale);
+        EXPECT_EQ(ToNarrow(CP_ACP, row.wide), row.narrow) << row.locale;
+        if (std::string(row.narrow).find('?') == std::string::npos)
+        {
+            EXPECT_EQ(ToWide(CP_ACP, row.narrow), row.wide) << row.locale;
+        }
+    }
+}
+
+TEST(CodePage, Utf8ReplacesWhatIsNoText)
+{
+    EXPECT_EQ(ToNarrow(CP_UTF8, std::wstring(1, static_cast<wchar_t>(0xD800))), "\xEF\xBF\xBD");
+    EXPECT_EQ(ToWide(CP_UTF8, "a\xFFz"), L"a\uFFFDz");
+    EXPECT_EQ(ToWide(CP_UTF8, "\xF0\x9F\x98\x80"), L"\U0001F600");
+}
+
+TEST(CodePage, LengthsAndRoomFollowTheRules)
+{
+    char narrow[8] = {};
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"ab", -1, narrow, 8, nullptr, nullptr), 3)
+        << "with the terminator";
+    EXPECT_STREQ(narrow, "ab");
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"ab", -1, narrow, 2, nullptr, nullptr), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"ab", 0, narrow, 8, nullptr, nullptr), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_EQ(WideCharToMultiByte(1252, 0, L"ab", -1, narrow, 8, nullptr, nullptr), 0);
+    wchar_t wide[8] = {};
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "ab", -1, wide, 8), 3);
+    EXPECT_STREQ(wide, L"ab");
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "ab", -1, wide, 2), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+}

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "platform/kernel/Locale.h"
+#include "tests/system/Environment.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+TEST(Locale, HasTheNumberThatWindowsGivesIt)
+{
+    struct Row
+    {
+        const char* name;
+        LCID id;
+    };
+    const Row rows[] = {
+        {"", 0x0409},           {"C", 0x0409},
+        {"POSIX", 0x0409},      {"C.UTF-8", 0x0409},
+        {"en_US.UTF-8", 0x409}, {"en_GB", 0x0809},
+        {"de_DE@euro", 0x0407}, {"de_AT.ISO-8859-1", 0x0C07},
+        {"pt_BR.utf8", 0x0416}, {"zh_CN.GB18030", 0x804},
+        {"zh_TW", 0x0404},      {"nb_NO", 0x0414},
+        {"sr_RS", 0x281A},      {"sr_RS@latin", 0x241A},
+        {"ja_JP.eucJP", 0x411}, {"xx_YY", LOCALE_CUSTOM_DEFAULT},
+    };
+    for (const Row& row : rows)
+    {
+        EXPECT_EQ(LcidOfLocale(row.name), row.id) << row.name;
+    }
+}
+
+TEST(Locale, UsersIsTheFirstVariableThatIsSet)
+{
+    const Variable lang("LANG", "en_GB.UTF-8");
+    const Variable type("LC_CTYPE", nullptr);
+    const Variable all("LC_ALL", "");
+    EXPECT_EQ(GetUserDefaultLCID(), 0x0809U);
+    const Variable french("LC_CTYPE", "fr_FR.UTF-8");
+    EXPECT_EQ(GetUserDefaultLCID(), 0x040CU);
+    const Variable german("LC_ALL", "de_DE");
+    EXPECT_EQ(GetUserDefaultLCID(), 0x0407U);
+}
+
+TEST(Locale, SystemsIsReadFromItsFile)
+{
+    EXPECT_EQ(LocaleOfFile("#  File generated\nLANG=de_DE.UTF-8\n"), "de_DE.UTF-8");
+    EXPECT_EQ(LocaleOfFile("LANG=\"fr_FR.UTF-8\"\nLC_TIME=en_GB\n"), "fr_FR.UTF-8");
+    EXPECT_EQ(LocaleOfFile("LANG='en_GB' \nLC_ALL=pt_BR"), "pt_BR");
+    EXPECT_EQ(LocaleOfFile("LANGUAGE=de:en\nLANG=\n"), "");
+    EXPECT_EQ(LocaleOfFile(""), "");
+}
+
+TEST(Locale, RegistryNamesItByItsShortTag)
+{
+    struct Row
+    {
+        const wchar_t* name;
+        const wchar_t* text;
+    };
+    const Row rows[] = {
+        {L"0409", L"en-us;English (United States)"},
+        {L"0407", L"de-de;German (Germany)"},
+        {L"0804", L"zh-cn;Chinese (China)"},
+        {L"0404", L"zh-tw;Chinese (Taiwan)"},
+        {L"241A", L"sr-latn-rs;Serbian (Latin, Serbia)"},
+        {L"241a", L"sr-latn-rs;Serbian (Latin, Serbia)"},
+        {L"0009", L"en;English"},
+    };
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, L"software\\classes\\MIME\\Database\\Rfc1766", &key),
+              ERROR_SUCCESS);
+    for (const Row& row : rows)
+    {
+        std::array<wchar_t, 500> text = {};
+        DWORD size = 500; // bytes
+        EXPECT_EQ(
+            RegQueryValueExW(key, row.name, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &size),
+            ERROR_SUCCESS);
+        EXPECT_EQ(std::wstring(text.data()), row.text);
+    }
+    RegCloseKey(key);
+    EXPECT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Other", &key), ERROR_FILE_NOT_FOUND);
+}
+
+// Wine has the key without values.
+TEST(Locale, RegistryTellsItWithTheRegistrysSizesAndErrors)
+{
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes\\MIME\\Database\\Rfc1766", &key),
+              ERROR_SUCCESS);
+    std::array<wchar_t, 500> text = {};
+    DWORD size = sizeof text;
+    DWORD type = 0;
+    auto* data = reinterpret_cast<BYTE*>(text.data());
+    ASSERT_EQ(RegQueryValueExW(key, L"0409", nullptr, &type, data, &size), ERROR_SUCCESS);
+    const std::wstring value = text.data();
+    EXPECT_EQ(value.substr(0, 6), L"en-us;");
+    EXPECT_EQ(type, DWORD{REG_SZ});
+    EXPECT_EQ(size, (value.size() + 1) * sizeof(wchar_t));
+
+    DWORD small = size - 1;
+    EXPECT_EQ(RegQueryValueExW(key, L"0409", nullptr, nullptr, data, &small), ERROR_MORE_DATA);
+    EXPECT_EQ(small, size);
+    small = 0;
+    EXPECT_EQ(RegQueryValueExW(key, L"0409", nullptr, nullptr, nullptr, &small), ERROR_SUCCESS);
+    EXPECT_EQ(small, size);
+    for (const wchar_t* name : {L"0C00", L"409", L"FFFF", L"x", L""})
+    {
+        size = sizeof text;
+        EXPECT_EQ(RegQueryValueExW(key, name, nullptr, nullptr, data, &size), ERROR_FILE_NOT_FOUND);
+    }
+    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+}

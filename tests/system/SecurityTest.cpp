@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: MIT
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace
+{
+
+constexpr GENERIC_MAPPING kMapping = {1, 2, 0, 3};
+
+struct FreeSidOf
+{
+    void operator()(void* sid) const { FreeSid(sid); }
+};
+using OwnedSid = std::unique_ptr<void, FreeSidOf>;
+
+OwnedSid MakeSid(BYTE authority, const std::vector<DWORD>& subAuthorities)
+{
+    SID_IDENTIFIER_AUTHORITY id = {{0, 0, 0, 0, 0, authority}};
+    std::vector<DWORD> all = subAuthorities;
+    all.resize(8);
+    PSID sid = nullptr;
+    EXPECT_TRUE(AllocateAndInitializeSid(&id, static_cast<BYTE>(subAuthorities.size()), all[0], all[1],
+                                         all[2], all[3], all[4], all[5], all[6], all[7], &sid));
+    return OwnedSid(sid);
+}
+
+OwnedSid Everyone()
+{
+    return MakeSid(1, {0});
+}
+
+struct Entry
+{
+    BYTE type; // 0 allows, 1 denies
+    DWORD mask;
+    PSID sid;
+};
+
+// Descriptor and access list with the given entries.
+class Guard
+{
+public:
+    explicit Guard(const std::vector<Entry>& entries) : mOwner(Everyone()), mAcl(256)
+    {
+        const auto acl = reinterpret_cast<PACL>(mAcl.data());
+        EXPECT_TRUE(InitializeAcl(acl, static_cast<DWORD>(mAcl.size() * sizeof(DWORD)), ACL_REVISION2));
+        auto* at = reinterpret_cast<BYTE*>(acl + 1);
+        for (const Entry& entry : entries)
+        {
+            EXPECT_TRUE(AddAccessAllowedAce(acl, ACL_REVISION2, entry.mask, entry.sid));
+            auto* head = reinterpret_cast<ACE_HEADER*>(at);
+            head->AceType = entry.type;
+            at += head->AceSize;
+        }
+        EXPECT_TRUE(InitializeSecurityDescriptor(&mDescriptor, SECURITY_DESCRIPTOR_REVISION));
+        EXPECT_TRUE(SetSecurityDescriptorDacl(&mDescriptor, TRUE, acl, FALSE));
+        EXPECT_TRUE(SetSecurityDescriptorOwner(&mDescriptor, mOwner.get(), FALSE));
+        EXPECT_TRUE(SetSecurityDescriptorGroup(&mDescriptor, mOwner.get(), FALSE));
+    }
+
+    SECURITY_DESCRIPTOR* Descriptor() { return &mDescriptor; }
+
+private:
+    OwnedSid mOwner;
+    std::vector<DWORD> mAcl;
+    SECURITY_DESCRIPTOR mDescriptor = {};
+};
+
+class AccessCheckTest : public testing::Test
+{
+protected:
+    AccessCheckTest()
+    {
+        EXPECT_TRUE(ImpersonateSelf(SecurityImpersonation));
+        EXPECT_TRUE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, FALSE, &mToken));
+    }
+    ~AccessCheckTest() override
+    {
+        EXPECT_TRUE(CloseHandle(mToken));
+        EXPECT_TRUE(RevertToSelf());
+    }
+
+    BOOL Check(SECURITY_DESCRIPTOR* descriptor, DWORD desired, BOOL& status,
+               DWORD length = sizeof(PRIVILEGE_SET))
+    {
+        GENERIC_MAPPING mapping = kMapping;
+        PRIVILEGE_SET privileges = {};
+        status = FALSE;
+        return AccessCheck(descriptor, mToken, desired, &mapping, &privileges, &length, &mGranted, &status);
+    }
+
+    HANDLE mToken = nullptr;
+    DWORD mGranted = 0;
+};
+
+} // namespace
+
+TEST(ThreadToken, IsThereOnlyWhileImpersonating)
+{
+    HANDLE token = nullptr;
+    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, FALSE, &token));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_TOKEN});
+    EXPECT_TRUE(ImpersonateSelf(SecurityImpersonation));
+    EXPECT_TRUE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, FALSE, &token));
+    EXPECT_TRUE(CloseHandle(token));
+    EXPECT_TRUE(RevertToSelf());
+    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, FALSE, &token));
+}
+
+TEST_F(AccessCheckTest, GoesThroughTheListEntryByEntry)
+{
+    const OwnedSid everyone = Everyone();
+    const OwnedSid stranger = MakeSid(5, {21, 1, 2, 3, 9999});
+    PSID const all = everyone.get();
+    PSID const other = stranger.get();
+    struct Row
+    {
+        std::vector<Entry> entries;
+        DWORD desired;
+        bool granted;
+    };
+    const Row rows[] = {
+        {{}, 1, false}, // an empty list, unlike none, grants nothing
+        {{{0, 3, all}}, 1, true},
+        {{{0, 3, all}}, 4, false},
+        {{{0, 3, other}}, 1, false},
+        {{{0, 1, all}, {0, 2, all}}, 3, true}, // rights add up
+        {{{1, 1, all}, {0, 3, all}}, 1, false},
+        {{{1, 1, all}, {0, 3, all}}, 2, true},
+        {{{0, 3, all}, {1, 1, all}}, 1, true}, // granted before it could be denied
+        {{{1, 3, other}, {0, 3, all}}, 1, true},
+    };
+    for (const Row& row : rows)
+    {
+        Guard guard(row.entries);
+        BOOL status = FALSE;
+        EXPECT_TRUE(Check(guard.Descriptor(), row.desired, status)) << GetLastError();
+        EXPECT_EQ(status != FALSE, row.granted) << "row " << &row - rows;
+        EXPECT_EQ(mGranted, row.granted ? row.desired : 0);
+    }
+}
+
+TEST_F(AccessCheckTest, NullListGrantsEverything)
+{
+    Guard guard({});
+    EXPECT_TRUE(SetSecurityDescriptorDacl(guard.Descriptor(), TRUE, nullptr, FALSE));
+    BOOL status = FALSE;
+    EXPECT_TRUE(Check(guard.Descriptor(), 3, status));
+    EXPECT_TRUE(status);
+}
+
+TEST_F(AccessCheckTest, RefusesWhatItCannotJudge)
+{
+    Guard guard({});
+    BOOL status = FALSE;
+    EXPECT_FALSE(Check(guard.Descriptor(), GENERIC_READ, status));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_GENERIC_NOT_MAPPED});
+    EXPECT_FALSE(Check(guard.Descriptor(), 1, status, 8));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_TRUE(SetSecurityDescriptorOwner(guard.Descriptor(), nullptr, FALSE));
+    EXPECT_FALSE(Check(guard.Descriptor(), 1, status));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_SECURITY_DESCR});
+
+    HANDLE process = nullptr;
+    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &process));
+    std::swap(mToken, process);
+    Guard whole({});
+    EXPECT_FALSE(Check(whole.Descriptor(), 1, status));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_IMPERSONATION_TOKEN});
+    std::swap(mToken, process);
+    CloseHandle(process);
+}
+
+TEST(AccessList, TakesAsManyEntriesAsItHasRoomFor)
+{
+    const OwnedSid sid = MakeSid(5, {SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS});
+    EXPECT_EQ(GetLengthSid(sid.get()), 16U);
+    std::vector<DWORD> block(8); // 32 bytes: head, one entry, nothing more
+    const auto acl = reinterpret_cast<PACL>(block.data());
+    EXPECT_TRUE(InitializeAcl(acl, 32, ACL_REVISION2));
+    EXPECT_TRUE(AddAccessAllowedAce(acl, ACL_REVISION2, 3, sid.get()));
+    EXPECT_FALSE(AddAccessAllowedAce(acl, ACL_REVISION2, 3, sid.get()));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ALLOTTED_SPACE_EXCEEDED});
+    EXPECT_FALSE(InitializeAcl(acl, 4, ACL_REVISION2));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+}
+
+TEST(SecurityDescriptor, IsOfOneRevision)
+{
+    SECURITY_DESCRIPTOR descriptor = {};
+    EXPECT_FALSE(InitializeSecurityDescriptor(&descriptor, 2));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_UNKNOWN_REVISION});
+    EXPECT_FALSE(IsValidSecurityDescriptor(&descriptor));
+    EXPECT_TRUE(InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION));
+    EXPECT_TRUE(IsValidSecurityDescriptor(&descriptor));
+}

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#define SECURITY_WIN32
+#include <windows.h>
+
+#include <security.h>
+#include <time.h>
+#include <wchar.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+#include <string>
+
+namespace
+{
+
+using Buffer = std::array<wchar_t, 1024>;
+
+std::wstring MessageOf(DWORD code)
+{
+    Buffer text = {};
+    const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                        code, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
+    return {text.data(), length};
+}
+
+} // namespace
+
+// The texts themselves are compared with Windows' where both words and numbers have been the same for long.
+TEST(SystemMessage, IsTheSystemsOwnTextWithALineEnd)
+{
+    struct Row
+    {
+        DWORD code;
+        const wchar_t* text;
+    };
+    const Row rows[] = {
+        {2, L"The system cannot find the file specified.\r\n"},
+        {5, L"Access is denied.\r\n"},
+        {6, L"The handle is invalid.\r\n"},
+        {87, L"The parameter is incorrect.\r\n"},
+        {112, L"There is not enough space on the disk.\r\n"},
+        {267, L"The directory name is invalid.\r\n"},
+    };
+    const bool wine = MessageOf(2) == L"File not found.\r\n";
+    if (wine)
+    {
+        GTEST_SKIP() << "Wine has words of its own";
+    }
+    for (const Row& row : rows)
+    {
+        EXPECT_EQ(MessageOf(row.code), row.text);
+    }
+}
+
+TEST(SystemMessage, UnknownCodeGivesNone)
+{
+    EXPECT_EQ(MessageOf(0x3FFFFFF0), L"");
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_MR_MID_NOT_FOUND});
+}
+
+TEST(SystemMessage, BufferTooSmallIsSaid)
+{
+    std::array<wchar_t, 4> small = {};
+    EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, 5, 0,
+                             small.data(), 4, nullptr),
+              0U);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+}
+
+TEST(SystemName, SizesCountTheTerminatorOnTheWayInAndByTheCallOnTheWayOut)
+{
+    Buffer name = {};
+    DWORD size = static_cast<DWORD>(name.size());
+    EXPECT_TRUE(GetComputerNameW(name.data(), &size));
+    EXPECT_EQ(size, std::wcslen(name.data()));
+    EXPECT_GT(size, 0U);
+    DWORD small = size; // no room for the terminator
+    EXPECT_FALSE(GetComputerNameW(name.data(), &small));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_BUFFER_OVERFLOW});
+    EXPECT_EQ(small, size + 1);
+
+    size = static_cast<DWORD>(name.size());
+    EXPECT_TRUE(GetUserNameW(name.data(), &size));
+    EXPECT_EQ(size, std::wcslen(name.data()) + 1);
+    small = size - 1;
+    EXPECT_FALSE(GetUserNameW(name.data(), &small));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(small, size);
+
+    ULONG count = static_cast<ULONG>(name.size());
+    EXPECT_TRUE(GetUserNameExW(NameSamCompatible, name.data(), &count));
+    EXPECT_EQ(count, std::wcslen(name.data()));
+    EXPECT_NE(std::wstring(name.data()).find(L'\\'), std::wstring::npos);
+    EXPECT_FALSE(GetUserNameExW(NameUnknown, name.data(), &count));
+}
+
+TEST(RuntimeText, TokensAreTakenOffInPlace)
+{
+    wchar_t text[] = L";;de-de;German (Germany);";
+    EXPECT_STREQ(wcstok(text, L";"), L"de-de");
+    EXPECT_STREQ(wcstok(nullptr, L"("), L"German ");
+    EXPECT_STREQ(wcstok(nullptr, L";"), L"Germany)");
+    EXPECT_EQ(wcstok(nullptr, L";"), nullptr);
+    wchar_t empty[] = L"";
+    EXPECT_EQ(wcstok(empty, L";"), nullptr);
+    wchar_t* copy = _wcsdup(L"a\u20AC");
+    EXPECT_STREQ(copy, L"a\u20AC");
+    free(copy);
+}
+
+TEST(RuntimeTime, SplitsUtcAndRefusesWhatLiesOutsideItsRange)
+{
+    const __time64_t leapDay = 951782400; // 29 February 2000
+    const struct tm* fields = _gmtime64(&leapDay);
+    ASSERT_NE(fields, nullptr);
+    EXPECT_EQ(fields->tm_year, 100);
+    EXPECT_EQ(fields->tm_mon, 1);
+    EXPECT_EQ(fields->tm_mday, 29);
+    EXPECT_EQ(fields->tm_yday, 59);
+    EXPECT_EQ(fields->tm_wday, 2);
+    for (const __time64_t outside : {__time64_t{-86400}, __time64_t{99999999999}})
+    {
+        EXPECT_EQ(_gmtime64(&outside), nullptr);
+        EXPECT_EQ(_localtime64(&outside), nullptr);
+    }
+    __time64_t stored = 0;
+    const __time64_t now = _time64(&stored);
+    EXPECT_EQ(now, stored);
+    EXPECT_GT(stored, leapDay);
+}

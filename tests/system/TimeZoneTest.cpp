@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "tests/system/Environment.h"
+
+#include <windows.h>
+
+#include <time.h>
+
+#include <gtest/gtest.h>
+
+TEST(TimeZone, IsTheOneThatWindowsHasForIt)
+{
+    struct Row
+    {
+        const char* zone;
+        LONG bias;
+        LONG daylightBias;
+        bool changes;
+        const wchar_t* standard;
+        const wchar_t* daylight;
+    };
+    const Row rows[] = {
+        {"Europe/Berlin", -60, -60, true, L"W. Europe Standard Time", L"W. Europe Daylight Time"},
+        {"America/New_York", 300, -60, true, L"Eastern Standard Time", L"Eastern Daylight Time"},
+        {"America/St_Johns", 210, -60, true, L"Newfoundland Standard Time", L"Newfoundland Daylight Time"},
+        {"Asia/Kolkata", -330, -60, false, L"India Standard Time", L"India Daylight Time"},
+        {"Asia/Calcutta", -330, -60, false, L"India Standard Time", L"India Daylight Time"}, // an old name
+        {"Australia/Lord_Howe", -630, -30, true, L"Lord Howe Standard Time", L"Lord Howe Daylight Time"},
+        {"Europe/Dublin", 0, -60, true, L"GMT Standard Time",
+         L"GMT Daylight Time"}, // winter is its exception
+        {"Pacific/Auckland", -720, -60, true, L"New Zealand Standard Time", L"New Zealand Daylight Time"},
+        {"Asia/Kathmandu", -345, -60, false, L"Nepal Standard Time", L"Nepal Daylight Time"},
+        {"UTC", 0, 0, false, L"Coordinated Universal Time", L"Coordinated Universal Time"},
+        {"", 0, 0, false, L"Coordinated Universal Time", L"Coordinated Universal Time"},
+        {":Europe/Berlin", -60, -60, true, L"W. Europe Standard Time", L"W. Europe Daylight Time"},
+        {"/usr/share/zoneinfo/Asia/Tokyo", -540, -60, false, L"Tokyo Standard Time", L"Tokyo Daylight Time"},
+        // A rule of its own has no counterpart on Windows.
+        {"ABC-3DEF,M3.5.0,M10.5.0", -180, -60, true, L"ABC", L"DEF"},
+        {"XYZ5", 300, 0, false, L"XYZ", L"XYZ"},
+    };
+    for (const Row& row : rows)
+    {
+        const Variable zone("TZ", row.zone);
+        TIME_ZONE_INFORMATION information = {};
+        const DWORD result = GetTimeZoneInformation(&information);
+        EXPECT_EQ(information.Bias, row.bias) << row.zone;
+        EXPECT_EQ(information.StandardBias, 0) << row.zone;
+        EXPECT_EQ(information.DaylightBias, row.daylightBias) << row.zone;
+        EXPECT_EQ(std::wstring(information.StandardName), row.standard);
+        EXPECT_EQ(std::wstring(information.DaylightName), row.daylight);
+        EXPECT_EQ(result != TIME_ZONE_ID_UNKNOWN, row.changes) << row.zone;
+
+        // The zone in force explains the local clock.
+        const LONG bias = information.Bias + (result == TIME_ZONE_ID_DAYLIGHT ? information.DaylightBias
+                                                                              : information.StandardBias);
+        const __time64_t now = _time64(nullptr);
+        EXPECT_EQ(_localtime64(&now)->tm_gmtoff, -60L * bias) << row.zone;
+    }
+    _tzset();
+}
+
+TEST(TimeZone, HalfTheWorldHasDaylightTimeNow)
+{
+    const auto state = [](const char* name)
+    {
+        const Variable zone("TZ", name);
+        TIME_ZONE_INFORMATION information = {};
+        return GetTimeZoneInformation(&information);
+    };
+    // These two never have the same at once, whatever the date.
+    EXPECT_EQ(state("ABC-1DEF,J60,J240") + state("ABC-1DEF,J240,J60"),
+              DWORD{TIME_ZONE_ID_STANDARD + TIME_ZONE_ID_DAYLIGHT});
+    _tzset();
+}
