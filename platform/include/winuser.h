@@ -87,6 +87,7 @@
 #define WM_GETTEXTLENGTH 0x000E
 #define WM_PAINT 0x000F
 #define WM_CLOSE 0x0010
+#define WM_QUIT 0x0012
 #define WM_ICONERASEBKGND 0x0027
 #define WM_NEXTDLGCTL 0x0028
 #define WM_QUERYDRAGICON 0x0037
@@ -134,6 +135,7 @@
 #define PM_NOREMOVE 0
 #define PM_REMOVE 1
 
+#define GWL_STYLE (-16)
 #define DWLP_MSGRESULT 0
 #define DWLP_USER 16
 
@@ -185,8 +187,10 @@ extern "C"
                                             LPARAM parameter);
     PLATFORM_EXPORT BOOL EndDialog(HWND dialog, INT_PTR result);
     PLATFORM_EXPORT HWND GetDlgItem(HWND dialog, int id);
-    PLATFORM_EXPORT LONG_PTR GetWindowLongPtrW(HWND dialog, int index); // DWLP_... only
-    PLATFORM_EXPORT LONG_PTR SetWindowLongPtrW(HWND dialog, int index, LONG_PTR value);
+    PLATFORM_EXPORT LONG_PTR GetWindowLongPtrW(HWND window, int index);
+    PLATFORM_EXPORT LONG_PTR SetWindowLongPtrW(HWND dialog, int index, LONG_PTR value); // DWLP_... only
+    // Takes Enter and Esc; the other keys that move within a dialog are the display's.
+    PLATFORM_EXPORT BOOL IsDialogMessageW(HWND dialog, LPMSG message);
 
     // Message boxes. MessageBoxTimeoutW answers MB_TIMEDOUT when nobody did within the time; the language
     // is ignored. Without an owner, dialogs that are open stay enabled.
@@ -194,12 +198,13 @@ extern "C"
     PLATFORM_EXPORT int MessageBoxTimeoutW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type, WORD language,
                                            DWORD milliseconds);
 
-    // Messages. Posted ones come first, in the order of posting, then what the person did, then WM_PAINT, then
-    // WM_TIMER.
+    // Messages. Posted ones come first, in the order of posting, then WM_QUIT, then what the person did, then
+    // WM_PAINT, then WM_TIMER.
     // Any thread may post. PeekMessageW takes no filter: window, first and last are 0. It gives FALSE on
     // any other thread than the windows'.
     PLATFORM_EXPORT LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     PLATFORM_EXPORT BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    PLATFORM_EXPORT void PostQuitMessage(int exitCode);
     PLATFORM_EXPORT BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT remove);
     PLATFORM_EXPORT BOOL TranslateMessage(const MSG* message);
     PLATFORM_EXPORT LRESULT DispatchMessageW(const MSG* message);
@@ -212,6 +217,7 @@ extern "C"
     PLATFORM_EXPORT BOOL IsWindow(HWND window);
     PLATFORM_EXPORT BOOL IsWindowVisible(HWND window);
     PLATFORM_EXPORT BOOL IsWindowEnabled(HWND window);
+    PLATFORM_EXPORT HWND GetParent(HWND window); // of a dialog the owner
     PLATFORM_EXPORT HWND GetActiveWindow(); // the dialog on top
     PLATFORM_EXPORT HWND GetFocus();
     PLATFORM_EXPORT BOOL SetWindowTextW(HWND window, LPCWSTR text);

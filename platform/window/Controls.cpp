@@ -107,11 +107,6 @@ LRESULT ServeEdit(Window& edit, UINT message, WPARAM wParam, LPARAM lParam)
     case EM_LIMITTEXT:
         edit.textLimit = static_cast<std::size_t>(wParam);
         return 0;
-    case WM_KEYDOWN:
-        // Outside its own dialog's loop, which takes the key first, a box of several lines gives Esc on.
-        if (wParam == VK_ESCAPE && (edit.style & ES_MULTILINE) != 0)
-            PostTo(edit.parent->handle, WM_CLOSE, 0, 0);
-        return 0;
     default:
         return ServeText(edit, message, wParam, lParam);
     }

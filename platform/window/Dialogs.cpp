@@ -50,11 +50,10 @@ void Cancel(Window& dialog)
                reinterpret_cast<LPARAM>(HandleOf(button)));
 }
 
-// The keys that a dialog's loop takes before the control with the focus does.
+// The keys that a dialog takes before the control with the focus does.
 bool TakeKey(Window& dialog, const MSG& message)
 {
-    Window* const window = message.message == WM_KEYDOWN ? FindWindow(message.hwnd) : nullptr;
-    if (window == nullptr || &DialogOf(*window) != &dialog)
+    if (message.message != WM_KEYDOWN)
         return false;
     if (message.wParam == VK_RETURN)
         PressDefault(dialog);
@@ -73,7 +72,12 @@ void RunLoop(Window& dialog, const std::optional<std::chrono::milliseconds>& tim
         MSG message;
         if (TheQueue().Next(message, true))
         {
-            if (!TakeKey(dialog, message))
+            if (message.message == WM_QUIT)
+            {
+                PostQuitMessage(static_cast<int>(message.wParam));
+                EndDialog(dialog.handle, 0);
+            }
+            else if (!IsDialogMessageW(dialog.handle, &message))
                 DispatchMessageW(&message);
         }
         else if (MessageQueue::Clock::now() >= deadline)
@@ -169,6 +173,17 @@ INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, 
         return -1;
     }
     return RunModal(std::move(dialog), {owner, procedure, parameter, std::nullopt});
+}
+
+BOOL IsDialogMessageW(HWND handle, LPMSG message)
+{
+    Window* const dialog = FindDialog(handle);
+    Window* const window = FindWindow(message->hwnd);
+    if (dialog == nullptr || window == nullptr || &DialogOf(*window) != dialog)
+        return FALSE;
+    if (!TakeKey(*dialog, *message))
+        DispatchMessageW(message);
+    return TRUE;
 }
 
 BOOL EndDialog(HWND handle, INT_PTR result)

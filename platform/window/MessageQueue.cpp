@@ -55,12 +55,21 @@ void MessageQueue::SetTimer(HWND window, UINT_PTR id, std::chrono::milliseconds 
 
 bool MessageQueue::NextPosted(MSG& message, bool remove)
 {
-    const std::lock_guard lock(mMutex);
-    if (mPosted.empty())
+    {
+        const std::lock_guard lock(mMutex);
+        if (!mPosted.empty())
+        {
+            message = mPosted.front();
+            if (remove)
+                mPosted.pop_front();
+            return true;
+        }
+    }
+    if (!mQuit)
         return false;
-    message = mPosted.front();
+    message = MakeMessage(nullptr, WM_QUIT, static_cast<WPARAM>(*mQuit), 0);
     if (remove)
-        mPosted.pop_front();
+        mQuit.reset();
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace platform
@@ -25,6 +26,9 @@ public:
 
     // Drops what waits for a window that goes. The windows' thread only, like all below.
     void Drop(HWND window);
+
+    // WM_QUIT comes behind all posted messages.
+    void PostQuit(int exitCode) { mQuit = exitCode; }
 
     // What a person did. It comes behind all posted messages, whenever those were posted.
     void AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -57,6 +61,7 @@ private:
     std::deque<MSG> mPosted; // with mMutex
     bool mWaiting = false;   // with mMutex
     Display* mDisplay = nullptr;
+    std::optional<int> mQuit;
     std::deque<MSG> mInput;
     std::vector<Timer> mTimers;
 };

@@ -45,6 +45,12 @@ BOOL IsWindowEnabled(HWND handle)
     return window != nullptr && window->enabled;
 }
 
+HWND GetParent(HWND handle)
+{
+    const Window* const window = FindWindow(handle);
+    return window != nullptr ? HandleOf(window->parent) : nullptr;
+}
+
 HWND GetActiveWindow()
 {
     return IsWindowsThread() ? HandleOf(ActiveDialog()) : nullptr;
@@ -64,6 +70,11 @@ HWND GetDlgItem(HWND handle, int id)
 
 LONG_PTR GetWindowLongPtrW(HWND handle, int index)
 {
+    if (index == GWL_STYLE)
+    {
+        const Window* const window = FindWindow(handle);
+        return window != nullptr ? static_cast<LONG_PTR>(window->style) : 0;
+    }
     const LONG_PTR* const place = FindLong(handle, index);
     return place != nullptr ? *place : 0;
 }
