@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/Kelvane.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define TAVO_UNCHECKED                                                                                       \
+    [[gnu::no_sanitize_address, gnu::no_sanitize_undefined, gnu::no_sanitize_thread, gnu::noinline]]
+#else
+#define TAVO_UNCHECKED [[gnu::noinline]]
+#endif
+
+namespace
+{
+
+// The faults are meant; a sanitizer would report them first.
+TAVO_UNCHECKED void WriteToNull()
+{
+    int* volatile place = nullptr;
+    *place = 1;
+}
+
+TAVO_UNCHECKED void DivideByZero()
+{
+    volatile int zero = 0;
+    volatile int result = 1 / zero;
+    static_cast<void>(result);
+}
+
+void IllegalInstruction()
+{
+    __asm__ volatile("ud2");
+}
+
+using Fault = void (*)();
+
+// What the fault became, 0 when it passed.
+unsigned long CodeOf(Fault fault)
+{
+    const volatile Fault call = fault;
+    const CatchSEH guard;
+    try
+    {
+        call();
+    }
+    catch (const SEHException& exception)
+    {
+        return exception.Code();
+    }
+    return 0;
+}
+
+TEST(CatchSEH, TurnsFaultsIntoExceptionsTimeAndAgain)
+{
+    for (int times = 0; times < 3; ++times)
+    {
+        EXPECT_EQ(CodeOf(WriteToNull), SEHException::kAccessViolation);
+        EXPECT_EQ(CodeOf(DivideByZero), SEHException::kIntegerDivision);
+        EXPECT_EQ(CodeOf(IllegalInstruction), SEHException::kIllegalInstruction);
+    }
+    EXPECT_EQ(CodeOf([] {}), 0u);
+}
+
+TEST(CatchSEH, DestroysWhatLiesBetweenTheFaultAndTheHandler)
+{
+    static int alive = 0;
+    struct Object
+    {
+        Object() { ++alive; }
+        ~Object() { --alive; }
+    };
+    const Fault nested = []
+    {
+        const Object object;
+        const volatile Fault call = WriteToNull;
+        call();
+    };
+    EXPECT_EQ(CodeOf(nested), SEHException::kAccessViolation);
+    EXPECT_EQ(alive, 0);
+}
+
+TEST(CatchSEH, WorksOnEveryThreadAtOnceAndNested)
+{
+    std::vector<std::jthread> threads;
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back(
+            [thread]
+            {
+                for (int times = 0; times < 50; ++times)
+                {
+                    const CatchSEH outer;
+                    EXPECT_EQ(CodeOf(thread % 2 == 0 ? WriteToNull : DivideByZero),
+                              thread % 2 == 0 ? SEHException::kAccessViolation
+                                              : SEHException::kIntegerDivision);
+                }
+            });
+}
+
+TEST(CatchSEHDeathTest, LeavesOtherFaultsDeadly)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(
+        {
+            CodeOf(WriteToNull);
+            const volatile Fault call = WriteToNull;
+            call();
+        },
+        "");
+}
+
+} // namespace

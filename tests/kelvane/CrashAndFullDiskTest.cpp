@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+// What only this system lets a test do: kill a writer at any moment, fill a disk of its own.
+#include "tests/kelvane/AgentFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <random>
+#include <thread>
+
+using testing::HasSubstr;
+
+namespace
+{
+
+constexpr int kTextLength = 20'000;
+
+std::string FileWith(char letter)
+{
+    return "{\n  \"CustomerServiceText\": \"" + std::string(kTextLength, letter) + "\"\n}\n";
+}
+
+TEST(Settings, HoldTheOldOrTheNewTextWheneverTheWriterIsKilled)
+{
+    constexpr int kKills = 200;
+    const AgentFolder folder;
+    folder.Run({"set:CustomerServiceText:" + std::string(kTextLength, 'A')});
+    const std::string length = std::to_string(kTextLength);
+    std::mt19937 random(20261124);
+    std::uniform_int_distribution<int> microseconds(0, 20'000);
+    int written = 0;
+    for (int kill = 0; kill < kKills; ++kill)
+    {
+        const std::string before = folder.Settings();
+        std::filesystem::remove(folder.Path() / "ready");
+        setenv("LD_LIBRARY_PATH", TAVO_PROGRAM_DIR, 1);
+        const pid_t child = fork();
+        if (child == 0)
+        {
+            execl(folder.Agent().c_str(), "agent", (folder.Path() / "ready").c_str(),
+                  ("forever:CustomerServiceText:" + length).c_str(), nullptr);
+            _exit(127);
+        }
+        while (!std::filesystem::exists(folder.Path() / "ready"))
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+        ::kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        const std::string after = folder.Settings();
+        ASSERT_TRUE(after == FileWith('A') || after == FileWith('B'))
+            << kill << ": " << after.size() << " bytes";
+        written += after != before ? 1 : 0;
+    }
+    EXPECT_GT(written, kKills / 10) << "hardly any kill met a writer";
+    // A killed writer neither holds the lock nor leaves anything in the way.
+    EXPECT_EQ(folder.Run({"set:LogLevel:1", "get:LogLevel"}).answers, "true\n1\n");
+    EXPECT_THAT(folder.Names("Tavo.settings"), testing::ElementsAre("Tavo.settings.json"));
+}
+
+// The agent on a disk of 64 KB, which only this test's processes see.
+TEST(Settings, AndLogOnAFullDiskKeepWhatTheyHad)
+{
+    const AgentFolder folder;
+    folder.Write("script", R"(set -e
+mount -t tmpfs -o size=64k tmpfs disk
+touch disk/agent && mount --bind "$1" disk/agent
+run() { disk/agent answers "$@"; cat answers; }
+run init set:CustomerServiceText:old "log:2:before"
+cp disk/Tavo.settings.json before.json
+head -c 100000 /dev/zero >disk/filler 2>/dev/null || true
+run init set:CustomerServiceText:new reset:CustomerServiceText get:CustomerServiceText log:2:x log:2:y
+cat answers.errors
+cmp before.json disk/Tavo.settings.json
+ls disk
+rm disk/filler
+run set:CustomerServiceText:new "log:2:after"
+cat disk/Logs/Tavo.log >log
+umount disk/agent && umount disk
+)");
+    std::filesystem::create_directory(folder.Path() / "disk");
+    const std::string command = "cd '" + folder.Path().string() +
+                                "' && LD_LIBRARY_PATH='" TAVO_PROGRAM_DIR "' unshare --mount sh script '" +
+                                folder.Agent().string() + "' >output 2>errors";
+    if (std::system("unshare --mount true 2>/dev/null") != 0)
+        GTEST_SKIP() << "needs root for a mount of its own";
+    ASSERT_EQ(std::system(command.c_str()), 0) << folder.Read("output") << folder.Read("errors");
+    const std::string output = folder.Read("output");
+    EXPECT_THAT(output, testing::MatchesRegex("true\nfalse\nold\nTavo: the log in [^\n]*cannot be "
+                                              "written\nLogs\nTavo.settings.json\nagent\nfiller\ntrue\n"));
+    EXPECT_THAT(folder.Read("log"), HasSubstr("progress: before\n"));
+    EXPECT_THAT(folder.Read("log"), HasSubstr("progress: after\n"));
+}
+
+TEST(Log, IsForItsOwnerAndItsGroup)
+{
+    const AgentFolder folder;
+    folder.Run({"log:2:x"});
+    struct stat status
+    {
+    };
+    ASSERT_EQ(stat((folder.Path() / "Logs").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0007, 0u);
+    ASSERT_EQ(stat((folder.Path() / "Logs" / "Tavo.log").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0137, 0u);
+}
+
+TEST(Log, FollowsNoLinkToAnotherFile)
+{
+    const AgentFolder folder;
+    std::filesystem::create_directory(folder.Path() / "Logs");
+    folder.Write("victim", "untouched");
+    std::filesystem::create_symlink(folder.Path() / "victim", folder.Path() / "Logs" / "Tavo.log");
+    const AgentOutcome outcome = folder.Run({"log:2:x"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(folder.Read("victim"), "untouched");
+    EXPECT_THAT(outcome.errors, HasSubstr("cannot be written"));
+}
+
+} // namespace

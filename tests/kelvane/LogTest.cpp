@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: MIT
+#include "tests/kelvane/AgentFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <regex>
+#include <sstream>
+#include <thread>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace
+{
+
+std::vector<std::string> Lines(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::stringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+// The line less its time, process and thread.
+std::string Rest(const std::string& line)
+{
+    const std::size_t at = line.find("] ");
+    return at == std::string::npos ? line : line.substr(at + 2);
+}
+
+TEST(Log, ALineTellsTimeZoneProcessThreadSeverityAndText)
+{
+    const AgentFolder folder;
+    ASSERT_EQ(
+        folder.Run({"init", "log:2:one", "thread:Worker%207:two", "log:1:three"}, {{"TZ", "<+0530>-5:30"}})
+            .exitCode,
+        0);
+    const std::vector<std::string> lines = Lines(folder.Log());
+    ASSERT_EQ(lines.size(), 3u) << folder.Log();
+    const std::string start = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \+0530 \[\d+:\d+ )";
+    EXPECT_TRUE(std::regex_match(lines[0], std::regex(start + R"(Main\] progress: one)"))) << lines[0];
+    EXPECT_TRUE(std::regex_match(lines[1], std::regex(start + R"(Worker 7\] progress: two)"))) << lines[1];
+    EXPECT_TRUE(std::regex_match(lines[2], std::regex(start + R"(Main\] failure: three)"))) << lines[2];
+}
+
+TEST(Log, ATextIsOneLineWhateverItHolds)
+{
+    struct Row
+    {
+        const char* text;
+        const char* logged;
+        const char* why;
+    };
+    const Row rows[] = {
+        {"a\r\nb\tc", R"(a\r\nb\tc)", "line breaks and tabs"},
+        {"\x1B[2J\x07\x7F", R"(\u001B[2J\u0007\u007F)", "what a terminal would obey"},
+        {"\xC2\x85|\xC2\x9B|\xC2\xA0", "\\u0085|\\u009B|\xC2\xA0",
+         "control characters beyond ASCII, and the first that is none"},
+        {"C:\\new", "C:\\new", "paths stay readable"},
+        {"\xC3\xBC\xF0\x9F\x98\x80", "\xC3\xBC\xF0\x9F\x98\x80", "letters and astral characters"},
+        {"", "", "nothing"},
+    };
+    for (const Row& row : rows)
+    {
+        const AgentFolder folder;
+        folder.Run({"log:2:" + Encoded(row.text)});
+        const std::vector<std::string> lines = Lines(folder.Log());
+        ASSERT_EQ(lines.size(), 1u) << row.why;
+        EXPECT_EQ(Rest(lines[0]), std::string("progress: ") + row.logged) << row.why;
+    }
+}
+
+TEST(Log, NamesTheProgramAsALoadedModule)
+{
+    const AgentFolder folder;
+    folder.Run({"module"});
+    EXPECT_THAT(folder.Log(), HasSubstr("Module loaded: " + std::string()));
+    EXPECT_THAT(folder.Log(), HasSubstr(folder.Agent().filename().string() + "\n"));
+}
+
+TEST(Log, ServesStaticObjectsBeforeMainAndAfterIt)
+{
+    const AgentFolder folder;
+    const AgentOutcome outcome = folder.Run({"init", "log:2:middle"}, {{"TAVO_LOG_STATICS", "1"}});
+    EXPECT_EQ(outcome.exitCode, 0);
+    std::vector<std::string> texts;
+    for (const std::string& line : Lines(folder.Log()))
+        texts.push_back(Rest(line));
+    EXPECT_THAT(texts, ElementsAre("progress: first", "progress: middle", "progress: last"));
+}
+
+TEST(Log, WritesWhatTheLevelAllows)
+{
+    const char* const logged[] = {"", "failure: f\n", "failure: f\nprogress: p\n",
+                                  "failure: f\nprogress: p\n"};
+    for (int level = 0; level < 4; ++level)
+    {
+        const AgentFolder folder;
+        folder.Run({"set:LogLevel:" + std::to_string(level), "log:1:f", "log:2:p"});
+        std::string texts;
+        for (const std::string& line : Lines(folder.Log()))
+            texts += Rest(line) + "\n";
+        EXPECT_EQ(texts, logged[level]) << level;
+    }
+}
+
+TEST(Log, LiesWhereTheSettingSaysFromTheNextStartOn)
+{
+    const AgentFolder folder;
+    const std::string separator(1, static_cast<char>(std::filesystem::path::preferred_separator));
+    EXPECT_EQ(folder.Run({"directory"}).answers, (folder.Path() / "Logs").string() + separator + "\n");
+    EXPECT_TRUE(std::filesystem::is_directory(folder.Path() / "Logs"));
+
+    folder.Run({"init", "set:LogDirectory:deep/er", "log:2:before"});
+    EXPECT_THAT(folder.Log(), HasSubstr("before"));
+    folder.Run({"init", "log:2:after"});
+    EXPECT_THAT(folder.Read("deep/er/Tavo.log"), HasSubstr("after"));
+
+    const std::filesystem::path other = folder.Path() / "other place";
+    folder.Run({"set:LogDirectory:" + Encoded(other.string())});
+    EXPECT_EQ(folder.Run({"init", "log:2:there", "directory"}).answers, other.string() + separator + "\n");
+    EXPECT_THAT(folder.Read("other place/Tavo.log"), HasSubstr("there"));
+}
+
+TEST(Log, KeepsAsManyOlderFilesAsTheSettingSays)
+{
+    const AgentFolder folder;
+    folder.Run({"set:LogSizeLimitKB:1", "set:LogFileCount:3", "many:a:100"});
+    EXPECT_THAT(folder.Names("Tavo."),
+                ElementsAre("Tavo.1.log", "Tavo.2.log", "Tavo.3.log", "Tavo.log", "Tavo.settings.json"));
+    for (const char* name : {"Tavo.log", "Tavo.1.log", "Tavo.2.log", "Tavo.3.log"})
+        EXPECT_LE(folder.Read(std::string("Logs/") + name).size(), 1024u) << name;
+    EXPECT_THAT(folder.Log(), HasSubstr("<a.99.a>"));
+
+    folder.Run({"set:LogFileCount:1", "many:b:30"});
+    EXPECT_THAT(folder.Names("Tavo."), ElementsAre("Tavo.1.log", "Tavo.log", "Tavo.settings.json"));
+    folder.Run({"set:LogFileCount:0", "many:c:30"});
+    EXPECT_THAT(folder.Names("Tavo."), ElementsAre("Tavo.log", "Tavo.settings.json"));
+    folder.Run({"set:LogSizeLimitKB:0", "many:d:200"});
+    EXPECT_GT(folder.Log().size(), 10'000u);
+}
+
+TEST(Log, LosesAndMixesNoLineOfProcessesThatWriteAndRotateAtOnce)
+{
+    constexpr int kProcesses = 8;
+    constexpr int kLines = 300;
+    const AgentFolder folder;
+    folder.Run({"set:LogSizeLimitKB:8", "set:LogFileCount:99"});
+    {
+        std::vector<std::jthread> starters;
+        for (int process = 0; process < kProcesses; ++process)
+            starters.emplace_back(
+                [&folder, process]
+                { folder.Run({"many:" + std::to_string(process) + ":" + std::to_string(kLines)}); });
+    }
+    std::map<std::string, int> seen;
+    int files = 0;
+    const std::regex whole(R"(.{29} \[\d+:\d+\] progress: <(\d+)\.(\d+)\.\1>)");
+    for (const std::string& name : folder.Names("Tavo."))
+    {
+        if (!name.ends_with(".log"))
+            continue;
+        ++files;
+        for (const std::string& line : Lines(folder.Read("Logs/" + name)))
+        {
+            EXPECT_TRUE(std::regex_match(line, whole)) << name << ": " << line;
+            ++seen[Rest(line)];
+        }
+    }
+    EXPECT_GT(files, 10);
+    EXPECT_EQ(seen.size(), static_cast<std::size_t>(kProcesses * kLines));
+    for (const auto& [text, times] : seen)
+        EXPECT_EQ(times, 1) << text;
+}
+
+TEST(Log, ThatCannotBeWrittenSaysSoOnceAndStopsNothing)
+{
+    const AgentFolder folder;
+    folder.Write("blocked", "a file where the directory would be");
+    folder.Run({"set:LogDirectory:blocked"});
+    const AgentOutcome outcome = folder.Run({"init", "log:2:x", "log:1:y", "shutdown:z", "get:LogLevel"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.answers, "2\n");
+    EXPECT_EQ(Lines(outcome.errors).size(), 1u) << outcome.errors;
+    EXPECT_THAT(outcome.errors, HasSubstr("blocked"));
+}
+
+} // namespace

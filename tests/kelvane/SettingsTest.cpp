@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: MIT
+#include "foundation/Kelvane.h"
+#include "tests/kelvane/AgentFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <thread>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace
+{
+
+struct Named
+{
+    const char* name;
+    eConfigID id;
+    eParamType type;
+    const char* value; // another one than the default
+    const char* fallback;
+};
+
+const std::array<Named, 6> kSettings{{
+    {"LogDirectory", eConfigLogDirectory, eParamString, "Elsewhere", "Logs"},
+    {"CustomerServiceText", eConfigCustomerServiceText, eParamString, "Ring 555",
+     "Customer service: https://support.zt.example"},
+    {"LogLevel", eConfigLogLevel, eParamDWord, "1", "2"},
+    {"LogSizeLimitKB", eConfigLogSizeLimitKB, eParamDWord, "4294967295", "4096"},
+    {"LogFileCount", eConfigLogFileCount, eParamDWord, "0", "5"},
+    {"RecordLockWaits", eConfigRecordLockWaits, eParamDWord, "1", "0"},
+}};
+
+TEST(Settings, AreFoundByNameInAnyCaseAndByNumber)
+{
+    for (const Named& row : kSettings)
+    {
+        EXPECT_EQ(GetConfigID(ZTString(row.name), true), row.id) << row.name;
+        EXPECT_EQ(GetConfigType(row.id), row.type) << row.name;
+        EXPECT_EQ(GetConfigID(std::to_wstring(row.id).c_str(), false), row.id) << row.name;
+    }
+    EXPECT_EQ(GetConfigID(L"lOGlEVEL", true), eConfigLogLevel);
+    for (const wchar_t* name : {L"", L"LogLeve", L"LogLevels", L" LogLevel", L"339", L"LogLe\u0475el"})
+        EXPECT_EQ(GetConfigID(name, true), eConfigNone) << ZTString(name).GetLength();
+    EXPECT_EQ(GetConfigID(nullptr, true), eConfigNone);
+    EXPECT_EQ(GetConfigID(L"1", false), eConfigNone);
+    EXPECT_EQ(GetConfigType(eConfigNone), eParamUnknown);
+}
+
+TEST(Settings, HoldWhatWasStoredInThisProcessAndTheNext)
+{
+    for (const Named& row : kSettings)
+    {
+        const std::string name = row.name;
+        const AgentFolder folder;
+        EXPECT_EQ(folder.Run({"get:" + name}).answers, std::string(row.fallback) + "\n");
+        EXPECT_EQ(folder.Settings(), "") << "reading stores nothing";
+        EXPECT_EQ(folder.Run({"set:" + name + ":" + row.value, "reset:" + name, "get:" + name}).answers,
+                  std::string("true\n") + row.value + "\n");
+        EXPECT_EQ(folder.Run({"get:" + name}).answers, std::string(row.value) + "\n");
+    }
+}
+
+TEST(Settings, ForThisProcessAloneAreForgottenByAReset)
+{
+    const AgentFolder folder;
+    EXPECT_EQ(folder.Run({"try:LogLevel:1", "get:LogLevel", "reset:LogLevel", "get:LogLevel"}).answers,
+              "true\n1\n2\n");
+    EXPECT_EQ(folder.Settings(), "");
+}
+
+TEST(Settings, OfTheOtherTypeOrNoneAreRefused)
+{
+    EXPECT_FALSE(SetConfigStr(eConfigLogLevel, L"1", false, nullptr));
+    EXPECT_FALSE(SetConfigDWord(eConfigLogDirectory, 1, false, nullptr));
+    EXPECT_FALSE(SetConfigStr(eConfigNone, L"", false, nullptr));
+    EXPECT_EQ(GetConfigStr(eConfigLogLevel, nullptr), L"");
+    EXPECT_EQ(GetConfigDWord(eConfigLogDirectory, nullptr), 0u);
+    // Half of a surrogate pair has no place in the file.
+    EXPECT_FALSE(
+        SetConfigStr(eConfigCustomerServiceText, std::wstring(1, wchar_t{0xD800}).c_str(), false, nullptr));
+}
+
+TEST(Settings, KeepEveryText)
+{
+    for (const char* text :
+         {"", "a:b c", "\"quoted\\\"", "line\nbreak\ttab", "\xC3\xBC \xF0\x9F\x98\x80", "{\"a\":1}"})
+    {
+        const AgentFolder folder;
+        folder.Run({"set:CustomerServiceText:" + Encoded(text)});
+        EXPECT_EQ(folder.Run({"get:CustomerServiceText"}).answers, std::string(text) + "\n");
+    }
+}
+
+TEST(Settings, LeaveWhatAPersonWroteInItsPlace)
+{
+    const AgentFolder folder;
+    folder.Write("Tavo.settings.json",
+                 R"({"note": ["kept", 1.5, null], "loglevel": 1, "Other": {"a": true}})");
+    EXPECT_EQ(folder.Run({"get:LogLevel", "set:LogLevel:0", "set:LogFileCount:9"}).answers,
+              "1\ntrue\ntrue\n");
+    EXPECT_EQ(folder.Settings(), R"({
+  "note": [
+    "kept",
+    1.5,
+    null
+  ],
+  "loglevel": 0,
+  "Other": {
+    "a": true
+  },
+  "LogFileCount": 9
+}
+)");
+}
+
+TEST(Settings, OfTheWrongTypeCountAsTheirDefaultsAndTheLogSaysSo)
+{
+    const AgentFolder folder;
+    folder.Write(
+        "Tavo.settings.json",
+        R"({"LogDirectory": 5, "CustomerServiceText": ["x"], "LogLevel": "two", "LogSizeLimitKB": 1.5,
+                     "LogFileCount": -1, "RecordLockWaits": 4294967296})");
+    std::vector<std::string> steps{"init"};
+    std::string answers;
+    for (const Named& row : kSettings)
+    {
+        steps.push_back(std::string("get:") + row.name);
+        answers += std::string(row.fallback) + "\n";
+    }
+    EXPECT_EQ(folder.Run(steps).answers, answers);
+    for (const Named& row : kSettings)
+        EXPECT_THAT(folder.Log(), HasSubstr(std::string("The stored ") + row.name + " is not of its type"))
+            << row.name;
+}
+
+TEST(Settings, ThatCannotBeUnderstoodAreSetAside)
+{
+    const AgentFolder folder;
+    int number = 0;
+    for (const std::string& broken : {std::string("{\"LogLevel\": 1"), std::string(), std::string("[1]"),
+                                      std::string("\"x\""), std::string("{\"a\": \"\xFF\"}"),
+                                      std::string("\0\0\0\0", 4), "{\"a\": " + std::string(100'000, '[')})
+    {
+        const std::string aside = "Tavo.settings.broken-" + std::to_string(++number) + ".json";
+        folder.Write("Tavo.settings.json", broken);
+        // A writer and a reader meet it in turn.
+        const bool writes = number % 2 == 0;
+        EXPECT_EQ(folder.Run({writes ? "set:LogLevel:2" : "get:LogLevel"}).answers, writes ? "true\n" : "2\n")
+            << number;
+        EXPECT_EQ(folder.Read(aside), broken);
+        EXPECT_THAT(folder.Log(), HasSubstr("was moved to " + aside));
+        EXPECT_EQ(folder.Settings(), writes ? "{\n  \"LogLevel\": 2\n}\n" : "");
+    }
+}
+
+TEST(Settings, ThatTheUserMayNotWriteAreRefusedAndKept)
+{
+    const AgentFolder folder;
+    folder.Run({"set:LogLevel:1"});
+    std::filesystem::create_directory(folder.Path() / "Logs");
+    const std::string before = folder.Settings();
+    namespace fs = std::filesystem;
+    fs::permissions(folder.Path() / "Tavo.settings.json", fs::perms(0444));
+    fs::permissions(folder.Path() / "Logs", fs::perms(0777));
+    // Root may write everything: a user without rights then stands in for one. His folder may be written, or
+    // not.
+    for (const int mode : {0777, 0555})
+    {
+        fs::permissions(folder.Path(), fs::perms(mode));
+        EXPECT_EQ(folder.Run({"set:LogLevel:0", "reset:LogLevel", "get:LogLevel"}, {}, true).answers,
+                  "false\n1\n");
+        fs::permissions(folder.Path(), fs::perms(0755));
+        EXPECT_EQ(folder.Settings(), before);
+    }
+    EXPECT_THAT(folder.Names("Tavo.settings"), ElementsAre("Tavo.settings.json"));
+    fs::permissions(folder.Path() / "Tavo.settings.json", fs::perms(0644));
+}
+
+TEST(Settings, OfProcessesThatWriteAtOnceAreAllStored)
+{
+    const AgentFolder folder;
+    folder.Write("Tavo.settings.json", "{\"note\": \"kept\"}");
+    // Fifty processes, each setting its own; in each of the rounds no value of another one may get lost.
+    constexpr int kRounds = 9;
+    for (int round = 0; round < kRounds; ++round)
+    {
+        const std::string value = std::to_string(100 + round);
+        {
+            std::vector<std::jthread> starters;
+            for (const Named& row : kSettings)
+                starters.emplace_back(
+                    [&folder, &row, &value] {
+                        EXPECT_EQ(folder.Run({std::string("set:") + row.name + ":" + value}).answers,
+                                  "true\n");
+                    });
+        }
+        std::vector<std::string> steps;
+        std::string answers;
+        for (const Named& row : kSettings)
+        {
+            steps.push_back(std::string("get:") + row.name);
+            answers += value + "\n";
+        }
+        EXPECT_EQ(folder.Run(steps).answers, answers) << round;
+    }
+    EXPECT_THAT(folder.Settings(), HasSubstr("\"note\": \"kept\""));
+    EXPECT_THAT(folder.Names("Tavo.settings"), ElementsAre("Tavo.settings.json"));
+}
+
+TEST(Settings, SurviveFiftyProcessesThatSetTheSameOne)
+{
+    const AgentFolder folder;
+    {
+        std::vector<std::jthread> starters;
+        for (int process = 0; process < 50; ++process)
+            starters.emplace_back(
+                [&folder, process] {
+                    EXPECT_EQ(folder.Run({"set:LogFileCount:" + std::to_string(process)}).answers, "true\n");
+                });
+    }
+    EXPECT_TRUE(
+        testing::Matches(testing::MatchesRegex("\\{\n  \"LogFileCount\": [0-9]+\n\\}\n"))(folder.Settings()))
+        << folder.Settings();
+}
+
+TEST(Settings, AreReadAgainAfterAReset)
+{
+    const AgentFolder folder;
+    folder.Run({"set:LogLevel:1"});
+    EXPECT_THAT(folder.Run({"init", "get:LogLevel", "log:2:never"}).answers, "1\n");
+    EXPECT_THAT(folder.Log(), Not(HasSubstr("never")));
+}
+
+} // namespace
