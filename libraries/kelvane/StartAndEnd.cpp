@@ -48,6 +48,7 @@ void CriticalStartupInit(unsigned long kind, eConfigID logSetting, HINSTANCE)
     gRunningApp = kind;
     kelvane::SetThreadNameInLog(L"Main");
     kelvane::SetLogDirectorySetting(logSetting);
+    GetLogDirectory(); // from here on it stays
     gbRecordLockWaits = GetConfigDWord(eConfigRecordLockWaits, nullptr) != 0;
 }
 

@@ -26,7 +26,8 @@ TAVO_UNCHECKED void WriteToNull()
 TAVO_UNCHECKED void DivideByZero()
 {
     volatile int zero = 0;
-    volatile int result = 1 / zero;
+    volatile int dividend = 84;
+    volatile int result = dividend / zero;
     static_cast<void>(result);
 }
 

@@ -163,15 +163,15 @@ protected:
     Files() { std::filesystem::create_directory(mFolder); }
     ~Files() override { std::filesystem::remove_all(mFolder); }
 
-    // A path with a character beyond ASCII in it.
-    ZTString Path(const wchar_t* name) const
+    ZTString Path(const wchar_t* name) const { return ZTString(mFolder.string().c_str()) + L"/" + name; }
+    static std::filesystem::path Native(const ZTString& path)
     {
-        return ZTString(mFolder.wstring().c_str()) + wchar_t{std::filesystem::path::preferred_separator} +
-               name;
+        const std::string narrow = Utf8(path);
+        return std::u8string(narrow.begin(), narrow.end());
     }
     std::string Content(const wchar_t* name) const
     {
-        const std::ifstream file(std::filesystem::path(Path(name).GetString()), std::ios::binary);
+        const std::ifstream file(Native(Path(name)), std::ios::binary);
         std::stringstream text;
         text << file.rdbuf();
         return text.str();
@@ -186,7 +186,7 @@ TEST_F(Files, AreWrittenAsUtf8ByTheFlags)
     const ZTString path = Path(L"list\u00FC.txt");
     EXPECT_EQ(ZTGetFileSize(path), 0u) << "not there";
     EXPECT_TRUE(WriteTextFileAsUTF8(path, L"", true, true, false, false));
-    EXPECT_TRUE(std::filesystem::exists(path.GetString())) << "an empty text makes an empty file";
+    EXPECT_TRUE(std::filesystem::exists(Native(path))) << "an empty text makes an empty file";
     EXPECT_TRUE(WriteTextFileAsUTF8(path, L"one\r\n\u00FC", true, true, false, false));
     EXPECT_EQ(Content(L"list\u00FC.txt"), "one\r\n\xC3\xBC") << "line ends stay";
     EXPECT_EQ(ZTGetFileSize(path), 7u);
@@ -199,7 +199,7 @@ TEST_F(Files, AreWrittenAsUtf8ByTheFlags)
     EXPECT_TRUE(WriteTextFileAsUTF8(Path(L"marked"), L"x", false, false, true, true));
     EXPECT_EQ(Content(L"marked"), "\xEF\xBB\xBFx");
     EXPECT_FALSE(WriteTextFileAsUTF8(Path(L"missing/x"), L"x", true, true, false, false));
-    EXPECT_EQ(ZTGetFileSize(ZTString(mFolder.wstring().c_str())), 0u) << "a directory";
+    EXPECT_EQ(ZTGetFileSize(ZTString(mFolder.string().c_str())), 0u) << "a directory";
 }
 
 TEST_F(Files, ThatAreLinksAreKnown)

@@ -98,16 +98,13 @@ TEST(Transitions, FollowTheMachinesZoneData)
 TEST(Transitions, AreFoundInAnyYear)
 {
     const AgentFolder folder;
-    EXPECT_EQ(folder
-                  .Run({"year:1980", "year:2100", "year:9999", "year:0", "year:10000", "year:1850"},
-                       {{"TZ", "Europe/Berlin"}})
-                  .answers,
-              sizeof(wchar_t) == 2
-                  ? folder
-                        .Run({"year:1980", "year:2100", "year:9999", "year:0", "year:10000", "year:1850"},
-                             {{"TZ", "Europe/Berlin"}})
-                        .answers
-                  : "04-06 09-28\n03-28 10-31\n03-28 10-31\n00-00 00-00\n00-00 00-00\n00-00 00-00\n");
+    const std::string answers =
+        folder.Run({"year:2100", "year:9999", "year:0", "year:10000"}, {{"TZ", "Europe/Berlin"}}).answers;
+    EXPECT_EQ(answers, "03-28 10-31\n03-28 10-31\n00-00 00-00\n00-00 00-00\n");
+    if (sizeof(wchar_t) == 2)
+        GTEST_SKIP() << "the system's own zone rules begin later";
+    EXPECT_EQ(folder.Run({"year:1980", "year:1850"}, {{"TZ", "Europe/Berlin"}}).answers,
+              "04-06 09-28\n00-00 00-00\n");
 }
 
 struct NumberRow
@@ -135,7 +132,7 @@ TEST(NumberFormat, IsTheUsersOwn)
         {"de_DE.UTF-8", "number:1234567.25:grouped", "1.234.567,25"},
         {"de_DE.UTF-8", "number:1234567.25:plain:3", "1234567,250"},
         {"en_IN.UTF-8", "number:1234567.25:grouped", "12,34,567.25"},
-        {"no_SUCH.UTF-8", "number:1.2", "1,2"},
+        {"xx_XX.UTF-8", "number:1.2", "1.2"},
     };
     const AgentFolder folder;
     for (const NumberRow& row : rows)
