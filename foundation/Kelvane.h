@@ -104,9 +104,9 @@ KELVANE_EXPORT void SignalShutdown(const wchar_t* reason);
 // First call on a new thread; the name stands in the thread's log lines and in a debugger.
 KELVANE_EXPORT void ThreadInit(const wchar_t* name);
 
-// Dispatches the messages that wait for the calling thread and returns without waiting for more, or when
-// WM_QUIT is met, which stays for the loop outside. `window` is null: messages of all windows. A handler that
-// is dispatched may pump in turn, to a depth of 16; beyond it the call returns at once.
+// Dispatches the messages that wait for the calling thread, in all its windows, and returns without waiting
+// for more. A handler that is dispatched may pump in turn, to a depth of 16; beyond it the call returns at
+// once. WM_QUIT stays for the loop outside. `window` is null and `reserved` 0.
 KELVANE_EXPORT void PumpMessages(HWND window, DWORD reserved);
 
 // A message box that closes by itself after `seconds`. `type` as for MessageBoxW; the result is the button's

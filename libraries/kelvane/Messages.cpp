@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/Kelvane.h"
-#include "libraries/kelvane/TimedBox.h"
+#include "libraries/kelvane/WindowCalls.h"
 
 #include <algorithm>
 
@@ -22,36 +22,16 @@ public:
     NestedPump& operator=(const NestedPump&) = delete;
 };
 
-// The window itself, or the one that holds this control.
-HWND TopOf(HWND window)
-{
-    while (window != nullptr && (GetWindowLongPtrW(window, GWL_STYLE) & WS_CHILD) != 0)
-        window = GetParent(window);
-    return window;
-}
-
 } // namespace
 
-void PumpMessages(HWND window, DWORD)
+void PumpMessages(HWND, DWORD)
 {
     if (tNestedPumps == kMostNestedPumps)
         return;
     const NestedPump nested;
     MSG message;
-    while (PeekMessageW(&message, window, 0, 0, PM_REMOVE))
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) && kelvane::ServeMessage(message))
     {
-        if (message.message == WM_QUIT)
-        {
-            // Not ours: it ends the loop that this pump runs inside of.
-            PostQuitMessage(static_cast<int>(message.wParam));
-            return;
-        }
-        // The keyboard works in a dialog whose own loop is held up.
-        const HWND dialog = TopOf(message.hwnd);
-        if (dialog != nullptr && IsDialogMessageW(dialog, &message))
-            continue;
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
     }
 }
 

@@ -51,17 +51,6 @@ TEST(Listener, NeverHoldsUpOrCrashesTheEndOfTheProgram)
         }
 }
 
-TEST(PumpMessages, LeavesTheQuitMessageToTheLoopOutside)
-{
-    PostQuitMessage(7);
-    PumpMessages(nullptr, 0);
-    MSG message{};
-    ASSERT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
-    EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
-    EXPECT_EQ(message.wParam, 7u);
-    PumpMessages(nullptr, 0); // nothing waits: returns
-}
-
 TEST(Veld, NamesTheEventInTheNamespaceOfAllSessions)
 {
     EXPECT_TRUE(std::wstring_view(FORCE_CORE_EVENT).starts_with(L"Global\\"));

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
+// What of windows the two systems do differently.
 #pragma once
 
 #include <windows.h>
 
 namespace kelvane
 {
+
+// Dispatches a message that was taken from the queue. False when the thread is to end its loops.
+bool ServeMessage(MSG& message);
 
 // What ShowTimedBox answers when nobody did within the time.
 constexpr int kTimedOut = 32000;
