@@ -90,6 +90,7 @@ public:
     CStringT(CStringT&& other) noexcept : CStringT(other.GetManager()) { std::swap(mData, other.mData); }
     ~CStringT() { Release(); }
 
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Assign takes a part of this text as well
     CStringT& operator=(const CStringT& other)
     {
         Assign(other.AsView());
