@@ -1,0 +1,440 @@
+// SPDX-License-Identifier: MIT
+// What a person sees and can do on Qt's display, with the program's own dialogs and no screen.
+#include "tests/display/DialogUser.h"
+
+#include "resources/resource.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
+#include <QFontMetricsF>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTest>
+
+#include <chrono>
+#include <clocale>
+#include <ctime>
+#include <thread>
+
+using platform::WindowKind;
+using testing::ElementsAre;
+
+namespace
+{
+
+class QtDisplay : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        setenv("QT_QPA_PLATFORM", "offscreen", 0);
+        ASSERT_TRUE(platform::UseDisplay(platform::DisplayKind::Qt));
+    }
+};
+
+using Step = Person::Step;
+
+const std::wstring kBeyondTheBasicPlane = L"m\u00fcller \U0001F511";
+const Step kEscape = [] { Press(Qt::Key_Escape); };
+
+std::vector<const platform::Window*> VisibleControls()
+{
+    std::vector<const platform::Window*> visible;
+    for (const auto& control : platform::TopDialog()->children)
+        if (control->visible)
+            visible.push_back(control.get());
+    return visible;
+}
+
+QWidget& WidgetOf(const platform::Window& control)
+{
+    return *static_cast<QWidget*>(control.shown);
+}
+
+double WidestWord(const QString& text, const QFont& font, bool breaksLines)
+{
+    double widest = 0.0;
+    for (const QString& word : breaksLines ? text.split(u' ') : QStringList(text))
+        widest = std::max(widest, QFontMetricsF(font).horizontalAdvance(word));
+    return widest;
+}
+
+void ExpectRoomForText(const platform::Window& control)
+{
+    const QWidget& widget = WidgetOf(control);
+    const std::string name = "control " + std::to_string(control.id) + " \"" +
+                             QString::fromStdWString(control.text).toStdString() + '"';
+    EXPECT_GE(widget.height() + 0.5, QFontMetricsF(widget.font()).height()) << name;
+    if (control.kind == WindowKind::Label || control.kind == WindowKind::PushButton ||
+        control.kind == WindowKind::CheckBox)
+    {
+        const bool breaksLines = (control.style & BS_MULTILINE) != 0;
+        EXPECT_GE(widget.width(),
+                  WidestWord(QString::fromStdWString(control.text), widget.font(), breaksLines))
+            << name;
+    }
+    EXPECT_TRUE(TopWidget().rect().contains(widget.geometry())) << name;
+}
+
+long CpuMilliseconds()
+{
+    return std::clock() * 1000L / CLOCKS_PER_SEC;
+}
+
+void Append(const std::wstring& added)
+{
+    SetWindowTextW(ControlOf(IDC_OUTPUT), (TextOf(IDC_OUTPUT) + added).c_str());
+}
+
+std::wstring Lines(int count)
+{
+    std::wstring lines;
+    for (int i = 0; i < count; ++i)
+        lines += L"[" + std::to_wstring(i) + L"ms] a line\r\n";
+    return lines;
+}
+
+} // namespace
+
+TEST_F(QtDisplay, CutsNoTextAndLetsNoControlLieOnAnother)
+{
+    for (const int id : {IDD_CONSOLE, IDD_LDAP_CREDS, IDD_CRC64})
+    {
+        const Step look = []
+        {
+            const auto controls = VisibleControls();
+            for (std::size_t i = 0; i < controls.size(); ++i)
+            {
+                ExpectRoomForText(*controls[i]);
+                for (std::size_t j = 0; j < i; ++j)
+                    EXPECT_FALSE(
+                        WidgetOf(*controls[i]).geometry().intersects(WidgetOf(*controls[j]).geometry()))
+                        << controls[i]->id << " lies on " << controls[j]->id;
+            }
+        };
+        EXPECT_EQ(Use(id, {look, kEscape}), IDCANCEL);
+    }
+}
+
+// Dialog units in the proportions of the template, and nothing mirrored where people write from right to
+// left.
+TEST_F(QtDisplay, PlacesControlsAsTheTemplateDoesInEveryLanguage)
+{
+    for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft})
+    {
+        QGuiApplication::setLayoutDirection(direction);
+        const Step look = []
+        {
+            EXPECT_EQ(TopWidget().layoutDirection(), Qt::LeftToRight);
+            const double x = TopWidget().width() / 429.0;
+            const double y = TopWidget().height() / 230.0;
+            for (const auto* control : VisibleControls())
+            {
+                const QRect place = WidgetOf(*control).geometry();
+                EXPECT_NEAR(place.x(), control->rect.x * x, 1.0);
+                EXPECT_NEAR(place.y(), control->rect.y * y, 1.0);
+                EXPECT_NEAR(place.width(), control->rect.width * x, 1.0);
+                EXPECT_NEAR(place.height(), control->rect.height * y, 1.0);
+            }
+        };
+        Use(IDD_CONSOLE, {look, kEscape});
+    }
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+}
+
+TEST_F(QtDisplay, ShowsWhatTheTemplateShows)
+{
+    Use(IDD_CONSOLE, {[]
+                      {
+                          const auto& output = WidgetOf<QPlainTextEdit>(IDC_OUTPUT);
+                          EXPECT_TRUE(output.isReadOnly());
+                          EXPECT_EQ(output.lineWrapMode(), QPlainTextEdit::NoWrap);
+                          EXPECT_TRUE(output.verticalScrollBar()->isVisible());
+                          EXPECT_TRUE(output.horizontalScrollBar()->isVisible());
+                          for (const int hidden : {IDC_HIDDEN_VALUE, IDC_SHOW_UNUSED, IDC_INIT_PYTHON})
+                              EXPECT_FALSE(WidgetOf(hidden).isVisible()) << hidden;
+                          EXPECT_EQ(TopWidget().windowTitle(), "ZT Diagnostics");
+                          EXPECT_FALSE(TopWidget().windowFlags() & Qt::WindowCloseButtonHint);
+                          EXPECT_EQ(TopWidget().windowType(), Qt::Window) << "has a place on the task bar";
+                      },
+                      kEscape});
+    Use(IDD_CRC64, {[]
+                    {
+                        EXPECT_TRUE(TopWidget().windowFlags() & Qt::WindowCloseButtonHint);
+                        EXPECT_EQ(TopWidget().windowType(), Qt::Dialog);
+                        EXPECT_TRUE(WidgetOf<QPushButton>(IDOK).isDefault());
+                        EXPECT_FALSE(WidgetOf<QPushButton>(IDCANCEL).isDefault());
+                    },
+                    kEscape});
+}
+
+TEST_F(QtDisplay, TabGoesThroughTheControlsInTheTemplatesOrder)
+{
+    const struct
+    {
+        int dialog;
+        std::vector<int> order;
+    } cases[] = {
+        {IDD_CONSOLE, {IDC_OUTPUT, IDC_CLOSE, IDC_LDAP, IDC_FTP_LOGS, IDC_CRC64, IDC_OUTPUT}},
+        {IDD_LDAP_CREDS,
+         {IDC_SERVER, IDC_PORT, IDC_DOMAIN, IDC_USER, IDC_PASSWORD, IDC_AUTH_METHOD, IDOK, IDCANCEL,
+          IDC_SERVER}},
+        {IDD_CRC64, {IDOK, IDCANCEL, IDC_INPUT, IDC_WIDE_CHARS, IDC_GET_CRC64, IDC_CRC, IDC_CRC_HEX, IDOK}},
+    };
+    for (const auto& row : cases)
+    {
+        std::vector<int> order;
+        std::vector<Step> steps(row.order.size(),
+                                [&order]
+                                {
+                                    order.push_back(
+                                        static_cast<int>(platform::TopDialog()->dialog->focus->id));
+                                    Press(Qt::Key_Tab);
+                                });
+        steps.push_back(kEscape);
+        Use(row.dialog, steps);
+        EXPECT_EQ(order, row.order) << "dialog " << row.dialog;
+    }
+}
+
+TEST_F(QtDisplay, EnterAndEscPressTheButtonsThatTheyShould)
+{
+    const struct
+    {
+        int dialog;
+        int focus;
+        Qt::Key key;
+        int result;
+    } cases[] = {
+        {IDD_CONSOLE, IDC_OUTPUT, Qt::Key_Return, IDOK}, // which no control has
+        {IDD_CONSOLE, IDC_OUTPUT, Qt::Key_Escape, IDCANCEL},
+        {IDD_CONSOLE, IDC_CRC64, Qt::Key_Return, IDC_CRC64},
+        {IDD_CONSOLE, IDC_CRC64, Qt::Key_Space, IDC_CRC64},
+        {IDD_LDAP_CREDS, IDC_DOMAIN, Qt::Key_Return, IDOK}, // the default button
+        {IDD_LDAP_CREDS, IDC_DOMAIN, Qt::Key_Enter, IDOK},
+        {IDD_LDAP_CREDS, IDC_AUTH_METHOD, Qt::Key_Return, IDOK},
+        {IDD_LDAP_CREDS, IDC_AUTH_METHOD, Qt::Key_Escape, IDCANCEL},
+        {IDD_LDAP_CREDS, IDCANCEL, Qt::Key_Return, IDCANCEL},
+        {IDD_CRC64, IDC_WIDE_CHARS, Qt::Key_Return, IDOK},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(Use(row.dialog, {[&]
+                                   {
+                                       WidgetOf(row.focus).setFocus();
+                                       Press(row.key);
+                                   }}),
+                  row.result)
+            << "dialog " << row.dialog << ", control " << row.focus << ", key " << row.key;
+}
+
+TEST_F(QtDisplay, ProgramReadsWhatThePersonEntered)
+{
+    const auto addItems = []
+    {
+        for (const wchar_t* method : {L"Try all", L"Simple", L"Digest"})
+            SendMessageW(ControlOf(IDC_AUTH_METHOD), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(method));
+        SendMessageW(ControlOf(IDC_AUTH_METHOD), CB_SETCURSEL, 0, 0);
+        SetWindowTextW(ControlOf(IDC_PORT), L"389");
+    };
+    Use(IDD_LDAP_CREDS,
+        {addItems, [] { QTest::keyClicks(QApplication::focusWidget(), "ldap.example"); },
+         [] { Press(Qt::Key_Tab); }, // selects the port, so that typing replaces it
+         [] { QTest::keyClicks(QApplication::focusWidget(), "0636"); },
+         []
+         {
+             QApplication::clipboard()->setText(QString::fromStdWString(kBeyondTheBasicPlane));
+             WidgetOf(IDC_DOMAIN).setFocus();
+             Press(Qt::Key_V, Qt::ControlModifier);
+         },
+         [] { WidgetOf(IDC_AUTH_METHOD).setFocus(); }, [] { Press(Qt::Key_Down); },
+         []
+         {
+             EXPECT_EQ(TextOf(IDC_SERVER), L"ldap.example");
+             EXPECT_EQ(TextOf(IDC_PORT), L"0636");
+             EXPECT_EQ(TextOf(IDC_DOMAIN), kBeyondTheBasicPlane);
+             EXPECT_EQ(SendMessageW(ControlOf(IDC_AUTH_METHOD), CB_GETCURSEL, 0, 0), 1);
+             EXPECT_EQ(TextOf(IDC_AUTH_METHOD), L"Simple");
+         },
+         kEscape});
+
+    std::vector<LRESULT> checks;
+    const Step note = [&] { checks.push_back(SendMessageW(ControlOf(IDC_WIDE_CHARS), BM_GETCHECK, 0, 0)); };
+    const Step toggle = [] { QTest::keyClick(&WidgetOf(IDC_WIDE_CHARS), Qt::Key_Space); };
+    Use(IDD_CRC64, {note, toggle, note, toggle, note, kEscape});
+    EXPECT_THAT(checks, ElementsAre(BST_UNCHECKED, BST_CHECKED, BST_UNCHECKED));
+}
+
+TEST_F(QtDisplay, AppendedTextIsSeenAndLeavesTheSelectionAlone)
+{
+    const Step fill = []
+    {
+        SetWindowTextW(ControlOf(IDC_OUTPUT), Lines(100).c_str());
+        SendMessageW(ControlOf(IDC_OUTPUT), EM_LINESCROLL, 0, 101);
+    };
+    const Step selectAllAndAppend = []
+    {
+        const auto& output = WidgetOf<QPlainTextEdit>(IDC_OUTPUT);
+        EXPECT_EQ(output.verticalScrollBar()->value(), output.verticalScrollBar()->maximum());
+        EXPECT_GT(output.verticalScrollBar()->value(), 0);
+        Press(Qt::Key_A, Qt::ControlModifier);
+        Append(L"open, ");
+        Append(L"then closed\r\nlast");
+    };
+    const Step copy = []
+    {
+        const QString shown = QString::fromStdWString(TextOf(IDC_OUTPUT)).remove(u'\r');
+        EXPECT_TRUE(shown.endsWith("open, then closed\nlast"));
+        EXPECT_EQ(WidgetOf<QPlainTextEdit>(IDC_OUTPUT).toPlainText(), shown);
+        Press(Qt::Key_C, Qt::ControlModifier);
+        EXPECT_EQ(QApplication::clipboard()->text(), QString::fromStdWString(Lines(100)).remove(u'\r'));
+    };
+    Use(IDD_CONSOLE, {fill, selectAllAndAppend, copy, kEscape});
+}
+
+TEST_F(QtDisplay, TextScrolledBeforeItWasShownIsAtItsEnd)
+{
+    const auto serve = [](HWND dialog, UINT message, WPARAM wParam, LPARAM) -> INT_PTR
+    {
+        if (message == WM_INITDIALOG)
+        {
+            SetWindowTextW(GetDlgItem(dialog, IDC_OUTPUT), Lines(100).c_str());
+            SendMessageW(GetDlgItem(dialog, IDC_OUTPUT), EM_LINESCROLL, 0, 101);
+        }
+        else if (message == WM_COMMAND)
+            EndDialog(dialog, LOWORD(wParam));
+        return TRUE;
+    };
+    const Person person({[]
+                         {
+                             const auto& bar = *WidgetOf<QPlainTextEdit>(IDC_OUTPUT).verticalScrollBar();
+                             EXPECT_EQ(bar.value(), bar.maximum());
+                             EXPECT_GT(bar.value(), 0);
+                         },
+                         kEscape});
+    DialogBoxParamW(nullptr, MAKEINTRESOURCEW(IDD_CONSOLE), nullptr, serve, 0);
+}
+
+TEST_F(QtDisplay, CloseBoxCancelsAndWithoutOneClosingIsIgnored)
+{
+    const Step close = [] { TopWidget().close(); };
+    EXPECT_EQ(Use(IDD_CRC64, {close}), IDCANCEL);
+    EXPECT_EQ(Use(IDD_CONSOLE, {close, [] { Press(Qt::Key_Return); }}), IDOK);
+}
+
+TEST_F(QtDisplay, DialogOnTopKeepsItsOwnerFromInput)
+{
+    const Step openAnother = []
+    {
+        QWidget& owner = TopWidget();
+        const QPoint closeButton = WidgetOf(IDC_CLOSE).geometry().center();
+        const Step clickTheOwner = [&]
+        {
+            EXPECT_EQ(QApplication::activeModalWidget(), &TopWidget());
+            EXPECT_EQ(TopWidget().windowHandle()->transientParent(), owner.windowHandle());
+            QTest::mouseClick(owner.windowHandle(), Qt::LeftButton, {}, closeButton);
+        };
+        EXPECT_EQ(Use(IDD_CRC64, {clickTheOwner, kEscape}, platform::TopDialog()->handle), IDCANCEL);
+        EXPECT_EQ(QApplication::activeModalWidget(), &owner);
+    };
+    EXPECT_EQ(Use(IDD_CONSOLE, {openAnother, kEscape}), IDCANCEL);
+}
+
+TEST_F(QtDisplay, MessageBoxAnswersAndClosesByItself)
+{
+    {
+        const Person person({[]
+                             {
+                                 EXPECT_EQ(WidgetOf<QPushButton>(IDNO).text(), "&No");
+                                 EXPECT_TRUE(WidgetOf<QPushButton>(IDNO).isDefault());
+                                 TopWidget().close(); // no answer to a question
+                             },
+                             [] { QTest::keyClick(&TopWidget(), Qt::Key_Y, Qt::AltModifier); }});
+        EXPECT_EQ(MessageBoxW(nullptr, L"Sure?", L"Question", MB_YESNO | MB_DEFBUTTON2 | MB_ICONQUESTION),
+                  IDYES);
+    }
+    EXPECT_EQ(MessageBoxTimeoutW(nullptr, L"Soon gone", L"Note", MB_OK, 0, 50), MB_TIMEDOUT);
+    const Person person({kEscape});
+    EXPECT_EQ(MessageBoxW(nullptr, L"Done", L"Note", MB_OK), IDOK);
+}
+
+TEST_F(QtDisplay, ScreenReadersHearTheLabelsAndWhatAControlIs)
+{
+    const auto describe = [](int id)
+    {
+        const QAccessibleInterface& face = *QAccessible::queryAccessibleInterface(&WidgetOf(id));
+        return face.text(QAccessible::Name).toStdString() + '/' + std::to_string(face.role());
+    };
+    const auto is = [](const char* name, QAccessible::Role role)
+    { return name + ('/' + std::to_string(role)); };
+    Use(IDD_LDAP_CREDS, {[&]
+                         {
+                             EXPECT_EQ(describe(IDC_SERVER), is("LDAP Server:", QAccessible::EditableText));
+                             EXPECT_EQ(describe(IDC_PASSWORD), is("Password:", QAccessible::EditableText));
+                             EXPECT_EQ(describe(IDC_AUTH_METHOD),
+                                       is("Authentication:", QAccessible::ComboBox));
+                             EXPECT_EQ(describe(IDOK), is("OK", QAccessible::Button));
+                         },
+                         kEscape});
+    Use(IDD_CRC64, {[&]
+                    {
+                        EXPECT_EQ(describe(IDC_INPUT), is("Input", QAccessible::EditableText));
+                        EXPECT_EQ(describe(IDC_CRC_HEX), is("CRC64 Hex", QAccessible::EditableText));
+                        EXPECT_EQ(describe(IDC_WIDE_CHARS), is("Wide characters", QAccessible::CheckBox));
+                    },
+                    kEscape});
+    Use(IDD_CONSOLE, {[&]
+                      {
+                          EXPECT_EQ(describe(IDC_OUTPUT), is("ZT Diagnostics", QAccessible::EditableText));
+                          EXPECT_EQ(describe(IDC_FTP_LOGS), is("FTP Logs to Support", QAccessible::Button));
+                      },
+                      kEscape});
+}
+
+TEST_F(QtDisplay, WaitsWithoutWorkAndWakesForEveryPost)
+{
+    constexpr int kPosts = 200;
+    static int served = 0;
+    static long cpu = 0;
+    std::thread poster;
+    const auto serve = [](HWND dialog, UINT message, WPARAM wParam, LPARAM) -> INT_PTR
+    {
+        if (message == WM_USER + 10 && ++served == kPosts)
+            EndDialog(dialog, 1);
+        if (message == WM_USER + 11)
+            cpu = CpuMilliseconds() - cpu;
+        (void)wParam;
+        return message == WM_INITDIALOG;
+    };
+    const Person person({[&]
+                         {
+                             const HWND dialog = platform::TopDialog()->handle;
+                             cpu = CpuMilliseconds();
+                             poster = std::thread(
+                                 [dialog]
+                                 {
+                                     using namespace std::chrono_literals;
+                                     std::this_thread::sleep_for(500ms);
+                                     PostMessageW(dialog, WM_USER + 11, 0, 0);
+                                     for (int i = 0; i < kPosts; ++i)
+                                     {
+                                         std::this_thread::sleep_for(1ms);
+                                         PostMessageW(dialog, WM_USER + 10, 0, 0);
+                                     }
+                                 });
+                         }});
+    EXPECT_EQ(DialogBoxParamW(nullptr, MAKEINTRESOURCEW(IDD_CRC64), nullptr, serve, 0), 1);
+    poster.join();
+    EXPECT_EQ(served, kPosts);
+    EXPECT_LT(cpu, 100) << "of half a second";
+}
+
+TEST_F(QtDisplay, LeavesTheProcessItsLocale)
+{
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+    Use(IDD_CRC64, {[] { QTest::keyClicks(&WidgetOf(IDC_INPUT), "x"); }, kEscape});
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+}
