@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/Display.h"
 
+#include <algorithm>
 #include <climits>
 
 namespace platform
@@ -10,6 +11,7 @@ namespace
 {
 
 constexpr int kLabelHeight = 8; // dialog units, one line of text
+constexpr int kClosedListHeight = 14;
 constexpr int kFar = INT_MAX;
 
 int DistanceBeside(const DialogRect& label, const DialogRect& box)
@@ -28,13 +30,17 @@ int DistanceAbove(const DialogRect& label, const DialogRect& box)
 
 const Window* Nearest(const Window& control, int (*distance)(const DialogRect&, const DialogRect&))
 {
+    DialogRect box = control.rect;
+    // The height of a combo box is that of its open list.
+    if (control.kind == WindowKind::ComboBox)
+        box.height = std::min(box.height, kClosedListHeight);
     const Window* nearest = nullptr;
     int least = kFar;
     for (const auto& label : control.parent->children)
     {
         if (label->kind != WindowKind::Label || label->text.empty())
             continue;
-        const int length = distance(label->rect, control.rect);
+        const int length = distance(label->rect, box);
         if (length < least)
         {
             least = length;

@@ -89,13 +89,11 @@
 #define WM_CLOSE 0x0010
 #define WM_QUIT 0x0012
 #define WM_ICONERASEBKGND 0x0027
-#define WM_NEXTDLGCTL 0x0028
 #define WM_QUERYDRAGICON 0x0037
 #define WM_SETICON 0x0080
 #define WM_KEYDOWN 0x0100
 #define WM_INITDIALOG 0x0110
 #define WM_COMMAND 0x0111
-#define WM_TIMER 0x0113
 #define WM_USER 0x0400
 #define DM_GETDEFID (WM_USER + 0)
 #define DC_HASDEFID 0x534B
@@ -156,7 +154,6 @@
 #define MB_TIMEDOUT 32000
 
 using DLGPROC = INT_PTR (*)(HWND, UINT, WPARAM, LPARAM);
-using TIMERPROC = void (*)(HWND, UINT, UINT_PTR, DWORD);
 
 struct MSG
 {
@@ -199,7 +196,7 @@ extern "C"
                                            DWORD milliseconds);
 
     // Messages. Posted ones come first, in the order of posting, then WM_QUIT, then what the person did, then
-    // WM_PAINT, then WM_TIMER.
+    // WM_PAINT.
     // Any thread may post. PeekMessageW takes no filter: window, first and last are 0. It gives FALSE on
     // any other thread than the windows'.
     PLATFORM_EXPORT LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -209,17 +206,8 @@ extern "C"
     PLATFORM_EXPORT BOOL TranslateMessage(const MSG* message);
     PLATFORM_EXPORT LRESULT DispatchMessageW(const MSG* message);
 
-    // WM_TIMER comes again and again until the window goes. There are no timers without a window, and no
-    // timer procedures.
-    PLATFORM_EXPORT UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
-
     // Windows.
-    PLATFORM_EXPORT BOOL IsWindow(HWND window);
-    PLATFORM_EXPORT BOOL IsWindowVisible(HWND window);
-    PLATFORM_EXPORT BOOL IsWindowEnabled(HWND window);
     PLATFORM_EXPORT HWND GetParent(HWND window); // of a dialog the owner
-    PLATFORM_EXPORT HWND GetActiveWindow(); // the dialog on top
-    PLATFORM_EXPORT HWND GetFocus();
     PLATFORM_EXPORT BOOL SetWindowTextW(HWND window, LPCWSTR text);
     PLATFORM_EXPORT int GetWindowTextW(HWND window, LPWSTR text, int capacity);
     PLATFORM_EXPORT int GetWindowTextLengthW(HWND window);

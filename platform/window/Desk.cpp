@@ -164,14 +164,6 @@ Window* TopDialog()
     return dialogs.empty() ? nullptr : dialogs.back().get();
 }
 
-Window* ActiveDialog()
-{
-    const auto& dialogs = TheDesk().dialogs;
-    const auto found = std::ranges::find_if(dialogs.rbegin(), dialogs.rend(),
-                                            [](const auto& dialog) { return dialog->visible; });
-    return found == dialogs.rend() ? nullptr : found->get();
-}
-
 LRESULT Call(Window& window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     const DepthCount count;

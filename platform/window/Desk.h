@@ -35,9 +35,6 @@ Window& AddDialog(std::unique_ptr<Window> dialog);
 // Ends the life of the newest dialog; what was posted to it is dropped.
 void RemoveDialog(Window& dialog);
 
-// The dialog with the keyboard: the newest that is visible; null when there is none.
-Window* ActiveDialog();
-
 // Has a window serve a message, counting how deep handlers are nested.
 LRESULT Call(Window& window, UINT message, WPARAM wParam, LPARAM lParam);
 int HandlerDepth();

@@ -142,11 +142,6 @@ LRESULT ServeDialog(Window& dialog, UINT message, WPARAM wParam, LPARAM lParam)
         TheDisplay().Refresh(dialog, Change::Icon, 0);
         return reinterpret_cast<LRESULT>(former);
     }
-    case WM_NEXTDLGCTL:
-        // Only the form that names the control by its handle.
-        if (lParam != 0)
-            SetFocus(reinterpret_cast<HWND>(wParam));
-        return 0;
     case DM_GETDEFID:
         return state.defaultButton != 0 ? MAKELONG(state.defaultButton, DC_HASDEFID) : 0;
     default:

@@ -32,15 +32,6 @@ BOOL PeekMessageW(LPMSG message, [[maybe_unused]] HWND window, [[maybe_unused]] 
     return IsWindowsThread() && TheQueue().Next(*message, (remove & PM_REMOVE) != 0);
 }
 
-UINT_PTR SetTimer(HWND handle, UINT_PTR id, UINT milliseconds, [[maybe_unused]] TIMERPROC procedure)
-{
-    assert(procedure == nullptr);
-    if (FindWindow(handle) == nullptr)
-        return 0;
-    TheQueue().SetTimer(handle, id, std::chrono::milliseconds(milliseconds));
-    return 1;
-}
-
 // Keys reach the windows as what they do; there is nothing to translate.
 BOOL TranslateMessage(const MSG*)
 {

@@ -12,8 +12,6 @@ namespace platform
 namespace
 {
 
-constexpr std::chrono::milliseconds kShortestPeriod{10}; // of a timer, as on Windows
-
 MSG MakeMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     const auto now =
@@ -36,7 +34,6 @@ void MessageQueue::Drop(HWND window)
 {
     const auto isForIt = [window](const MSG& message) { return message.hwnd == window; };
     std::erase_if(mInput, isForIt);
-    std::erase_if(mTimers, [window](const Timer& timer) { return timer.window == window; });
     const std::lock_guard lock(mMutex);
     std::erase_if(mPosted, isForIt);
 }
@@ -44,13 +41,6 @@ void MessageQueue::Drop(HWND window)
 void MessageQueue::AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     mInput.push_back(MakeMessage(window, message, wParam, lParam));
-}
-
-void MessageQueue::SetTimer(HWND window, UINT_PTR id, std::chrono::milliseconds period)
-{
-    std::erase_if(mTimers, [=](const Timer& timer) { return timer.window == window && timer.id == id; });
-    period = std::max(period, kShortestPeriod);
-    mTimers.push_back({window, id, period, Clock::now() + period});
 }
 
 bool MessageQueue::NextPosted(MSG& message, bool remove)
@@ -87,18 +77,6 @@ bool MessageQueue::NextInput(MSG& message, bool remove)
     return false;
 }
 
-bool MessageQueue::NextTimer(MSG& message, bool remove)
-{
-    const auto next = std::ranges::min_element(mTimers, {}, &Timer::due);
-    const auto now = Clock::now();
-    if (next == mTimers.end() || next->due > now)
-        return false;
-    message = MakeMessage(next->window, WM_TIMER, next->id, 0);
-    if (remove)
-        next->due = now + next->period;
-    return true;
-}
-
 bool MessageQueue::Next(MSG& message, bool remove)
 {
     if (NextPosted(message, remove) || NextInput(message, remove))
@@ -111,16 +89,12 @@ bool MessageQueue::Next(MSG& message, bool remove)
         message = MakeMessage(unpainted, WM_PAINT, 0, 0);
         return true;
     }
-    if (NextTimer(message, remove))
-        return true;
     return mDisplay->InputHasEnded() && CancelTopDialog() && NextPosted(message, remove);
 }
 
 void MessageQueue::Wait(Clock::time_point deadline)
 {
     using std::chrono::milliseconds;
-    for (const Timer& timer : mTimers)
-        deadline = std::min(deadline, timer.due);
     {
         const std::lock_guard lock(mMutex);
         if (!mPosted.empty())

@@ -8,7 +8,6 @@
 #include <deque>
 #include <mutex>
 #include <optional>
-#include <vector>
 
 namespace platform
 {
@@ -33,8 +32,6 @@ public:
     // What a person did. It comes behind all posted messages, whenever those were posted.
     void AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-    void SetTimer(HWND window, UINT_PTR id, std::chrono::milliseconds period);
-
     // Takes the next message, or only looks at it; false when there is none now.
     bool Next(MSG& message, bool remove);
 
@@ -45,17 +42,8 @@ public:
     void WaitIn(Display& display) { mDisplay = &display; }
 
 private:
-    struct Timer
-    {
-        HWND window;
-        UINT_PTR id;
-        std::chrono::milliseconds period;
-        Clock::time_point due;
-    };
-
     bool NextPosted(MSG& message, bool remove);
     bool NextInput(MSG& message, bool remove);
-    bool NextTimer(MSG& message, bool remove);
 
     std::mutex mMutex;
     std::deque<MSG> mPosted; // with mMutex
@@ -63,7 +51,6 @@ private:
     Display* mDisplay = nullptr;
     std::optional<int> mQuit;
     std::deque<MSG> mInput;
-    std::vector<Timer> mTimers;
 };
 
 } // namespace platform

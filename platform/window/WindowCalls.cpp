@@ -28,38 +28,10 @@ LONG_PTR* FindLong(HWND handle, int index)
 
 } // namespace
 
-BOOL IsWindow(HWND handle)
-{
-    return FindWindow(handle) != nullptr;
-}
-
-BOOL IsWindowVisible(HWND handle)
-{
-    const Window* const window = FindWindow(handle);
-    return window != nullptr && window->visible && DialogOf(*window).visible;
-}
-
-BOOL IsWindowEnabled(HWND handle)
-{
-    const Window* const window = FindWindow(handle);
-    return window != nullptr && window->enabled;
-}
-
 HWND GetParent(HWND handle)
 {
     const Window* const window = FindWindow(handle);
     return window != nullptr ? HandleOf(window->parent) : nullptr;
-}
-
-HWND GetActiveWindow()
-{
-    return IsWindowsThread() ? HandleOf(ActiveDialog()) : nullptr;
-}
-
-HWND GetFocus()
-{
-    const Window* const active = IsWindowsThread() ? ActiveDialog() : nullptr;
-    return active != nullptr ? HandleOf(active->dialog->focus) : nullptr;
 }
 
 HWND GetDlgItem(HWND handle, int id)

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+// How what a person does reaches the program, and how much of a change reaches the display: of the layer's
+// own inside, so on Linux only.
+#include "platform/display/Display.h"
+#include "platform/window/Window.h"
+#include "tests/window/ScriptedDialog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace platform;
+using testing::ElementsAre;
+
+namespace
+{
+
+constexpr UINT WM_NOTE = WM_USER + 2;
+
+Window& ControlOfTop(UINT id)
+{
+    for (const auto& control : TopDialog()->children)
+        if (control->id == id)
+            return *control;
+    return *TopDialog();
+}
+
+// Runs a body that does what a person does, who then closes the dialog; gives the commands, and 0 for a note,
+// in the order of their coming.
+std::vector<int> CommandsAfter(const std::function<void(HWND)>& body)
+{
+    std::vector<int> seen;
+    ScriptedDialog script;
+    script.serve = [&](HWND dialog, UINT message, WPARAM wParam, LPARAM)
+    {
+        if (message == WM_COMMAND)
+            seen.push_back(LOWORD(wParam));
+        if (message == WM_NOTE)
+            seen.push_back(0);
+        if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL)
+            EndDialog(dialog, 1);
+        return message == WM_NOTE;
+    };
+    script.body = [&](HWND dialog)
+    {
+        body(dialog);
+        UserClosed(*TopDialog());
+    };
+    script.Run();
+    return seen;
+}
+
+} // namespace
+
+TEST(Input, ComesBehindAllPostedMessages)
+{
+    EXPECT_THAT(CommandsAfter(
+                    [](HWND dialog)
+                    {
+                        UserClicked(ControlOfTop(IDC_PUSH));
+                        UserClicked(ControlOfTop(IDC_BOX));
+                        PostMessageW(dialog, WM_NOTE, 0, 0);
+                    }),
+                ElementsAre(0, IDC_PUSH, IDC_BOX, IDCANCEL));
+}
+
+TEST(Input, IsDroppedWhenItsControlCannotTakeItAnyMore)
+{
+    EXPECT_THAT(CommandsAfter(
+                    [](HWND dialog)
+                    {
+                        UserClicked(ControlOfTop(IDC_PUSH));
+                        UserClicked(ControlOfTop(IDC_BOX));
+                        EnableWindow(GetDlgItem(dialog, IDC_PUSH), FALSE);
+                    }),
+                ElementsAre(IDC_BOX, IDCANCEL));
+    EXPECT_THAT(CommandsAfter(
+                    [](HWND dialog)
+                    {
+                        UserClicked(ControlOfTop(IDC_PUSH));
+                        ScriptedDialog above;
+                        above.owner = dialog;
+                        above.body = [](HWND window)
+                        {
+                            Pump();
+                            EndDialog(window, 1);
+                        };
+                        above.Run();
+                    }),
+                ElementsAre(IDCANCEL))
+        << "the dialog was disabled under another one";
+}
+
+TEST(Input, KeysAndTheCloseBoxAreCommands)
+{
+    const auto press = [](UINT focus, WORD key)
+    {
+        return CommandsAfter(
+            [=](HWND dialog)
+            {
+                SetFocus(GetDlgItem(dialog, static_cast<int>(focus)));
+                UserPressed(*TopDialog(), key);
+            });
+    };
+    EXPECT_THAT(press(IDC_LINE, VK_RETURN), ElementsAre(IDC_DEFAULT, IDCANCEL));
+    EXPECT_THAT(press(IDC_LOG, VK_RETURN), ElementsAre(IDC_DEFAULT, IDCANCEL));
+    EXPECT_THAT(press(IDC_PUSH, VK_RETURN), ElementsAre(IDC_PUSH, IDCANCEL));
+    EXPECT_THAT(press(IDC_BOX, VK_ESCAPE), ElementsAre(IDCANCEL));
+    EXPECT_THAT(CommandsAfter([](HWND) {}), ElementsAre(IDCANCEL));
+}
+
+TEST(Input, TypedTextAndSelectionCountAtOnce)
+{
+    InDialog(
+        [](HWND dialog)
+        {
+            Send(dialog, IDC_LINE, EM_LIMITTEXT, 4);
+            UserTyped(ControlOfTop(IDC_LINE), L"typed");
+            EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_LINE)), L"type");
+            Send(dialog, IDC_CHOICE, CB_ADDSTRING, 0, L"a");
+            UserSelected(ControlOfTop(IDC_CHOICE), 0);
+            EXPECT_EQ(Send(dialog, IDC_CHOICE, CB_GETCURSEL), 0);
+        });
+}
+
+TEST(Painting, MinimisedDialogIsAskedToPaintAndItsIconReachesTheDisplay)
+{
+    bool isIconic = false;
+    ScriptedDialog script;
+    script.serve = [&](HWND dialog, UINT message, WPARAM, LPARAM)
+    {
+        if (message != WM_PAINT)
+            return false;
+        isIconic = IsIconic(dialog) != FALSE;
+        PAINTSTRUCT paint;
+        const HDC context = BeginPaint(dialog, &paint);
+        DrawIcon(context, 3, 4, LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TWO_SIZES)));
+        EndPaint(dialog, &paint);
+        return true;
+    };
+    script.body = [&](HWND dialog)
+    {
+        UserMinimized(*TopDialog(), true);
+        UpdateWindow(dialog);
+        EXPECT_TRUE(isIconic);
+        const std::vector<DrawnIcon>& drawn = TopDialog()->dialog->drawn;
+        ASSERT_EQ(drawn.size(), 1u);
+        EXPECT_EQ(drawn[0].x, 3);
+        EXPECT_EQ(drawn[0].y, 4);
+        EndDialog(dialog, 1);
+    };
+    EXPECT_EQ(script.Run(), 1);
+}
+
+TEST(Icon, GivesTheImageThatFits)
+{
+    const HICON icon = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TWO_SIZES));
+    const IconImage large = FindIconImage(icon, 256);
+    const IconImage small = FindIconImage(icon, 16);
+    EXPECT_GT(small.size, 0u);
+    EXPECT_GT(large.size, small.size);
+    EXPECT_EQ(FindIconImage(icon, 10000).bytes, large.bytes) << "none is large enough: the largest";
+    EXPECT_EQ(FindIconImage(nullptr, 16).size, 0u);
+}
+
+TEST(TimedMessageBox, AnswersWhenNobodyDid)
+{
+    EXPECT_EQ(MessageBoxTimeoutW(nullptr, L"Text", L"Caption", MB_OK, 0, 50), MB_TIMEDOUT);
+}
