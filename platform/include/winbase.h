@@ -95,7 +95,6 @@ using LPCRITICAL_SECTION = CRITICAL_SECTION*;
 extern "C"
 {
     PLATFORM_EXPORT DWORD GetLastError();
-    PLATFORM_EXPORT void SetLastError(DWORD code);
     PLATFORM_EXPORT BOOL CloseHandle(HANDLE handle);
 
     // --- Events ---

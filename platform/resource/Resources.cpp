@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/resource/Resources.h"
+#include "platform/kernel/Error.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/window/Dialogs.h"
+#include "platform/kernel/Error.h"
 
 #include "platform/resource/Resources.h"
 #include "platform/window/Controls.h"

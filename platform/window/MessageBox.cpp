@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A message box is a dialog of the layer's own: a label, and a button for each answer.
 #include "platform/resource/DialogTemplate.h"
+#include "platform/kernel/Error.h"
 #include "platform/window/Desk.h"
 #include "platform/window/Dialogs.h"
 

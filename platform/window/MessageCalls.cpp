@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/window/Desk.h"
+#include "platform/kernel/Error.h"
 
 #include <cassert>
 

@@ -105,7 +105,6 @@ TEST(Event, HandlesThatAreNoneOfItsKindAreFoundOut)
     const HANDLE made = reinterpret_cast<HANDLE>(static_cast<ULONG_PTR>(0x123450));
     for (const HANDLE handle : {find, made, static_cast<HANDLE>(nullptr)})
     {
-        SetLastError(ERROR_SUCCESS);
         EXPECT_FALSE(SetEvent(handle));
         EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
         EXPECT_FALSE(ResetEvent(handle));
@@ -117,7 +116,7 @@ TEST(Event, HandlesThatAreNoneOfItsKindAreFoundOut)
 TEST(NamedEvent, IsOneObjectUntilItsLastHandleIsClosed)
 {
     const std::wstring name = UniqueName(L"one");
-    SetLastError(ERROR_ACCESS_DENIED);
+    EXPECT_FALSE(CloseHandle(nullptr)); // an error from before
     const HANDLE first = Create(L"Global\\" + name);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_SUCCESS}) << "creation clears what stood there";
     const HANDLE second = Create(L"Global\\" + name);

@@ -80,16 +80,17 @@ TEST(Clock, TicksCountTheMillisecondsOfASleep)
 TEST(LastError, BelongsToItsThread)
 {
     std::atomic<bool> done = false;
-    SetLastError(ERROR_NO_TOKEN);
+    EXPECT_NE(CreateEventW(nullptr, TRUE, FALSE, nullptr), nullptr); // clears it
     const std::jthread other(
         [&]
         {
-            SetLastError(ERROR_ACCESS_DENIED);
+            EXPECT_FALSE(CloseHandle(nullptr));
+            EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
             done = true;
         });
     while (!done)
     {
         std::this_thread::yield();
     }
-    EXPECT_NE(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_NE(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
 }
