@@ -3,6 +3,20 @@
 
 #include <thread>
 
+namespace
+{
+
+void RestProcessor()
+{
+#if defined(__x86_64__)
+    __builtin_ia32_pause();
+#elif defined(__aarch64__)
+    asm volatile("yield");
+#endif
+}
+
+} // namespace
+
 BOOL InitializeCriticalSectionAndSpinCount(LPCRITICAL_SECTION section, DWORD spinCount)
 {
     pthread_mutexattr_t attributes;
@@ -22,7 +36,7 @@ void EnterCriticalSection(LPCRITICAL_SECTION section)
         {
             return;
         }
-        __builtin_ia32_pause();
+        RestProcessor();
     }
     pthread_mutex_lock(&section->Mutex);
 }
