@@ -59,13 +59,18 @@ void WalkRegistry()
     }
 }
 
-[[gnu::init_priority(kStaticContainers + 1)]] std::size_t gRegisteredAfterContainers = Registered();
+// Counts the registry right after the containers have come to life; only objects of a class can be ordered.
+struct EarlyCount
+{
+    std::size_t registered = Registered();
+};
+[[gnu::init_priority(kStaticContainers + 1)]] EarlyCount gEarlyCount;
 
 } // namespace
 
 TEST(Cleanable, SixVectorsAreRegisteredBeforeTheProgramStarts)
 {
-    EXPECT_EQ(gRegisteredAfterContainers, 6u);
+    EXPECT_EQ(gEarlyCount.registered, 6u);
     const CAcquireCS registry(GetgCleanablesCS());
     for (Cleanable* object : GetgCleanables())
     {
