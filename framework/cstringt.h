@@ -50,7 +50,8 @@ public:
     constexpr CHeapStringManager() noexcept : mNil{{this, 0, 0}, {}} {}
 
     CStringData* Allocate(std::size_t bytes) noexcept override { return Reallocate(nullptr, bytes); }
-    CStringData* Reallocate(CStringData* block, std::size_t bytes) noexcept override
+    // Inlined, the compiler would warn of a reallocation of the nil string, which no caller asks for.
+    [[gnu::noinline]] CStringData* Reallocate(CStringData* block, std::size_t bytes) noexcept override
     {
         return static_cast<CStringData*>(std::realloc(block, sizeof(CStringData) + bytes));
     }

@@ -59,9 +59,13 @@ TEST(SetConfig, ChangesOneSettingAndSaysSoInTheLog)
         EXPECT_EQ(outcome.console, "");
         const std::string log = folder.Log();
         if (row.logged != nullptr)
+        {
             EXPECT_THAT(log, HasSubstr(row.logged));
+        }
         else
-            EXPECT_EQ(Count(log, "etting"), 0u) << log;
+        {
+            EXPECT_EQ(Count(log, "etting "), 0u) << log;
+        }
         EXPECT_EQ(Count(log, "finished SETCONFIG"), 1u) << log;
         EXPECT_THAT(log, HasSubstr("Tavo STARTING.  User = '"));
         EXPECT_THAT(log, HasSubstr("CmdLine: "));
@@ -160,11 +164,17 @@ TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
         ASSERT_TRUE(outcome.ended) << outcome.console;
         EXPECT_EQ(outcome.exitCode, 0);
         if (row.triggered)
+        {
             EXPECT_NEAR(duration.count(), 6.0, 1.0);
+        }
         if (row.shown == nullptr)
+        {
             EXPECT_EQ(outcome.console, "");
+        }
         else
+        {
             EXPECT_THAT(outcome.console, HasSubstr(row.shown));
+        }
         const std::string log = folder.Log();
         EXPECT_EQ(Count(log, row.reason), 1u) << log;
         EXPECT_THAT(log, Not(HasSubstr("Setting LogFileCount"))) << "no other mode runs";
