@@ -19,7 +19,7 @@ namespace
 // The faults are meant; a sanitizer would report them first.
 TAVO_UNCHECKED void WriteToNull()
 {
-    int* volatile place = nullptr;
+    volatile int* volatile place = nullptr;
     *place = 1;
 }
 

@@ -33,7 +33,7 @@ TEST(Settings, HoldTheOldOrTheNewTextWheneverTheWriterIsKilled)
     folder.Write("Tavo.settings.json", FileWith('A'));
     const std::string length = std::to_string(kTextLength);
     std::mt19937 random(20261124);
-    std::uniform_int_distribution<int> microseconds(0, 5'000);
+    std::uniform_int_distribution<int> microseconds(0, 30'000); // a write on a slow disk
     int interrupted = 0;
     for (int kill = 0; kill < kKills; ++kill)
     {

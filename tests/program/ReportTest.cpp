@@ -123,7 +123,8 @@ struct ZoneRow
 constexpr ZoneRow kZones[] = {
     {"America/St_Johns", "210", "-60", "Newfoundland Standard Time", "2023-03-12, 2023-11-05",
      "half hours west"},
-    {"Asia/Kolkata", "-330", "0", "India Standard Time", "2023-00-00, 2023-00-00", "no daylight time"},
+    {"Asia/Kolkata", "-330", "-60", "India Standard Time", "2023-00-00, 2023-00-00",
+     "no daylight time, but the bias that it would have"},
     {"Australia/Lord_Howe", "-630", "-30", "Lord Howe Standard Time", "2023-04-02, 2023-10-01",
      "half an hour, southern"},
     {"Europe/Berlin", "-60", "-60", "W. Europe Standard Time", "2023-03-26, 2023-10-29", "northern"},
@@ -158,8 +159,8 @@ struct LocaleRow
 constexpr LocaleRow kLocales[] = {
     {"", "User default locale: [en-us] (x0409)"},
     {"C", "User default locale: [en-us] (x0409)"},
-    {"de_DE.UTF-8", "User default locale: [de] (x0407)"},
-    {"ru_RU.KOI8-R", "User default locale: [ru] (x0419)"},
+    {"de_DE.UTF-8", "User default locale: [de-de] (x0407)"},
+    {"ru_RU.KOI8-R", "User default locale: [ru-ru] (x0419)"},
     {"pt_BR.UTF-8", "User default locale: [pt-br] (x0416)"},
 };
 

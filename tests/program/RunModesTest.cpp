@@ -85,7 +85,7 @@ TEST(SetConfig, AUserWhoMayNotWriteIsTold)
         GTEST_SKIP() << "the user of this prefix may write everywhere";
     const ProgramFolder folder;
     // The switch with a value passes the gate, so the refusal is the store's.
-    const ProgramOutcome outcome = folder.Run({{"-FTP_LOG", "x", "-SETCONFIG", "CustomerServiceText:mine"},
+    const ProgramOutcome outcome = folder.Run({{"-FTP_LOG", "x", "-SETCONFIG", "CustomerServiceText:Zq17"},
                                                {},
                                                {},
                                                std::chrono::seconds(30),
@@ -94,7 +94,7 @@ TEST(SetConfig, AUserWhoMayNotWriteIsTold)
     EXPECT_THAT(outcome.console,
                 HasSubstr("Failed to Set Value CustomerServiceText.   Perhaps Tavo.exe needs to be run "
                           "as an administrator?"));
-    EXPECT_THAT(folder.Run({}).console, Not(HasSubstr("mine")));
+    EXPECT_THAT(folder.Run({}).console, Not(HasSubstr("Zq17")));
 }
 
 TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
