@@ -22,7 +22,7 @@ DialogWidget* WidgetOf(const Window& dialog)
 
 // How often a growing text is drawn. A burst of lines is drawn line by line, so that what the program says
 // before it turns to something long is there to read. In a flood drawing would take most of the time; it then
-// keeps to a screen's rate.
+// is done a few times a second, which still shows a person that lines run by.
 class DrawingBudget
 {
 public:
@@ -39,8 +39,8 @@ public:
     }
 
 private:
-    static constexpr double kBurst = 500.0;
-    static constexpr double kPerSecond = 60.0;
+    static constexpr double kBurst = 200.0;
+    static constexpr double kPerSecond = 20.0;
 
     double mLeft = kBurst;
     std::chrono::steady_clock::time_point mLast = std::chrono::steady_clock::now();
