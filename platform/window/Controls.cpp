@@ -4,6 +4,7 @@
 #include "platform/window/Desk.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <string_view>
 
 namespace platform
@@ -34,18 +35,19 @@ std::size_t CountBreaks(const Window& edit, std::wstring_view text)
     return (edit.style & ES_MULTILINE) == 0 ? 0 : static_cast<std::size_t>(std::ranges::count(text, L'\n'));
 }
 
-// The console sets its whole text for each line that it adds; the display then hears of the added part only.
-void ReplaceEditText(Window& edit, std::wstring_view text)
+// The console sets its whole text for each line that it adds; the display then hears of the added part only,
+// and the rest is read once.
+void ReplaceEditText(Window& edit, const wchar_t* text)
 {
     const std::size_t oldLength = edit.text.size();
     edit.selectionStart = edit.selectionEnd = 0;
-    if (!text.starts_with(edit.text))
+    if (std::wcsncmp(text, edit.text.c_str(), oldLength) != 0)
     {
-        SetEditText(edit, std::wstring(text));
+        SetEditText(edit, text);
         TheDisplay().Refresh(edit, Change::Text, 0);
         return;
     }
-    const std::wstring_view added = text.substr(oldLength);
+    const std::wstring_view added = text + oldLength;
     if (added.empty())
         return;
     edit.text += added;
@@ -78,7 +80,7 @@ void ReplaceSelection(Window& edit, std::wstring_view text)
     std::wstring whole = edit.text;
     whole.replace(edit.selectionStart, selected, text);
     const std::size_t caret = edit.selectionStart + text.size();
-    ReplaceEditText(edit, whole);
+    ReplaceEditText(edit, whole.c_str());
     edit.selectionStart = edit.selectionEnd = caret;
 }
 
