@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// The adapter list in network namespaces whose interfaces the test chooses.
+#include <windows.h>
+
+#include <winsock2.h>
+#include <iphlpapi.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <sched.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+// One line an adapter: type, length, address.
+std::string DescribeAdapters()
+{
+    ULONG size = 0;
+    if (GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, nullptr, &size) != ERROR_BUFFER_OVERFLOW)
+        return "no size";
+    std::vector<IP_ADAPTER_ADDRESSES> records(size / sizeof(IP_ADAPTER_ADDRESSES));
+    ULONG used = size;
+    if (GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, records.data(), &used) != NO_ERROR || used != size)
+        return "no list";
+    std::ostringstream text;
+    for (const IP_ADAPTER_ADDRESSES* record = records.data(); record; record = record->Next)
+    {
+        text << record->IfType << " " << record->PhysicalAddressLength << " ";
+        for (ULONG i = 0; i < record->PhysicalAddressLength; ++i)
+            text << std::hex << record->PhysicalAddress[i] / 16 << record->PhysicalAddress[i] % 16
+                 << std::dec;
+        text << "\n";
+    }
+    return text.str();
+}
+
+// Runs `setUp` in a network namespace and describes its adapters; empty when there is no right to make one.
+std::string AdaptersAfter(const std::string& setUp)
+{
+    int ends[2];
+    if (pipe(ends) != 0)
+        return {};
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        std::string text;
+        if (unshare(CLONE_NEWNET) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0)
+            text = std::system(setUp.c_str()) == 0 ? DescribeAdapters() : "set-up failed";
+        _exit(write(ends[1], text.data(), text.size()) < 0);
+    }
+    close(ends[1]);
+    std::string text;
+    char buffer[4096];
+    for (ssize_t got = 0; (got = read(ends[0], buffer, sizeof(buffer))) > 0;)
+        text.append(buffer, static_cast<std::size_t>(got));
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    return text;
+}
+
+TEST(Adapters, AreListedWithTypeLengthAndAddressByRisingIndex)
+{
+    struct Case
+    {
+        const char* setUp;
+        const char* adapters;
+    };
+    constexpr Case kCases[] = {
+        // A loopback has no address here, whatever the system says.
+        {"true", "24 0 \n"},
+        {"ip link add v0 address 00:11:22:33:44:55 type veth peer name v1 address 02:00:00:00:00:01",
+         "24 0 \n6 6 020000000001\n6 6 001122334455\n"},
+        // Two cards may bear the same address.
+        {"ip link add v0 address 0a:00:00:00:00:07 type veth peer name v1 address 0a:00:00:00:00:07",
+         "24 0 \n6 6 0a0000000007\n6 6 0a0000000007\n"},
+        // A private network's end has no address at all.
+        {"ip tuntap add dev t0 mode tun", "24 0 \n131 0 \n"},
+        {"ip tuntap add dev t0 mode tap && ip link set t0 address 12:34:56:78:9a:bc",
+         "24 0 \n6 6 123456789abc\n"},
+    };
+    if (AdaptersAfter("true").empty())
+        GTEST_SKIP() << "no right to make a network namespace";
+    for (const Case& test : kCases)
+        EXPECT_EQ(AdaptersAfter(test.setUp), test.adapters) << test.setUp;
+}
+
+TEST(Adapters, AskForRoomAndRefuseWhatIsNotOffered)
+{
+    ULONG size = 0;
+    EXPECT_EQ(GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, nullptr, &size), ERROR_BUFFER_OVERFLOW);
+    EXPECT_GE(size, sizeof(IP_ADAPTER_ADDRESSES));
+    IP_ADAPTER_ADDRESSES record{};
+    ULONG tooSmall = sizeof(record) - 1;
+    EXPECT_EQ(GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, &record, &tooSmall), ERROR_BUFFER_OVERFLOW);
+    EXPECT_EQ(tooSmall, size);
+    EXPECT_EQ(record.Length, 0u);
+    EXPECT_EQ(GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, &record, nullptr), ERROR_INVALID_PARAMETER);
+}
+
+} // namespace

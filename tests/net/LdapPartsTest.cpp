@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+// The parts of the LDAP client that parse: host lists, texts from servers, frames of a protected stream.
+#include "platform/net/GssFrames.h"
+#include "platform/net/LdapHost.h"
+#include "platform/net/LdapText.h"
+
+#include <winldap.h>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+TEST(LdapHosts, AreReadFromAListOfNamesAndAddresses)
+{
+    struct Case
+    {
+        const char* text;
+        std::vector<LdapHost> hosts;
+    };
+    const Case kCases[] = {
+        {"", {}},
+        {"  ", {}},
+        {"dc1", {{"dc1", 389}}},
+        {" dc1  dc2:390 ", {{"dc1", 389}, {"dc2", 390}}},
+        {"10.0.0.1:636", {{"10.0.0.1", 636}}},
+        {"::1", {{"::1", 389}}}, // more than one colon: an address, not a port
+        {"[::1]", {{"::1", 389}}},
+        {"[fe80::1%eth0]:65535", {{"fe80::1%eth0", 65535}}},
+    };
+    for (const Case& test : kCases)
+        EXPECT_EQ(ParseHosts(test.text, 389), test.hosts) << test.text;
+    for (const char* text : {"dc1:", "dc1:0", "dc1:65536", "dc1:12x", "dc1:-1", "[::1", "[::1]389", "[::1]:"})
+        EXPECT_FALSE(ParseHosts(text, 389)) << text;
+    EXPECT_FALSE(ParseHosts("dc1", 0));
+    EXPECT_FALSE(ParseHosts("dc1", 65536));
+}
+
+TEST(LdapTexts, FromServersAreFitForOneConsoleLine)
+{
+    struct Case
+    {
+        std::string text;
+        std::wstring safe;
+    };
+    const Case kCases[] = {
+        {"plain", L"plain"},
+        {std::string("data 775\0", 9), L"data 775"}, // servers of the Windows kind send the terminator
+        {"two\r\nlines\t", L"two lines"},
+        {"\x1b[2Jgone", L"[2Jgone"},
+        {"gr\xc3\xbc\xc3\x9f", L"gr\u00fc\u00df"},
+        {"\xf0\x9f\x98\x80", L"\U0001F600"},
+        {"bad\xff\xc3", L"bad\uFFFD\uFFFD"},
+        {"a\xe2\x80\xae"
+         "b\xc2\x85"
+         "c",
+         L"a b c"}, // right-to-left override, next line
+        {"", L""},
+    };
+    for (const Case& test : kCases)
+        EXPECT_EQ(SafeToPrint(test.text), test.safe) << test.text;
+    EXPECT_EQ(SafeToPrint(std::string(5000, 'x')), std::wstring(400, L'x') + L"...");
+}
+
+TEST(LdapTexts, SurviveTheWayToTheWireAndBack)
+{
+    const std::wstring text = L"a\u00fc\u20ac\U0001F600\uFFFD\U0010FFFF";
+    EXPECT_EQ(FromUtf8(ToUtf8(text)), text);
+    EXPECT_EQ(ToUtf8(L"\U0001F600"), "\xf0\x9f\x98\x80");
+    EXPECT_EQ(ToUtf8(std::wstring(1, static_cast<wchar_t>(0xD800))), "\xef\xbf\xbd");
+}
+
+TEST(GssFrames, AreCutWhereverTheStreamIs)
+{
+    const std::string stream = GssFrames::Frame("first") + GssFrames::Frame("") + GssFrames::Frame("third");
+    for (std::size_t step = 1; step <= stream.size(); ++step)
+    {
+        GssFrames frames;
+        std::vector<std::string> tokens;
+        for (std::size_t at = 0; at < stream.size(); at += step)
+        {
+            ASSERT_TRUE(frames.Append(std::string_view(stream).substr(at, step)));
+            for (std::string token; frames.Next(token);)
+                tokens.push_back(token);
+        }
+        EXPECT_EQ(tokens, (std::vector<std::string>{"first", "", "third"})) << step;
+    }
+    EXPECT_FALSE(GssFrames().Append("\x80\x00\x00\x00"));
+}
+
+TEST(LdapErrors, HaveTheWindowsClientsTexts)
+{
+    EXPECT_STREQ(ldap_err2stringW(0x00), L"Success");
+    EXPECT_STREQ(ldap_err2stringW(0x31), L"Invalid Credentials");
+    EXPECT_STREQ(ldap_err2stringW(0x51), L"Server Down");
+    EXPECT_STREQ(ldap_err2stringW(0x55), L"Timeout");
+    EXPECT_STREQ(ldap_err2stringW(0xFFFF), L"Unknown Error");
+}
+
+} // namespace

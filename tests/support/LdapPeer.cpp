@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/LdapPeer.h"
+
+#include <cstdlib>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr unsigned char kSequence = 0x30;
+constexpr unsigned char kSet = 0x31;
+constexpr unsigned char kInteger = 0x02;
+constexpr unsigned char kOctets = 0x04;
+constexpr unsigned char kEnumerated = 0x0a;
+constexpr unsigned char kSearchEntry = 0x64;
+
+bool ReadExactly(int socket, std::string& bytes, std::size_t count)
+{
+    while (count > 0)
+    {
+        char buffer[4096];
+        const ssize_t got = recv(socket, buffer, std::min(count, sizeof(buffer)), 0);
+        if (got <= 0)
+            return false;
+        bytes.append(buffer, static_cast<std::size_t>(got));
+        count -= static_cast<std::size_t>(got);
+    }
+    return true;
+}
+
+} // namespace
+
+std::string BerElementOf(unsigned char tag, const std::string& content)
+{
+    std::string bytes(1, static_cast<char>(tag));
+    if (content.size() < 0x80)
+        return bytes + static_cast<char>(content.size()) + content;
+    bytes += '\x84';
+    for (int shift = 24; shift >= 0; shift -= 8)
+        bytes += static_cast<char>(content.size() >> shift & 0xff);
+    return bytes + content;
+}
+
+std::string BerText(const std::string& text)
+{
+    return BerElementOf(kOctets, text);
+}
+
+bool LdapPeer::Connection::ReadRequest()
+{
+    // 30 LL 02 01 NN ..., or 30 8x LL.. 02 01 NN ...
+    std::string head;
+    if (!ReadExactly(mSocket, head, 2))
+        return false;
+    std::size_t length = static_cast<unsigned char>(head[1]);
+    if (length >= 0x80)
+    {
+        std::string lengthBytes;
+        if (!ReadExactly(mSocket, lengthBytes, length & 0x7f))
+            return false;
+        length = 0;
+        for (const char byte : lengthBytes)
+            length = length << 8 | static_cast<unsigned char>(byte);
+    }
+    std::string request;
+    if (!ReadExactly(mSocket, request, length))
+        return false;
+    mNumber = static_cast<std::uint8_t>(request[2]);
+    return true;
+}
+
+void LdapPeer::Connection::Send(const std::string& bytes) const
+{
+    for (std::size_t at = 0; at < bytes.size();)
+    {
+        const ssize_t put = send(mSocket, bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
+        if (put <= 0)
+            return;
+        at += static_cast<std::size_t>(put);
+    }
+}
+
+std::string LdapPeer::Connection::Message(const std::string& operation) const
+{
+    return BerElementOf(kSequence,
+                        BerElementOf(kInteger, std::string(1, static_cast<char>(mNumber))) + operation);
+}
+
+std::string LdapPeer::Connection::Result(unsigned char tag, unsigned char code, const std::string& text,
+                                         const std::string& more)
+{
+    return BerElementOf(tag, BerElementOf(kEnumerated, std::string(1, static_cast<char>(code))) +
+                                 BerText("") + BerText(text) + more);
+}
+
+std::string LdapPeer::Connection::Entry(const std::string& name, const std::vector<Attribute>& attributes)
+{
+    std::string list;
+    for (const auto& [attribute, values] : attributes)
+    {
+        std::string set;
+        for (const std::string& value : values)
+            set += BerText(value);
+        list += BerElementOf(kSequence, BerText(attribute) + BerElementOf(kSet, set));
+    }
+    return BerElementOf(kSearchEntry, BerText(name) + BerElementOf(kSequence, list));
+}
+
+bool LdapPeer::Connection::AcceptBind()
+{
+    if (!ReadRequest())
+        return false;
+    SendMessage(Result(0x61, 0));
+    return true;
+}
+
+LdapPeer::LdapPeer(std::function<void(Connection&)> script)
+    : mListener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof(address);
+    if (bind(mListener, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(mListener, 1) != 0 ||
+        getsockname(mListener, reinterpret_cast<sockaddr*>(&address), &size) != 0)
+        std::abort();
+    mPort = ntohs(address.sin_port);
+    mThread = std::thread(
+        [listener = mListener, script = std::move(script)]
+        {
+            const int client = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+            if (client < 0)
+                return;
+            Connection connection(client);
+            script(connection);
+            close(client);
+        });
+}
+
+LdapPeer::~LdapPeer()
+{
+    shutdown(mListener, SHUT_RDWR);
+    mThread.join();
+    close(mListener);
+}

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// An LDAP server that does what a test tells it, right or wrong: one connection on a free port of the
+// loopback, served by a thread that runs the script.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+// Pieces of BER, each ready to be put into another.
+std::string BerElementOf(unsigned char tag, const std::string& content);
+std::string BerText(const std::string& text);
+
+class LdapPeer
+{
+public:
+    class Connection
+    {
+    public:
+        explicit Connection(int socket) : mSocket(socket) {}
+
+        // Waits for a whole request and remembers its number. False when the client has gone.
+        bool ReadRequest();
+        void Send(const std::string& bytes) const;
+
+        // Answers to the last request.
+        void SendMessage(const std::string& operation) const { Send(Message(operation)); }
+        std::string Message(const std::string& operation) const;
+        // The result of an operation; tag 0x61 answers a bind, 0x65 ends a search.
+        static std::string Result(unsigned char tag, unsigned char code, const std::string& text = {},
+                                  const std::string& more = {});
+        using Attribute = std::pair<std::string, std::vector<std::string>>;
+        static std::string Entry(const std::string& name, const std::vector<Attribute>& attributes);
+
+        // Serves a successful bind and gives up at anything else.
+        bool AcceptBind();
+
+    private:
+        int mSocket;
+        std::uint8_t mNumber = 0; // of the last request; our clients do not count further
+    };
+
+    explicit LdapPeer(std::function<void(Connection&)> script);
+    // Waits for the script; the connection is closed when it ends.
+    ~LdapPeer();
+    LdapPeer(const LdapPeer&) = delete;
+    LdapPeer& operator=(const LdapPeer&) = delete;
+
+    unsigned Port() const { return mPort; }
+
+private:
+    int mListener;
+    unsigned mPort;
+    std::thread mThread;
+};
