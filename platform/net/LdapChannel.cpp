@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapChannel.h"
 
+#include "platform/net/LdapText.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -16,8 +18,10 @@
 namespace
 {
 
-// LDAP_SERVER_DOWN in Windows' numbers; the header of OpenLDAP's library has other ones.
+// In Windows' numbers; the header of OpenLDAP's library has other ones.
 constexpr std::uint32_t kServerDown = 0x51;
+constexpr std::uint32_t kDecodingError = 0x54;
+constexpr unsigned char kBerSequence = 0x30; // what each LDAP message begins with
 constexpr const char* kClosed = "the server closed the connection";
 constexpr unsigned char kTlsAlert = 0x15;
 constexpr unsigned char kTlsHandshake = 0x16;
@@ -70,7 +74,7 @@ BIO* NewSocketBio(int socket)
 
 std::string SystemText(int error)
 {
-    return std::generic_category().message(error);
+    return CauseText(std::generic_category().message(error));
 }
 
 std::string TlsText(SSL* tls, int result, int systemError)
@@ -164,36 +168,50 @@ int LdapChannel::Control(Sockbuf_IO_Desc* layer, int option, void*)
 ber_slen_t LdapChannel::Read(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length)
 {
     LdapChannel& channel = Of(layer);
-    if (!channel.mTls)
-        return channel.ReadPlain(bytes, length);
     ERR_clear_error();
-    return channel.TlsResult(
-        SSL_read(channel.mTls.get(), bytes, static_cast<int>(std::min<ber_len_t>(length, INT_MAX))));
+    const ber_slen_t result =
+        channel.mTls ? channel.TlsResult(SSL_read(channel.mTls.get(), bytes,
+                                                  static_cast<int>(std::min<ber_len_t>(length, INT_MAX))))
+                     : channel.ReadPlain(bytes, length);
+    if (result > 0 &&
+        !channel.BeginsLikeLdap(static_cast<const unsigned char*>(bytes), static_cast<std::size_t>(result)))
+    {
+        errno = EPROTO;
+        return -1;
+    }
+    return result;
 }
 
 ber_slen_t LdapChannel::Write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length)
 {
     LdapChannel& channel = Of(layer);
-    if (!channel.mTls)
-        return channel.WritePlain(bytes, length);
     ERR_clear_error();
-    return channel.TlsResult(
-        SSL_write(channel.mTls.get(), bytes, static_cast<int>(std::min<ber_len_t>(length, INT_MAX))));
+    return channel.mTls ? channel.TlsResult(SSL_write(channel.mTls.get(), bytes,
+                                                      static_cast<int>(std::min<ber_len_t>(length, INT_MAX))))
+                        : channel.WritePlain(bytes, length);
+}
+
+bool LdapChannel::BeginsLikeLdap(const unsigned char* bytes, std::size_t length)
+{
+    if (mHasRead)
+        return true;
+    mHasRead = true;
+    if (bytes[0] == kBerSequence)
+        return true;
+    const bool tls =
+        length > 1 && (bytes[0] == kTlsAlert || bytes[0] == kTlsHandshake) && bytes[1] == kTlsMajor;
+    mEnding = {kDecodingError,
+               tls ? "the server speaks TLS on this port" : "the server's answer is no LDAP message"};
+    return false;
 }
 
 ber_slen_t LdapChannel::ReadPlain(void* bytes, std::size_t length)
 {
     const ssize_t result = recv(mSocket, bytes, length, 0);
     if (result == 0)
-        mEnding = kClosed;
+        mEnding = {kServerDown, kClosed};
     else if (result < 0 && errno != EAGAIN && errno != EINTR)
-        mEnding = SystemText(errno);
-    if (result >= 2 && !mHasRead)
-    {
-        const unsigned char* first = static_cast<const unsigned char*>(bytes);
-        mPeerSpeaksTls = (first[0] == kTlsAlert || first[0] == kTlsHandshake) && first[1] == kTlsMajor;
-    }
-    mHasRead = mHasRead || result > 0;
+        mEnding = {kServerDown, SystemText(errno)};
     return result;
 }
 
@@ -201,7 +219,7 @@ ber_slen_t LdapChannel::WritePlain(const void* bytes, std::size_t length)
 {
     const ssize_t result = send(mSocket, bytes, length, MSG_NOSIGNAL);
     if (result < 0 && errno != EAGAIN && errno != EINTR)
-        mEnding = SystemText(errno);
+        mEnding = {kServerDown, SystemText(errno)};
     return result;
 }
 
@@ -216,8 +234,8 @@ ber_slen_t LdapChannel::TlsResult(int result)
         errno = EAGAIN;
         return -1;
     }
-    if (mEnding.empty())
-        mEnding = TlsText(mTls.get(), result, systemError);
+    if (!mEnding)
+        mEnding = {kServerDown, TlsText(mTls.get(), result, systemError)};
     errno = ECONNRESET;
     return error == SSL_ERROR_ZERO_RETURN ? 0 : -1;
 }

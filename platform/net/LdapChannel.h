@@ -29,10 +29,8 @@ public:
     void Attach(Sockbuf* buffer);
 
     int Socket() const { return mSocket; }
-    // Why the channel ended; empty while it stands.
-    const std::string& Ending() const { return mEnding; }
-    // The server's first bytes were a TLS record, on a channel without TLS.
-    bool PeerSpeaksTls() const { return mPeerSpeaksTls; }
+    // Why the channel ended; success while it stands.
+    const LdapFault& Ending() const { return mEnding; }
 
 private:
     struct FreeSsl
@@ -50,10 +48,11 @@ private:
     ber_slen_t WritePlain(const void* bytes, std::size_t length);
     // The result of an SSL_ call as read and write give it.
     ber_slen_t TlsResult(int result);
+    // False when the server's first bytes begin no LDAP message; waiting for the rest would be in vain.
+    bool BeginsLikeLdap(const unsigned char* bytes, std::size_t length);
 
     int mSocket;
     std::unique_ptr<SSL, FreeSsl> mTls;
-    std::string mEnding;
+    LdapFault mEnding;
     bool mHasRead = false;
-    bool mPeerSpeaksTls = false;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapHost.h"
 
+#include "platform/net/LdapText.h"
 #include "platform/net/RunWithin.h"
 
 #include <winldap.h>
@@ -48,13 +49,6 @@ Resolution Resolve(const LdapHost& host)
     return resolution;
 }
 
-std::string Lower(std::string text)
-{
-    if (!text.empty() && text.size() > 1 && text[1] >= 'a' && text[1] <= 'z')
-        text[0] = static_cast<char>(text[0] >= 'A' && text[0] <= 'Z' ? text[0] - 'A' + 'a' : text[0]);
-    return text;
-}
-
 LdapFault Down(const std::string& cause)
 {
     return {LDAP_SERVER_DOWN, cause};
@@ -62,7 +56,7 @@ LdapFault Down(const std::string& cause)
 
 LdapFault DownBySystem(int error)
 {
-    return Down(Lower(std::generic_category().message(error)));
+    return Down(CauseText(std::generic_category().message(error)));
 }
 
 int ConnectToAddress(const addrinfo& address, Deadline deadline, LdapFault& fault)
@@ -187,7 +181,7 @@ int ConnectTo(const LdapHost& host, Deadline deadline, LdapFault& fault)
     }
     if (resolution->result != 0)
     {
-        fault = Down(Lower(gai_strerror(resolution->result)));
+        fault = Down(CauseText(gai_strerror(resolution->result)));
         return -1;
     }
 

@@ -28,6 +28,7 @@ constexpr seconds kTicketLimit{7};
 // The longest message that is taken from a server, in bytes.
 constexpr ber_len_t kLongestMessage = 64 * 1024 * 1024;
 
+constexpr const char* kNoMessage = "the server's answer is no LDAP message";
 constexpr const char* kSpnegoName = "GSS-SPNEGO";
 constexpr const char* kNtlmName = "NTLM";
 
@@ -250,17 +251,10 @@ LdapFault LdapSession::Ready() const
 
 LdapFault LdapSession::LibraryFault(int code)
 {
-    LdapFault fault = {WindowsCode(code), DiagnosticOf(mHandle)};
     if (code != LDAP_SERVER_DOWN)
-        return fault;
-    if (!mChannel->Ending().empty())
-        fault.cause = mChannel->Ending();
-    else
-        fault = {WindowsCode(LDAP_DECODING_ERROR), mChannel->PeerSpeaksTls()
-                                                       ? "the server speaks TLS on this port"
-                                                       : "the server's answer is no LDAP message"};
-    mLost = fault;
-    return fault;
+        return {WindowsCode(code), DiagnosticOf(mHandle)};
+    mLost = mChannel->Ending() ? mChannel->Ending() : LdapFault{WindowsCode(LDAP_DECODING_ERROR), kNoMessage};
+    return *mLost;
 }
 
 LdapFault LdapSession::Await(int request, Deadline deadline, Message& answer)
@@ -279,6 +273,14 @@ LdapFault LdapSession::Await(int request, Deadline deadline, Message& answer)
     int code = LDAP_SERVER_DOWN;
     ldap_get_option(mHandle, LDAP_OPT_RESULT_CODE, &code);
     return LibraryFault(code);
+}
+
+LdapFault LdapSession::AwaitBind(int request, Deadline deadline, Message& answer)
+{
+    LdapFault fault = Await(request, deadline, answer);
+    if (!fault && ldap_msgtype(answer.get()) != LDAP_RES_BIND)
+        fault = {WindowsCode(LDAP_DECODING_ERROR), "the server answered another question"};
+    return fault;
 }
 
 LdapFault LdapSession::ResultOf(ldapmsg* answer) const
@@ -305,7 +307,7 @@ LdapFault LdapSession::BindSimple(const std::string& name, const Secret& passwor
     if (sent != LDAP_SUCCESS)
         return LibraryFault(sent);
     Message answer;
-    LdapFault fault = Await(request, Clock::now() + kCallLimit, answer);
+    LdapFault fault = AwaitBind(request, Clock::now() + kCallLimit, answer);
     return fault ? fault : ResultOf(answer.get());
 }
 
@@ -331,7 +333,7 @@ LdapFault LdapSession::BindDigest(const LdapIdentity& identity)
                     "DIGEST-MD5 is not installed on this machine (package libsasl2-modules)"};
         if (result != LDAP_SASL_BIND_IN_PROGRESS)
             return LibraryFault(result);
-        if (LdapFault fault = Await(request, deadline, answer))
+        if (LdapFault fault = AwaitBind(request, deadline, answer))
             return fault;
     }
 }
@@ -414,7 +416,7 @@ LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const ch
         if (sent != LDAP_SUCCESS)
             return LibraryFault(sent);
         Message answer;
-        if (LdapFault fault = Await(request, deadline, answer))
+        if (LdapFault fault = AwaitBind(request, deadline, answer))
             return fault;
         const LdapFault result = ResultOf(answer.get());
         if (result && result.code != LDAP_SASL_BIND_IN_PROGRESS)

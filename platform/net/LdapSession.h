@@ -75,6 +75,7 @@ private:
     LdapFault Ready() const;
     // The answer to a request, or why there is none.
     LdapFault Await(int request, Deadline deadline, Message& answer);
+    LdapFault AwaitBind(int request, Deadline deadline, Message& answer);
     // The result that an answer bears, with the server's words.
     LdapFault ResultOf(ldapmsg* answer) const;
     // The fault behind a call of the library that failed with `code`.

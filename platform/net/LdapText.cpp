@@ -74,6 +74,13 @@ std::wstring SafeToPrint(std::string_view text)
     return safe;
 }
 
+std::string CauseText(std::string text)
+{
+    if (text.size() > 1 && text[0] >= 'A' && text[0] <= 'Z' && text[1] >= 'a' && text[1] <= 'z')
+        text[0] = static_cast<char>(text[0] - 'A' + 'a');
+    return text;
+}
+
 Secret::Secret(std::wstring_view text) : mText(ToUtf8(text)) {}
 
 Secret::~Secret()

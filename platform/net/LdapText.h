@@ -14,6 +14,10 @@ std::wstring FromUtf8(std::string_view text);
 // a few hundred characters.
 std::wstring SafeToPrint(std::string_view text);
 
+// The system's words for an error as they stand behind a colon: without a capital letter in front, unless an
+// abbreviation begins with it.
+std::string CauseText(std::string text);
+
 // A text whose memory is overwritten before it is given back.
 class Secret
 {

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+// The survey on lists of records that the test makes, its three rules and its log.
+#include "console/MacSurvey.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+struct Adapter
+{
+    ULONG type;
+    std::vector<BYTE> address;
+    ULONG length;
+};
+
+Adapter Card(std::vector<BYTE> address)
+{
+    const ULONG length = static_cast<ULONG>(address.size());
+    return {IF_TYPE_ETHERNET_CSMACD, std::move(address), length};
+}
+
+struct Survey
+{
+    std::wstring result;
+    std::wstring log;
+};
+
+Survey SurveyOf(const std::vector<Adapter>& adapters)
+{
+    std::vector<IP_ADAPTER_ADDRESSES> records(std::max<std::size_t>(adapters.size(), 1));
+    for (std::size_t i = 0; i < adapters.size(); ++i)
+    {
+        records[i].Next = i + 1 < adapters.size() ? &records[i + 1] : nullptr;
+        records[i].IfType = adapters[i].type;
+        records[i].PhysicalAddressLength = adapters[i].length;
+        std::ranges::copy(adapters[i].address, records[i].PhysicalAddress);
+    }
+    Survey survey;
+    survey.result = ChooseMacAddress(records.data(), records.data() + records.size(), survey.log);
+    return survey;
+}
+
+TEST(MacSurvey, TakesTheLowestAddressOfTheStrictestRuleThatFindsOne)
+{
+    const Adapter loopback = {IF_TYPE_SOFTWARE_LOOPBACK, {}, 0};
+    struct Case
+    {
+        const char* why;
+        std::vector<Adapter> adapters;
+        std::wstring result;
+        std::wstring log;
+    };
+    const Case kCases[] = {
+        {"one ordinary card",
+         {Card({0x00, 0x11, 0x22, 0x33, 0x44, 0x55}), Card({0x4c, 0xcc, 0x6a, 0xab, 0xcd, 0xef})},
+         L"4CCC6AABCDEF",
+         L"try:0-add=0[gu:1,v:0,fvz:1],add=1[gu:1,v:0,fvz:0],mac:4CCC6AABCDEF,macCount=1, ret=4CCC6AABCDEF"},
+        {"first byte 0 is left to the second rule",
+         {loopback, Card({0x00, 0x11, 0x22, 0x33, 0x44, 0x55})},
+         L"001122334455",
+         L"try:0-addrLen=0,add=0[gu:1,v:0,fvz:1],try:1-addrLen=0,add=1[gu:1,v:0,fvz:1],mac:001122334455,"
+         L"macCount=1, ret=001122334455"},
+        {"only locally administered and virtual ones: the last rule takes them all",
+         {Card({0x0a, 0, 0, 0, 0, 2}),
+          {IF_TYPE_TUNNEL, {0x04, 0, 0, 0, 0, 9}, 6},
+          Card({0x0a, 0, 0, 0, 0, 1})},
+         L"040000000009",
+         L"try:0-add=0[gu:0,v:0,fvz:0],add=0[gu:1,v:1,fvz:0],add=0[gu:0,v:0,fvz:0],"
+         L"try:1-add=0[gu:0,v:0,fvz:0],add=0[gu:1,v:1,fvz:0],add=0[gu:0,v:0,fvz:0],"
+         L"try:2-add=1[gu:0,v:0,fvz:0],mac:0A0000000002,add=1[gu:1,v:1,fvz:0],mac:040000000009,"
+         L"add=1[gu:0,v:0,fvz:0],mac:0A0000000001,macCount=3, ret=040000000009"},
+        {"equal addresses count once, a lower one of a later rule does not compete",
+         {Card({0x10, 0, 0, 0, 0, 1}), Card({0x02, 0, 0, 0, 0, 0}), Card({0x10, 0, 0, 0, 0, 1})},
+         L"100000000001",
+         L"try:0-add=1[gu:1,v:0,fvz:0],mac:100000000001,add=0[gu:0,v:0,fvz:0],add=1[gu:1,v:0,fvz:0],"
+         L"mac:100000000001,macCount=1, ret=100000000001"},
+        {"the shorter of two with the same beginning",
+         {Card({0x10, 0x20, 0x30}), Card({0x10, 0x20})},
+         L"1020",
+         L"try:0-add=1[gu:1,v:0,fvz:0],mac:102030,add=1[gu:1,v:0,fvz:0],mac:1020,macCount=2, ret=1020"},
+        // A length beyond the field passes the walk up to 15; the text ends with the field.
+        {"lengths that no platform gives",
+         {{IF_TYPE_ETHERNET_CSMACD, {0x10, 1, 2, 3, 4, 5, 6, 7}, 15},
+          {IF_TYPE_ETHERNET_CSMACD, {0x10, 1, 2, 3, 4, 5, 6, 7}, 16}},
+         L"1001020304050607",
+         L"try:0-add=1[gu:1,v:0,fvz:0],mac:1001020304050607,addrLen=16,macCount=1, ret=1001020304050607"},
+        {"no adapter: the zeroed buffer is one record without address",
+         {},
+         L"",
+         L"try:0-addrLen=0,try:1-addrLen=0,try:2-addrLen=0,macCount=0, ret="},
+    };
+    for (const Case& test : kCases)
+    {
+        const Survey survey = SurveyOf(test.adapters);
+        EXPECT_EQ(survey.result, test.result) << test.why;
+        EXPECT_EQ(survey.log, test.log) << test.why;
+    }
+}
+
+TEST(MacSurvey, StopsAtTheEndOfTheList)
+{
+    IP_ADAPTER_ADDRESSES records[2]{};
+    records[0].Next = &records[1];
+    records[1].PhysicalAddressLength = 1;
+    records[1].PhysicalAddress[0] = 0x10;
+    std::wstring log;
+    EXPECT_EQ(ChooseMacAddress(records, &records[1], log), L"");
+    EXPECT_EQ(ChooseMacAddress(records, std::end(records), log), L"10");
+}
+
+TEST(MacSurvey, TellsTheSizeThatTheListNeeds)
+{
+    ULONG needed = 0;
+    GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, nullptr, &needed);
+    std::wstring log;
+    const std::wstring result = GetMACAddress(log);
+    EXPECT_EQ(log.rfind(L"BufSize=" + std::to_wstring(needed) + L", ret=0, try:0-", 0), 0u);
+    EXPECT_NE(log.find(L", ret=" + result, log.find(L"macCount=")), std::wstring::npos);
+}
+
+TEST(FormatToBuffer, FillsPlaceholdersAndCutsAtTheRoom)
+{
+    struct Case
+    {
+        const wchar_t* format;
+        PlaceholderValues values;
+        int size;
+        int result;
+        const wchar_t* text;
+    };
+    const Case kCases[] = {
+        {L"{0:02X}", {10}, 5, 2, L"0A"},   {L"{}-{}", {1, 2}, 10, 3, L"1-2"},
+        {L"{1}{}", {1, 2}, 10, 2, L"22"}, // the running index counts the placeholders closed so far
+        {L"a{1:u}b", {1}, 10, 4, L"a@@@"}, {L"abcdef", {}, 4, 3, L"abc"},
+        {L"abc", {}, 4, 3, L"abc"},        {L"", {}, 1, 0, L""},
+    };
+    for (const Case& test : kCases)
+    {
+        wchar_t buffer[16] = L"***************";
+        EXPECT_EQ(FormatToBuffer(test.format, buffer, test.size, test.values), test.result) << test.format;
+        EXPECT_STREQ(buffer, test.text) << test.format;
+    }
+    wchar_t small[4];
+    EXPECT_EQ(FormatToBuffer(L"{0:s}", small, 4, {L"too long"}), -1);
+}
+
+} // namespace

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+// The LDAP test of the program that ships against a real directory: the console's text as a whole. Runs
+// through tests/support/with-directory, which says where the servers are.
+#include "tests/ldap/LdapConsole.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace
+{
+
+// A port of the directory, by its name in the environment; skips the case when there is no directory.
+#define NEED_DIRECTORY()                                                                                     \
+    if (!std::getenv("TAVO_LDAP_PORT"))                                                                      \
+    GTEST_SKIP() << "no slapd on this machine"
+
+std::string Port(const char* name)
+{
+    const char* port = std::getenv(name);
+    return port ? port : "";
+}
+
+const std::string kAlice = "cn=alice,dc=one,dc=example";
+
+TEST(Directory, IsTestedWithOneMethod)
+{
+    NEED_DIRECTORY();
+    const std::string plain = Port("TAVO_LDAP_PORT");
+    const std::string tls = Port("TAVO_LDAPS_PORT");
+    const std::string walk = Walked(3);
+    struct Case
+    {
+        LdapAnswers answers;
+        std::string outcome;
+    };
+    const Case kCases[] = {
+        {{"localhost", plain, "", kAlice, "wonderland", kSimplePlain}, Bound(kSimplePlain) + walk},
+        {{"localhost", plain, "", kAlice, "wrong", kSimplePlain}, Refused(kSimplePlain, 0x31, "")},
+        {{"localhost", plain, "", "alice", "wonderland", kSimplePlain},
+         Refused(kSimplePlain, 0x22, "invalid DN")},
+        {{"localhost", plain, "", kAlice, "", kSimplePlain},
+         Refused(kSimplePlain, 0x35, "unauthenticated bind (DN with no password) disallowed")},
+        // Nobody and no password: an anonymous bind, which the server takes.
+        {{"localhost", plain, "", "", "", kSimplePlain}, Bound(kSimplePlain) + walk},
+        {{"127.0.0.1", plain, "", "cn=Jürgen 😀,dc=one,dc=example", "Pässwörd 😀", kSimplePlain},
+         Bound(kSimplePlain) + walk},
+        {{"::1", plain, "", kAlice, "wonderland", kSimplePlain}, Bound(kSimplePlain) + walk},
+        // The child search fails for this one; the bind counts all the same.
+        {{"localhost", plain, "", "cn=blind,dc=one,dc=example", "dark", kSimplePlain},
+         Bound(kSimplePlain) + WalkRefused(0x20, "o=Größe 😀")},
+        {{"localhost", plain, "", "alice", "wonderland", kDigest}, Bound(kDigest) + walk},
+        {{"localhost", plain, "", "Jürgen 😀", "Pässwörd 😀", kDigest}, Bound(kDigest) + walk},
+        {{"localhost", plain, "", "alice", "wrong", kDigest},
+         Refused(kDigest, 0x31,
+                 "SASL(-13): authentication failure: client response doesn't match what we generated (tried "
+                 "bogus)")},
+        {{"localhost", plain, "", "", "", kDigest}, Refused(kDigest, 0x31, "no user name was given")},
+        {{"localhost", plain, "", "alice", "wonderland", kNtlm}, Bound(kNtlm) + walk},
+        {{"localhost", plain, "", "alice", "wonderland", kDpa}, Refused(kDpa, 0x07, "")},
+        {{"localhost", tls, "", kAlice, "wonderland", kSimpleSsl}, Bound(kSimpleSsl) + walk},
+        {{"127.0.0.1", tls, "", kAlice, "wrong", kSimpleSsl}, Refused(kSimpleSsl, 0x31, "")},
+        {{"localhost", Port("TAVO_EXPIRED_PORT"), "", kAlice, "wonderland", kSimpleSsl},
+         NotConnected(kSimpleSsl, "certificate has expired")},
+        {{"localhost", Port("TAVO_FOREIGN_PORT"), "", kAlice, "wonderland", kSimpleSsl},
+         NotConnected(kSimpleSsl, "unable to get local issuer certificate")},
+        {{"localhost", Port("TAVO_OTHER_NAME_PORT"), "", kAlice, "wonderland", kSimpleSsl},
+         NotConnected(kSimpleSsl, "hostname mismatch")},
+        // TLS where there is none, and none where there is.
+        {{"localhost", plain, "", kAlice, "wonderland", kSimpleSsl},
+         NotConnected(kSimpleSsl, "the server closed the connection during the TLS handshake")},
+        {{"localhost", tls, "", kAlice, "wonderland", kSimplePlain},
+         Refused(kSimplePlain, 0x51, "the server closed the connection")},
+        {{"localhost", Port("TAVO_UNUSED_PORT"), "", kAlice, "wonderland", kSimplePlain},
+         NotConnected(kSimplePlain, "connection refused")},
+        {{"no-such-host.invalid", plain, "", kAlice, "wonderland", kSimplePlain},
+         NotConnected(kSimplePlain, "name or service not known")},
+        {{"", plain, "", kAlice, "wonderland", kSimplePlain},
+         NotConnected(kSimplePlain, "no server name was given")},
+    };
+    for (const Case& test : kCases)
+    {
+        const LdapAnswers& answers = test.answers;
+        EXPECT_EQ(RunLdapTest(answers), Framed(answers, test.outcome))
+            << answers.method << " as " << answers.user << " at " << answers.server << ":" << answers.port;
+    }
+}
+
+TEST(Directory, IsTestedWithAllMethodsUntilOneBinds)
+{
+    NEED_DIRECTORY();
+    const LdapAnswers answers = {"localhost", Port("TAVO_LDAP_PORT"), "", "alice", "wonderland", kTryAll};
+    EXPECT_EQ(RunLdapTest(answers),
+              Framed(answers,
+                     NotConnected(kSimpleSsl, "the server closed the connection during the TLS handshake") +
+                         Bound(kNtlm) + Walked(3)));
+}
+
+TEST(Directory, IsTestedWithAllMethodsThoughNoneBinds)
+{
+    NEED_DIRECTORY();
+    const LdapAnswers answers = {"localhost", Port("TAVO_LDAP_PORT"), "", "alice", "wrong", kTryAll};
+    EXPECT_EQ(
+        RunLdapTest(answers),
+        Framed(answers,
+               NotConnected(kSimpleSsl, "the server closed the connection during the TLS handshake") +
+                   Refused(kNtlm, 0x31, "SASL(-13): authentication failure: incorrect NTLMv2 response") +
+                   Refused(kDigest, 0x31,
+                           "SASL(-13): authentication failure: client response doesn't match what we "
+                           "generated (tried bogus)") +
+                   Refused(kDpa, 0x07, "") +
+                   Refused(kNegotiate, 0x31,
+                           "SASL(-13): authentication failure: GSSAPI Failure: gss_accept_sec_context") +
+                   Refused(kSimplePlain, 0x22, "invalid DN")));
+}
+
+TEST(Directory, IsNotTestedWhenTheDialogIsCancelled)
+{
+    EXPECT_EQ(RunLdapTest({"localhost", "389", "", "", "", kTryAll, "Cancel"}), "");
+}
+
+// What the library would read for other programs, all of it wrong.
+TEST(Directory, IsTestedWithoutTheLibrarysSetUp)
+{
+    NEED_DIRECTORY();
+    const LdapAnswers answers = {"localhost", Port("TAVO_LDAP_PORT"), "", "alice", "wonderland", kDigest};
+    EXPECT_EQ(RunLdapTest(answers, {{"LDAPBASE", "dc=nowhere"},
+                                    {"LDAPURI", "ldap://nowhere.invalid"},
+                                    {"LDAPSIZELIMIT", "1"},
+                                    {"LDAPTIMELIMIT", "1"},
+                                    {"LDAPDEREF", "always"},
+                                    {"LDAPSASL_SECPROPS", "minssf=256"},
+                                    {"LDAPSASL_REALM", "nowhere"},
+                                    {"LDAPTLS_REQCERT", "never"}}),
+              Framed(answers, Bound(kDigest) + Walked(3)));
+}
+
+} // namespace
