@@ -253,6 +253,7 @@ UploadResult WinInetUpload::Problem(DWORD error) const
     case ERROR_INTERNET_NAME_NOT_RESOLVED:
         return {kIPWorksHostNotFound, "Could not resolve host: " + mJob.host + number};
     case ERROR_INTERNET_CANNOT_CONNECT:
+    case WSAECONNREFUSED:
         return {kIPWorksConnectFailed, "Could not connect to " + mJob.host + number};
     case ERROR_INTERNET_TIMEOUT:
         return {kIPWorksStalled, "The server does not answer" + number};

@@ -97,7 +97,8 @@ TEST(Upload, PassiveWithoutTheExtendedCommandIgnoresAForeignAddress)
     const TemporaryFile file("content");
     FtpScript script;
     script.answers["EPSV"] = "500 What?\r\n";
-    ScriptedFtpServer server(script); // names 192.0.2.1
+    script.passiveAddress = "192,0,2,1";
+    ScriptedFtpServer server(script);
     Recorder recorder(server.Port());
     recorder.SetLocalFile(file.Path());
     EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();

@@ -84,10 +84,10 @@ private:
         {
             mPassive = std::make_unique<TcpListener>(std::uint16_t{0});
             const unsigned port = mPassive->Port();
-            // An address that is not ours: a client has to ignore it.
-            return Say(verb == "EPSV" ? "229 Come in (|||" + std::to_string(port) + "|).\r\n"
-                                      : "227 Come in (192,0,2,1," + std::to_string(port >> 8U) + "," +
-                                            std::to_string(port & 0xFFU) + ").\r\n");
+            return Say(verb == "EPSV"
+                           ? "229 Come in (|||" + std::to_string(port) + "|).\r\n"
+                           : "227 Come in (" + mScript.passiveAddress + "," + std::to_string(port >> 8U) +
+                                 "," + std::to_string(port & 0xFFU) + ").\r\n");
         }
         static const std::map<std::string, std::string> kOrdinary = {
             {"USER", "331 Password?\r\n"}, {"PASS", "230 Welcome.\r\n"}, {"PWD", "257 \"/\" is here.\r\n"},

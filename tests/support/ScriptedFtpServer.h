@@ -24,6 +24,7 @@ struct FtpScript
     // Answers by verb, in place of the ordinary ones.
     std::map<std::string, std::string> answers;
     bool inSingleBytes = false;
+    std::string passiveAddress = "127,0,0,1"; // what PASV says
 
     // At this byte of an upload: the answer, if any, goes out, then what is to happen happens.
     std::int64_t breakAt = -1;

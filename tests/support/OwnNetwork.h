@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// A network and a view of /etc of the test process's own, so that a server can have port 21 and a host name
+// can lead to it. Linux only, needs root.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <sys/types.h>
+
+// Puts the calling process, and what it starts, into a network that holds nothing but loopback. Call it
+// before any thread is made. False, with the reason on standard error, where that is not allowed.
+bool EnterOwnNetwork();
+
+// From now on this process sees `content` in place of the file `path`.
+void ReplaceSystemFile(const std::filesystem::path& path, const std::string& content);
+
+// Makes `host` an alias of 127.0.0.1.
+void PointHostHere(const std::string& host);
+
+// vsftpd on 127.0.0.1:21 with one account. Uploads lie in Directory(), which is gone with the object.
+class RealFtpServer
+{
+public:
+    // `settings` are further lines of its configuration.
+    RealFtpServer(const std::string& user, const std::string& password, const std::string& settings = "");
+    ~RealFtpServer();
+    RealFtpServer(const RealFtpServer&) = delete;
+    RealFtpServer& operator=(const RealFtpServer&) = delete;
+
+    const std::filesystem::path& Directory() const { return mDirectory; }
+
+private:
+    std::filesystem::path mDirectory;
+    pid_t mProcess = -1;
+};

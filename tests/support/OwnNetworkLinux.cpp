@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/OwnNetwork.h"
+
+#include "tests/support/TcpStream.h"
+
+#include <crypt.h>
+#include <net/if.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+constexpr uid_t kUser = 64321; // of no other account
+constexpr std::uint16_t kFtpPort = 21;
+
+fs::path NewDirectory()
+{
+    std::random_device random;
+    const fs::path path =
+        fs::temp_directory_path() / ("tavo-ftp-" + std::to_string(random()) + std::to_string(random()));
+    fs::create_directories(path);
+    return path;
+}
+
+std::string TextOf(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+bool RaiseLoopback()
+{
+    const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    ifreq request{};
+    std::strcpy(request.ifr_name, "lo");
+    request.ifr_flags = IFF_UP | IFF_RUNNING;
+    const bool done = ioctl(socket, SIOCSIFFLAGS, &request) == 0;
+    close(socket);
+    return done;
+}
+
+} // namespace
+
+bool EnterOwnNetwork()
+{
+    if (unshare(CLONE_NEWNET | CLONE_NEWNS) != 0 ||
+        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 || !RaiseLoopback())
+    {
+        std::perror("a network of its own");
+        return false;
+    }
+    return true;
+}
+
+void ReplaceSystemFile(const fs::path& path, const std::string& content)
+{
+    const fs::path directory = NewDirectory();
+    const fs::path file = directory / "content";
+    std::ofstream(file, std::ios::binary) << content;
+    fs::permissions(file, fs::status(path).permissions());
+    if (mount(file.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
+        std::perror(path.c_str());
+    fs::remove_all(directory); // the mount holds it
+}
+
+void PointHostHere(const std::string& host)
+{
+    ReplaceSystemFile("/etc/hosts", "127.0.0.1 localhost " + host + "\n");
+}
+
+RealFtpServer::RealFtpServer(const std::string& user, const std::string& password,
+                             const std::string& settings)
+    : mDirectory(NewDirectory())
+{
+    const std::string id = std::to_string(kUser);
+    const std::string home = mDirectory.string();
+    crypt_data work{};
+    const std::string hash = crypt_r(password.c_str(), "$6$saltsalt$", &work);
+    ReplaceSystemFile("/etc/passwd",
+                      TextOf("/etc/passwd") + user + ":x:" + id + ":" + id + "::" + home + ":/bin/sh\n");
+    ReplaceSystemFile("/etc/shadow", TextOf("/etc/shadow") + user + ":" + hash + ":19000:0:99999:7:::\n");
+    if (chown(home.c_str(), kUser, kUser) != 0)
+        std::perror(home.c_str());
+
+    const fs::path configuration = NewDirectory() / "vsftpd.conf";
+    std::ofstream(configuration)
+        << "listen=YES\nlisten_address=127.0.0.1\nbackground=NO\nanonymous_enable=NO\n"
+           "local_enable=YES\nwrite_enable=YES\nlocal_umask=022\nutf8_filesystem=YES\n"
+           "seccomp_sandbox=NO\npam_service_name=vsftpd\nxferlog_enable=NO\n"
+        << settings;
+    mProcess = fork();
+    if (mProcess == 0)
+    {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        execl("/usr/sbin/vsftpd", "vsftpd", configuration.c_str(), nullptr);
+        std::perror("vsftpd");
+        _exit(127);
+    }
+    for (int i = 0; i < 250 && TcpStream::Connect(kFtpPort) == nullptr; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    fs::remove_all(configuration.parent_path());
+}
+
+RealFtpServer::~RealFtpServer()
+{
+    kill(mProcess, SIGTERM);
+    waitpid(mProcess, nullptr, 0);
+    fs::remove_all(mDirectory);
+}
