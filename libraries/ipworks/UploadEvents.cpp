@@ -128,12 +128,10 @@ void UploadEvents::ReportProgress(std::int64_t sent, std::int64_t total)
 {
     mReported = sent;
     mReportedAt = std::chrono::steady_clock::now();
-    const int percent =
-        total == 0 ? 100 : static_cast<int>(static_cast<double>(sent) / static_cast<double>(total) * 100);
+    const int percent = total == 0 ? 100 : static_cast<int>(sent * 100 / total);
     const std::string none;
     std::int64_t count = sent;
-    void* params[] = {AsParameter(0), &count, AsParameter(sent < total && percent > 99 ? 99 : percent),
-                      AsParameter(none)};
+    void* params[] = {AsParameter(0), &count, AsParameter(percent), AsParameter(none)};
     int lengths[4] = {};
     mSink(mObject, kIPWorksProgress, 4, params, lengths);
 }
