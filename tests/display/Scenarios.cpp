@@ -157,8 +157,8 @@ void MuchText()
     InDialog(
         [](HWND dialog)
         {
-            for (int i = 0; i < 2000; ++i)
-                AddToLog(dialog, L"a line of some length, number " + std::to_wstring(i) + L"\r\n");
+            for (int i = 0; i < 300; ++i)
+                AddToLog(dialog, std::wstring(300, L'x') + std::to_wstring(i) + L"\r\n");
         });
 }
 

@@ -225,7 +225,7 @@ TEST(TerminalDisplay, GoesOnWhenNobodyReadsAnyMore)
         Become("much text", "C.UTF-8");
     }
     close(out[1]);
-    ReadUntil(out[0], "number 1");
+    ReadUntil(out[0], "x1\n");
     close(out[0]);
     EXPECT_EQ(ExitCode(process), 0);
 }
@@ -234,7 +234,7 @@ TEST(TerminalDisplay, WritesAllOfAMuchLongerTextThanAPipeHolds)
 {
     const std::string output = OutputOf("much text", "");
     EXPECT_GT(output.size(), 65536u);
-    EXPECT_THAT(output, EndsWith("number 1999\n"));
+    EXPECT_TRUE(output.ends_with("x299\n"));
 }
 
 TEST(TerminalDisplay, PromptsOnATerminal)

@@ -82,7 +82,7 @@ TEST(Dialog, KeepsTheIconsItIsGiven)
     EXPECT_EQ(LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(4711)), nullptr);
 }
 
-TEST(MessageBox, GivesTheAnswer)
+TEST(BoxWithAMessage, GivesTheAnswer)
 {
     struct Case
     {
