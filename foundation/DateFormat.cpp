@@ -12,6 +12,10 @@
 namespace
 {
 
+// Where the C library's header promises that the call throws nothing, the compiler would leave out the
+// handler of a fault inside it. It makes no such promise for what a volatile pointer leads to.
+std::size_t (*const volatile gFormatTime)(wchar_t*, std::size_t, const wchar_t*, const tm*) = std::wcsftime;
+
 // Names by number, from 1; "???" for a number that is none.
 template <std::size_t Count>
 const wchar_t* Name(const wchar_t* const (&names)[Count], int number)
@@ -67,7 +71,7 @@ ZTString FormatLocalDate(const DateValue& value)
         const CatchSEH guard;
         try
         {
-            std::wcsftime(buffer, kRoom, L"%c", &time);
+            gFormatTime(buffer, kRoom, L"%c", &time);
             text.ReleaseBuffer();
         }
         catch (...)

@@ -114,16 +114,15 @@ KELVANE_EXPORT void PumpMessages(HWND window, DWORD reserved);
 KELVANE_EXPORT int TimedMessageBox(const wchar_t* title, const wchar_t* text, UINT type, DWORD seconds,
                                    int timeoutResult);
 
-// What a hardware fault becomes under a CatchSEH.
+// What a hardware fault becomes under a CatchSEH. The code is one of Windows' exception codes, on both
+// systems.
+constexpr unsigned long kFaultAccessViolation = 0xC0000005;
+constexpr unsigned long kFaultIllegalInstruction = 0xC000001D;
+constexpr unsigned long kFaultFloatingPoint = 0xC0000090;
+constexpr unsigned long kFaultIntegerDivision = 0xC0000094;
 class KELVANE_EXPORT SEHException : public std::exception
 {
 public:
-    // Windows' codes of exceptions, on both systems.
-    static constexpr unsigned long kAccessViolation = 0xC0000005;
-    static constexpr unsigned long kIllegalInstruction = 0xC000001D;
-    static constexpr unsigned long kFloatingPoint = 0xC0000090;
-    static constexpr unsigned long kIntegerDivision = 0xC0000094;
-
     explicit SEHException(unsigned long code);
     unsigned long Code() const noexcept;
     const char* what() const noexcept override;

@@ -34,11 +34,11 @@ unsigned long CodeOf(int signal, int reason)
     switch (signal)
     {
     case SIGFPE:
-        return reason == FPE_INTDIV ? SEHException::kIntegerDivision : SEHException::kFloatingPoint;
+        return reason == FPE_INTDIV ? kFaultIntegerDivision : kFaultFloatingPoint;
     case SIGILL:
-        return SEHException::kIllegalInstruction;
+        return kFaultIllegalInstruction;
     default:
-        return SEHException::kAccessViolation;
+        return kFaultAccessViolation;
     }
 }
 

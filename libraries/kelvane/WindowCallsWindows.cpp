@@ -3,16 +3,6 @@
 
 namespace kelvane
 {
-namespace
-{
-
-// The window itself, or the one that holds this control.
-HWND TopOf(HWND window)
-{
-    return window != nullptr ? GetAncestor(window, GA_ROOT) : nullptr;
-}
-
-} // namespace
 
 bool ServeMessage(MSG& message)
 {
@@ -23,7 +13,7 @@ bool ServeMessage(MSG& message)
         return false;
     }
     // The keyboard works in a dialog whose own loop is held up.
-    const HWND dialog = TopOf(message.hwnd);
+    const HWND dialog = message.hwnd != nullptr ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
     if (dialog != nullptr && IsDialogMessageW(dialog, &message))
         return true;
     TranslateMessage(&message);

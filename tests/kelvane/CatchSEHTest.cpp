@@ -58,9 +58,9 @@ TEST(CatchSEH, TurnsFaultsIntoExceptionsTimeAndAgain)
 {
     for (int times = 0; times < 3; ++times)
     {
-        EXPECT_EQ(CodeOf(WriteToNull), SEHException::kAccessViolation);
-        EXPECT_EQ(CodeOf(DivideByZero), SEHException::kIntegerDivision);
-        EXPECT_EQ(CodeOf(IllegalInstruction), SEHException::kIllegalInstruction);
+        EXPECT_EQ(CodeOf(WriteToNull), kFaultAccessViolation);
+        EXPECT_EQ(CodeOf(DivideByZero), kFaultIntegerDivision);
+        EXPECT_EQ(CodeOf(IllegalInstruction), kFaultIllegalInstruction);
     }
     EXPECT_EQ(CodeOf([] {}), 0u);
 }
@@ -79,7 +79,7 @@ TEST(CatchSEH, DestroysWhatLiesBetweenTheFaultAndTheHandler)
         const volatile Fault call = WriteToNull;
         call();
     };
-    EXPECT_EQ(CodeOf(nested), SEHException::kAccessViolation);
+    EXPECT_EQ(CodeOf(nested), kFaultAccessViolation);
     EXPECT_EQ(alive, 0);
 }
 
@@ -94,8 +94,7 @@ TEST(CatchSEH, WorksOnEveryThreadAtOnceAndNested)
                 {
                     const CatchSEH outer;
                     EXPECT_EQ(CodeOf(thread % 2 == 0 ? WriteToNull : DivideByZero),
-                              thread % 2 == 0 ? SEHException::kAccessViolation
-                                              : SEHException::kIntegerDivision);
+                              thread % 2 == 0 ? kFaultAccessViolation : kFaultIntegerDivision);
                 }
             });
 }

@@ -9,7 +9,7 @@
 namespace
 {
 
-void* Value(std::intptr_t number)
+void* Value(int number)
 {
     return reinterpret_cast<void*>(number);
 }

@@ -43,9 +43,9 @@ bool WaitFor(const std::function<bool()>& condition)
 
 } // namespace
 
-using Unattended = ShipmentTest;
+using UnattendedShipment = ShipmentTest;
 
-TEST_F(Unattended, SecondIsRefusedAndAfterAKillTheNextOneShips)
+TEST_F(UnattendedShipment, SecondIsRefusedAndAfterAKillTheNextOneShips)
 {
     // Another test on this machine may hold the guard for a while.
     ReplaceArchiver("touch packing; if [ -e '" + (folder.Path() / "hold").string() +
@@ -87,7 +87,7 @@ TEST_F(Unattended, SecondIsRefusedAndAfterAKillTheNextOneShips)
     EXPECT_THAT(Leftovers(), ElementsAre());
 }
 
-TEST_F(Unattended, ClosePressedMeanwhileCutsNothingShort)
+TEST_F(UnattendedShipment, ClosePressedMeanwhileCutsNothingShort)
 {
     const RealFtpServer server(kFtpUser, kFtpPassword);
     ReplaceArchiver("sleep 2; exec \"$REAL\" \"$@\"");
