@@ -10,6 +10,8 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <initializer_list>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -65,8 +67,8 @@ public:
     int Format(wchar_t* out, int capacity, const wchar_t* spec) const;
 
 private:
-    friend ORISKA_EXPORT ZTString _StrFormat(const wchar_t* format,
-                                             const std::vector<PlaceholderValue>& values);
+    friend ORISKA_EXPORT ZTString FormatValues(const wchar_t* format,
+                                               std::span<const PlaceholderValue> values);
 
     enum class Kind : unsigned char
     {
@@ -101,7 +103,15 @@ using PlaceholderValues = std::vector<PlaceholderValue>;
 // gives one "{", a "}" alone stays, and so does a "{" that begins no placeholder. An index beyond the
 // arguments gives "@@@" and ends the text. A spec that does not suit its value gives the value's natural
 // form.
-ORISKA_EXPORT ZTString _StrFormat(const wchar_t* format, const PlaceholderValues& values);
+ORISKA_EXPORT ZTString FormatValues(const wchar_t* format, std::span<const PlaceholderValue> values);
+inline ZTString _StrFormat(const wchar_t* format, const PlaceholderValues& values)
+{
+    return FormatValues(format, values);
+}
+inline ZTString _StrFormat(const wchar_t* format, std::initializer_list<PlaceholderValue> values)
+{
+    return FormatValues(format, {values.begin(), values.size()});
+}
 constexpr int kFormatSizeMax = 500;
 
 // A string resource of a module (null: the program), loaded at construction; the empty text when there is

@@ -4,6 +4,9 @@
 #include "foundation/Oriska.h"
 
 #include <array>
+#include <bit>
+#include <cstring>
+#include <utility>
 
 namespace
 {
@@ -35,21 +38,25 @@ constexpr std::array<Table, kStep> MakeTables()
 
 constexpr std::array<Table, kStep> kTables = MakeTables();
 
-std::uint64_t LoadLittleEndian(const unsigned char* bytes)
+// What eight bytes of the step add; `Last` is the table of the last of them.
+template <std::size_t Last, std::size_t... Byte>
+std::uint64_t Advance(std::uint64_t eight, std::index_sequence<Byte...>)
 {
-    std::uint64_t value = 0;
-    for (int i = 0; i < 8; ++i)
-        value |= std::uint64_t{bytes[i]} << (8 * i);
-    return value;
+    return (kTables[Last + 7 - Byte][(eight >> (8 * Byte)) & 0xFF] ^ ...);
 }
 
-// What eight bytes of the step add; `last` is the table of the last of them.
-std::uint64_t Advance(std::uint64_t eight, std::size_t last)
+template <std::size_t Last>
+std::uint64_t Advance(std::uint64_t eight)
 {
-    std::uint64_t sum = 0;
-    for (std::size_t i = 0; i < 8; ++i)
-        sum ^= kTables[last + 7 - i][(eight >> (8 * i)) & 0xFF];
-    return sum;
+    return Advance<Last>(eight, std::make_index_sequence<8>());
+}
+
+std::uint64_t Load(const unsigned char* bytes)
+{
+    static_assert(std::endian::native == std::endian::little);
+    std::uint64_t value;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
 }
 
 } // namespace
@@ -59,7 +66,7 @@ std::uint64_t CRC64(const void* data, std::uint64_t byteCount)
     const auto* bytes = static_cast<const unsigned char*>(data);
     std::uint64_t crc = ~std::uint64_t{0};
     for (; byteCount >= kStep; byteCount -= kStep, bytes += kStep)
-        crc = Advance(crc ^ LoadLittleEndian(bytes), 8) ^ Advance(LoadLittleEndian(bytes + 8), 0);
+        crc = Advance<8>(crc ^ Load(bytes)) ^ Advance<0>(Load(bytes + 8));
     for (; byteCount != 0; --byteCount, ++bytes)
         crc = (crc >> 8) ^ kTables[0][(crc ^ *bytes) & 0xFF];
     return ~crc;

@@ -41,6 +41,8 @@ bool TakeFlag(wchar_t character, FormatSpec& spec)
 
 void TakeLength(std::wstring_view& text)
 {
+    if (text.size() < 2)
+        return;
     constexpr std::wstring_view kLengths[] = {L"hh", L"h", L"ll", L"l", L"I64", L"I32", L"j", L"z", L"t"};
     for (const std::wstring_view length : kLengths)
         if (text.starts_with(length))

@@ -4,99 +4,91 @@
 #include "libraries/oriska/FormatSpec.h"
 #include "libraries/oriska/Widen.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <string>
+#include <string_view>
+#include <utility>
 
 namespace
 {
 
-constexpr std::wstring_view kTextConversions = L"sS";
-constexpr std::wstring_view kIntegerConversions = L"diuoxX";
-constexpr std::wstring_view kDoubleConversions = L"fFeEgG";
-
-bool IsOneOf(wchar_t conversion, std::wstring_view conversions)
+// Adds a sign or base, zeros and the text itself in a field of the spec's width.
+template <typename Character>
+void AppendField(ZTString& out, std::string_view prefix, std::size_t zeros,
+                 std::basic_string_view<Character> text, const FormatSpec& spec, bool zeroFill)
 {
-    return conversions.find(conversion) != std::wstring_view::npos;
-}
-
-// Adds `text` in a field of the spec's width. The fill with zeros goes behind the first `prefixSize`
-// characters, which are a sign or a base.
-void AppendField(ZTString& out, std::wstring_view text, std::size_t prefixSize, const FormatSpec& spec,
-                 bool zeroFill)
-{
+    const std::size_t size = prefix.size() + zeros + text.size();
     const auto width = static_cast<std::size_t>(spec.width);
-    const std::size_t fill = width > text.size() ? width - text.size() : 0;
-    const int length = out.GetLength();
-    wchar_t* to = out.GetBuffer(length + static_cast<int>(text.size() + fill)) + length;
-    if (spec.leftAlign || !zeroFill)
-        prefixSize = 0;
-    const auto add = [&to](std::wstring_view part) { to = std::copy(part.begin(), part.end(), to); };
-    add(text.substr(0, prefixSize));
+    std::size_t fill = width > size ? width - size : 0;
+    const int newLength = out.GetLength() + static_cast<int>(size + fill);
+    wchar_t* to = out.GetBuffer(newLength) + out.GetLength();
+    if (zeroFill && !spec.leftAlign)
+        zeros += std::exchange(fill, 0);
     if (!spec.leftAlign)
-        to = std::fill_n(to, fill, zeroFill ? L'0' : L' ');
-    add(text.substr(prefixSize));
+        to = std::fill_n(to, fill, L' ');
+    to = std::copy(prefix.begin(), prefix.end(), to);
+    to = std::fill_n(to, zeros, L'0');
+    to = std::copy(text.begin(), text.end(), to);
     if (spec.leftAlign)
         std::fill_n(to, fill, L' ');
-    out.ReleaseBuffer(length + static_cast<int>(text.size() + fill));
+    out.ReleaseBuffer(newLength);
 }
 
 std::string_view SignOf(bool negative, const FormatSpec& spec)
 {
-    return negative ? "-" : spec.plusSign ? "+" : spec.blankSign ? " " : "";
+    using namespace std::string_view_literals;
+    return negative ? "-"sv : spec.plusSign ? "+"sv : spec.blankSign ? " "sv : ""sv;
 }
 
-// A number's characters, made narrow and shown wide.
-struct NumberText
+// The digits of a number in a base of 2 to the power of `bits`, written in front of `end`.
+std::string_view PowerOfTwoDigits(std::uint64_t number, int bits, bool capital, char* end)
 {
-    wchar_t text[kFormatSizeMax + 400]; // the largest double has 309 digits before its point
-    std::size_t size = 0;
-
-    void Add(std::string_view part)
+    const char* const names = capital ? "0123456789ABCDEF" : "0123456789abcdef";
+    char* begin = end;
+    do
     {
-        for (const char character : part)
-            text[size++] = static_cast<wchar_t>(character);
-    }
-};
+        *--begin = names[number & ((1u << bits) - 1)];
+        number >>= bits;
+    } while (number != 0);
+    return {begin, end};
+}
 
 bool AppendText(ZTString& out, std::wstring_view text, const FormatSpec& spec)
 {
-    if (spec.conversion != 0 && !IsOneOf(spec.conversion, kTextConversions))
+    if (!spec.IsOneOf(L"sS"))
         return false;
     if (spec.precision >= 0)
         text = text.substr(0, static_cast<std::size_t>(spec.precision));
-    AppendField(out, text, 0, spec, false);
+    AppendField(out, {}, 0, text, spec, false);
     return true;
 }
 
 bool AppendDouble(ZTString& out, double value, const FormatSpec& spec)
 {
-    if (spec.conversion != 0 && (!IsOneOf(spec.conversion, kDoubleConversions) || spec.alternate))
+    if (!spec.IsOneOf(L"fFeEgG") || spec.alternate)
         return false;
-    char digits[sizeof(NumberText::text) / sizeof(wchar_t)];
+    char digits[kFormatSizeMax + 400]; // the largest double has 309 digits before its point
     const double magnitude = std::fabs(value);
-    std::to_chars_result end{};
+    char* end;
     if (spec.conversion == 0)
-        end = std::to_chars(digits, std::end(digits), magnitude);
+        end = std::to_chars(digits, std::end(digits), magnitude).ptr;
     else
     {
-        const std::chars_format form = IsOneOf(spec.conversion, L"fF")   ? std::chars_format::fixed
-                                       : IsOneOf(spec.conversion, L"eE") ? std::chars_format::scientific
-                                                                         : std::chars_format::general;
-        end =
-            std::to_chars(digits, std::end(digits), magnitude, form, spec.precision < 0 ? 6 : spec.precision);
+        const wchar_t form = spec.conversion | 0x20; // lower case
+        const std::chars_format format = form == L'f'   ? std::chars_format::fixed
+                                         : form == L'e' ? std::chars_format::scientific
+                                                        : std::chars_format::general;
+        const int precision = spec.precision < 0 ? 6 : spec.precision;
+        end = std::to_chars(digits, std::end(digits), magnitude, format, precision).ptr;
+        if (form != spec.conversion)
+            std::transform(digits, end, digits,
+                           [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
     }
-    if (IsOneOf(spec.conversion, L"FEG"))
-        std::transform(digits, end.ptr, digits,
-                       [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
-
-    NumberText number;
-    number.Add(SignOf(std::signbit(value), spec));
-    const std::size_t prefixSize = number.size;
-    number.Add({digits, end.ptr});
-    AppendField(out, {number.text, number.size}, prefixSize, spec, spec.zeroFill && std::isfinite(value));
+    AppendField(out, SignOf(std::signbit(value), spec), 0, std::string_view(digits, end), spec,
+                spec.zeroFill && std::isfinite(value));
     return true;
 }
 
@@ -200,14 +192,15 @@ bool PlaceholderValue::AppendInteger(ZTString& out, const FormatSpec& spec) cons
         if (mValue.integer > static_cast<std::uint64_t>(std::numeric_limits<wchar_t>::max()))
             return false;
         const auto character = static_cast<wchar_t>(mValue.integer);
-        AppendField(out, {&character, 1}, 0, spec, false);
+        AppendField(out, {}, 0, std::wstring_view(&character, 1), spec, false);
         return true;
     }
-    if (spec.conversion != 0 && !IsOneOf(spec.conversion, kIntegerConversions))
+    if (!spec.IsOneOf(L"diuoxX"))
         return false;
 
-    const bool asSigned = spec.conversion == 0 ? mKind == Kind::Signed : IsOneOf(spec.conversion, L"di");
     // The value in its own width, read as the conversion asks.
+    const bool asSigned =
+        spec.conversion == 0 ? mKind == Kind::Signed : spec.conversion == L'd' || spec.conversion == L'i';
     std::uint64_t magnitude = mValue.integer;
     if (mSize == sizeof(std::uint32_t))
         magnitude = asSigned ? static_cast<std::uint64_t>(static_cast<std::int32_t>(magnitude))
@@ -216,29 +209,28 @@ bool PlaceholderValue::AppendInteger(ZTString& out, const FormatSpec& spec) cons
     if (negative)
         magnitude = 0 - magnitude;
 
+    const bool hexadecimal = spec.conversion == L'x' || spec.conversion == L'X';
+    const bool octal = spec.conversion == L'o';
     const bool capital = spec.conversion == L'X';
-    const int base = capital || spec.conversion == L'x' ? 16 : spec.conversion == L'o' ? 8 : 10;
     char digits[24];
-    const char* const end = std::to_chars(digits, std::end(digits), magnitude, base).ptr;
+    std::string_view text;
+    if (hexadecimal || octal)
+        text = PowerOfTwoDigits(magnitude, hexadecimal ? 4 : 3, capital, std::end(digits));
+    else
+        text = {digits, std::to_chars(digits, std::end(digits), magnitude).ptr};
     // printf shows no digit at all of a zero with precision zero.
-    const auto size = magnitude == 0 && spec.precision == 0 ? 0 : static_cast<std::size_t>(end - digits);
-    if (capital)
-        std::transform(digits, digits + size, digits,
-                       [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
+    if (magnitude == 0 && spec.precision == 0)
+        text = {};
 
-    NumberText number;
-    if (asSigned)
-        number.Add(SignOf(negative, spec));
-    else if (spec.alternate && base == 16 && magnitude != 0)
-        number.Add(capital ? "0X" : "0x");
-    const std::size_t prefixSize = number.size;
-    auto zeros =
-        spec.precision > static_cast<int>(size) ? static_cast<std::size_t>(spec.precision) - size : 0;
-    if (spec.alternate && base == 8 && zeros == 0 && (size == 0 || digits[0] != '0'))
+    const auto precision = static_cast<std::size_t>(std::max(spec.precision, 0));
+    std::size_t zeros = precision > text.size() ? precision - text.size() : 0;
+    if (spec.alternate && octal && zeros == 0 && !text.starts_with('0'))
         zeros = 1;
-    std::fill_n(number.text + number.size, zeros, L'0');
-    number.size += zeros;
-    number.Add({digits, size});
-    AppendField(out, {number.text, number.size}, prefixSize, spec, spec.zeroFill && spec.precision < 0);
+    std::string_view prefix;
+    if (asSigned)
+        prefix = SignOf(negative, spec);
+    else if (spec.alternate && hexadecimal && magnitude != 0)
+        prefix = capital ? "0X" : "0x";
+    AppendField(out, prefix, zeros, text, spec, spec.zeroFill && spec.precision < 0);
     return true;
 }

@@ -2,6 +2,7 @@
 #include "foundation/Oriska.h"
 
 #include <algorithm>
+#include <cwchar>
 
 namespace
 {
@@ -15,64 +16,61 @@ struct Placeholder
     std::wstring_view spec;
 };
 
-// Reads `{}`, `{n}`, `{:spec}` or `{n:spec}` at the front of `text` and takes it off. False when it is none.
-bool TakePlaceholder(std::wstring_view& text, std::size_t runningIndex, Placeholder& placeholder)
+// Reads `{}`, `{n}`, `{:spec}` or `{n:spec}`, of which `at` is the brace, and gives its end; null when it is
+// none.
+const wchar_t* ReadPlaceholder(const wchar_t* at, std::size_t runningIndex, Placeholder& placeholder)
 {
-    const std::size_t end = text.find(L'}');
-    if (end == std::wstring_view::npos)
-        return false;
-    const std::wstring_view inside = text.substr(1, end - 1);
-    std::size_t index = 0;
-    std::size_t place = 0;
-    for (; place < inside.size() && inside[place] >= L'0' && inside[place] <= L'9'; ++place)
-        index = std::min(index * 10 + static_cast<std::size_t>(inside[place] - L'0'), kIndexMax);
-    if (place < inside.size() && inside[place] != L':')
-        return false;
-    placeholder.index = place == 0 ? runningIndex : index;
-    placeholder.spec = inside.substr(std::min(place + 1, inside.size()));
-    text.remove_prefix(end + 1);
-    return true;
-}
-
-void Append(ZTString& out, std::wstring_view text)
-{
-    out.Append(text.data(), static_cast<int>(text.size()));
+    ++at;
+    placeholder.index = runningIndex;
+    if (*at >= L'0' && *at <= L'9')
+        for (placeholder.index = 0; *at >= L'0' && *at <= L'9'; ++at)
+            placeholder.index =
+                std::min(placeholder.index * 10 + static_cast<std::size_t>(*at - L'0'), kIndexMax);
+    const wchar_t* spec = at;
+    if (*at == L':')
+        for (++spec; *at != 0 && *at != L'}';)
+            ++at;
+    if (*at != L'}')
+        return nullptr;
+    placeholder.spec = {spec, at};
+    return at + 1;
 }
 
 } // namespace
 
-ZTString _StrFormat(const wchar_t* format, const PlaceholderValues& values)
+ZTString FormatValues(const wchar_t* format, std::span<const PlaceholderValue> values)
 {
     ZTString result;
-    std::wstring_view rest = format ? format : L"";
-    std::size_t runningIndex = 0;
+    const wchar_t* at = format ? format : L"";
     // One allocation serves most texts.
-    constexpr int kRoomForAValue = 24;
-    result.GetBuffer(static_cast<int>(rest.size()) + kRoomForAValue * static_cast<int>(values.size()));
+    constexpr std::size_t kRoomForAValue = 24;
+    result.GetBuffer(static_cast<int>(std::wcslen(at) + kRoomForAValue * values.size()));
     result.ReleaseBuffer(0);
-    for (;;)
+    std::size_t runningIndex = 0;
+    while (*at != 0)
     {
-        const std::size_t brace = rest.find(L'{');
-        Append(result, rest.substr(0, brace));
-        if (brace == std::wstring_view::npos)
-            return result;
-        rest.remove_prefix(brace);
-
         Placeholder placeholder;
-        if (rest.starts_with(L"{{"))
+        const wchar_t* const begin = at;
+        if (*at != L'{')
         {
-            result += L'{';
-            rest.remove_prefix(2);
+            while (*at != 0 && *at != L'{')
+                ++at;
+            result.Append(begin, static_cast<int>(at - begin));
         }
-        else if (!TakePlaceholder(rest, runningIndex, placeholder))
+        else if (at[1] == L'{')
         {
             result += L'{';
-            rest.remove_prefix(1);
+            at += 2;
+        }
+        else if (at = ReadPlaceholder(begin, runningIndex, placeholder); !at)
+        {
+            result += L'{';
+            at = begin + 1;
         }
         else if (placeholder.index >= values.size())
         {
             result += L"@@@";
-            return result;
+            break;
         }
         else
         {
@@ -82,4 +80,5 @@ ZTString _StrFormat(const wchar_t* format, const PlaceholderValues& values)
                 value.AppendTo(result, {});
         }
     }
+    return result;
 }
