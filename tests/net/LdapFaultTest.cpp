@@ -146,7 +146,7 @@ TEST(LdapFault, OfABindIsNamedWithItsCause)
          0x7e, L"Unknown Error"},
         {"an answer of another kind",
          BindAnswer([](Connection& peer) { peer.SendMessage(Connection::Result(kSearchDone, 0)); }), 0x54,
-         L"Decoding Error"},
+         L"Decoding Error: the server answered another question"},
         {"a result without its texts",
          BindAnswer([](Connection& peer)
                     { peer.SendMessage(BerElementOf(kBindResponse, std::string("\x0a\x01\x00", 3))); }),

@@ -63,8 +63,10 @@ bool RaiseLoopback()
 
 bool EnterOwnNetwork()
 {
+    // The layer keeps named events in /dev/shm: an unattended run elsewhere must not refuse those in here.
     if (unshare(CLONE_NEWNET | CLONE_NEWNS) != 0 ||
-        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 || !RaiseLoopback())
+        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("tmpfs", "/dev/shm", "tmpfs", 0, "mode=1777") != 0 || !RaiseLoopback())
     {
         std::perror("a network of its own");
         return false;
@@ -78,6 +80,7 @@ void ReplaceSystemFile(const fs::path& path, const std::string& content)
     const fs::path file = directory / "content";
     std::ofstream(file, std::ios::binary) << content;
     fs::permissions(file, fs::status(path).permissions());
+    umount2(path.c_str(), MNT_DETACH); // an earlier replacement, whose file is gone
     if (mount(file.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
         std::perror(path.c_str());
     fs::remove_all(directory); // the mount holds it
