@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <memory>
@@ -88,8 +89,9 @@ bool SamePeer(int left, int right)
     sockaddr_storage b{};
     socklen_t aLength = sizeof a;
     socklen_t bLength = sizeof b;
-    if (getpeername(left, reinterpret_cast<sockaddr*>(&a), &aLength) != 0 ||
-        getpeername(right, reinterpret_cast<sockaddr*>(&b), &bLength) != 0 || a.ss_family != b.ss_family)
+    if (getpeername(left, reinterpret_cast<sockaddr*>(&a), &aLength) != 0)
+        return errno == ENOTCONN; // gone again already: it will get nothing
+    if (getpeername(right, reinterpret_cast<sockaddr*>(&b), &bLength) != 0 || a.ss_family != b.ss_family)
         return false;
     if (a.ss_family == AF_INET)
         return std::memcmp(&reinterpret_cast<sockaddr_in*>(&a)->sin_addr,

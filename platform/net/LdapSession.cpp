@@ -233,7 +233,7 @@ LdapFault LdapSession::ConnectTo(const LdapHost& host, Deadline deadline)
     ldap_set_option(handle, LDAP_OPT_NETWORK_TIMEOUT, &noTimeout);
     ldap_set_option(handle, LDAP_OPT_RESTART, LDAP_OPT_ON);
     ldap_set_option(handle, LDAP_OPT_X_SASL_NOCANON, LDAP_OPT_ON);
-    ldap_set_option(handle, LDAP_OPT_X_SASL_SECPROPS, "none,noanonymous");
+    ldap_set_option(handle, LDAP_OPT_X_SASL_SECPROPS, "none,noanonymous,minssf=0,maxssf=2147483647");
     mHost = host.name;
     mChannel = std::move(channel);
     mHandle = handle;

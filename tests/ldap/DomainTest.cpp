@@ -34,6 +34,13 @@ std::string LastLogOn()
     return last;
 }
 
+// Which naming context the controller lists last, and so what lies below it, differs from one to the next.
+std::string WithoutCounts(const std::string& console)
+{
+    static const std::regex count("Got [0-9]+ objects");
+    return std::regex_replace(console, count, "Got n objects");
+}
+
 TEST(Domain, IsTestedWithOneMethod)
 {
     const std::string password = "Wond3rland!";
@@ -83,7 +90,7 @@ TEST(Domain, IsTestedWithOneMethod)
     for (const Case& test : kCases)
     {
         const LdapAnswers& answers = test.answers;
-        EXPECT_EQ(RunLdapTest(answers), Framed(answers, test.outcome))
+        EXPECT_EQ(WithoutCounts(RunLdapTest(answers)), WithoutCounts(Framed(answers, test.outcome)))
             << answers.method << " as " << answers.user << " at " << answers.server << ":" << answers.port;
         if (!test.logOn.empty())
         {
@@ -96,8 +103,9 @@ TEST(Domain, IsTestedWithAllMethodsUntilNtlmBinds)
 {
     const LdapAnswers answers = {kController, "0", "TAVO", "alice", "Wond3rland!", kTryAll};
     // The controller wants the user's full name for a simple bind.
-    EXPECT_EQ(RunLdapTest(answers),
-              Framed(answers, Refused(kSimpleSsl, 0x31, kWrongSimple) + Bound(kNtlm) + Walked(0)));
+    EXPECT_EQ(
+        WithoutCounts(RunLdapTest(answers)),
+        WithoutCounts(Framed(answers, Refused(kSimpleSsl, 0x31, kWrongSimple) + Bound(kNtlm) + Walked(0))));
 }
 
 TEST(Domain, IsTestedWithAllMethodsThoughNoneBinds)

@@ -133,7 +133,8 @@ TEST_F(LogDirectory, WithUnreadableFoldersALoopAndGreatDepthIsShippedAsFarAsCanB
     EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 1", kSent))
         << outcome.console;
     EXPECT_THAT(outcome.console, HasSubstr("Ignoring:\nold.log\n"));
-    const fs::path unpacked = Unpack(server.Directory() / "case.zip");
+    // 2: the loop lies in the archive as a link, which the unpacker refuses to follow.
+    const fs::path unpacked = Unpack(server.Directory() / "case.zip", 2);
     EXPECT_EQ("fresh", ReadFile(unpacked / "fresh.log"));
     EXPECT_EQ("deep", ReadFile(unpacked / fs::relative(deep, Logs()) / "deep.log"));
     EXPECT_THAT(Leftovers(), ElementsAre());

@@ -87,11 +87,11 @@ std::vector<std::string> Verdicts(const ProgramOutcome& outcome)
     return found;
 }
 
-fs::path Unpack(const fs::path& archive)
+fs::path Unpack(const fs::path& archive, int expected)
 {
     const fs::path target = archive.string() + ".unpacked";
     const std::string command = "'" TAVO_PROGRAM_DIR "/7za.exe' x -y -o'" + target.string() + "' '" +
                                 archive.string() + "' >/dev/null </dev/null";
-    EXPECT_EQ(0, std::system(command.c_str()));
+    EXPECT_EQ(expected, WEXITSTATUS(std::system(command.c_str())));
     return target;
 }

@@ -56,4 +56,4 @@ std::vector<std::string> ShipmentLines(const ProgramOutcome& outcome);
 std::vector<std::string> Verdicts(const ProgramOutcome& outcome);
 
 // Unpacks an archive into a new directory beside it and gives that.
-std::filesystem::path Unpack(const std::filesystem::path& archive);
+std::filesystem::path Unpack(const std::filesystem::path& archive, int expected = 0);

@@ -138,7 +138,7 @@ TEST_F(WholeShipment, TheButtonShipsUnderTheDateAndOtherButtonsWorkMeanwhile)
     WriteFile(Logs() / "fresh.log", "fresh");
     const RealFtpServer server(kFtpUser, kFtpPassword);
     ProgramStart start;
-    start.input = {"FTP Logs to Support", "CRC64", "Close", "Close"};
+    start.input = {"FTP Logs to Support", "CRC64", "Cancel", "Close"};
     const ProgramOutcome outcome = folder.Run(start);
     EXPECT_TRUE(outcome.ended) << outcome.console;
     const std::time_t now = std::time(nullptr);
