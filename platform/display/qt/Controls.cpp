@@ -136,6 +136,11 @@ void RefreshSelection(const Window& control)
 
 void RefreshReadOnly(const Window& control)
 {
+    auto& widget = WidgetOf<QWidget>(control);
+    QPalette palette; // a text that cannot be edited lies on the dialog's own colour
+    if (IsReadOnly(control))
+        palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+    widget.setPalette(palette);
     if (!IsMultiLine(control))
         return WidgetOf<QLineEdit>(control).setReadOnly(IsReadOnly(control));
     auto& edit = WidgetOf<QPlainTextEdit>(control);
