@@ -36,6 +36,7 @@ constexpr Difference kDifferences[] = {
     {"Current RFC822 mail time: ", "the clock moves on"},
     {"Current ISO8601 time: ", "the clock moves on"},
     {"Current ODBC time in UTC: ", "the clock moves on"},
+    {"Daylight Bias: ", "the Windows side here gives one to a zone that has no daylight time"},
     {"Timezone Standard Name: ", "each system has zone names of its own"},
     {"Timezone Daylight Name: ", "each system has zone names of its own"},
     {"MAC log: ", "the sizes of the adapter records differ"},
