@@ -94,7 +94,7 @@ int FormatToBuffer(const wchar_t* format, wchar_t* buffer, int size, const Place
     {
         Text,
         Index,
-        Specification
+        Conversion
     };
     if (size <= 0)
         return 0;
@@ -103,7 +103,7 @@ int FormatToBuffer(const wchar_t* format, wchar_t* buffer, int size, const Place
     std::size_t closed = 0; // placeholders so far
     std::size_t index = 0;
     bool hasIndex = false;
-    std::wstring specification;
+    std::wstring conversion;
     for (; *format && length < size; ++format)
     {
         const wchar_t character = *format;
@@ -117,7 +117,7 @@ int FormatToBuffer(const wchar_t* format, wchar_t* buffer, int size, const Place
             state = State::Index;
             index = closed;
             hasIndex = false;
-            specification.clear();
+            conversion.clear();
         }
         else if (character == L'}')
         {
@@ -131,21 +131,21 @@ int FormatToBuffer(const wchar_t* format, wchar_t* buffer, int size, const Place
                 break;
             }
             const int written = values[index].Format(buffer + length, size - length,
-                                                     specification.empty() ? nullptr : specification.c_str());
+                                                     conversion.empty() ? nullptr : conversion.c_str());
             if (written < 0)
                 return -1;
             length += written;
             ++closed;
             state = State::Text;
         }
-        else if (state == State::Specification)
+        else if (state == State::Conversion)
         {
-            specification += character;
+            conversion += character;
         }
         else if (character == L':')
         {
-            state = State::Specification;
-            specification = L"%";
+            state = State::Conversion;
+            conversion = L"%";
         }
         else if (character >= L'0' && character <= L'9')
         {

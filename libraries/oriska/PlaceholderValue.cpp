@@ -15,7 +15,7 @@
 namespace
 {
 
-// Adds a sign or base, zeros and the text itself in a field of the spec's width.
+// Adds a sign or base, zeros and the text itself in a field of the conversion's width.
 template <typename Character>
 void AppendField(ZTString& out, std::string_view prefix, std::size_t zeros,
                  std::basic_string_view<Character> text, const FormatSpec& spec, bool zeroFill)
