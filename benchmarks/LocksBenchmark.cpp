@@ -5,11 +5,23 @@
 
 #include <benchmark/benchmark.h>
 
+#include <condition_variable>
 #include <mutex>
+#include <stop_token>
+#include <thread>
 #include <vector>
 
 namespace
 {
+
+// The program is never alone with one thread, and the C library drops its atomic operations where one is.
+std::jthread gOtherThread(
+    [](const std::stop_token& stop)
+    {
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any().wait(lock, stop, [] { return false; });
+    });
 
 CLockCS gLock;
 std::recursive_mutex gMutex;

@@ -52,14 +52,25 @@ public:
     PlaceholderValue(const CStringW& text, const wchar_t* = nullptr); // a ZTString is one
     PlaceholderValue(const wchar_t* text, const wchar_t* = nullptr);
     PlaceholderValue(const char* text, const wchar_t* = nullptr); // UTF-8
-    PlaceholderValue(unsigned char number, const wchar_t* = nullptr);
-    PlaceholderValue(int number, const wchar_t* = nullptr);
-    PlaceholderValue(unsigned int number, const wchar_t* = nullptr);
-    PlaceholderValue(long number, const wchar_t* = nullptr);
-    PlaceholderValue(unsigned long number, const wchar_t* = nullptr);
-    PlaceholderValue(long long number, const wchar_t* = nullptr);
-    PlaceholderValue(unsigned long long number, const wchar_t* = nullptr);
-    PlaceholderValue(double number, const wchar_t* = nullptr);
+    PlaceholderValue(unsigned char number, const wchar_t* = nullptr) : PlaceholderValue(unsigned{number}) {}
+    PlaceholderValue(int number, const wchar_t* = nullptr) : PlaceholderValue(number, Kind::Signed) {}
+    PlaceholderValue(unsigned int number, const wchar_t* = nullptr) : PlaceholderValue(number, Kind::Unsigned)
+    {
+    }
+    PlaceholderValue(long number, const wchar_t* = nullptr) : PlaceholderValue(number, Kind::Signed) {}
+    PlaceholderValue(unsigned long number, const wchar_t* = nullptr)
+        : PlaceholderValue(number, Kind::Unsigned)
+    {
+    }
+    PlaceholderValue(long long number, const wchar_t* = nullptr) : PlaceholderValue(number, Kind::Signed) {}
+    PlaceholderValue(unsigned long long number, const wchar_t* = nullptr)
+        : PlaceholderValue(number, Kind::Unsigned)
+    {
+    }
+    PlaceholderValue(double number, const wchar_t* = nullptr)
+        : mValue{.real = number}, mSize(sizeof number), mKind(Kind::Double)
+    {
+    }
 
     // Writes the value to `out`, which holds `capacity` characters. `spec` is "%" and a printf conversion,
     // or null for the value's natural form. Gives the characters written, no terminator among them, or -1
@@ -78,6 +89,12 @@ private:
         Unsigned,
         Double,
     };
+
+    template <typename Integer>
+    PlaceholderValue(Integer number, Kind kind)
+        : mValue{.integer = static_cast<std::uint64_t>(number)}, mSize(sizeof number), mKind(kind)
+    {
+    }
 
     // `spec` comes without its "%"; an empty one is the natural form. False: nothing was added.
     bool AppendTo(ZTString& out, std::wstring_view spec) const;

@@ -167,7 +167,13 @@ public:
     }
     CStringT& operator+=(XCHAR character)
     {
-        Append(&character, 1);
+        if (GetLength() == GetAllocLength())
+            Append(&character, 1);
+        else
+        {
+            mData[GetLength()] = character;
+            SetLength(Size() + 1);
+        }
         return *this;
     }
 

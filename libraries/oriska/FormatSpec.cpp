@@ -12,11 +12,10 @@ namespace
 int TakeSize(std::wstring_view& text)
 {
     int size = 0;
-    while (!text.empty() && text.front() >= L'0' && text.front() <= L'9')
-    {
-        size = std::min(size * 10 + static_cast<int>(text.front() - L'0'), kFormatSizeMax);
-        text.remove_prefix(1);
-    }
+    std::size_t digits = 0;
+    for (; digits < text.size() && text[digits] >= L'0' && text[digits] <= L'9'; ++digits)
+        size = std::min(size * 10 + static_cast<int>(text[digits] - L'0'), kFormatSizeMax);
+    text.remove_prefix(digits);
     return size;
 }
 

@@ -95,65 +95,18 @@ bool AppendDouble(ZTString& out, double value, const FormatSpec& spec)
 } // namespace
 
 PlaceholderValue::PlaceholderValue(const CStringW& text, const wchar_t*)
-    : mSize(static_cast<std::size_t>(text.GetLength())), mKind(Kind::Wide)
+    : mValue{.wide = text.GetString()}, mSize(static_cast<std::size_t>(text.GetLength())), mKind(Kind::Wide)
 {
-    mValue.wide = text.GetString();
 }
 
 PlaceholderValue::PlaceholderValue(const wchar_t* text, const wchar_t*)
-    : mSize(text ? std::wcslen(text) : 0), mKind(Kind::Wide)
+    : mValue{.wide = text}, mSize(text ? std::wcslen(text) : 0), mKind(Kind::Wide)
 {
-    mValue.wide = text;
 }
 
 PlaceholderValue::PlaceholderValue(const char* text, const wchar_t*)
-    : mSize(text ? std::strlen(text) : 0), mKind(Kind::Narrow)
+    : mValue{.narrow = text}, mSize(text ? std::strlen(text) : 0), mKind(Kind::Narrow)
 {
-    mValue.narrow = text;
-}
-
-PlaceholderValue::PlaceholderValue(double number, const wchar_t*) : mSize(sizeof number), mKind(Kind::Double)
-{
-    mValue.real = number;
-}
-
-PlaceholderValue::PlaceholderValue(int number, const wchar_t*) : mSize(sizeof number), mKind(Kind::Signed)
-{
-    mValue.integer = static_cast<std::uint64_t>(number);
-}
-
-PlaceholderValue::PlaceholderValue(long number, const wchar_t*) : mSize(sizeof number), mKind(Kind::Signed)
-{
-    mValue.integer = static_cast<std::uint64_t>(number);
-}
-
-PlaceholderValue::PlaceholderValue(long long number, const wchar_t*)
-    : mSize(sizeof number), mKind(Kind::Signed)
-{
-    mValue.integer = static_cast<std::uint64_t>(number);
-}
-
-// As an argument of printf it would be widened to int.
-PlaceholderValue::PlaceholderValue(unsigned char number, const wchar_t*) : PlaceholderValue(unsigned{number})
-{
-}
-
-PlaceholderValue::PlaceholderValue(unsigned int number, const wchar_t*)
-    : mSize(sizeof number), mKind(Kind::Unsigned)
-{
-    mValue.integer = number;
-}
-
-PlaceholderValue::PlaceholderValue(unsigned long number, const wchar_t*)
-    : mSize(sizeof number), mKind(Kind::Unsigned)
-{
-    mValue.integer = number;
-}
-
-PlaceholderValue::PlaceholderValue(unsigned long long number, const wchar_t*)
-    : mSize(sizeof number), mKind(Kind::Unsigned)
-{
-    mValue.integer = number;
 }
 
 int PlaceholderValue::Format(wchar_t* out, int capacity, const wchar_t* spec) const
@@ -195,12 +148,16 @@ bool PlaceholderValue::AppendInteger(ZTString& out, const FormatSpec& spec) cons
         AppendField(out, {}, 0, std::wstring_view(&character, 1), spec, false);
         return true;
     }
-    if (!spec.IsOneOf(L"diuoxX"))
+    const bool natural = spec.conversion == 0;
+    const bool signedDecimal = spec.conversion == L'd' || spec.conversion == L'i';
+    const bool capital = spec.conversion == L'X';
+    const bool hexadecimal = spec.conversion == L'x' || capital;
+    const bool octal = spec.conversion == L'o';
+    if (!natural && !signedDecimal && !hexadecimal && !octal && spec.conversion != L'u')
         return false;
 
     // The value in its own width, read as the conversion asks.
-    const bool asSigned =
-        spec.conversion == 0 ? mKind == Kind::Signed : spec.conversion == L'd' || spec.conversion == L'i';
+    const bool asSigned = signedDecimal || (natural && mKind == Kind::Signed);
     std::uint64_t magnitude = mValue.integer;
     if (mSize == sizeof(std::uint32_t))
         magnitude = asSigned ? static_cast<std::uint64_t>(static_cast<std::int32_t>(magnitude))
@@ -209,9 +166,6 @@ bool PlaceholderValue::AppendInteger(ZTString& out, const FormatSpec& spec) cons
     if (negative)
         magnitude = 0 - magnitude;
 
-    const bool hexadecimal = spec.conversion == L'x' || spec.conversion == L'X';
-    const bool octal = spec.conversion == L'o';
-    const bool capital = spec.conversion == L'X';
     char digits[24];
     std::string_view text;
     if (hexadecimal || octal)

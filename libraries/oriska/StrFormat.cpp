@@ -55,7 +55,10 @@ ZTString FormatValues(const wchar_t* format, std::span<const PlaceholderValue> v
         {
             while (*at != 0 && *at != L'{')
                 ++at;
-            result.Append(begin, static_cast<int>(at - begin));
+            if (at - begin == 1)
+                result += *begin; // a separator, the commonest of all
+            else
+                result.Append(begin, static_cast<int>(at - begin));
         }
         else if (at[1] == L'{')
         {
