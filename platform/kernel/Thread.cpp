@@ -56,7 +56,12 @@ std::uintptr_t _beginthread(void (*start)(void*), unsigned stackSize, void* argu
 
 DWORD GetCurrentThreadId()
 {
-    static thread_local const auto id = static_cast<DWORD>(gettid());
+    // Asked by every acquisition of a lock: kept where reading it needs no call.
+    [[gnu::tls_model("initial-exec")]] static constinit thread_local DWORD id = 0;
+    if (id == 0)
+    {
+        id = static_cast<DWORD>(gettid());
+    }
     return id;
 }
 
