@@ -22,6 +22,24 @@ public:
     NestedPump& operator=(const NestedPump&) = delete;
 };
 
+// Dispatches a message that was taken from the queue. False when the thread is to end its loops.
+bool ServeMessage(MSG& message)
+{
+    if (message.message == WM_QUIT)
+    {
+        // It ends the loop that the pump runs inside of.
+        PostQuitMessage(static_cast<int>(message.wParam));
+        return false;
+    }
+    // The keyboard works in a dialog whose own loop is held up.
+    const HWND dialog = message.hwnd != nullptr ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
+    if (dialog != nullptr && IsDialogMessageW(dialog, &message))
+        return true;
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+    return true;
+}
+
 } // namespace
 
 void PumpMessages(HWND, DWORD)
@@ -30,7 +48,7 @@ void PumpMessages(HWND, DWORD)
         return;
     const NestedPump nested;
     MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) && kelvane::ServeMessage(message))
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) && ServeMessage(message))
     {
     }
 }

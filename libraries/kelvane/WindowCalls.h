@@ -7,9 +7,6 @@
 namespace kelvane
 {
 
-// Dispatches a message that was taken from the queue. False when the thread is to end its loops.
-bool ServeMessage(MSG& message);
-
 // What ShowTimedBox answers when nobody did within the time.
 constexpr int kTimedOut = 32000;
 int ShowTimedBox(const wchar_t* title, const wchar_t* text, UINT type, DWORD milliseconds);

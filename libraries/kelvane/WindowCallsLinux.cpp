@@ -6,14 +6,6 @@ namespace kelvane
 
 static_assert(kTimedOut == MB_TIMEDOUT);
 
-// The display gives dialogs their keys itself, and there is no message that ends loops.
-bool ServeMessage(MSG& message)
-{
-    TranslateMessage(&message);
-    DispatchMessageW(&message);
-    return true;
-}
-
 int ShowTimedBox(const wchar_t* title, const wchar_t* text, UINT type, DWORD milliseconds)
 {
     return MessageBoxTimeoutW(nullptr, text, title, type, 0, milliseconds);

@@ -133,6 +133,7 @@
 #define PM_NOREMOVE 0
 #define PM_REMOVE 1
 
+#define GA_ROOT 2
 #define GWL_STYLE (-16)
 #define DWLP_MSGRESULT 0
 #define DWLP_USER 16
@@ -192,8 +193,8 @@ extern "C"
     // Message boxes. MessageBoxTimeoutW answers MB_TIMEDOUT when nobody did within the time; the language
     // is ignored. Without an owner, dialogs that are open stay enabled.
     PLATFORM_EXPORT int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
-    PLATFORM_EXPORT int MessageBoxTimeoutW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type, WORD language,
-                                           DWORD milliseconds);
+    PLATFORM_EXPORT int MessageBoxTimeoutW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
+                                           WORD language, DWORD milliseconds);
 
     // Messages. Posted ones come first, in the order of posting, then WM_QUIT, then what the person did, then
     // WM_PAINT.
@@ -207,7 +208,7 @@ extern "C"
     PLATFORM_EXPORT LRESULT DispatchMessageW(const MSG* message);
 
     // Windows.
-    PLATFORM_EXPORT HWND GetParent(HWND window); // of a dialog the owner
+    PLATFORM_EXPORT HWND GetAncestor(HWND window, UINT kind); // GA_ROOT: the dialog that it lies in, or is
     PLATFORM_EXPORT BOOL SetWindowTextW(HWND window, LPCWSTR text);
     PLATFORM_EXPORT int GetWindowTextW(HWND window, LPWSTR text, int capacity);
     PLATFORM_EXPORT int GetWindowTextLengthW(HWND window);

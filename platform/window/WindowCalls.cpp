@@ -2,6 +2,7 @@
 #include "platform/window/Desk.h"
 #include "platform/kernel/Error.h"
 
+#include <cassert>
 #include <utility>
 
 using namespace platform;
@@ -29,10 +30,11 @@ LONG_PTR* FindLong(HWND handle, int index)
 
 } // namespace
 
-HWND GetParent(HWND handle)
+HWND GetAncestor(HWND handle, [[maybe_unused]] UINT kind)
 {
-    const Window* const window = FindWindow(handle);
-    return window != nullptr ? HandleOf(window->parent) : nullptr;
+    assert(kind == GA_ROOT);
+    Window* const window = FindWindow(handle);
+    return window != nullptr ? DialogOf(*window).handle : nullptr;
 }
 
 HWND GetDlgItem(HWND handle, int id)

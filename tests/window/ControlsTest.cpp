@@ -181,7 +181,8 @@ TEST(AnyControl, CanBeDisabledAndFocused)
             EnableWindow(push, FALSE);
             EXPECT_EQ(FocusedControl(), nullptr) << "a disabled control has no focus";
             EXPECT_FALSE(IsShown(GetDlgItem(dialog, IDC_HIDDEN)));
-            EXPECT_EQ(GetParent(push), dialog);
+            EXPECT_EQ(GetAncestor(push, GA_ROOT), dialog);
+            EXPECT_EQ(GetAncestor(dialog, GA_ROOT), dialog);
             EXPECT_EQ(GetDlgItem(dialog, 4711), nullptr);
         });
 }

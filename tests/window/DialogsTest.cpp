@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Dialogs, message boxes and the queue, on bare window calls; framework_tests has the rest of the loops.
+#include "foundation/Kelvane.h"
 #include "tests/support/WindowProbe.h"
 #include "tests/window/ScriptedDialog.h"
 
@@ -9,6 +10,7 @@
 #include <atomic>
 #include <chrono>
 #include <thread>
+#include <vector>
 
 using testing::Each;
 using testing::ElementsAre;
@@ -186,6 +188,31 @@ TEST(Queue, QuitComesBehindWhatWasPostedAndEndsTheLoop)
     ASSERT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) << "the outer loop has to hear of it, too";
     EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
     EXPECT_EQ(message.wParam, 5u);
+}
+
+TEST(Queue, LibrarysPumpServesTheKeysOfADialogWhoseLoopIsHeldUp)
+{
+    std::vector<int> commands;
+    ScriptedDialog script;
+    script.serve = [&](HWND, UINT message, WPARAM wParam, LPARAM)
+    {
+        if (message == WM_COMMAND)
+            commands.push_back(LOWORD(wParam));
+        return message == WM_COMMAND;
+    };
+    script.body = [&](HWND dialog)
+    {
+        const HWND line = GetDlgItem(dialog, IDC_LINE);
+        SetFocus(line);
+        commands.clear();
+        PostMessageW(line, WM_KEYDOWN, VK_RETURN, 0);
+        PostMessageW(line, WM_KEYDOWN, VK_ESCAPE, 0);
+        PumpMessages(nullptr, 0);
+        std::erase_if(commands, [](int id) { return id != IDC_DEFAULT && id != IDCANCEL; });
+        EXPECT_EQ(commands, (std::vector<int>{IDC_DEFAULT, IDCANCEL}));
+        EndDialog(dialog, 1);
+    };
+    script.Run();
 }
 
 TEST(Queue, PostWakesALoopThatSleeps)
