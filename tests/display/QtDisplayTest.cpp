@@ -172,6 +172,24 @@ TEST_F(QtDisplay, ShowsWhatTheTemplateShows)
                     kEscape});
 }
 
+TEST_F(QtDisplay, WindowIconHasEverySizeOfTheResource)
+{
+    const Step setIcon = []
+    {
+        const HICON icon = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TAVO));
+        SendMessageW(platform::TopDialog()->handle, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon));
+        const QIcon shown = TopWidget().windowIcon();
+        for (const int size : {16, 24, 32, 48, 64, 128, 256})
+        {
+            EXPECT_TRUE(shown.availableSizes().contains(QSize(size, size))) << size;
+            const QImage image = shown.pixmap(size).toImage();
+            EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << "the corner is clear, size " << size;
+            EXPECT_EQ(image.pixelColor(image.width() / 2, image.height() / 2).alpha(), 255) << size;
+        }
+    };
+    Use(IDD_CONSOLE, {setIcon, kEscape});
+}
+
 TEST_F(QtDisplay, TabGoesThroughTheControlsInTheTemplatesOrder)
 {
     const struct
