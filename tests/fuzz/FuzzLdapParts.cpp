@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+// What the LDAP client parses by itself: host lists, texts from servers, frames of a protected stream.
+#include "platform/net/GssFrames.h"
+#include "platform/net/LdapHost.h"
+#include "platform/net/LdapText.h"
+
+#include <cstdlib>
+
+namespace
+{
+
+void Require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+void CheckHosts(std::string_view text)
+{
+    const auto hosts = ParseHosts(text, 389);
+    if (!hosts)
+        return;
+    for (const LdapHost& host : *hosts)
+        Require(host.port != 0 && host.name.find(' ') == std::string::npos);
+}
+
+void CheckTexts(std::string_view text)
+{
+    for (const wchar_t character : SafeToPrint(text))
+        Require(character >= L' ' && (character < 0x7f || character >= 0xa0));
+    const std::wstring wide = FromUtf8(text);
+    Require(FromUtf8(ToUtf8(wide)) == wide);
+}
+
+// However a stream is cut, the tokens are the same.
+void CheckFrames(std::string_view stream, std::size_t step)
+{
+    GssFrames whole;
+    GssFrames pieces;
+    if (!whole.Append(stream))
+        return;
+    std::string expected;
+    for (std::size_t at = 0; at < stream.size(); at += step)
+    {
+        if (!pieces.Append(stream.substr(at, step)))
+            return;
+        for (std::string token; pieces.Next(token);)
+        {
+            Require(whole.Next(expected));
+            Require(token == expected);
+        }
+    }
+    Require(!whole.HasNext());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    CheckHosts(text);
+    CheckTexts(text);
+    CheckFrames(text, size % 7 + 1);
+    return 0;
+}
