@@ -15,7 +15,9 @@ namespace
 {
 
 constexpr std::uint16_t kFtpPort = 21;
-constexpr std::size_t kLogBytes = 16000000; // more than the system takes without the server
+constexpr std::size_t kMiddle = 1000000;
+constexpr std::size_t kLargeLog = 16000000; // more than the system takes without the server
+constexpr std::size_t kSmallLog = 100000;
 
 struct Row
 {
@@ -78,11 +80,11 @@ const std::vector<Row> kRows = {
       "### File size: "}},
     {"BrokenInTheMiddle",
      true,
-     Breaking(1000000, "", "426 Broken.\r\n"),
+     Breaking(kMiddle, "", "426 Broken.\r\n"),
      {"Error - 426 Broken.", "Log FTP failed with: 426 Broken.", "### File size: "}},
     {"QuotaInTheMiddle",
      true,
-     Breaking(1000000, "552 Quota.\r\n", ""),
+     Breaking(kMiddle, "552 Quota.\r\n", ""),
      {"Error - 552 Quota.", "Log FTP failed with: 552 Quota.", "### File size: "}},
     {"RefusedAfterTheLastByte",
      true,
@@ -104,7 +106,7 @@ class UploadFaults : public ShipmentTest, public testing::WithParamInterface<Row
 TEST_P(UploadFaults, GiveTheirLinesAndLeaveNothing)
 {
     const Row& row = GetParam();
-    WriteFile(Logs() / "random.log", RandomBytes(kLogBytes));
+    WriteFile(Logs() / "random.log", RandomBytes(row.script.breakAt > 0 ? kLargeLog : kSmallLog));
     const auto server = row.hasServer ? std::make_unique<ScriptedFtpServer>(row.script, kFtpPort) : nullptr;
     const ProgramOutcome outcome = Ship("fault");
     EXPECT_TRUE(outcome.ended);

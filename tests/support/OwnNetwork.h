@@ -7,8 +7,9 @@
 #include <string>
 #include <sys/types.h>
 
-// Puts the calling process, and what it starts, into a network that holds nothing but loopback. Call it
-// before any thread is made. False, with the reason on standard error, where that is not allowed.
+// Puts the calling process, and what it starts, into a network that holds nothing but loopback, with named
+// events of its own. Call it before any thread is made. False, with the reason on standard error, where that
+// is not allowed.
 bool EnterOwnNetwork();
 
 // From now on this process sees `content` in place of the file `path`.

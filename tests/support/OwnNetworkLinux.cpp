@@ -20,6 +20,7 @@
 #include <cstring>
 #include <fstream>
 #include <random>
+#include <set>
 #include <sstream>
 #include <thread>
 
@@ -46,6 +47,14 @@ std::string TextOf(const fs::path& path)
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
+}
+
+std::set<fs::path> gReplaced;
+
+void RestoreSystemFile(const fs::path& path)
+{
+    if (gReplaced.erase(path) == 1)
+        umount2(path.c_str(), MNT_DETACH);
 }
 
 bool RaiseLoopback()
@@ -76,12 +85,14 @@ bool EnterOwnNetwork()
 
 void ReplaceSystemFile(const fs::path& path, const std::string& content)
 {
+    RestoreSystemFile(path);
     const fs::path directory = NewDirectory();
     const fs::path file = directory / "content";
     std::ofstream(file, std::ios::binary) << content;
     fs::permissions(file, fs::status(path).permissions());
-    umount2(path.c_str(), MNT_DETACH); // an earlier replacement, whose file is gone
-    if (mount(file.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
+    if (mount(file.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0)
+        gReplaced.insert(path);
+    else
         std::perror(path.c_str());
     fs::remove_all(directory); // the mount holds it
 }
@@ -128,5 +139,7 @@ RealFtpServer::~RealFtpServer()
 {
     kill(mProcess, SIGTERM);
     waitpid(mProcess, nullptr, 0);
+    RestoreSystemFile("/etc/passwd");
+    RestoreSystemFile("/etc/shadow");
     fs::remove_all(mDirectory);
 }
