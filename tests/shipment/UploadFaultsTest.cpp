@@ -137,4 +137,5 @@ TEST_F(UnknownHost, IsSaidTwiceAndTheShipmentEnds)
                             StartsWith("### File size: ")))
         << outcome.console;
     EXPECT_THAT(Leftovers(), ElementsAre());
+    PointHostHere(TAVO_SUPPORT_HOST);
 }
