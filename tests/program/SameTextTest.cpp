@@ -54,9 +54,8 @@ std::vector<std::string> Compared(const std::string& console)
             if (line.rfind(difference.line, 0) == 0)
                 line = difference.line;
         if (line.find("Current Computer") != std::string::npos)
-            lines.clear();                 // what stands above the report is how a display shows a dialog
-        if (line.rfind("Press: ", 0) != 0) // the terminal's word for buttons
-            lines.push_back(line);
+            lines.clear(); // what stands above the report is how a display shows a dialog
+        lines.push_back(line);
     }
     return lines;
 }

@@ -36,8 +36,10 @@ public:
             else if (dialog.dialog->isMessageBox && control->kind == WindowKind::Label)
                 mOutput.WriteLine(control->text);
         }
-        if (const std::wstring buttons = DescribeButtons(dialog); !buttons.empty())
-            mOutput.WriteLine(buttons);
+        // A script knows its buttons; in the journal of an unattended run they would be noise.
+        if (dialog.dialog->isMessageBox || mInput.IsTerminal())
+            if (const std::wstring buttons = DescribeButtons(dialog); !buttons.empty())
+                mOutput.WriteLine(buttons);
     }
 
     void Hide(Window&) override { mInput.Reopen(); }
