@@ -14,10 +14,26 @@ namespace
 constexpr std::size_t kLongestFile = 1U << 20;
 constexpr std::chrono::seconds kPatience{30};
 
+// Replacing a file replaces a link to it, so a link in its place (an installed program folder has one) is
+// followed by hand, to a file that may not be there yet.
+std::filesystem::path BehindLinks(std::filesystem::path path)
+{
+    constexpr int kMostLinks = 40; // as the kernel
+    for (int links = 0; links < kMostLinks; ++links)
+    {
+        std::error_code error;
+        const std::filesystem::path target = std::filesystem::read_symlink(path, error);
+        if (error)
+            break;
+        path = path.parent_path() / target;
+    }
+    return path;
+}
+
 const std::filesystem::path& StorePath()
 {
-    static const auto& path =
-        *new std::filesystem::path(NativePath(GetPathInAppFolder(L"Tavo.settings.json").AsView()));
+    static const auto& path = *new std::filesystem::path(
+        BehindLinks(NativePath(GetPathInAppFolder(L"Tavo.settings.json").AsView())));
     return path;
 }
 
