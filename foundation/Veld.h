@@ -4,7 +4,7 @@
 
 #include "veldExport.h"
 
-// The program's name, as it stands in log lines.
+// The product's name and version, as they stand in log lines.
 extern VELD_EXPORT const wchar_t* const APPNAME;
 
 // Name of the manual-reset event that makes the monitoring service write a crash dump.

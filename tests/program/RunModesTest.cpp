@@ -67,7 +67,8 @@ TEST(SetConfig, ChangesOneSettingAndSaysSoInTheLog)
             EXPECT_EQ(Count(log, "etting "), 0u) << log;
         }
         EXPECT_EQ(Count(log, "finished SETCONFIG"), 1u) << log;
-        EXPECT_THAT(log, HasSubstr("Tavo STARTING.  User = '"));
+        EXPECT_THAT(log.substr(0, log.find('\n')),
+                    HasSubstr(": ZT " TAVO_VERSION " Tavo STARTING.  User = '"));
         EXPECT_THAT(log, HasSubstr("CmdLine: "));
     }
 }
