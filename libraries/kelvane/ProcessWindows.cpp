@@ -7,10 +7,21 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 
 namespace kelvane
 {
+namespace
+{
+
+// Minutes since 1970, if the time were UTC.
+int MinutesOf(const SYSTEMTIME& time)
+{
+    using namespace std::chrono;
+    const sys_days day = year(time.wYear) / time.wMonth / time.wDay;
+    return static_cast<int>(minutes(day.time_since_epoch()).count()) + time.wHour * 60 + time.wMinute;
+}
+
+} // namespace
 
 unsigned long ProcessId()
 {
@@ -19,19 +30,17 @@ unsigned long ProcessId()
 
 std::string LocalMoment()
 {
-    using namespace std::chrono;
-    const auto now = floor<milliseconds>(system_clock::now());
-    const std::time_t time = system_clock::to_time_t(floor<seconds>(now));
-    tm local{};
-    localtime_s(&local, &time);
-    std::array<char, 64> seconds{};
-    std::strftime(seconds.data(), seconds.size(), "%Y-%m-%d %H:%M:%S", &local);
-    // The runtime's own "%z" is a name. Read as if it were UTC, the wall clock is off by the offset.
-    const auto offset = static_cast<long>((_mkgmtime(&local) - time) / 60);
+    // By the system's zone: the C runtime reads a variable TZ in a form that other programs do not write.
+    SYSTEMTIME utc{};
+    SYSTEMTIME local{};
+    GetSystemTime(&utc);
+    if (!SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local))
+        local = utc;
+    const int offset = MinutesOf(local) - MinutesOf(utc);
     std::array<char, 96> text{};
-    std::snprintf(text.data(), text.size(), "%s.%03d %c%02ld%02ld", seconds.data(),
-                  static_cast<int>(now.time_since_epoch().count() % 1000), offset < 0 ? '-' : '+',
-                  std::labs(offset) / 60, std::labs(offset) % 60);
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d.%03d %c%02d%02d", local.wYear,
+                  local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond, local.wMilliseconds,
+                  offset < 0 ? '-' : '+', std::abs(offset) / 60, std::abs(offset) % 60);
     return text.data();
 }
 

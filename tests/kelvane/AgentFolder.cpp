@@ -44,8 +44,9 @@ AgentOutcome AgentFolder::Run(const std::vector<std::string>& steps, const Envir
     outcome.exitCode = RunProgram(Agent(), arguments, environment, asNobody);
     outcome.answers = Read(answers);
     outcome.errors = Read(answers + ".errors");
+    std::error_code ignored; // the folder goes as a whole
     for (const std::string& name : {answers, answers + ".errors"})
-        std::filesystem::remove(mPath / name);
+        std::filesystem::remove(mPath / name, ignored);
     return outcome;
 }
 

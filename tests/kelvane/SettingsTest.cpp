@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <regex>
 #include <thread>
 
 using testing::ElementsAre;
@@ -159,6 +160,8 @@ TEST(Settings, ThatCannotBeUnderstoodAreSetAside)
 
 TEST(Settings, ThatTheUserMayNotWriteAreRefusedAndKept)
 {
+    if (sizeof(wchar_t) == 2)
+        GTEST_SKIP() << "Wine knows one user, who may write what root may";
     const AgentFolder folder;
     folder.Run({"set:LogLevel:1"});
     std::filesystem::create_directory(folder.Path() / "Logs");
@@ -222,8 +225,7 @@ TEST(Settings, SurviveFiftyProcessesThatSetTheSameOne)
                     EXPECT_EQ(folder.Run({"set:LogFileCount:" + std::to_string(process)}).answers, "true\n");
                 });
     }
-    EXPECT_TRUE(
-        testing::Matches(testing::MatchesRegex("\\{\n  \"LogFileCount\": [0-9]+\n\\}\n"))(folder.Settings()))
+    EXPECT_TRUE(std::regex_match(folder.Settings(), std::regex(R"(\{\n  "LogFileCount": \d+\n\}\n)")))
         << folder.Settings();
 }
 
