@@ -68,5 +68,6 @@ BOOL CTavoApp::InitInstance()
     m_pMainWnd = &console;
     console.DoModal();
     SignalShutdown(L"finished tavo app");
+    m_pMainWnd = nullptr;
     return FALSE;
 }

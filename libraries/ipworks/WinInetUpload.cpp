@@ -126,6 +126,7 @@ UploadResult WinInetUpload::Run()
         Watchdog watchdog(session, mJob.stallLimit);
         mWatchdog = &watchdog;
         result = Transfer(session);
+        mWatchdog = nullptr;
         if (result.code != kIPWorksOk && watchdog.HasBitten())
             result = {kIPWorksStalled,
                       "No byte moved for " + std::to_string(mJob.stallLimit.count()) + " seconds."};
