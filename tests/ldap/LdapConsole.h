@@ -31,10 +31,15 @@ struct LdapAnswers
 std::string RunLdapTest(const LdapAnswers& answers,
                         const std::vector<std::pair<std::string, std::string>>& environment = {});
 
+// Makes the calls of a test in this process and gives its text. For Wine, whose windows take seconds for what
+// the client does at once.
+std::string RunLdapCalls(const LdapAnswers& answers);
+
 // The text of a test with what its attempts say.
 std::string Framed(const LdapAnswers& answers, const std::string& attempts);
 
 // One attempt each; `cause` is what stands behind the code's text where the client tells it.
+std::string NoSession(const std::string& method);
 std::string NotConnected(const std::string& method, const std::string& cause);
 std::string Refused(const std::string& method, unsigned code, const std::string& cause);
 std::string Bound(const std::string& method);

@@ -149,10 +149,24 @@ private:
         const std::string line = mInput[mNext++];
         const std::size_t equals = line.find('=');
         if (equals != std::string::npos)
-            SendMessageW(GetDlgItem(dialog, std::stoi(line.substr(0, equals))), WM_SETTEXT, 0,
-                         reinterpret_cast<LPARAM>(Widen(line.substr(equals + 1)).c_str()));
+            Fill(GetDlgItem(dialog, std::stoi(line.substr(0, equals))), Widen(line.substr(equals + 1)));
         else
             Press(dialog, line);
+    }
+
+    // Writes into a box, or chooses from a list.
+    static void Fill(HWND control, const std::wstring& text)
+    {
+        const auto parameter = reinterpret_cast<LPARAM>(text.c_str());
+        wchar_t kind[32] = L"";
+        GetClassNameW(control, kind, 32);
+        if (std::wstring(kind) == L"ComboBox")
+            SendMessageW(control, CB_SETCURSEL,
+                         static_cast<WPARAM>(
+                             SendMessageW(control, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), parameter)),
+                         0);
+        else
+            SendMessageW(control, WM_SETTEXT, 0, parameter);
     }
 
     static void Press(HWND dialog, const std::string& caption)
