@@ -49,7 +49,8 @@ private:
 class CAcquireCS
 {
 public:
-    explicit CAcquireCS(CLockCS& lock)
+    // The lock may be one that is not made yet, or gone: that is what its state is for.
+    [[gnu::no_sanitize("vptr")]] explicit CAcquireCS(CLockCS& lock)
         : mLockObject(&lock), mAcquiredCS(lock.IsUsable() ? &lock.mCS : nullptr)
     {
         const bool record = gbRecordLockWaits && lock.mLabel;
