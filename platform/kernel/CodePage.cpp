@@ -8,10 +8,12 @@
 #include <unicode/ustring.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <cwchar>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace
@@ -58,20 +60,39 @@ void WriteDefault(const void* context, UConverterFromUnicodeArgs* arguments, con
     }
 }
 
-// The end of both calls: the length alone when `size` is 0, else the whole text or ERROR_INSUFFICIENT_BUFFER.
-template <typename Text>
-int Deliver(const Text& text, typename Text::value_type* buffer, int size)
+// Converts by pieces, since a text may be as long as memory: each piece of bytes goes to `write`, which is
+// called with a buffer that it may not keep and says whether to go on.
+template <typename Write>
+void Encode(UConverter& converter, std::wstring_view text, Write write)
 {
-    if (size != 0)
+    constexpr std::size_t kPiece = 4096;
+    constexpr UChar32 kReplacement = 0xFFFD; // for what is no code point
+    std::array<UChar, 2 * kPiece> units;
+    std::array<char, 4 * kPiece> bytes;
+    UErrorCode error = U_ZERO_ERROR;
+    ucnv_setFromUCallBack(&converter, WriteDefault, "?", nullptr, nullptr, &error);
+    do
     {
-        if (text.size() > static_cast<std::size_t>(size))
+        const std::wstring_view piece = text.substr(0, kPiece);
+        text.remove_prefix(piece.size());
+        int32_t count = 0;
+        error = U_ZERO_ERROR;
+        u_strFromUTF32WithSub(units.data(), static_cast<int32_t>(units.size()), &count,
+                              reinterpret_cast<const UChar32*>(piece.data()),
+                              static_cast<int32_t>(piece.size()), kReplacement, nullptr, &error);
+        const UChar* source = units.data();
+        do
         {
-            FailWith(ERROR_INSUFFICIENT_BUFFER);
-            return 0;
-        }
-        std::copy(text.begin(), text.end(), buffer);
-    }
-    return static_cast<int>(text.size());
+            char* end = bytes.data();
+            error = U_ZERO_ERROR;
+            ucnv_fromUnicode(&converter, &end, bytes.data() + bytes.size(), &source, units.data() + count,
+                             nullptr, text.empty(), &error);
+            if (!write(std::string_view(bytes.data(), end)))
+            {
+                return;
+            }
+        } while (error == U_BUFFER_OVERFLOW_ERROR);
+    } while (!text.empty());
 }
 
 } // namespace
@@ -93,25 +114,26 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideLength
     // The terminator is part of a text whose length is not given.
     const std::wstring_view text(wide, wideLength == -1 ? std::wcslen(wide) + 1
                                                         : static_cast<std::size_t>(wideLength));
-    const auto* points = reinterpret_cast<const UChar32*>(text.data());
-    const auto count = static_cast<int32_t>(text.size());
-    constexpr UChar32 kReplacement = 0xFFFD;
-    UErrorCode error = U_ZERO_ERROR;
-    std::u16string units(text.size() * 2, u'\0');
-    int32_t length = 0;
-    u_strFromUTF32WithSub(units.data(), static_cast<int32_t>(units.size()), &length, points, count,
-                          kReplacement, nullptr, &error);
-    units.resize(static_cast<std::size_t>(length));
-
-    error = U_ZERO_ERROR;
-    ucnv_setFromUCallBack(converter.get(), WriteDefault, "?", nullptr, nullptr, &error);
-    std::string bytes(
-        static_cast<std::size_t>(UCNV_GET_MAX_BYTES_FOR_STRING(length, ucnv_getMaxCharSize(converter.get()))),
-        '\0');
-    length = ucnv_fromUChars(converter.get(), bytes.data(), static_cast<int32_t>(bytes.size()), units.data(),
-                             length, &error);
-    bytes.resize(static_cast<std::size_t>(length));
-    return Deliver(bytes, narrow, narrowSize);
+    std::size_t length = 0;
+    bool fits = true;
+    Encode(*converter, text,
+           [&](std::string_view bytes)
+           {
+               const std::size_t room = static_cast<std::size_t>(narrowSize) - length;
+               fits = narrowSize == 0 || bytes.size() <= room;
+               if (narrowSize != 0)
+               {
+                   bytes.copy(narrow + length, room);
+               }
+               length += bytes.size();
+               return fits;
+           });
+    if (!fits)
+    {
+        FailWith(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    return static_cast<int>(length);
 }
 
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR narrow, int narrowLength, LPWSTR wide,
@@ -137,5 +159,15 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR narrow, int narrowLen
     int32_t count = 0;
     error = U_ZERO_ERROR;
     u_strToUTF32(points.data(), length, &count, units.data(), length, &error);
-    return Deliver(std::wstring(points.begin(), points.begin() + count), wide, wideSize);
+    points.resize(static_cast<std::size_t>(count));
+    if (wideSize != 0)
+    {
+        if (count > wideSize)
+        {
+            FailWith(ERROR_INSUFFICIENT_BUFFER);
+            return 0;
+        }
+        std::ranges::copy(points, wide);
+    }
+    return count;
 }

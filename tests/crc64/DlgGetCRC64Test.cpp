@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 #include <functional>
 #include <string>
 
@@ -142,12 +142,12 @@ TEST(DlgGetCRC64, TakesTenMegabytesFromTheClipboard)
             for (const bool wide : {true, false})
             {
                 open.TickWide(wide);
-                const auto start = std::chrono::steady_clock::now();
+                const std::clock_t start = std::clock();
                 open.Compute();
-                const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+                const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
                 testing::Test::RecordProperty(wide ? "wide seconds" : "narrow seconds",
-                                              std::to_string(seconds.count()));
-                EXPECT_LT(seconds.count(), 10) << "about a tenth of a second on a machine that is not busy";
+                                              std::to_string(seconds));
+                EXPECT_LT(seconds, 10) << "of the processor's time: well below one, but for the sanitizers";
                 EXPECT_EQ(open.TextOf(IDC_CRC_HEX), wide ? L"8B10C401882F1ACE" : L"2BB92A0D7848E7DC");
             }
         });

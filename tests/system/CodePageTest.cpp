@@ -60,6 +60,30 @@ TEST(CodePage, AnsiIsTheCharacterSetOfTheUsersLocale)
     }
 }
 
+TEST(CodePage, LongTextsGiveWhatTheirPartsGive)
+{
+    const std::wstring part = L"a\u00E9\u3042\U0001F600b"; // an odd length: any character may end a piece
+    constexpr int kParts = 5000;
+    std::wstring wide;
+    for (int i = 0; i < kParts; ++i)
+        wide += part;
+    for (const char* const locale : {"en_US.UTF-8", "de_DE.ISO-8859-1", "ja_JP.eucJP", "zh_CN.GB18030"})
+    {
+        const Variable variable("LC_ALL", locale);
+        std::string expected;
+        for (int i = 0; i < kParts; ++i)
+            expected += ToNarrow(CP_ACP, part);
+        EXPECT_TRUE(ToNarrow(CP_ACP, wide) == expected) << locale;
+
+        const int room = static_cast<int>(expected.size()) - 1;
+        const int length = static_cast<int>(wide.size());
+        EXPECT_EQ(
+            WideCharToMultiByte(CP_ACP, 0, wide.data(), length, expected.data(), room, nullptr, nullptr), 0)
+            << locale;
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    }
+}
+
 TEST(CodePage, Utf8ReplacesWhatIsNoText)
 {
     EXPECT_EQ(ToNarrow(CP_UTF8, std::wstring(1, static_cast<wchar_t>(0xD800))), "\xEF\xBF\xBD");
