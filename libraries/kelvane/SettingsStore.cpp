@@ -46,8 +46,9 @@ void TellTrouble(const wchar_t* text)
         LogNF(kLogFailure, text, false);
 }
 
-// The caller holds the lock, so nobody replaces the file meanwhile.
-bool SetAside()
+// Moves the file away and gives its new name, or nothing when it stays where it is. The caller holds the
+// lock, so nobody replaces the file meanwhile.
+std::string SetAside()
 {
     std::error_code error;
     std::string name;
@@ -56,14 +57,17 @@ bool SetAside()
         name = "Tavo.settings.broken-" + std::to_string(++number) + ".json";
     while (std::filesystem::exists(StorePath().parent_path() / name, error));
     std::filesystem::rename(StorePath(), StorePath().parent_path() / name, error);
-    if (error)
-    {
+    return error ? std::string() : name;
+}
+
+// The caller does not hold the lock: logging reads settings, which may meet the same file.
+void TellSetAside(const std::string& name)
+{
+    if (name.empty())
         TellTrouble(L"Tavo.settings.json cannot be understood and cannot be moved away: defaults hold");
-        return false;
-    }
-    _Log(kLogFailure, L"Tavo.settings.json could not be understood and was moved to {0:S}: defaults hold",
-         {name.c_str()});
-    return true;
+    else
+        _Log(kLogFailure, L"Tavo.settings.json could not be understood and was moved to {0:S}: defaults hold",
+             {name.c_str()});
 }
 
 FoundSetting FindIn(const FileContent& content, std::string_view name)
@@ -75,25 +79,8 @@ FoundSetting FindIn(const FileContent& content, std::string_view name)
     return {Finding::Absent, {}};
 }
 
-} // namespace
-
-FoundSetting ReadStoredSetting(std::string_view name)
-{
-    FoundSetting found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
-    if (found.finding != Finding::Broken)
-        return found;
-
-    // Perhaps another process has mended it by now.
-    const DirectoryLock lock(StorePath().parent_path(), kPatience);
-    found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
-    if (found.finding != Finding::Broken)
-        return found;
-    if (lock.IsHeld())
-        SetAside();
-    return {Finding::Absent, {}};
-}
-
-bool WriteStoredSetting(std::string_view name, const SettingValue& value)
+// `aside` tells what became of a file that was broken.
+bool WriteLocked(std::string_view name, const SettingValue& value, std::optional<std::string>& aside)
 {
     const DirectoryLock lock(StorePath().parent_path(), kPatience);
     if (!lock.IsHeld())
@@ -104,11 +91,44 @@ bool WriteStoredSetting(std::string_view name, const SettingValue& value)
     std::optional<std::string> text = WithSetting(content.text.value_or("{}"), name, value);
     if (!text)
     {
-        if (!SetAside())
+        aside = SetAside();
+        if (aside->empty())
             return false;
         text = WithSetting("{}", name, value);
     }
     return text == content.text || ReplaceWholeFile(StorePath(), *text);
+}
+
+} // namespace
+
+FoundSetting ReadStoredSetting(std::string_view name)
+{
+    FoundSetting found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
+    if (found.finding != Finding::Broken)
+        return found;
+
+    std::string aside;
+    {
+        // Perhaps another process has mended it by now.
+        const DirectoryLock lock(StorePath().parent_path(), kPatience);
+        found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
+        if (found.finding != Finding::Broken)
+            return found;
+        if (!lock.IsHeld())
+            return {Finding::Absent, {}};
+        aside = SetAside();
+    }
+    TellSetAside(aside);
+    return {Finding::Absent, {}};
+}
+
+bool WriteStoredSetting(std::string_view name, const SettingValue& value)
+{
+    std::optional<std::string> aside;
+    const bool written = WriteLocked(name, value, aside);
+    if (aside)
+        TellSetAside(*aside);
+    return written;
 }
 
 } // namespace kelvane

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <regex>
 #include <thread>
 
@@ -181,6 +182,22 @@ TEST(Settings, ThatTheUserMayNotWriteAreRefusedAndKept)
     }
     EXPECT_THAT(folder.Names("Tavo.settings"), ElementsAre("Tavo.settings.json"));
     fs::permissions(folder.Path() / "Tavo.settings.json", fs::perms(0644));
+}
+
+TEST(Settings, ThatCannotBeUnderstoodNorMovedAwayHoldNobodyUp)
+{
+    if (sizeof(wchar_t) == 2)
+        GTEST_SKIP() << "Wine knows one user, who may write what root may";
+    const AgentFolder folder;
+    folder.Write("Tavo.settings.json", "{");
+    std::filesystem::create_directory(folder.Path() / "Logs");
+    std::filesystem::permissions(folder.Path() / "Logs", std::filesystem::perms(0777));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(folder.Run({"init", "get:LogLevel", "set:LogLevel:1"}, {}, true).answers, "2\nfalse\n");
+    // Far below the time that a process waits for another one's lock.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+    EXPECT_THAT(folder.Log(), HasSubstr("cannot be understood and cannot be moved away"));
+    EXPECT_EQ(folder.Settings(), "{");
 }
 
 TEST(Settings, OfProcessesThatWriteAtOnceAreAllStored)
