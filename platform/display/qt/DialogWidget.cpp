@@ -4,6 +4,7 @@
 #include "platform/display/qt/DialogLayout.h"
 #include "platform/display/qt/Icons.h"
 
+#include <QAccessibleWidget>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -60,15 +61,26 @@ QStyle::StandardPixmap MessageIcon(UINT type)
     }
 }
 
+// What a screen reader calls the window.
+QAccessibleInterface* MakeAccessible(const QString&, QObject* object)
+{
+    auto* const dialog = dynamic_cast<DialogWidget*>(object);
+    if (dialog == nullptr)
+        return nullptr;
+    return new QAccessibleWidget(dialog,
+                                 dialog->IsMessageBox() ? QAccessible::AlertMessage : QAccessible::Dialog);
+}
+
 } // namespace
 
 DialogWidget::DialogWidget(Window& dialog) : QWidget(nullptr, FlagsOf(dialog)), mDialog(dialog)
 {
+    QAccessible::installFactory(MakeAccessible); // once, whoever asks
     dialog.shown = static_cast<QWidget*>(this);
     setLayoutDirection(Qt::LeftToRight); // templates say where things lie, in every language
     setFont(FontOf(dialog.dialog->font));
     setWindowModality(Qt::ApplicationModal);
-    if (dialog.dialog->isMessageBox)
+    if (IsMessageBox())
         LayOutMessageBox();
     else
         LayOutByTemplate();
@@ -141,6 +153,11 @@ void DialogWidget::LayOutMessageBox()
         message->addWidget(label, 1, Qt::AlignVCenter);
         setAccessibleDescription(label->text());
     }
+}
+
+bool DialogWidget::IsMessageBox() const
+{
+    return mDialog.dialog->isMessageBox;
 }
 
 QPoint DialogWidget::CenteredPosition() const

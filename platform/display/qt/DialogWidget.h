@@ -20,6 +20,7 @@ public:
     void Close();
 
     void RefreshDialog(Change change);
+    bool IsMessageBox() const;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
