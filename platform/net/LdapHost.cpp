@@ -7,6 +7,7 @@
 #include <winldap.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <memory>
@@ -15,6 +16,7 @@
 #include <netdb.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <unicode/uidna.h>
 #include <unistd.h>
 
 namespace
@@ -40,7 +42,7 @@ Resolution Resolve(const LdapHost& host)
 {
     addrinfo hints{};
     hints.ai_socktype = SOCK_STREAM;
-    hints.ai_flags = AI_NUMERICSERV | AI_IDN;
+    hints.ai_flags = AI_NUMERICSERV;
     Resolution resolution;
     addrinfo* list = nullptr;
     resolution.result = getaddrinfo(host.name.c_str(), std::to_string(host.port).c_str(), &hints, &list);
@@ -83,6 +85,28 @@ int ConnectToAddress(const addrinfo& address, Deadline deadline, LdapFault& faul
     return -1;
 }
 
+// The name as name servers and certificates know it ("xn--..."), or as it is where there is no such form.
+std::string AsciiName(std::string_view name)
+{
+    std::string typed(name);
+    if (std::ranges::all_of(typed, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; }))
+        return typed;
+    struct Close
+    {
+        void operator()(UIDNA* rules) const { uidna_close(rules); }
+    };
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<UIDNA, Close> rules(uidna_openUTS46(UIDNA_NONTRANSITIONAL_TO_ASCII, &error));
+    UIDNAInfo info = UIDNA_INFO_INITIALIZER;
+    std::array<char, 256> ascii; // a name of DNS is shorter
+    const int32_t length =
+        uidna_nameToASCII_UTF8(rules.get(), typed.data(), static_cast<int32_t>(typed.size()), ascii.data(),
+                               static_cast<int32_t>(ascii.size()), &info, &error);
+    if (U_FAILURE(error) || info.errors != 0)
+        return typed;
+    return std::string(ascii.data(), static_cast<std::size_t>(length));
+}
+
 std::optional<std::uint16_t> ParsePort(std::string_view text)
 {
     std::uint16_t port = 0;
@@ -113,7 +137,7 @@ std::optional<LdapHost> ParseHost(std::string_view text, std::uint16_t defaultPo
         behind.empty() ? defaultPort : (behind[0] == ':' ? ParsePort(behind.substr(1)) : std::nullopt);
     if (!port)
         return std::nullopt;
-    return LdapHost{std::string(name), *port};
+    return LdapHost{AsciiName(name), *port};
 }
 
 } // namespace

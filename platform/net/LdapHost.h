@@ -15,7 +15,7 @@ using Deadline = std::chrono::steady_clock::time_point;
 
 struct LdapHost
 {
-    std::string name; // as typed, without brackets
+    std::string name; // as typed, without brackets; letters beyond ASCII as certificates bear them (xn--...)
     std::uint16_t port = 0;
 
     bool operator==(const LdapHost&) const = default;

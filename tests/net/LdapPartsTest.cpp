@@ -24,6 +24,13 @@ TEST(LdapHosts, AreReadFromAListOfNamesAndAddresses)
         {"10.0.0.1:636", {{"10.0.0.1", 636}}},
         {"::1", {{"::1", 389}}}, // more than one colon: an address, not a port
         {"[::1]", {{"::1", 389}}},
+        {"B\xc3\xbc"
+         "cher.example:636",
+         {{"xn--bcher-kva.example", 636}}},
+        {"stra\xc3\x9f"
+         "e.example",
+         {{"xn--strae-oqa.example", 389}}},
+        {"a\xcc\xb8..example", {{"a\xcc\xb8..example", 389}}}, // no name of DNS
         {"[fe80::1%eth0]:65535", {{"fe80::1%eth0", 65535}}},
     };
     for (const Case& test : kCases)
