@@ -20,12 +20,7 @@ namespace
 
 // In Windows' numbers; the header of OpenLDAP's library has other ones.
 constexpr std::uint32_t kServerDown = 0x51;
-constexpr std::uint32_t kDecodingError = 0x54;
-constexpr unsigned char kBerSequence = 0x30; // what each LDAP message begins with
 constexpr const char* kClosed = "the server closed the connection";
-constexpr unsigned char kTlsAlert = 0x15;
-constexpr unsigned char kTlsHandshake = 0x16;
-constexpr unsigned char kTlsMajor = 0x03;
 
 // OpenSSL's own socket BIO would raise SIGPIPE when the server has gone.
 int SocketOf(BIO* bio)
@@ -169,17 +164,9 @@ ber_slen_t LdapChannel::Read(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t leng
 {
     LdapChannel& channel = Of(layer);
     ERR_clear_error();
-    const ber_slen_t result =
-        channel.mTls ? channel.TlsResult(SSL_read(channel.mTls.get(), bytes,
-                                                  static_cast<int>(std::min<ber_len_t>(length, INT_MAX))))
-                     : channel.ReadPlain(bytes, length);
-    if (result > 0 &&
-        !channel.BeginsLikeLdap(static_cast<const unsigned char*>(bytes), static_cast<std::size_t>(result)))
-    {
-        errno = EPROTO;
-        return -1;
-    }
-    return result;
+    return channel.mTls ? channel.TlsResult(SSL_read(channel.mTls.get(), bytes,
+                                                     static_cast<int>(std::min<ber_len_t>(length, INT_MAX))))
+                        : channel.ReadPlain(bytes, length);
 }
 
 ber_slen_t LdapChannel::Write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length)
@@ -189,20 +176,6 @@ ber_slen_t LdapChannel::Write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t len
     return channel.mTls ? channel.TlsResult(SSL_write(channel.mTls.get(), bytes,
                                                       static_cast<int>(std::min<ber_len_t>(length, INT_MAX))))
                         : channel.WritePlain(bytes, length);
-}
-
-bool LdapChannel::BeginsLikeLdap(const unsigned char* bytes, std::size_t length)
-{
-    if (mHasRead)
-        return true;
-    mHasRead = true;
-    if (bytes[0] == kBerSequence)
-        return true;
-    const bool tls =
-        length > 1 && (bytes[0] == kTlsAlert || bytes[0] == kTlsHandshake) && bytes[1] == kTlsMajor;
-    mEnding = {kDecodingError,
-               tls ? "the server speaks TLS on this port" : "the server's answer is no LDAP message"};
-    return false;
 }
 
 ber_slen_t LdapChannel::ReadPlain(void* bytes, std::size_t length)

@@ -48,11 +48,8 @@ private:
     ber_slen_t WritePlain(const void* bytes, std::size_t length);
     // The result of an SSL_ call as read and write give it.
     ber_slen_t TlsResult(int result);
-    // False when the server's first bytes begin no LDAP message; waiting for the rest would be in vain.
-    bool BeginsLikeLdap(const unsigned char* bytes, std::size_t length);
 
     int mSocket;
     std::unique_ptr<SSL, FreeSsl> mTls;
     LdapFault mEnding;
-    bool mHasRead = false;
 };

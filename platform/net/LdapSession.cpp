@@ -2,6 +2,7 @@
 #include "platform/net/LdapSession.h"
 
 #include "platform/net/LdapGss.h"
+#include "platform/net/LdapMessageLayer.h"
 
 #include <algorithm>
 #include <cctype>
@@ -25,8 +26,6 @@ constexpr seconds kCallLimit{15};
 constexpr seconds kGrace{1};
 // The part of a bind's time after which NTLM is tried instead of waiting for a ticket.
 constexpr seconds kTicketLimit{7};
-// The longest message that is taken from a server, in bytes.
-constexpr ber_len_t kLongestMessage = 64 * 1024 * 1024;
 
 constexpr const char* kNoMessage = "the server's answer is no LDAP message";
 constexpr const char* kSpnegoName = "GSS-SPNEGO";
@@ -216,8 +215,8 @@ LdapFault LdapSession::ConnectTo(const LdapHost& host, Deadline deadline)
     Sockbuf* buffer = nullptr;
     ldap_get_option(handle, LDAP_OPT_SOCKBUF, &buffer);
     channel->Attach(buffer);
-    ber_len_t longest = kLongestMessage;
-    ber_sockbuf_ctrl(buffer, LBER_SB_OPT_SET_MAX_INCOMING, &longest);
+    auto messages = std::make_unique<LdapMessageLayer>();
+    messages->Attach(buffer);
 
     // All that a set-up file or the environment could have set for new sessions.
     const int version = LDAP_VERSION3;
@@ -236,6 +235,7 @@ LdapFault LdapSession::ConnectTo(const LdapHost& host, Deadline deadline)
     ldap_set_option(handle, LDAP_OPT_X_SASL_SECPROPS, "none,noanonymous,minssf=0,maxssf=2147483647");
     mHost = host.name;
     mChannel = std::move(channel);
+    mMessages = std::move(messages);
     mHandle = handle;
     return {};
 }
@@ -253,7 +253,9 @@ LdapFault LdapSession::LibraryFault(int code)
 {
     if (code != LDAP_SERVER_DOWN)
         return {WindowsCode(code), DiagnosticOf(mHandle)};
-    mLost = mChannel->Ending() ? mChannel->Ending() : LdapFault{WindowsCode(LDAP_DECODING_ERROR), kNoMessage};
+    mLost = mMessages->Ending() ? mMessages->Ending() : mChannel->Ending();
+    if (!*mLost)
+        mLost = {WindowsCode(LDAP_DECODING_ERROR), kNoMessage};
     return *mLost;
 }
 

@@ -17,6 +17,7 @@ struct ldapmsg;
 struct berelement;
 class GssContext;
 class GssLayer;
+class LdapMessageLayer;
 
 // Who binds, in UTF-8; the only credentials that a bind ever uses.
 struct LdapIdentity
@@ -91,6 +92,7 @@ private:
     std::chrono::seconds mTimeLimit;
     std::string mHost; // the one that answered, as typed
     std::unique_ptr<GssLayer> mGssLayer;
+    std::unique_ptr<LdapMessageLayer> mMessages;
     std::unique_ptr<LdapChannel> mChannel;
     ldap* mHandle = nullptr;
     std::optional<LdapFault> mLost;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-// What the LDAP client parses by itself: host lists, texts from servers, frames of a protected stream.
+// What the LDAP client parses by itself: host lists, texts from servers, messages, frames of a
+// protected stream.
 #include "platform/net/GssFrames.h"
 #include "platform/net/LdapHost.h"
+#include "platform/net/LdapMessages.h"
 #include "platform/net/LdapText.h"
 
 #include <cstdlib>
@@ -53,6 +55,33 @@ void CheckFrames(std::string_view stream, std::size_t step)
     Require(!whole.HasNext());
 }
 
+struct Passed
+{
+    std::string bytes;
+    std::uint32_t code;
+};
+
+Passed PassMessages(std::string_view stream, std::size_t step)
+{
+    LdapMessages messages;
+    std::string passed;
+    for (std::size_t at = 0; at < stream.size() && !messages.Ending(); at += step)
+    {
+        messages.Append(stream.substr(at, step));
+        passed += messages.Ready();
+        messages.Drop(messages.Ready().size());
+    }
+    return {passed, messages.Ending().code};
+}
+
+// However a stream is cut, the same messages pass.
+void CheckMessages(std::string_view stream, std::size_t step)
+{
+    const Passed whole = PassMessages(stream, stream.size() + 1);
+    const Passed pieces = PassMessages(stream, step);
+    Require(whole.bytes == pieces.bytes && whole.code == pieces.code);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -61,5 +90,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckHosts(text);
     CheckTexts(text);
     CheckFrames(text, size % 7 + 1);
+    CheckMessages(text, size % 7 + 1);
     return 0;
 }

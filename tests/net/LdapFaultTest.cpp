@@ -154,12 +154,24 @@ TEST(LdapFault, OfABindIsNamedWithItsCause)
         {"a notice of disconnection",
          [](Connection& peer)
          {
-             Connection unasked = peer;
+             const Connection unasked = peer;
              peer.ReadRequest();
              const std::string name = BerElementOf(0x8a, "1.3.6.1.4.1.1466.20036");
-             unasked.SendMessage(Connection::Result(kExtendedResponse, 0x34, "going down", name));
+             unasked.SendMessage(Connection::Result(kExtendedResponse, 0x34, "going\ndown", name));
+             peer.ReadRequest();
          },
-         0x34, L"Unavailable"},
+         0x34, L"Unavailable: going down"},
+        {"messages that nobody asked for, of which the library does not outlive the first",
+         [](Connection& peer)
+         {
+             const Connection unasked = peer;
+             peer.ReadRequest();
+             unasked.SendMessage(Connection::Result(kExtendedResponse, 0, "", BerElementOf(0x8a, "")));
+             unasked.SendMessage(Connection::Result(kBindResponse, 0));
+             peer.SendMessage(Connection::Result(kBindResponse, 0x31, "after all"));
+             peer.ReadRequest();
+         },
+         0x31, L"Invalid Credentials: after all"},
     };
     for (const Case& test : kCases)
     {

@@ -2,7 +2,9 @@
 // The parts of the LDAP client that parse: host lists, texts from servers, frames of a protected stream.
 #include "platform/net/GssFrames.h"
 #include "platform/net/LdapHost.h"
+#include "platform/net/LdapMessages.h"
 #include "platform/net/LdapText.h"
+#include "tests/support/LdapPeer.h"
 
 #include <gtest/gtest.h>
 
@@ -73,6 +75,62 @@ TEST(LdapTexts, SurviveTheWayToTheWireAndBack)
     EXPECT_EQ(FromUtf8(ToUtf8(text)), text);
     EXPECT_EQ(ToUtf8(L"\U0001F600"), "\xf0\x9f\x98\x80");
     EXPECT_EQ(ToUtf8(std::wstring(1, static_cast<wchar_t>(0xD800))), "\xef\xbf\xbd");
+}
+
+std::string MessageOf(const std::string& number, const std::string& operation)
+{
+    return BerElementOf(0x30, BerElementOf(0x02, number) + operation);
+}
+
+TEST(LdapMessages, ReachTheLibraryUnlessNobodyAskedForThem)
+{
+    using Connection = LdapPeer::Connection;
+    const std::string name = BerElementOf(0x8a, "1.3.6.1.4.1.1466.20036");
+    const std::string zero(1, '\0');
+    const std::string first = MessageOf("\x01", Connection::Result(0x61, 0));
+    const std::string second = MessageOf("\x02", BerText(std::string(300, 'x')));
+    const std::string advice = MessageOf(zero, Connection::Result(0x78, 0, "", BerElementOf(0x8a, "")));
+    const std::string end = MessageOf(zero, Connection::Result(0x78, 0x33, "too busy", name));
+    struct Case
+    {
+        const char* what;
+        std::string stream;
+        std::string ready;
+        LdapFault ending;
+    };
+    const Case kCases[] = {
+        {"answers alone", first + second, first + second, {}},
+        {"advice between", first + advice + second, first + second, {}},
+        {"a notice of disconnection", first + end + second, first, {0x33, "too busy"}},
+        {"garbage behind an answer", first + "HTTP", first, {0x54, "the server's answer is no LDAP message"}},
+        {"an answer that is its head",
+         std::string("\x30\x02\x02\x01", 4) + first,
+         "",
+         {0x54, "the server's answer is no LDAP message"}},
+        {"a length without end", "\x30\x80", "", {0x54, "the server's answer is no LDAP message"}},
+        {"a length of 4 GB",
+         "\x30\x84\xff\xff\xff\xff",
+         "",
+         {0x54, "the server's answer is no LDAP message"}},
+        {"TLS", std::string("\x16\x03\x03\x00", 4), "", {0x54, "the server speaks TLS on this port"}},
+    };
+    for (const Case& test : kCases)
+    {
+        for (std::size_t step = 1; step <= test.stream.size(); ++step)
+        {
+            LdapMessages messages;
+            std::string ready;
+            for (std::size_t at = 0; at < test.stream.size() && !messages.Ending(); at += step)
+            {
+                messages.Append(std::string_view(test.stream).substr(at, step));
+                ready += messages.Ready();
+                messages.Drop(messages.Ready().size());
+            }
+            ASSERT_EQ(ready, test.ready) << test.what << " in steps of " << step;
+            ASSERT_EQ(messages.Ending().code, test.ending.code) << test.what << " in steps of " << step;
+            ASSERT_EQ(messages.Ending().cause, test.ending.cause) << test.what << " in steps of " << step;
+        }
+    }
 }
 
 TEST(GssFrames, AreCutWhereverTheStreamIs)
