@@ -10,6 +10,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QLineEdit>
 #include <QFontMetricsF>
 #include <QPushButton>
 #include <QScrollBar>
@@ -284,6 +285,28 @@ TEST_F(QtDisplay, ProgramReadsWhatThePersonEntered)
     const Step toggle = [] { QTest::keyClick(&WidgetOf(IDC_WIDE_CHARS), Qt::Key_Space); };
     Use(IDD_CRC64, {note, toggle, note, toggle, note, kEscape});
     EXPECT_THAT(checks, ElementsAre(BST_UNCHECKED, BST_CHECKED, BST_UNCHECKED));
+}
+
+TEST_F(QtDisplay, PastedTextOfSeveralLinesEndsInABoxOfOneLineWithTheFirst)
+{
+    const auto paste = [](const QString& text, std::wstring_view whole)
+    {
+        QApplication::clipboard()->setText(text);
+        Press(Qt::Key_V, Qt::ControlModifier);
+        EXPECT_EQ(TextOf(IDC_INPUT), whole);
+        EXPECT_EQ(WidgetOf<QLineEdit>(IDC_INPUT).text().toStdWString(), whole);
+    };
+    Use(IDD_CRC64, {[&]
+                    {
+                        WidgetOf(IDC_INPUT).setFocus();
+                        paste("[]\n", L"[]");
+                        Press(Qt::Key_Left);
+                        paste("one\r\ntwo\r\n", L"[one]");
+                        paste("\nthree", L"[one]");
+                        Press(Qt::Key_Space);
+                        EXPECT_EQ(TextOf(IDC_INPUT), L"[one ]") << "the caret stands behind what was pasted";
+                    },
+                    kEscape});
 }
 
 TEST_F(QtDisplay, AppendedTextIsSeenAndLeavesTheSelectionAlone)

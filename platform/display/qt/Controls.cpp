@@ -13,6 +13,7 @@
 #include <QStyleOptionButton>
 #include <QStylePainter>
 #include <QTextBlock>
+#include <QValidator>
 #include <QTextDocument>
 
 namespace platform
@@ -187,11 +188,30 @@ QWidget* MakeMultiLineEdit(Window& control, QWidget& parent)
     return edit;
 }
 
+// A box of one line takes pasted text up to its first line end, as on Windows. The caret then stands behind
+// what was pasted.
+class FirstLine : public QValidator
+{
+public:
+    using QValidator::QValidator;
+
+    State validate(QString& text, int& caret) const override
+    {
+        const auto pasted = QStringView(text).first(caret);
+        const auto end = std::ranges::find_if(pasted, [](QChar c) { return c == u'\r' || c == u'\n'; });
+        const auto firstLine = static_cast<int>(end - pasted.begin());
+        text.remove(firstLine, caret - firstLine);
+        caret = firstLine;
+        return Acceptable;
+    }
+};
+
 QWidget* MakeLineEdit(Window& control, QWidget& parent)
 {
     auto* edit = new QLineEdit(&parent);
     edit->setFrame((control.style & WS_BORDER) != 0 || (control.extendedStyle & WS_EX_CLIENTEDGE) != 0);
     edit->setMaxLength(INT_MAX); // what the program sets has no limit
+    edit->setValidator(new FirstLine(edit));
     QObject::connect(edit, &QLineEdit::textEdited,
                      [&control](const QString& text) { UserTyped(control, text.toStdWString()); });
     return edit;
