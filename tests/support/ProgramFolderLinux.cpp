@@ -118,7 +118,7 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
     input.CloseRead();
     output.CloseWrite();
     errors.CloseWrite();
-    // Test inputs are smaller than a pipe holds, so this cannot block.
+    // The program reads on while what it writes fits a pipe, so this cannot block for good.
     signal(SIGPIPE, SIG_IGN);
     if (write(input.mEnds[1], text.data(), text.size()) != static_cast<ssize_t>(text.size()))
         text.clear();

@@ -17,7 +17,7 @@ namespace
 
 constexpr std::string_view kPrompt = "> ";
 constexpr std::string_view kWipedPrompt = "\r  \r";
-constexpr std::size_t kLongestLine = std::size_t{1} << 20; // bytes; a longer one is taken in pieces
+constexpr std::size_t kLongestLine = std::size_t{64} << 20; // bytes; a longer one is taken in pieces
 
 // A descriptor that was closed when the program started would be given to the next file that is opened, and
 // console text would go into that.
@@ -99,10 +99,12 @@ TerminalInput::TerminalInput(const TerminalEncoding& encoding)
 
 std::optional<std::wstring> TerminalInput::TakeLine()
 {
-    const std::size_t end = mBytes.find('\n');
+    const std::size_t end = mBytes.find('\n', mSearched);
     const bool isWhole = end != std::string::npos;
+    mSearched = mBytes.size();
     if (!isWhole && (mBytes.empty() || (!mEnded && mBytes.size() < kLongestLine)))
         return std::nullopt;
+    mSearched = 0;
     std::string line = mBytes.substr(0, end);
     mBytes.erase(0, isWhole ? end + 1 : end);
     if (!line.empty() && line.back() == '\r')
@@ -118,7 +120,7 @@ bool TerminalInput::CanRead() const
 
 void TerminalInput::Read()
 {
-    std::array<char, 4096> buffer;
+    std::array<char, 65536> buffer; // what a pipe holds
     const ssize_t count = read(STDIN_FILENO, buffer.data(), buffer.size());
     if (count > 0)
         mBytes.append(buffer.data(), static_cast<std::size_t>(count));

@@ -60,6 +60,7 @@ private:
     const TerminalEncoding& mEncoding;
     const bool mIsTerminal;
     std::string mBytes;
+    std::size_t mSearched = 0; // so many of them hold no line's end
     bool mEnded = false;
 };
 
