@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A program on an X server of its own, used with real key presses and clicks.
+// Programs on an X server of their own, used with real key presses and clicks.
+#include "tests/support/ProgramFolder.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -105,12 +107,32 @@ void Click(const std::string& window, int x, int y)
        std::to_string(height * y / 1000) + " click 1");
 }
 
+bool CanBeUsed()
+{
+    return std::system("command -v Xvfb xdotool >/dev/null") == 0;
+}
+
+constexpr const char* kWhyNot = "Xvfb and xdotool are needed";
+
+// What another program gets when a person pastes into it.
+std::string PasteElsewhere()
+{
+    const Pipe program(popen("timeout 60 " SMALL_PROGRAM, "r"));
+    const std::string dialog = Find("DiagnosticsDlg");
+    Do("key ctrl+v");
+    Click(dialog, 549, 916); // OK
+    Find("Small Program");
+    Do("key alt+y");
+    const std::string output = ReadAll(program.get());
+    return output.substr(0, output.find(" port="));
+}
+
 } // namespace
 
 TEST(Screen, PersonFillsInADialogWithKeysAndMouse)
 {
-    if (std::system("command -v Xvfb xdotool >/dev/null") != 0)
-        GTEST_SKIP() << "Xvfb and xdotool are needed";
+    if (!CanBeUsed())
+        GTEST_SKIP() << kWhyNot;
     setenv("LC_ALL", "C.UTF-8", 1); // which must not become the program's locale
     for (const char* scale : {"1", "2"})
     {
@@ -129,4 +151,33 @@ TEST(Screen, PersonFillsInADialogWithKeysAndMouse)
                                           "result=1 answer=6 locale=C\n")
             << "at scale " << scale;
     }
+}
+
+// The sums are the checks that xz files carry over the text's bytes.
+TEST(Screen, PersonGetsAChecksumAndCopiesIt)
+{
+    if (!CanBeUsed())
+        GTEST_SKIP() << kWhyNot;
+    unsetenv("QT_SCALE_FACTOR");
+    const ProgramFolder folder;
+    const Screen screen;
+    Pipe program(popen(("exec timeout 60 " + folder.Program().string() + " </dev/null").c_str(), "r"));
+    Find("ZT Diagnostics");
+    Do("key Tab Tab Tab Tab space"); // the button CRC64
+    Find("Dialog");
+    Do("key Tab Tab type 123456789");
+    Do("key Tab Tab space");         // computes
+    Do("key Tab Tab ctrl+a ctrl+c"); // the hexadecimal sum, wide
+    EXPECT_EQ(PasteElsewhere(), "server=CC1CBC7DE1A8AA8D");
+
+    Find("Dialog");
+    Do("key shift+Tab shift+Tab shift+Tab space"); // not wide any more
+    Do("key Tab space Tab ctrl+a ctrl+c");         // the decimal sum
+    EXPECT_EQ(PasteElsewhere(), "server=11051210869376104954");
+
+    Find("Dialog");
+    Do("key Escape");
+    Find("ZT Diagnostics");
+    Do("key Escape");
+    EXPECT_EQ(pclose(program.release()), 0);
 }
