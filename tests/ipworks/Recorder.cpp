@@ -29,7 +29,6 @@ Recorder::Recorder(std::uint16_t port) : mHandle(IPWorks_FTP_Create(&Recorder::O
 {
     Config("CodePage=65001");
     Config(("RemotePort=" + std::to_string(port)).c_str());
-    Config("StallSeconds=2");
     SetText(kIPWorksUser, "zt-ftp");
     SetText(kIPWorksPassword, kTestPassword);
     SetText(kIPWorksRemoteHost, "127.0.0.1");

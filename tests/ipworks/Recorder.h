@@ -15,7 +15,7 @@ constexpr const char* kTestPassword = "Kesto-42";
 class Recorder
 {
 public:
-    // Set to a server on 127.0.0.1 with user and password, passive, the stall rule at two seconds.
+    // Set to a server on 127.0.0.1 with user and password, passive.
     explicit Recorder(std::uint16_t port);
     ~Recorder();
     Recorder(const Recorder&) = delete;

@@ -40,7 +40,8 @@ public:
 
     void Run()
     {
-        if (!Say(mScript.greeting))
+        // With 421 a server closes the connection.
+        if (!Say(mScript.greeting) || mScript.greeting.rfind("421", 0) == 0)
             return;
         while (const std::optional<std::string> line = ReadLine())
         {
