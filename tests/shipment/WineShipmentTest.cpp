@@ -8,40 +8,55 @@
 #include <cstdlib>
 
 namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
 
 using WineShipment = ShipmentTest;
 
-TEST_F(WineShipment, BringsTheFreshFilesUnattended)
+TEST_F(WineShipment, BringsTheFreshFilesAndSaysWhatItDoes)
 {
     const fs::path source = TAVO_SOURCE_DIR;
-    const fs::path bin = source / "build-windows" / "bin";
-    if (std::string(TAVO_TEST_BUILD) != "release" || !fs::exists(bin / "Tavo.exe"))
+    const fs::path build = source / "build-windows";
+    if (std::string(TAVO_TEST_BUILD) != "release" || !fs::exists(build / "tests" / "show_console.exe"))
         GTEST_SKIP() << "the Windows program is not built";
-    if (!fs::exists(bin / "7za.exe"))
+    if (!fs::exists(build / "bin" / "7za.exe"))
         GTEST_SKIP() << "there is no archiver for Windows";
     const char* display = std::getenv("TAVO_WINE_DISPLAY");
 
-    const fs::path program = folder.Path() / "windows";
-    fs::create_directories(program);
-    for (const fs::directory_entry& entry : fs::directory_iterator(bin))
-        if (entry.is_regular_file())
-            fs::copy_file(entry.path(), program / entry.path().filename());
     const std::string fresh = RandomBytes(5000000);
-    WriteFile(program / "Logs" / "sub folder" / "fresh.log", fresh);
-    WriteFile(program / "Logs" / "\xD0\xBD\xD0\xBE\xD0\xB2\xD1\x8B\xD0\xB9.log", "fresh");
-    WriteFile(program / "Logs" / "old.log", "old");
-    WriteFile(program / "Logs" / "\xD1\x81\xD1\x82\xD0\xB0\xD1\x80\xD1\x8B\xD0\xB9.log", "old");
-    MakeOld(program / "Logs" / "old.log");
-    MakeOld(program / "Logs" / "\xD1\x81\xD1\x82\xD0\xB0\xD1\x80\xD1\x8B\xD0\xB9.log");
+    WriteFile(Logs() / "sub folder" / "fresh.log", fresh);
+    WriteFile(Logs() / "\xD0\xBD\xD0\xBE\xD0\xB2\xD1\x8B\xD0\xB9.log", "fresh");
+    for (const char* old : {"old.log", "\xD1\x81\xD1\x82\xD0\xB0\xD1\x80\xD1\x8B\xD0\xB9.log"})
+    {
+        WriteFile(Logs() / old, "old");
+        MakeOld(Logs() / old);
+    }
 
     const RealFtpServer server(kFtpUser, kFtpPassword);
-    const std::string prefix = (folder.Path() / "prefix").string();
+    const fs::path shown = folder.Path() / "shown";
+    // A made prefix shares its files with the new one: none of them is written in place.
     const std::string command =
-        "export WINEPREFIX='" + prefix + "' WINEPATH='" + program.string() + "' LC_ALL=C.UTF-8; " +
-        (display == nullptr ? "" : "export DISPLAY=" + std::string(display) + "; ") + "'" +
-        (source / "scripts" / "wine-run").string() + "' '" + (program / "Tavo.exe").string() +
-        "' '-FTP_LOG=wine case' -AUTOCLOSE yes </dev/null >/dev/null 2>&1; wineserver -k -w";
+        "made='" + (build / "wine").string() + "'; export WINEPREFIX='" + (build / "wine-shipment").string() +
+        "' LC_ALL=C.UTF-8; " + (display == nullptr ? "" : "export DISPLAY=" + std::string(display) + "; ") +
+        "[ -e \"$WINEPREFIX\" ] || [ ! -f \"$made/.made\" ] || cp -al \"$made\" \"$WINEPREFIX\"; '" +
+        (source / "scripts" / "wine-run").string() + "' '" + (build / "tests" / "show_console.exe").string() +
+        "' --logs '" + Logs().string() + "' '-FTP_LOG=wine case' </dev/null >'" + shown.string() +
+        "' 2>/dev/null; wineserver -k -w";
     EXPECT_EQ(0, std::system(command.c_str()));
+
+    ProgramOutcome outcome;
+    outcome.console = ReadFile(shown);
+    std::erase(outcome.console, '\r');
+    EXPECT_THAT(Verdicts(outcome), testing::ElementsAre("Compression finished.  Exit Code: 0",
+                                                        "Successfully sent logs to Support"))
+        << outcome.console;
+    EXPECT_THAT(outcome.console, HasSubstr("FTP_LOG: Ignoring:\nold.log\n"
+                                           "\xD1\x81\xD1\x82\xD0\xB0\xD1\x80\xD1\x8B\xD0\xB9.log\n"));
+    EXPECT_THAT(outcome.console, HasSubstr("FTP_LOG: 226 Transfer complete.\n"));
+    EXPECT_THAT(outcome.console, HasSubstr("FTP_LOG: 100% done, "));
+    EXPECT_THAT(outcome.console, HasSubstr("left: old.log\n"));
+    EXPECT_THAT(outcome.console, Not(HasSubstr("left: uploadIgnoreList.txt")));
+    EXPECT_THAT(outcome.console, Not(HasSubstr("left: wine case.zip")));
 
     ASSERT_TRUE(fs::exists(server.Directory() / "wine case.zip"));
     const fs::path unpacked = Unpack(server.Directory() / "wine case.zip");
@@ -49,6 +64,4 @@ TEST_F(WineShipment, BringsTheFreshFilesUnattended)
     EXPECT_EQ("fresh", ReadFile(unpacked / "\xD0\xBD\xD0\xBE\xD0\xB2\xD1\x8B\xD0\xB9.log"));
     EXPECT_FALSE(fs::exists(unpacked / "old.log"));
     EXPECT_FALSE(fs::exists(unpacked / "\xD1\x81\xD1\x82\xD0\xB0\xD1\x80\xD1\x8B\xD0\xB9.log"));
-    EXPECT_FALSE(fs::exists(program / "Logs" / "uploadIgnoreList.txt"));
-    EXPECT_FALSE(fs::exists(program / "Logs" / "wine case.zip"));
 }

@@ -62,7 +62,10 @@ std::wstring Quoted(const std::string& argument)
 class User
 {
 public:
-    User(DWORD process, const std::vector<std::string>& input) : mProcess(process), mInput(input) {}
+    User(DWORD process, const ProgramStart& start)
+        : mProcess(process), mInput(start.input), mAwaited(Widen(start.awaited))
+    {
+    }
 
     // One look at the dialog on top.
     void Look()
@@ -111,7 +114,7 @@ private:
             mStill = 0;
             return;
         }
-        if (++mStill >= kStillPolls)
+        if (++mStill >= kStillPolls && mConsole.find(mAwaited) != std::wstring::npos)
             Act(dialog);
     }
 
@@ -187,6 +190,7 @@ private:
 
     DWORD mProcess;
     const std::vector<std::string>& mInput;
+    std::wstring mAwaited;
     std::size_t mNext = 0;
     std::wstring mConsole;
     int mStill = 0;
@@ -222,7 +226,7 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
                         &process))
         return outcome;
 
-    User user(process.dwProcessId, start.input);
+    User user(process.dwProcessId, start);
     const auto deadline = std::chrono::steady_clock::now() + start.limit;
     while (WaitForSingleObject(process.hProcess, kPollMilliseconds) == WAIT_TIMEOUT)
     {
