@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+// Whatever a server says, line by line: the component's events stay few, short and harmless, and tell nothing
+// of the password.
+#include "libraries/ipworks/HarmlessText.h"
+#include "libraries/ipworks/Upload.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+namespace
+{
+
+constexpr std::string_view kSecret = "Kesto-42";
+constexpr std::size_t kCutMark = 3; // "..."
+constexpr int kMostLines = 101;     // of one answer
+
+void Require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+void RequireHarmless(std::string_view text)
+{
+    Require(text.size() <= kLongestText + kCutMark);
+    Require(text.find(kSecret) == std::string_view::npos);
+    for (std::size_t i = 0; i < text.size(); ++i)
+    {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0U;
+        Require(byte >= 0x20 && byte != 0x7F && byte < 0xF5 && byte != 0xC0 && byte != 0xC1);
+        Require(byte != 0xC2 || next >= 0xA0); // the C1 controls
+    }
+    // What is harmless stays as it is.
+    if (text.size() <= kLongestText)
+        Require(MakeHarmless(text, kSecret) == text);
+}
+
+struct Seen
+{
+    int lines = 0;
+};
+
+int OnEvent(void* object, int eventId, int paramCount, void* params[], int*)
+{
+    Require(eventId == kIPWorksDialogue && paramCount == 2);
+    ++static_cast<Seen*>(object)->lines;
+    RequireHarmless(static_cast<const char*>(params[1]));
+    return 0;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    UploadJob job;
+    job.password = kSecret;
+    Seen seen;
+    UploadEvents events(&OnEvent, &seen, job);
+    for (std::string_view rest = text; !rest.empty();)
+    {
+        const std::size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;
+        const std::string_view line = rest.substr(0, end);
+        const int number = AnswerNumber(line);
+        Require(number >= 0 && number <= 999);
+        Require(number == 0 || std::to_string(1000 + number).substr(1) == line.substr(0, 3));
+        events.Answer(line);
+        rest.remove_prefix(end);
+    }
+    Require(seen.lines <= kMostLines);
+    RequireHarmless(MakeHarmless(text, kSecret));
+    return 0;
+}
