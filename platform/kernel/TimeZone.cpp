@@ -68,10 +68,12 @@ YearClocks ClocksAround(time_t now)
     return clocks;
 }
 
-// "Europe/Berlin" of a file below a zoneinfo folder; empty for any other.
-std::string ZoneOfFile(const std::string& path)
+// "Europe/Berlin" of a file below a zoneinfo folder or a link to one; empty for any other.
+std::string ZoneOfFile(const std::string& file)
 {
     constexpr std::string_view kFolder = "/zoneinfo/";
+    std::error_code error;
+    const std::string path = std::filesystem::canonical(file, error).string();
     const std::size_t at = path.find(kFolder);
     return at == std::string::npos ? std::string() : path.substr(at + kFolder.size());
 }
@@ -83,8 +85,7 @@ std::string ZoneId()
         const std::string value = *variable == ':' ? variable + 1 : variable;
         return value.empty() ? "UTC" : value.front() == '/' ? ZoneOfFile(value) : value;
     }
-    std::error_code error;
-    std::string zone = ZoneOfFile(std::filesystem::canonical("/etc/localtime", error).string());
+    std::string zone = ZoneOfFile("/etc/localtime");
     if (zone.empty())
     {
         std::ifstream("/etc/timezone") >> zone;

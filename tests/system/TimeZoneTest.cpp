@@ -4,8 +4,12 @@
 #include <windows.h>
 
 #include <time.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
 
 TEST(TimeZone, IsTheOneThatWindowsHasForIt)
 {
@@ -55,6 +59,22 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
         const __time64_t now = _time64(nullptr);
         EXPECT_EQ(_localtime64(&now)->tm_gmtoff, -60L * bias) << row.zone;
     }
+    _tzset();
+}
+
+// As ":/etc/localtime", which servers set to spare the C library a look at that link.
+TEST(TimeZone, IsFoundThroughALink)
+{
+    const std::string link = testing::TempDir() + "tavo-zone-" + std::to_string(getpid());
+    std::filesystem::create_symlink("/usr/share/zoneinfo/Asia/Tokyo", link);
+    {
+        const Variable zone("TZ", (":" + link).c_str());
+        TIME_ZONE_INFORMATION information = {};
+        GetTimeZoneInformation(&information);
+        EXPECT_EQ(information.Bias, -540);
+        EXPECT_EQ(std::wstring(information.StandardName), L"Tokyo Standard Time");
+    }
+    std::filesystem::remove(link);
     _tzset();
 }
 
