@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+// The console's output routine and the lines that are posted to it, in the very dialog that ships: behind the
+// report that it opens with.
+#include "console/TavoDlg.h"
+#include "resources/resource.h"
+#include "tests/support/WindowProbe.h"
+
+#include <gtest/gtest.h>
+
+#include <cwchar>
+#include <functional>
+#include <regex>
+#include <string>
+
+namespace
+{
+
+constexpr int kEnded = 7;
+constexpr DWORD kMinute = 60000; // in ms
+
+// Open until `onOpen` has run, or longer if that has posted something to be served.
+class OpenConsole : public CTavoDlg
+{
+public:
+    explicit OpenConsole(std::function<void(OpenConsole&)> onOpen)
+        : mOnOpen(std::move(onOpen)), mResult(DoModal())
+    {
+    }
+
+    // What has been written since the report.
+    std::wstring Written() const
+    {
+        const HWND box = ::GetDlgItem(m_hWnd, IDC_OUTPUT);
+        std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(box)) + 1, L'\0');
+        text.resize(
+            static_cast<std::size_t>(GetWindowTextW(box, text.data(), static_cast<int>(text.size()))));
+        return text.substr(mReportLength);
+    }
+    std::wstring WrittenWithoutTimes() const
+    {
+        return std::regex_replace(Written(), std::wregex(L"\\[\\d+ms\\]"), L"[]");
+    }
+    void Click(int id, void (*give)(HWND, UINT, WPARAM, LPARAM)) const
+    {
+        give(m_hWnd, WM_COMMAND, static_cast<WPARAM>(MAKEWPARAM(id, BN_CLICKED)),
+             reinterpret_cast<LPARAM>(::GetDlgItem(m_hWnd, id)));
+    }
+    INT_PTR Result() const { return mResult; }
+
+protected:
+    BOOL OnInitDialog() override
+    {
+        const BOOL result = CTavoDlg::OnInitDialog();
+        mReportLength = static_cast<std::size_t>(GetWindowTextLengthW(::GetDlgItem(m_hWnd, IDC_OUTPUT)));
+        mOnOpen(*this);
+        return result;
+    }
+
+private:
+    std::function<void(OpenConsole&)> mOnOpen;
+    std::size_t mReportLength = 0;
+    INT_PTR mResult;
+};
+
+void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    EXPECT_TRUE(PostMessageW(window, message, wParam, lParam));
+}
+
+void Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    SendMessageW(window, message, wParam, lParam);
+}
+
+TEST(Console, PutsTheTimeBeforeEachTextAndAddsNoLineEnd)
+{
+    const OpenConsole console(
+        [](OpenConsole& open)
+        {
+            open.AppendLine(L"left open");
+            open.AppendLine(L"");
+            open.AppendLine(L"two\r\nlines\r\n");
+            EXPECT_EQ(open.WrittenWithoutTimes(), L"[] left open[] [] two\r\nlines\r\n");
+            open.EndDialog(kEnded);
+        });
+    EXPECT_EQ(console.Result(), kEnded);
+}
+
+TEST(Console, CountsMillisecondsFromTheStartTickIn32Bits)
+{
+    OpenConsole(
+        [](OpenConsole& open)
+        {
+            gStartTick = GetTickCount();
+            open.AppendLine(L"anew\r\n");
+            gStartTick = GetTickCount() + kMinute;
+            open.AppendLine(L"wrapped\r\n");
+            unsigned anew = 0;
+            unsigned wrapped = 0;
+            const std::wstring written = open.Written();
+            ASSERT_EQ(std::swscanf(written.c_str(), L"[%ums] anew\r\n[%ums]", &anew, &wrapped), 2)
+                << "not two lines with times";
+            EXPECT_LT(anew, kMinute);
+            EXPECT_GE(wrapped, 0U - kMinute);
+            open.EndDialog(kEnded);
+        });
+}
+
+TEST(Console, ShowsPostedLinesInTheirOrderHoweverDeepTheyNest)
+{
+    OpenConsole(
+        [](OpenConsole& open)
+        {
+            EXPECT_EQ(gConsoleWnd, open.m_hWnd);
+            std::wstring expected = L"[] first\r\n";
+            for (int number = 0; number < 100; ++number)
+            {
+                const std::wstring line = std::to_wstring(number) + L"\r\n";
+                Post(gConsoleWnd, WM_FTP_LINE, 0, reinterpret_cast<LPARAM>(_wcsdup(line.c_str())));
+                expected += L"[] " + line;
+            }
+            open.AppendLine(L"first\r\n");
+            EXPECT_EQ(open.WrittenWithoutTimes(), expected);
+            open.EndDialog(kEnded);
+        });
+}
+
+TEST(Console, CloseLetsTheHandlerThatRunsEnd)
+{
+    std::wstring written;
+    const OpenConsole console(
+        [&written](OpenConsole& open)
+        {
+            open.Click(IDC_CLOSE, Post);
+            open.AppendLine(L"pumps the click\r\n");
+            open.AppendLine(L"goes on\r\n");
+            written = open.WrittenWithoutTimes();
+        });
+    EXPECT_EQ(console.Result(), 1);
+    EXPECT_EQ(written, L"[] pumps the click\r\n[] goes on\r\n");
+}
+
+TEST(Console, StartsAShipmentByAMessageFromAButtonThatIsThenDisabled)
+{
+    OpenConsole(
+        [](OpenConsole& open)
+        {
+            const HWND button = ::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS);
+            EXPECT_TRUE(IsEnabled(button));
+            open.Click(IDC_FTP_LOGS, Send);
+            EXPECT_FALSE(IsEnabled(button));
+            MSG message;
+            int posted = 0;
+            // Taken away here: no shipment is to run.
+            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+            {
+                if (message.message == WM_FTP_LOGS && message.hwnd == open.m_hWnd)
+                    ++posted;
+                else
+                    DispatchMessageW(&message);
+            }
+            EXPECT_EQ(posted, 1);
+            EXPECT_EQ(open.Written(), L"");
+            open.EndDialog(kEnded);
+        });
+}
+
+} // namespace
