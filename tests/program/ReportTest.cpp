@@ -120,18 +120,20 @@ struct ZoneRow
     const char* daylightBias;
     const char* standardName;
     const char* transitions2023;
+    const char* mailZone; // a pattern where the season decides
     const char* why;
 };
 
 constexpr ZoneRow kZones[] = {
-    {"America/St_Johns", "210", "-60", "Newfoundland Standard Time", "2023-03-12, 2023-11-05",
+    {"America/St_Johns", "210", "-60", "Newfoundland Standard Time", "2023-03-12, 2023-11-05", "-0[23]30",
      "half hours west"},
-    {"Asia/Kolkata", "-330", "-60", "India Standard Time", "2023-00-00, 2023-00-00",
+    {"Asia/Kolkata", "-330", "-60", "India Standard Time", "2023-00-00, 2023-00-00", "\\+0530",
      "no daylight time, but the bias that it would have"},
     {"Australia/Lord_Howe", "-630", "-30", "Lord Howe Standard Time", "2023-04-02, 2023-10-01",
-     "half an hour, southern"},
-    {"Europe/Berlin", "-60", "-60", "W. Europe Standard Time", "2023-03-26, 2023-10-29", "northern"},
-    {"UTC", "0", "0", "Coordinated Universal Time", "2023-00-00, 2023-00-00", "none at all"},
+     "\\+1(030|100)", "half an hour, southern"},
+    {"Europe/Berlin", "-60", "-60", "W. Europe Standard Time", "2023-03-26, 2023-10-29", "\\+0[12]00",
+     "northern"},
+    {"UTC", "0", "0", "Coordinated Universal Time", "2023-00-00, 2023-00-00", "\\+0000", "none at all"},
 };
 
 TEST(Report, TellsTheTimeZoneOfTheMachine)
@@ -150,6 +152,8 @@ TEST(Report, TellsTheTimeZoneOfTheMachine)
                   std::string("Timezone Standard Name: ") + row.standardName);
         EXPECT_EQ(LineWith(outcome, "Daylight transitions: 2023"),
                   std::string("Daylight transitions: ") + row.transitions2023);
+        const std::string mail = LineWith(outcome, "Current RFC822 mail time: ");
+        EXPECT_TRUE(std::regex_match(mail, std::regex(std::string(".* ") + row.mailZone))) << mail;
     }
 }
 

@@ -115,6 +115,24 @@ TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
         EXPECT_THAT(outcome.console, Not(HasSubstr("Current Computer")));
         EXPECT_THAT(outcome.errors, HasSubstr("log")) << "a log that cannot be written is told once";
     }
+    // The reason stands in a log that he may write.
+    const std::filesystem::path logs = folder.Path() / "Logs";
+    std::filesystem::create_directories(logs);
+    std::filesystem::permissions(logs, std::filesystem::perms(0777));
+    folder.Run({{}, {}, {}, std::chrono::seconds(30), true});
+    EXPECT_EQ(Count(folder.Log(), "console not admin"), 1u) << folder.Log();
+}
+
+TEST(Gate, StandsBehindTheForcedDump)
+{
+    if (RunsOnWindows())
+        GTEST_SKIP() << "the user of this prefix is an administrator";
+    const ProgramFolder folder;
+    const ProgramOutcome outcome =
+        folder.Run({{"-FORCE_DEBUG_DUMP"}, {"No"}, {}, std::chrono::seconds(30), true});
+    ASSERT_TRUE(outcome.ended);
+    EXPECT_THAT(outcome.console, HasSubstr("Confirm Forced Dump"));
+    EXPECT_THAT(outcome.console, Not(HasSubstr("Administrator Warning")));
 }
 
 struct DumpRow
