@@ -23,17 +23,17 @@ constexpr ULONG kSimpleBind = 0;
 struct Method
 {
     eLDAPAuthMethod number;
-    const wchar_t* beginText;
     ULONG bind; // LDAP_AUTH_..., or kSimpleBind
+    const wchar_t* beginText;
 };
 
 constexpr Method kMethods[] = {
-    {eLDAPAuthSimpleSSL, L"ldap_simple_bind_s begin ...", kSimpleBind},
-    {eLDAPAuthNTLM, L"ldap_bind_s(NTLM) begin ...", LDAP_AUTH_NTLM},
-    {eLDAPAuthDigest, L"ldap_bind_s(Digest) begin ...", LDAP_AUTH_DIGEST},
-    {eLDAPAuthDPA, L"ldap_bind_s(DPA) begin ...", LDAP_AUTH_DPA},
-    {eLDAPAuthSimplePlain, L"ldap_bind_s(plain text) begin ...", kSimpleBind},
-    {eLDAPAuthNegotiate, L"ldap_bind_s(negotiate) begin ...", LDAP_AUTH_NEGOTIATE},
+    {eLDAPAuthSimpleSSL, kSimpleBind, L"ldap_simple_bind_s begin ..."},
+    {eLDAPAuthNTLM, LDAP_AUTH_NTLM, L"ldap_bind_s(NTLM) begin ..."},
+    {eLDAPAuthDigest, LDAP_AUTH_DIGEST, L"ldap_bind_s(Digest) begin ..."},
+    {eLDAPAuthDPA, LDAP_AUTH_DPA, L"ldap_bind_s(DPA) begin ..."},
+    {eLDAPAuthSimplePlain, kSimpleBind, L"ldap_bind_s(plain text) begin ..."},
+    {eLDAPAuthNegotiate, LDAP_AUTH_NEGOTIATE, L"ldap_bind_s(negotiate) begin ..."},
 };
 
 struct Unbind

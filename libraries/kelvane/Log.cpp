@@ -165,7 +165,7 @@ ZTString GetLogDirectory()
         if (known.IsEmpty())
             known = FullDirectory(directory);
     }
-    const ZTString result = known;
+    ZTString result = known;
     lock.unlock();
     MakePrivateDirectory(NativePath(result.AsView()));
     return result;
