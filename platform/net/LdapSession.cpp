@@ -263,7 +263,7 @@ LdapFault LdapSession::Await(int request, Deadline deadline, Message& answer)
 {
     timeval left = TimeLeft(deadline);
     LDAPMessage* message = nullptr;
-    const int kind = ldap_result(mHandle, request, LDAP_MSG_ALL, &left, &message);
+    const int kind = ldap_result(mHandle, request, LDAP_MSG_ONE, &left, &message);
     answer.reset(message);
     if (kind > 0)
         return {};
@@ -343,21 +343,11 @@ LdapFault LdapSession::BindDigest(const LdapIdentity& identity)
 LdapFault LdapSession::ReadTraits(Deadline deadline, ServerTraits& traits)
 {
     const char* const attributes[] = {"supportedSASLMechanisms", "ldapServiceName", nullptr};
-    Message result;
+    LdapResult result;
     const LdapFault fault =
         SearchUntil(deadline, "", LDAP_SCOPE_BASE, "(objectClass=*)", attributes, false, result);
-    LDAPMessage* entry = result ? ldap_first_entry(mHandle, result.get()) : nullptr;
-    if (!entry)
-        return fault;
     const auto valuesOf = [&](const char* attribute)
-    {
-        std::vector<std::string> texts;
-        berval** values = ldap_get_values_len(mHandle, entry, attribute);
-        for (berval** value = values; value && *value; ++value)
-            texts.emplace_back((*value)->bv_val, (*value)->bv_len);
-        ldap_value_free_len(values);
-        return texts;
-    };
+    { return ValuesOf(result, attribute).value_or(std::vector<std::string>()); };
     traits.mechanisms = valuesOf(attributes[0]);
     // "example.com:server$@EXAMPLE.COM"
     for (const std::string& service : valuesOf(attributes[1]))
@@ -450,20 +440,22 @@ LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const ch
 }
 
 LdapFault LdapSession::Search(const std::string& base, int scope, const std::string& filter,
-                              const char* const* attributes, bool namesOnly, ldapmsg*& result)
+                              const char* const* attributes, bool namesOnly,
+                              std::unique_ptr<LdapResult>& result)
 {
     if (LdapFault fault = Ready())
         return fault;
-    Message found;
+    auto found = std::make_unique<LdapResult>();
     const LdapFault fault =
-        SearchUntil(Clock::now() + mTimeLimit + kGrace, base, scope, filter, attributes, namesOnly, found);
-    result = fault ? nullptr : found.release();
+        SearchUntil(Clock::now() + mTimeLimit + kGrace, base, scope, filter, attributes, namesOnly, *found);
+    if (!fault)
+        result = std::move(found);
     return fault;
 }
 
 LdapFault LdapSession::SearchUntil(Deadline deadline, const std::string& base, int scope,
                                    const std::string& filter, const char* const* attributes, bool namesOnly,
-                                   Message& result)
+                                   LdapResult& result)
 {
     const auto serverLimit = std::chrono::ceil<seconds>(deadline - Clock::now() - kGrace).count();
     timeval limit = {std::max<long>(1, serverLimit), 0};
@@ -473,7 +465,33 @@ LdapFault LdapSession::SearchUntil(Deadline deadline, const std::string& base, i
                         namesOnly, nullptr, nullptr, &limit, LDAP_NO_LIMIT, &request);
     if (sent != LDAP_SUCCESS)
         return LibraryFault(sent);
-    if (LdapFault fault = Await(request, deadline, result))
-        return fault;
-    return ResultOf(result.get());
+    while (true)
+    {
+        Message message;
+        if (LdapFault fault = Await(request, deadline, message))
+            return fault;
+        Keep(message.get(), result);
+        if (ldap_msgtype(message.get()) == LDAP_RES_SEARCH_RESULT)
+            return ResultOf(message.get());
+    }
+}
+
+void LdapSession::Keep(ldapmsg* message, LdapResult& result) const
+{
+    // The first message stands for the result, whatever it is.
+    if (ldap_msgtype(message) != LDAP_RES_SEARCH_ENTRY)
+    {
+        if (result.IsEmpty())
+            result.Add({});
+        return;
+    }
+    BerElement* attributes = nullptr;
+    berval name{};
+    berval first{};
+    ber_len_t length = 0;
+    const bool read = ldap_get_dn_ber(mHandle, message, &attributes, &name) == LDAP_SUCCESS &&
+                      ber_get_option(attributes, LBER_OPT_BER_REMAINING_BYTES, &length) == LBER_OPT_SUCCESS &&
+                      ber_skip_raw(attributes, &first) != LBER_DEFAULT;
+    result.Add(read ? std::string_view(first.bv_val, length) : std::string_view());
+    ber_free(attributes, 0);
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/net/LdapChannel.h"
+#include "platform/net/LdapResult.h"
 #include "platform/net/LdapText.h"
 
 #include <memory>
@@ -14,7 +15,6 @@
 // Tags that OpenLDAP's header and ours have in common.
 struct ldap;
 struct ldapmsg;
-struct berelement;
 class GssContext;
 class GssLayer;
 class LdapMessageLayer;
@@ -51,12 +51,9 @@ public:
     LdapFault BindDigest(const LdapIdentity& identity);
     LdapFault BindGss(const LdapIdentity& identity, GssMethod method);
 
-    // The attributes end with a null; the result is released by ldap_msgfree. Null when the search failed.
+    // The attributes end with a null. The result is null when the search failed.
     LdapFault Search(const std::string& base, int scope, const std::string& filter,
-                     const char* const* attributes, bool namesOnly, ldapmsg*& result);
-
-    // OpenLDAP's handle, null before Connect.
-    ldap* Handle() const { return mHandle; }
+                     const char* const* attributes, bool namesOnly, std::unique_ptr<LdapResult>& result);
 
 private:
     struct FreeMessage
@@ -74,7 +71,7 @@ private:
 
     LdapFault ConnectTo(const LdapHost& host, Deadline deadline);
     LdapFault Ready() const;
-    // The answer to a request, or why there is none.
+    // The next message that answers a request, or why there is none.
     LdapFault Await(int request, Deadline deadline, Message& answer);
     LdapFault AwaitBind(int request, Deadline deadline, Message& answer);
     // The result that an answer bears, with the server's words.
@@ -82,7 +79,9 @@ private:
     // The fault behind a call of the library that failed with `code`.
     LdapFault LibraryFault(int code);
     LdapFault SearchUntil(Deadline deadline, const std::string& base, int scope, const std::string& filter,
-                          const char* const* attributes, bool namesOnly, Message& result);
+                          const char* const* attributes, bool namesOnly, LdapResult& result);
+    // Keeps what the caller of a search may ask for of one of its messages.
+    void Keep(ldapmsg* message, LdapResult& result) const;
     LdapFault ReadTraits(Deadline deadline, ServerTraits& traits);
     LdapFault ExchangeGss(std::unique_ptr<GssContext> context, const char* mechanism, Deadline deadline);
 

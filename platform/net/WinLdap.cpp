@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // The LDAP client under its Windows names: texts and codes on this side, the session on the other.
-#include "platform/net/LdapAttributes.h"
 #include "platform/net/LdapSession.h"
 
 #include "foundation/Utf16.h"
@@ -22,6 +21,11 @@ constexpr std::chrono::seconds kConnectLimit{15};
 LdapSession* SessionOf(LDAP* session)
 {
     return reinterpret_cast<LdapSession*>(session);
+}
+
+LdapEntry* EntryOf(LDAPMessage* message)
+{
+    return reinterpret_cast<LdapEntry*>(message);
 }
 
 std::wstring_view ViewOf(const wchar_t* text)
@@ -58,10 +62,17 @@ std::string Utf8Of(const unsigned short* units, ULONG length)
     return ToUtf8(FromUtf16(reinterpret_cast<const char16_t*>(units), length));
 }
 
-// A wide text for ldap_memfreeW; null for null.
-PWCHAR NewText(const char* text)
+// A text for ldap_memfreeW.
+PWCHAR NewText(const std::string& text)
 {
-    return text ? wcsdup(FromUtf8(text).c_str()) : nullptr;
+    return wcsdup(FromUtf8(text).c_str());
+}
+
+// The name of the next attribute behind a position that ber_free will release; null after the last.
+PWCHAR NextName(BerElement* position)
+{
+    const std::optional<std::string> name = NextAttribute(position);
+    return name ? NewText(*name) : nullptr;
 }
 
 } // namespace
@@ -162,41 +173,46 @@ ULONG ldap_search_sW(LDAP* session, const PWCHAR base, ULONG scope, const PWCHAR
     for (const std::string& name : names)
         list.push_back(name.c_str());
     list.push_back(nullptr);
-    return RememberFault(
+    std::unique_ptr<LdapResult> found;
+    const LdapFault fault =
         SessionOf(session)->Search(ToUtf8(ViewOf(base)), static_cast<int>(scope), ToUtf8(ViewOf(filter)),
-                                   attributes ? list.data() : nullptr, namesOnly != 0, *result));
+                                   attributes ? list.data() : nullptr, namesOnly != 0, found);
+    LdapEntry* const first = found.release();
+    *result = reinterpret_cast<LDAPMessage*>(first);
+    return RememberFault(fault);
 }
 
-LDAPMessage* ldap_next_entry(LDAP* session, LDAPMessage* entry)
+LDAPMessage* ldap_next_entry(LDAP*, LDAPMessage* entry)
 {
-    return NextEntry(SessionOf(session)->Handle(), entry);
+    return entry ? reinterpret_cast<LDAPMessage*>(EntryOf(entry)->next) : nullptr;
 }
 
 ULONG ldap_msgfree(LDAPMessage* result)
 {
-    FreeResult(result);
+    delete static_cast<LdapResult*>(EntryOf(result));
     return LDAP_SUCCESS;
 }
 
-PWCHAR ldap_first_attributeW(LDAP* session, LDAPMessage* entry, BerElement** position)
+PWCHAR ldap_first_attributeW(LDAP*, LDAPMessage* entry, BerElement** position)
 {
-    return NewText(FirstAttribute(SessionOf(session)->Handle(), entry, *position).get());
+    *position = BeforeAttributes(*EntryOf(entry)).release();
+    return NextName(*position);
 }
 
-PWCHAR ldap_next_attributeW(LDAP* session, LDAPMessage* entry, BerElement* position)
+PWCHAR ldap_next_attributeW(LDAP*, LDAPMessage*, BerElement* position)
 {
-    return NewText(NextAttribute(SessionOf(session)->Handle(), entry, position).get());
+    return NextName(position);
 }
 
-PWCHAR* ldap_get_valuesW(LDAP* session, LDAPMessage* entry, const PWCHAR attribute)
+PWCHAR* ldap_get_valuesW(LDAP*, LDAPMessage* entry, const PWCHAR attribute)
 {
     const std::optional<std::vector<std::string>> values =
-        ValuesOf(SessionOf(session)->Handle(), entry, ToUtf8(ViewOf(attribute)));
+        ValuesOf(*EntryOf(entry), ToUtf8(ViewOf(attribute)));
     if (!values)
         return nullptr;
     auto list = static_cast<PWCHAR*>(std::calloc(values->size() + 1, sizeof(PWCHAR)));
     for (std::size_t i = 0; i < values->size(); ++i)
-        list[i] = NewText((*values)[i].c_str());
+        list[i] = NewText((*values)[i]);
     return list;
 }
 
@@ -215,5 +231,5 @@ void ldap_memfreeW(PWCHAR block)
 
 void ber_free(BerElement* element, INT)
 {
-    FreePosition(element);
+    const AttributePosition released(element);
 }

@@ -319,8 +319,8 @@ TEST(LdapSearch, ReadsOddEntries)
     ASSERT_EQ(outcome.messages.size(), 5u);
     EXPECT_TRUE(outcome.messages[0].empty());
     ASSERT_EQ(outcome.messages[1].size(), 2u);
-    EXPECT_EQ(outcome.messages[1][0].first, L"NAMINGCONTEXTS");
-    EXPECT_EQ(outcome.messages[1][1].first, L"namingContexts");
+    EXPECT_EQ(outcome.messages[1][0], (Attributes::value_type{L"NAMINGCONTEXTS", {L"a"}}));
+    EXPECT_EQ(outcome.messages[1][1], (Attributes::value_type{L"namingContexts", {L"b"}}));
     ASSERT_EQ(outcome.messages[2].size(), 1u);
     EXPECT_EQ(outcome.messages[2][0].second.size(), 10'000u);
     EXPECT_EQ(outcome.messages[2][0].second.back(), L"dc=9999");
