@@ -27,13 +27,13 @@ struct ProgramStart
     std::vector<std::string> arguments;
     // Lines of input: a button's caption, or ID=text. When they are used up the dialog on top is cancelled.
     std::vector<std::string> input;
-    // What the console must say before the user does anything. Windows only: in the terminal, input waits
-    // behind all that is under way.
-    std::string awaited;
     // Set in the program's environment; an empty value takes the variable out.
     std::vector<std::pair<std::string, std::string>> environment;
     std::chrono::seconds limit{60};
     bool asOtherUser = false; // as a user without rights ("nobody"); Linux only
+    // What the console must say before the user does anything. Windows only: in the terminal, input waits
+    // behind all that is under way.
+    std::string awaited{};
 };
 
 class ProgramFolder
