@@ -4,9 +4,11 @@
 #include "tests/ldap/LdapConsole.h"
 #include "tests/support/ProgramFolder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <regex>
 
 namespace
 {
@@ -156,6 +158,42 @@ TEST(Directory, IsTestedWithAllMethodsThoughNoneBinds)
 TEST(Directory, IsNotTestedWhenTheDialogIsCancelled)
 {
     EXPECT_EQ(RunLdapTest({"localhost", "389", "", "", "", kTryAll, "Cancel"}), "");
+}
+
+// Handlers nest on one stack, and the console's end waits for them.
+TEST(Directory, IsTestedToTheEndBesideAShipmentAndAClose)
+{
+    NEED_DIRECTORY();
+    if (RunsOnWindows())
+        GTEST_SKIP() << "the user of the Windows tests waits until the console stands still";
+    const LdapAnswers answers = {"localhost", Port("TAVO_LDAP_PORT"), "", kAlice, "wonderland", kSimplePlain};
+    struct Case
+    {
+        const char* before;
+        const char* after;
+    };
+    // The shipment finds no server and says so.
+    const std::string ship = "FTP Logs to Support";
+    for (const auto& [before, after] : {Case{"", ship.c_str()}, Case{ship.c_str(), ""}, Case{"", "Close"}})
+    {
+        ProgramStart start;
+        start.input = Typed(answers);
+        if (*before)
+            start.input.insert(start.input.begin(), before);
+        if (*after)
+            start.input.push_back(after);
+        const ProgramFolder folder;
+        const ProgramOutcome outcome = folder.Run(start);
+        EXPECT_TRUE(outcome.ended);
+        EXPECT_EQ(outcome.exitCode, 0);
+        static const std::regex shipmentLine("FTP_LOG: [^\n]*\n");
+        const std::string console = WithoutTimes(outcome.console);
+        EXPECT_THAT(std::regex_replace(console, shipmentLine, ""),
+                    testing::HasSubstr(Framed(answers, Bound(kSimplePlain) + Walked(3))))
+            << before << ", " << after;
+        EXPECT_EQ(console.find("FTP_LOG: ### File size") != std::string::npos,
+                  before == ship || after == ship);
+    }
 }
 
 // What the library would read for other programs, all of it wrong.

@@ -85,19 +85,24 @@ std::string BindText(const std::string& method)
 
 } // namespace
 
+std::vector<std::string> Typed(const LdapAnswers& answers)
+{
+    return {"LDAP ...",
+            "1006=" + answers.server,
+            "1008=" + answers.port,
+            "1009=" + answers.domain,
+            "1004=" + answers.user,
+            "1007=" + answers.password,
+            "1003=" + answers.method,
+            answers.button};
+}
+
 std::string RunLdapTest(const LdapAnswers& answers,
                         const std::vector<std::pair<std::string, std::string>>& environment)
 {
     const ProgramFolder folder;
     ProgramStart start;
-    start.input = {"LDAP ...",
-                   "1006=" + answers.server,
-                   "1008=" + answers.port,
-                   "1009=" + answers.domain,
-                   "1004=" + answers.user,
-                   "1007=" + answers.password,
-                   "1003=" + answers.method,
-                   answers.button};
+    start.input = Typed(answers);
     start.environment = environment;
     start.limit = std::chrono::minutes(3); // a loaded machine draws slowly under Wine
     const ProgramOutcome outcome = folder.Run(start);

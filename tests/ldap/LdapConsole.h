@@ -27,6 +27,9 @@ struct LdapAnswers
     std::string button = "OK";
 };
 
+// The lines of input that open the dialog, fill it and press its button.
+std::vector<std::string> Typed(const LdapAnswers& answers);
+
 // Runs the program, presses the LDAP button and gives the test's part of the console, less the prefixes.
 std::string RunLdapTest(const LdapAnswers& answers,
                         const std::vector<std::pair<std::string, std::string>>& environment = {});
