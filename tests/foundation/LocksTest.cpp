@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -29,16 +30,16 @@ struct RecordingSwitch
 // Holds the lock on another thread for a while; returns when it is held.
 std::thread HoldElsewhere(CLockCS& lock, std::chrono::milliseconds time)
 {
-    std::atomic<bool> held = false;
+    std::promise<void> held;
+    std::future<void> isHeld = held.get_future();
     std::thread holder(
-        [&lock, &held, time]
+        [&lock, held = std::move(held), time]() mutable
         {
             const CAcquireCS acquired(lock);
-            held = true;
-            held.notify_one();
+            held.set_value();
             std::this_thread::sleep_for(time);
         });
-    held.wait(false);
+    isHeld.wait();
     return holder;
 }
 

@@ -4,7 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <barrier>
+#include <condition_variable>
+#include <mutex>
 #include <chrono>
 #include <thread>
 #include <vector>
@@ -212,13 +213,41 @@ TEST(NamedEvent, AutoResetReleasesOneProcessForEachSet)
     CloseHandle(event);
 }
 
+// std::barrier waits on an atomic, and waiters on one can miss their wake-up with this compiler's Windows
+// library.
+class MeetingPoint
+{
+public:
+    explicit MeetingPoint(int threads) : mThreads(threads) {}
+
+    void Meet()
+    {
+        std::unique_lock lock(mGuard);
+        const int round = mRound;
+        if (++mCome == mThreads)
+        {
+            mCome = 0;
+            ++mRound;
+            mAllCame.notify_all();
+        }
+        mAllCame.wait(lock, [&] { return mRound != round; });
+    }
+
+private:
+    const int mThreads;
+    std::mutex mGuard;
+    std::condition_variable mAllCame;
+    int mCome = 0;
+    int mRound = 0;
+};
+
 TEST(NamedEvent, OfAllWhoCreateItAtOnceExactlyOneIsTheFirst)
 {
     constexpr int kThreads = 4;
     constexpr int kRounds = 200;
     const std::wstring name = UniqueName(L"race");
     std::atomic<int> firsts = 0;
-    std::barrier all(kThreads);
+    MeetingPoint all(kThreads);
     std::vector<std::jthread> threads;
     for (int index = 0; index < kThreads; ++index)
     {
@@ -229,11 +258,11 @@ TEST(NamedEvent, OfAllWhoCreateItAtOnceExactlyOneIsTheFirst)
                 {
                     const HANDLE event = Create(name);
                     firsts += event != nullptr && GetLastError() == ERROR_SUCCESS;
-                    all.arrive_and_wait();
+                    all.Meet();
                     CloseHandle(event); // the next round begins while others still close
                     if (round % 2 == 0)
                     {
-                        all.arrive_and_wait();
+                        all.Meet();
                     }
                 }
             });
