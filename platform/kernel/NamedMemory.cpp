@@ -11,7 +11,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 namespace
@@ -21,6 +23,10 @@ namespace
 constexpr off_t kGuard = 0;
 constexpr off_t kHolder = 1;
 
+// The guard is held for moments. Any user may open the file, so one who keeps it must not hold a shipment up
+// for ever: after some seconds the name cannot be had.
+constexpr std::chrono::seconds kPatience{5};
+
 bool Lock(int file, off_t byte, short type)
 {
     struct flock lock = {};
@@ -28,12 +34,21 @@ bool Lock(int file, off_t byte, short type)
     lock.l_whence = SEEK_SET;
     lock.l_start = byte;
     lock.l_len = 1;
-    int result;
-    do
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (fcntl(file, F_OFD_SETLK, &lock) != 0)
     {
-        result = fcntl(file, F_OFD_SETLKW, &lock);
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
+        if (errno != EAGAIN && errno != EACCES && errno != EINTR)
+        {
+            return false;
+        }
+        if (std::chrono::steady_clock::now() > end)
+        {
+            errno = EACCES;
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
 }
 
 bool IsHeldByOthers(int file)
@@ -110,17 +125,18 @@ int OpenGuarded(const std::string& path, mode_t mode)
             return file;
         }
         struct stat status = {};
-        if (Lock(file, kGuard, F_WRLCK) && fstat(file, &status) == 0 && status.st_nlink > 0)
+        if (!Lock(file, kGuard, F_WRLCK) || fstat(file, &status) != 0)
         {
-            return file;
-        }
-        const int error = status.st_nlink == 0 ? 0 : errno;
-        close(file);
-        if (error != 0)
-        {
+            const int error = errno;
+            close(file);
             errno = error;
             return -1;
         }
+        if (status.st_nlink > 0)
+        {
+            return file;
+        }
+        close(file);
     }
 }
 
@@ -181,7 +197,12 @@ std::unique_ptr<NamedMemory> NamedMemory::Open(const std::wstring& name, Access 
     {
         std::memcpy(data, content, size);
     }
-    Lock(file.Get(), kHolder, F_RDLCK);
+    if (!Lock(file.Get(), kHolder, F_RDLCK))
+    {
+        FailWithErrno(errno);
+        munmap(data, size);
+        return nullptr;
+    }
     Lock(file.Get(), kGuard, F_UNLCK);
     return std::unique_ptr<NamedMemory>(new NamedMemory(file.Release(), std::move(path), data, size));
 }
@@ -194,8 +215,7 @@ NamedMemory::NamedMemory(int file, std::string path, void* data, std::size_t siz
 NamedMemory::~NamedMemory()
 {
     munmap(mData, mSize);
-    Lock(mFile, kGuard, F_WRLCK);
-    if (!IsHeldByOthers(mFile))
+    if (Lock(mFile, kGuard, F_WRLCK) && !IsHeldByOthers(mFile))
     {
         unlink(mPath.c_str()); // fails for another user's file, which then stays, held by nobody
     }

@@ -121,6 +121,24 @@ TEST(NamedEventFile, IsThereOnlyWhileTheNameIs)
     EXPECT_EQ(files(), 0);
 }
 
+TEST(NamedEventFile, KeptLockedBySomebodyHoldsNobodyUpForEver)
+{
+    const std::wstring name = UniqueName(L"locked");
+    const std::string path = "/dev/shm/tavo." + SystemFromWide(name);
+    const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    struct flock all = {};
+    all.l_type = F_WRLCK;
+    all.l_whence = SEEK_SET;
+    ASSERT_EQ(fcntl(file, F_OFD_SETLK, &all), 0);
+    EXPECT_EQ(CreateEventW(nullptr, FALSE, FALSE, name.c_str()), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    close(file);
+    const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, name.c_str());
+    EXPECT_NE(event, nullptr);
+    CloseHandle(event);
+    EXPECT_FALSE(fs::exists(path));
+}
+
 TEST(ProcessOnLinux, SignalsDeathIsAFailure)
 {
     const PeerProcess peer(L"wait " + UniqueName(L"never") + L" " + UniqueName(L"ready") + L" 60000");
