@@ -85,7 +85,7 @@ ZTString FormatLocalDate(const DateValue& value)
 ZTString FormatRFC822Date(const DateValue& value)
 {
     const LONG bias = PresentBias();
-    const LONG distance = std::labs(bias);
+    const LONG distance = bias < 0 ? -bias : bias;
     ZTString text;
     text.Format(L"{0:s}, {1:d} {2:s} {3:d} {4:02d}:{5:02d}:{6:02d} {7:s}{8:02d}{9:02d}",
                 Name(kDayNames, value.GetDayOfWeek()), value.GetDay(), Name(kMonthNames, value.GetMonth()),

@@ -50,7 +50,7 @@ class CAcquireCS
 {
 public:
     // The lock may be one that is not made yet, or gone: that is what its state is for.
-    [[gnu::no_sanitize("vptr")]] explicit CAcquireCS(CLockCS& lock)
+    __attribute__((no_sanitize("vptr"))) explicit CAcquireCS(CLockCS& lock)
         : mLockObject(&lock), mAcquiredCS(lock.IsUsable() ? &lock.mCS : nullptr)
     {
         const bool record = gbRecordLockWaits && lock.mLabel;

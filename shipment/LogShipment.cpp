@@ -58,8 +58,8 @@ Handle StartArchiver(CTavoDlg& console, const ZTString& commandLine)
     startup.wShowWindow = SW_HIDE;
     PROCESS_INFORMATION process{};
     ZTString buffer = commandLine;
-    if (!CreateProcessW(nullptr, buffer.GetBuffer(buffer.GetLength()), nullptr, nullptr, TRUE, 0, nullptr, GetLogDirectory(),
-                        &startup, &process))
+    if (!CreateProcessW(nullptr, buffer.GetBuffer(buffer.GetLength()), nullptr, nullptr, TRUE, 0, nullptr,
+                        GetLogDirectory(), &startup, &process))
     {
         const ZTString error = SystemErrorText(GetLastError());
         console.AppendLine(
@@ -102,7 +102,7 @@ void UploadArchive(CTavoDlg& console, const ZTString& archivePath, const ZTStrin
     console.AppendLine(L"FTP_LOG: Beginning upload\r\n");
 
     gbFTPDone = false;
-    auto args = std::make_unique<FTPProcArgs>(archivePath, archiveName + L".zip");
+    auto args = std::make_unique<FTPProcArgs>(FTPProcArgs{archivePath, archiveName + L".zip"});
     if (_beginthread(&FTPProc, 0, args.get()) == kNoThread)
     {
         const ZTString error = SystemErrorText(GetLastError());

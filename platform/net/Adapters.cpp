@@ -65,8 +65,8 @@ bool ListLinks(std::vector<Link>& links)
     }
     freeifaddrs(list);
     std::ranges::stable_sort(links, {}, &Link::index);
-    const auto doubles = std::ranges::unique(links, {}, &Link::index);
-    links.erase(doubles.begin(), doubles.end());
+    const auto sameIndex = [](const Link& one, const Link& other) { return one.index == other.index; };
+    links.erase(std::unique(links.begin(), links.end(), sameIndex), links.end());
     return true;
 }
 

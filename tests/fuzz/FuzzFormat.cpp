@@ -18,7 +18,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::memcpy(&real, data, sizeof real);
     std::wstring format;
     for (std::size_t i = sizeof number; i < size; ++i)
-        format += static_cast<wchar_t>(data[i] < 0x80 || i + 1 == size ? data[i] : data[i] << 8 | data[++i]);
+    {
+        const bool isPair = data[i] >= 0x80 && i + 1 < size;
+        format += static_cast<wchar_t>(isPair ? data[i] << 8 | data[i + 1] : data[i]);
+        i += isPair ? 1 : 0;
+    }
     const std::string narrow(reinterpret_cast<const char*>(data), size);
     const ZTString text(format.c_str());
 
