@@ -115,6 +115,9 @@ void UploadArchive(CTavoDlg& console, const ZTString& archivePath, const ZTStrin
         Sleep(kUploadStep);
         PumpMessages(nullptr, 0);
     }
+    // The thread's last lines may have come after the last look, or all of them before the first; an
+    // unattended run would end without them.
+    PumpMessages(nullptr, 0);
 }
 
 } // namespace

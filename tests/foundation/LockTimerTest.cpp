@@ -81,8 +81,8 @@ TEST(LockTimer, IsNotReadForALockThatIsPassedOver)
 {
     alignas(CLockCS) static std::byte storage[sizeof(CLockCS)];
     auto* const lock = std::construct_at(reinterpret_cast<CLockCS*>(storage));
-    std::destroy_at(lock);
     lock->mLabel = L"Queue";
+    std::destroy_at(lock);
     gbRecordLockWaits = true;
     gMark = 7;
     gCalls.clear();
