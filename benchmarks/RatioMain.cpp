@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // main() of every benchmark program. Benchmarks are named "case/subject", our own subject "tavo". Behind the
 // usual table stands our median time divided by each peer's: below 1 ours is faster. The time is the
-// processor's, unless a benchmark asks for real time.
+// processor's, unless a benchmark measures real time.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -19,9 +19,9 @@ public:
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs)
             if (run.aggregate_name == "median")
-                mMedians.push_back({run.run_name.function_name, run.run_name.time_type == "real_time"
-                                                                    ? run.GetAdjustedRealTime()
-                                                                    : run.GetAdjustedCPUTime()});
+                mMedians.push_back({run.run_name.function_name, run.run_name.time_type.empty()
+                                                                    ? run.GetAdjustedCPUTime()
+                                                                    : run.GetAdjustedRealTime()});
     }
 
     void Finalize() override

@@ -153,7 +153,8 @@ void FillLogs(const fs::path& logs)
     }
 }
 
-// The highest resident size of the program while it runs, in MiB.
+// The highest resident size of the program while it runs, in MiB. It looks seldom, since looking takes time
+// from what is measured, and the system keeps the highest.
 class PeakMemory
 {
 public:
@@ -180,7 +181,7 @@ private:
                     if (line.rfind("VmHWM:", 0) == 0)
                         mKilobytes = std::max(mKilobytes, std::atol(line.c_str() + 6));
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            std::this_thread::sleep_for(std::chrono::milliseconds(500));
         }
     }
 

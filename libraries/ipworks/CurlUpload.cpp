@@ -26,7 +26,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr long kConnectSeconds = 60; // to connect and to log in
 constexpr long kKeepAliveSeconds = 30;
-constexpr long kBufferBytes = 256 * 1024;
 constexpr std::chrono::milliseconds kLastWordWait{1000};
 constexpr std::chrono::milliseconds kDrainInterval{20};
 
@@ -202,7 +201,6 @@ bool CurlUpload::Prepare()
     curl_easy_setopt(curl, CURLOPT_PASSWORD, mJob.password.c_str());
     curl_easy_setopt(curl, CURLOPT_QUOTE, mCommands.get());
     curl_easy_setopt(curl, CURLOPT_UPLOAD, 1L);
-    curl_easy_setopt(curl, CURLOPT_UPLOAD_BUFFERSIZE, kBufferBytes);
     curl_easy_setopt(curl, CURLOPT_FTP_SKIP_PASV_IP, 1L);
     if (!mJob.passive)
         curl_easy_setopt(curl, CURLOPT_FTPPORT, "-"); // the address that the control connection has
