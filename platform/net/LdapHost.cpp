@@ -104,7 +104,9 @@ std::string AsciiName(std::string_view name)
                                static_cast<int32_t>(ascii.size()), &info, &error);
     if (U_FAILURE(error) || info.errors != 0)
         return typed;
-    return std::string(ascii.data(), static_cast<std::size_t>(length));
+    const std::string converted(ascii.data(), static_cast<std::size_t>(length));
+    // Some letters stand for a blank and another one.
+    return converted.find(' ') == std::string::npos ? converted : typed;
 }
 
 std::optional<std::uint16_t> ParsePort(std::string_view text)

@@ -33,6 +33,7 @@ TEST(LdapHosts, AreReadFromAListOfNamesAndAddresses)
          "e.example",
          {{"xn--strae-oqa.example", 389}}},
         {"a\xcc\xb8..example", {{"a\xcc\xb8..example", 389}}}, // no name of DNS
+        {"\xcd\xba.example", {{"\xcd\xba.example", 389}}},     // would become one with a blank
         {"[fe80::1%eth0]:65535", {{"fe80::1%eth0", 65535}}},
     };
     for (const Case& test : kCases)
