@@ -163,19 +163,21 @@ int LdapChannel::Control(Sockbuf_IO_Desc* layer, int option, void*)
 ber_slen_t LdapChannel::Read(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length)
 {
     LdapChannel& channel = Of(layer);
+    if (!channel.mTls)
+        return channel.ReadPlain(bytes, length);
     ERR_clear_error();
-    return channel.mTls ? channel.TlsResult(SSL_read(channel.mTls.get(), bytes,
-                                                     static_cast<int>(std::min<ber_len_t>(length, INT_MAX))))
-                        : channel.ReadPlain(bytes, length);
+    return channel.TlsResult(
+        SSL_read(channel.mTls.get(), bytes, static_cast<int>(std::min<ber_len_t>(length, INT_MAX))));
 }
 
 ber_slen_t LdapChannel::Write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length)
 {
     LdapChannel& channel = Of(layer);
+    if (!channel.mTls)
+        return channel.WritePlain(bytes, length);
     ERR_clear_error();
-    return channel.mTls ? channel.TlsResult(SSL_write(channel.mTls.get(), bytes,
-                                                      static_cast<int>(std::min<ber_len_t>(length, INT_MAX))))
-                        : channel.WritePlain(bytes, length);
+    return channel.TlsResult(
+        SSL_write(channel.mTls.get(), bytes, static_cast<int>(std::min<ber_len_t>(length, INT_MAX))));
 }
 
 ber_slen_t LdapChannel::ReadPlain(void* bytes, std::size_t length)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapMessages.h"
 
+#include "platform/net/Ber.h"
+
 #include <algorithm>
 #include <memory>
 #include <optional>
@@ -27,35 +29,13 @@ constexpr std::string_view kDisconnection = "1.3.6.1.4.1.1466.20036";
 
 constexpr std::size_t kLongestMessage = 64 * 1024 * 1024; // taken from a server, in bytes
 constexpr std::size_t kLongestUnasked = 64 * 1024;
-constexpr std::size_t kLengthBytes = 4; // the most that a length has behind its first byte
 
-enum class Reading
-{
-    Done,
-    Incomplete,
-    Wrong
-};
-
-// Reads a tag and a length at `at` and moves behind them.
-Reading ReadHead(std::string_view bytes, unsigned char tag, std::size_t& at, std::size_t& length)
+// Reads a head that must have this tag.
+BerReading ReadHead(std::string_view bytes, unsigned char tag, std::size_t& at, std::size_t& length)
 {
     if (bytes.size() > at && static_cast<unsigned char>(bytes[at]) != tag)
-        return Reading::Wrong;
-    if (bytes.size() < at + 2)
-        return Reading::Incomplete;
-    length = static_cast<unsigned char>(bytes[at + 1]);
-    at += 2;
-    if (length < 0x80)
-        return Reading::Done;
-    const std::size_t count = length & 0x7f;
-    if (count == 0 || count > kLengthBytes)
-        return Reading::Wrong;
-    if (bytes.size() < at + count)
-        return Reading::Incomplete;
-    length = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        length = length << 8 | static_cast<unsigned char>(bytes[at++]);
-    return Reading::Done;
+        return BerReading::Wrong;
+    return ReadBerHead(bytes, at, length);
 }
 
 struct Head
@@ -64,30 +44,30 @@ struct Head
     bool unasked = false; // its number is 0
 };
 
-Reading ReadMessageHead(std::string_view bytes, Head& head)
+BerReading ReadMessageHead(std::string_view bytes, Head& head)
 {
     std::size_t at = 0;
     std::size_t length = 0;
-    Reading reading = ReadHead(bytes, kSequence, at, length);
-    if (reading != Reading::Done)
+    BerReading reading = ReadHead(bytes, kSequence, at, length);
+    if (reading != BerReading::Done)
         return reading;
     if (length > kLongestMessage)
-        return Reading::Wrong;
+        return BerReading::Wrong;
     head.size = at + length;
     std::size_t numberLength = 0;
     reading = ReadHead(bytes.substr(0, head.size), kInteger, at, numberLength);
     // A message that ends inside its own head never becomes complete.
-    if (reading == Reading::Incomplete && bytes.size() >= head.size)
-        return Reading::Wrong;
-    if (reading != Reading::Done)
+    if (reading == BerReading::Incomplete && bytes.size() >= head.size)
+        return BerReading::Wrong;
+    if (reading != BerReading::Done)
         return reading;
     if (numberLength == 0 || numberLength > sizeof(ber_int_t) || at + numberLength > head.size)
-        return Reading::Wrong;
+        return BerReading::Wrong;
     if (bytes.size() < at + numberLength)
-        return Reading::Incomplete;
+        return BerReading::Incomplete;
     const std::string_view number = bytes.substr(at, numberLength);
     head.unasked = std::ranges::all_of(number, [](char byte) { return byte == '\0'; });
-    return Reading::Done;
+    return BerReading::Done;
 }
 
 std::string_view ViewOf(const berval& value)
@@ -150,8 +130,8 @@ void LdapMessages::Clear()
         if (rest.empty())
             return;
         Head head;
-        const Reading reading = ReadMessageHead(rest, head);
-        if (reading == Reading::Wrong || (head.unasked && head.size > kLongestUnasked))
+        const BerReading reading = ReadMessageHead(rest, head);
+        if (reading == BerReading::Wrong || (head.unasked && head.size > kLongestUnasked))
         {
             const auto first = static_cast<unsigned char>(rest[0]);
             const bool tls = !mHasBegun && (first == kTlsAlert || first == kTlsHandshake) &&
@@ -159,7 +139,7 @@ void LdapMessages::Clear()
             mEnding = {kDecodingError, tls ? kSpeaksTls : kNoMessage};
             return;
         }
-        if (reading == Reading::Incomplete || (head.unasked && rest.size() < head.size))
+        if (reading == BerReading::Incomplete || (head.unasked && rest.size() < head.size))
             return;
         mHasBegun = true;
         if (!head.unasked)

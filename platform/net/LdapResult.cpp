@@ -1,37 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapResult.h"
 
+#include "platform/net/Ber.h"
+
 #include <cstring>
 #include <new>
 
-#include <lber.h>
 #include <strings.h>
-
-namespace
-{
-
-std::string TextOf(const berval& value)
-{
-    return std::string(value.bv_val, value.bv_len);
-}
-
-// Reads an attribute's name and leaves its values in `values`.
-std::optional<std::string> ReadAttribute(BerElement* position, berval& values)
-{
-    berval attribute{};
-    if (ber_skip_element(position, &attribute) == LBER_DEFAULT)
-        return std::nullopt;
-    const std::unique_ptr<BerElement, FreeAttributePosition> inside(ber_alloc_t(LBER_USE_DER));
-    ber_init2(inside.get(), &attribute, LBER_USE_DER);
-    berval name{};
-    if (ber_skip_element(inside.get(), &name) == LBER_DEFAULT)
-        return std::nullopt;
-    if (ber_skip_element(inside.get(), &values) == LBER_DEFAULT)
-        values = {};
-    return TextOf(name);
-}
-
-} // namespace
 
 void LdapResult::Add(std::string_view attributesOfMessage)
 {
@@ -51,44 +26,33 @@ void LdapResult::Add(std::string_view attributesOfMessage)
     mLast = entry;
 }
 
-void FreeAttributePosition::operator()(berelement* position) const
+std::optional<LdapAttribute> TakeAttribute(std::string_view& attributes)
 {
-    ber_free(position, 0); // the bytes are the result's
+    std::optional<std::string_view> attribute = TakeBerElement(attributes);
+    const std::optional<std::string_view> name = attribute ? TakeBerElement(*attribute) : std::nullopt;
+    if (!name)
+        return std::nullopt;
+    return LdapAttribute{*name, TakeBerElement(*attribute).value_or(std::string_view())};
 }
 
-AttributePosition BeforeAttributes(const LdapEntry& entry)
+std::optional<std::vector<std::string_view>> ValuesOf(const LdapEntry& entry, std::string_view name)
 {
-    berval bytes = {entry.attributes.size(), const_cast<char*>(entry.attributes.data())};
-    AttributePosition position(ber_alloc_t(LBER_USE_DER));
-    ber_init2(position.get(), &bytes, LBER_USE_DER);
-    return position;
-}
-
-std::optional<std::string> NextAttribute(berelement* position)
-{
-    berval values{};
-    return ReadAttribute(position, values);
-}
-
-std::optional<std::vector<std::string>> ValuesOf(const LdapEntry& entry, const std::string& name)
-{
-    const AttributePosition position = BeforeAttributes(entry);
-    std::optional<berval> found;
-    berval values{};
-    while (const std::optional<std::string> attribute = ReadAttribute(position.get(), values))
+    const auto differsInCase = [name](std::string_view other)
+    { return other.size() == name.size() && strncasecmp(other.data(), name.data(), name.size()) == 0; };
+    std::optional<std::string_view> found;
+    std::string_view rest = entry.attributes;
+    while (const std::optional<LdapAttribute> attribute = TakeAttribute(rest))
     {
-        const bool same = *attribute == name;
-        if (values.bv_val && (same || (!found && strcasecmp(attribute->c_str(), name.c_str()) == 0)))
-            found = values;
+        const bool same = attribute->name == name;
+        if (attribute->values.data() && (same || (!found && differsInCase(attribute->name))))
+            found = attribute->values;
         if (same)
             break;
     }
     if (!found)
         return std::nullopt;
-    const AttributePosition list(ber_alloc_t(LBER_USE_DER));
-    ber_init2(list.get(), &*found, LBER_USE_DER);
-    std::vector<std::string> texts;
-    for (berval value{}; ber_skip_element(list.get(), &value) != LBER_DEFAULT;)
-        texts.push_back(TextOf(value));
-    return texts;
+    std::vector<std::string_view> values;
+    while (const std::optional<std::string_view> value = TakeBerElement(*found))
+        values.push_back(*value);
+    return values;
 }

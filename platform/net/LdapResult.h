@@ -3,14 +3,10 @@
 // which these came. Texts are UTF-8.
 #pragma once
 
-#include <memory>
 #include <memory_resource>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
-
-struct berelement;
 
 // One message of a result; nothing but entries has attributes.
 struct LdapEntry
@@ -35,16 +31,15 @@ private:
     LdapEntry* mLast = nullptr;
 };
 
-struct FreeAttributePosition
+struct LdapAttribute
 {
-    void operator()(berelement* position) const;
+    std::string_view name;
+    std::string_view values; // a BER list
 };
-using AttributePosition = std::unique_ptr<berelement, FreeAttributePosition>;
 
-// A position before an entry's first attribute, and the name of the next one; nothing after the last.
-AttributePosition BeforeAttributes(const LdapEntry& entry);
-std::optional<std::string> NextAttribute(berelement* position);
+// Takes the first one off a list of attributes; nothing at its end, or where it cannot be read.
+std::optional<LdapAttribute> TakeAttribute(std::string_view& attributes);
 
 // An attribute's values in the server's order; nothing when there is none of that name or its values cannot
 // be read. Case counts in a name only where the entry has several that differ in nothing else.
-std::optional<std::vector<std::string>> ValuesOf(const LdapEntry& entry, const std::string& name);
+std::optional<std::vector<std::string_view>> ValuesOf(const LdapEntry& entry, std::string_view name);

@@ -8,6 +8,7 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #include <malloc.h>
 #include <openldap.h>
@@ -26,6 +27,11 @@ constexpr seconds kCallLimit{15};
 constexpr seconds kGrace{1};
 // The part of a bind's time after which NTLM is tried instead of waiting for a ticket.
 constexpr seconds kTicketLimit{7};
+
+// Where a search gives more messages than a few, more of them are let come before the next is waited for: to
+// wake up for each costs the server, too, more time than to send it.
+constexpr int kFewMessages = 32;
+constexpr microseconds kPause{1000};
 
 constexpr const char* kNoMessage = "the server's answer is no LDAP message";
 constexpr const char* kSpnegoName = "GSS-SPNEGO";
@@ -259,11 +265,19 @@ LdapFault LdapSession::LibraryFault(int code)
     return *mLost;
 }
 
-LdapFault LdapSession::Await(int request, Deadline deadline, Message& answer)
+LdapFault LdapSession::Await(int request, Deadline deadline, Message& answer, microseconds pause)
 {
-    timeval left = TimeLeft(deadline);
+    timeval left{};
     LDAPMessage* message = nullptr;
-    const int kind = ldap_result(mHandle, request, LDAP_MSG_ONE, &left, &message);
+    int kind = 0;
+    if (pause > pause.zero())
+        kind = ldap_result(mHandle, request, LDAP_MSG_ONE, &left, &message);
+    if (kind == 0)
+    {
+        std::this_thread::sleep_for(pause);
+        left = TimeLeft(deadline);
+        kind = ldap_result(mHandle, request, LDAP_MSG_ONE, &left, &message);
+    }
     answer.reset(message);
     if (kind > 0)
         return {};
@@ -347,10 +361,11 @@ LdapFault LdapSession::ReadTraits(Deadline deadline, ServerTraits& traits)
     const LdapFault fault =
         SearchUntil(deadline, "", LDAP_SCOPE_BASE, "(objectClass=*)", attributes, false, result);
     const auto valuesOf = [&](const char* attribute)
-    { return ValuesOf(result, attribute).value_or(std::vector<std::string>()); };
-    traits.mechanisms = valuesOf(attributes[0]);
+    { return ValuesOf(result, attribute).value_or(std::vector<std::string_view>()); };
+    for (const std::string_view mechanism : valuesOf(attributes[0]))
+        traits.mechanisms.emplace_back(mechanism);
     // "example.com:server$@EXAMPLE.COM"
-    for (const std::string& service : valuesOf(attributes[1]))
+    for (const std::string_view service : valuesOf(attributes[1]))
         traits.realm = service.substr(std::min(service.rfind('@'), service.size() - 1) + 1);
     return fault;
 }
@@ -465,10 +480,11 @@ LdapFault LdapSession::SearchUntil(Deadline deadline, const std::string& base, i
                         namesOnly, nullptr, nullptr, &limit, LDAP_NO_LIMIT, &request);
     if (sent != LDAP_SUCCESS)
         return LibraryFault(sent);
-    while (true)
+    for (int count = 0;; ++count)
     {
         Message message;
-        if (LdapFault fault = Await(request, deadline, message))
+        const microseconds pause = count < kFewMessages ? microseconds(0) : kPause;
+        if (LdapFault fault = Await(request, deadline, message, pause))
             return fault;
         Keep(message.get(), result);
         if (ldap_msgtype(message.get()) == LDAP_RES_SEARCH_RESULT)

@@ -71,8 +71,10 @@ private:
 
     LdapFault ConnectTo(const LdapHost& host, Deadline deadline);
     LdapFault Ready() const;
-    // The next message that answers a request, or why there is none.
-    LdapFault Await(int request, Deadline deadline, Message& answer);
+    // The next message that answers a request, or why there is none. When it has not come yet, more are let
+    // come for so long.
+    LdapFault Await(int request, Deadline deadline, Message& answer,
+                    std::chrono::microseconds pause = std::chrono::microseconds(0));
     LdapFault AwaitBind(int request, Deadline deadline, Message& answer);
     // The result that an answer bears, with the server's words.
     LdapFault ResultOf(ldapmsg* answer) const;

@@ -43,17 +43,23 @@ std::string ToUtf8(std::wstring_view text)
     return bytes;
 }
 
-std::wstring FromUtf8(std::string_view text)
+std::size_t DecodeUtf8(std::string_view text, wchar_t* wide)
 {
-    std::wstring wide;
-    wide.reserve(text.size());
+    std::size_t count = 0;
     const auto length = static_cast<int32_t>(text.size());
     for (int32_t at = 0; at < length;)
     {
         UChar32 point = 0;
         U8_NEXT_OR_FFFD(text.data(), at, length, point);
-        wide.push_back(static_cast<wchar_t>(point));
+        wide[count++] = static_cast<wchar_t>(point);
     }
+    return count;
+}
+
+std::wstring FromUtf8(std::string_view text)
+{
+    std::wstring wide(text.size(), L'\0');
+    wide.resize(DecodeUtf8(text, wide.data()));
     return wide;
 }
 

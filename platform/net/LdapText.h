@@ -9,6 +9,8 @@
 std::string ToUtf8(std::wstring_view text);
 // Each byte that begins no well-formed sequence becomes U+FFFD.
 std::wstring FromUtf8(std::string_view text);
+// The same into memory that has room for a character a byte; gives the number of characters.
+std::size_t DecodeUtf8(std::string_view text, wchar_t* wide);
 
 // A text from a server, fit for a console line: one line, no control or direction characters, no more than
 // a few hundred characters.

@@ -63,16 +63,17 @@ std::string Utf8Of(const unsigned short* units, ULONG length)
 }
 
 // A text for ldap_memfreeW.
-PWCHAR NewText(const std::string& text)
+PWCHAR NewText(std::string_view text)
 {
-    return wcsdup(FromUtf8(text).c_str());
+    const auto wide = static_cast<PWCHAR>(std::calloc(text.size() + 1, sizeof(wchar_t)));
+    DecodeUtf8(text, wide);
+    return wide;
 }
 
-// The name of the next attribute behind a position that ber_free will release; null after the last.
-PWCHAR NextName(BerElement* position)
+// Where a caller is among an entry's attributes: those that he has not seen.
+std::string_view* PositionOf(BerElement* position)
 {
-    const std::optional<std::string> name = NextAttribute(position);
-    return name ? NewText(*name) : nullptr;
+    return reinterpret_cast<std::string_view*>(position);
 }
 
 } // namespace
@@ -193,20 +194,21 @@ ULONG ldap_msgfree(LDAPMessage* result)
     return LDAP_SUCCESS;
 }
 
-PWCHAR ldap_first_attributeW(LDAP*, LDAPMessage* entry, BerElement** position)
+PWCHAR ldap_first_attributeW(LDAP* session, LDAPMessage* entry, BerElement** position)
 {
-    *position = BeforeAttributes(*EntryOf(entry)).release();
-    return NextName(*position);
+    *position = reinterpret_cast<BerElement*>(new std::string_view(EntryOf(entry)->attributes));
+    return ldap_next_attributeW(session, entry, *position);
 }
 
 PWCHAR ldap_next_attributeW(LDAP*, LDAPMessage*, BerElement* position)
 {
-    return NextName(position);
+    const std::optional<LdapAttribute> attribute = TakeAttribute(*PositionOf(position));
+    return attribute ? NewText(attribute->name) : nullptr;
 }
 
 PWCHAR* ldap_get_valuesW(LDAP*, LDAPMessage* entry, const PWCHAR attribute)
 {
-    const std::optional<std::vector<std::string>> values =
+    const std::optional<std::vector<std::string_view>> values =
         ValuesOf(*EntryOf(entry), ToUtf8(ViewOf(attribute)));
     if (!values)
         return nullptr;
@@ -231,5 +233,5 @@ void ldap_memfreeW(PWCHAR block)
 
 void ber_free(BerElement* element, INT)
 {
-    const AttributePosition released(element);
+    delete PositionOf(element);
 }

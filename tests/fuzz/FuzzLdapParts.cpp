@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What the LDAP client parses by itself: host lists, texts from servers, messages, frames of a
-// protected stream.
+// What the LDAP client parses by itself: host lists, texts from servers, messages, entries,
+// frames of a protected stream.
 #include "platform/net/GssFrames.h"
 #include "platform/net/LdapHost.h"
 #include "platform/net/LdapMessages.h"
+#include "platform/net/LdapResult.h"
 #include "platform/net/LdapText.h"
 
 #include <cstdlib>
@@ -82,6 +83,23 @@ void CheckMessages(std::string_view stream, std::size_t step)
     Require(whole.bytes == pieces.bytes && whole.code == pieces.code);
 }
 
+// Whatever an entry's bytes are, its texts lie within them.
+void CheckAttributes(std::string_view bytes)
+{
+    LdapResult result;
+    result.Add(bytes);
+    const auto lies = [kept = result.attributes](std::string_view text)
+    { return text.empty() || (text.data() >= kept.data() && text.end() <= kept.end()); };
+    std::string_view rest = result.attributes;
+    while (const auto attribute = TakeAttribute(rest))
+    {
+        Require(lies(attribute->name) && lies(attribute->values));
+        for (const std::string_view value :
+             ValuesOf(result, attribute->name).value_or(std::vector<std::string_view>()))
+            Require(lies(value));
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -91,5 +109,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckTexts(text);
     CheckFrames(text, size % 7 + 1);
     CheckMessages(text, size % 7 + 1);
+    CheckAttributes(text);
     return 0;
 }
