@@ -3,7 +3,6 @@
 
 #include "ldap/LdapCall.h"
 
-#include "console/TavoDlg.h"
 #include "foundation/Utf16.h"
 
 #include <rpc.h>
@@ -141,9 +140,8 @@ bool Bind(LDAP* session, DWORD number, const LDAPCreds& creds, const LdapConsole
     return false;
 }
 
-} // namespace
-
-std::vector<DWORD> LdapAttempts(DWORD method)
+// In the order in which they are tried.
+std::vector<DWORD> Attempts(DWORD method)
 {
     if (method != eLDAPAuthTryAll)
         return {method};
@@ -151,8 +149,9 @@ std::vector<DWORD> LdapAttempts(DWORD method)
             eLDAPAuthDPA,       eLDAPAuthNegotiate, eLDAPAuthSimplePlain};
 }
 
-bool TryLdapMethod(DWORD method, const LDAPCreds& creds, const LdapConsole& append,
-                   const std::function<void(LDAP*)>& walk)
+// From the session to the bind and, where that succeeds, the walk. True when it did.
+bool TryMethod(DWORD method, const LDAPCreds& creds, const LdapConsole& append,
+               const std::function<void(LDAP*)>& walk)
 {
     append(L"\r\n");
     const Session session = OpenSession(method, creds, append);
@@ -181,23 +180,18 @@ bool TryLdapMethod(DWORD method, const LDAPCreds& creds, const LdapConsole& appe
     return true;
 }
 
-void CTavoDlg::OnLdapTest()
-{
-    LDAPCreds creds(this);
-    if (creds.DoModal() != IDOK)
-        return;
-    gStartTick = GetTickCount();
-    AppendLine(L"\r\n========= LDAP =========\r\n");
-    AppendLine(_StrFormat(L"Server: {0:s}\r\n", {creds.mServer}));
-    AppendLine(_StrFormat(L"Domain: {0:s}\r\n", {creds.mDomain}));
-    AppendLine(_StrFormat(L"User: {0:s}\r\n", {creds.mUser}));
+} // namespace
 
-    const auto append = [this](const wchar_t* text) { AppendLine(text); };
-    const auto walk = [this](LDAP* session) { WalkLdapTree(session); };
-    for (const DWORD method : LdapAttempts(creds.mAuthMethod))
+void TestLdapServer(const LDAPCreds& creds, const LdapConsole& append, const std::function<void(LDAP*)>& walk)
+{
+    append(L"\r\n========= LDAP =========\r\n");
+    append(_StrFormat(L"Server: {0:s}\r\n", {creds.mServer}));
+    append(_StrFormat(L"Domain: {0:s}\r\n", {creds.mDomain}));
+    append(_StrFormat(L"User: {0:s}\r\n", {creds.mUser}));
+    for (const DWORD method : Attempts(creds.mAuthMethod))
     {
-        if (TryLdapMethod(method, creds, append, walk))
+        if (TryMethod(method, creds, append, walk))
             break;
     }
-    AppendLine(L"END TEST\r\n");
+    append(L"END TEST\r\n");
 }

@@ -15,13 +15,10 @@
 // Takes one piece of the console's text: a line, or a part of one.
 using LdapConsole = std::function<void(const wchar_t* text)>;
 
-// The methods to try for what the dialog's combo box said, in order.
-std::vector<DWORD> LdapAttempts(DWORD method);
-
-// One attempt, from the session to the bind. True when the bind succeeded; `walk` has then been called with
-// the bound session. The session is closed in any case.
-bool TryLdapMethod(DWORD method, const LDAPCreds& creds, const LdapConsole& append,
-                   const std::function<void(LDAP*)>& walk);
+// Tries what the dialog was told, each attempt with a session of its own, until a bind succeeds; `walk` then
+// gets the bound session, which is closed afterwards.
+void TestLdapServer(const LDAPCreds& creds, const LdapConsole& append,
+                    const std::function<void(LDAP*)>& walk);
 
 // Reads the root entry and then one level below the last naming context that it names. A search that fails
 // is told and does not end the walk.

@@ -3,8 +3,6 @@
 
 #include "ldap/LdapCall.h"
 
-#include "console/TavoDlg.h"
-
 #include <winber.h>
 
 #include <memory>
@@ -99,9 +97,4 @@ void WalkLdapTree(LDAP* session, const LdapConsole& append)
     ZTString namingContext;
     for (int pass = 0; pass < kPasses; ++pass)
         Search(session, namingContext, append);
-}
-
-void CTavoDlg::WalkLdapTree(LDAP* session)
-{
-    ::WalkLdapTree(session, [this](const wchar_t* text) { AppendLine(text); });
 }

@@ -133,20 +133,16 @@ std::string RunLdapCalls(const LdapAnswers& answers)
     creds.mDomain = wide(answers.domain);
     creds.mUser = wide(answers.user);
     creds.mPassword = wide(answers.password);
+    creds.mAuthMethod = methods.at(answers.method);
     std::string console;
     const LdapConsole append = [&console](const wchar_t* text)
     {
         const std::u8string bytes = std::filesystem::path(text).u8string();
         console.append(bytes.begin(), bytes.end());
     };
-    const auto walk = [&append](LDAP* session) { WalkLdapTree(session, append); };
-    for (const DWORD method : LdapAttempts(methods.at(answers.method)))
-    {
-        if (TryLdapMethod(method, creds, append, walk))
-            break;
-    }
+    TestLdapServer(creds, append, [&append](LDAP* session) { WalkLdapTree(session, append); });
     std::erase(console, '\r');
-    return Framed(answers, console);
+    return console.substr(1); // without the line end in front
 }
 
 std::string Framed(const LdapAnswers& answers, const std::string& attempts)

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#include "console/TavoDlg.h"
+#include "ldap/LdapTest.h"
+
+void CTavoDlg::OnLdapTest()
+{
+    LDAPCreds creds(this);
+    if (creds.DoModal() != IDOK)
+        return;
+    gStartTick = GetTickCount();
+    TestLdapServer(
+        creds, [this](const wchar_t* text) { AppendLine(text); },
+        [this](LDAP* session) { WalkLdapTree(session); });
+}
+
+void CTavoDlg::WalkLdapTree(LDAP* session)
+{
+    ::WalkLdapTree(session, [this](const wchar_t* text) { AppendLine(text); });
+}
