@@ -80,6 +80,13 @@ std::string StatusText(OM_uint32 major, OM_uint32 minor, gss_OID mechanism)
     return text;
 }
 
+LdapFault FaultOf(OM_uint32 major, OM_uint32 minor, gss_OID mechanism)
+{
+    const auto code = static_cast<krb5_error_code>(minor);
+    const bool isWrongPassword = code == KRB5KDC_ERR_PREAUTH_FAILED || code == KRB5KRB_AP_ERR_BAD_INTEGRITY;
+    return {isWrongPassword ? kInvalidCredentials : kLocalError, StatusText(major, minor, mechanism)};
+}
+
 GssName ImportName(const std::string& text, gss_OID type)
 {
     OM_uint32 minor = 0;
@@ -121,7 +128,7 @@ GssCredential AcquireCredential(const std::string& user, const Secret& password,
     }
     if (major == GSS_S_COMPLETE)
         return owner;
-    fault = {kLocalError, StatusText(major, minor, inner ? inner : mechanism)};
+    fault = FaultOf(major, minor, inner ? inner : mechanism);
     return nullptr;
 }
 
@@ -238,7 +245,7 @@ LdapFault GssContext::Step(const std::string& token, std::string& reply)
                              GSS_C_NO_CHANNEL_BINDINGS, &input, nullptr, &output.data, &mFlags, nullptr);
     reply = output.View();
     if (GSS_ERROR(major))
-        return {kLocalError, StatusText(major, minor, mMechanism)};
+        return FaultOf(major, minor, mMechanism);
     mComplete = major == GSS_S_COMPLETE;
     return {};
 }

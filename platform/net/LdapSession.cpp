@@ -391,7 +391,10 @@ LdapFault LdapSession::BindGss(const LdapIdentity& identity, GssMethod method)
                                                 std::min(deadline, Clock::now() + kTicketLimit), ticketFault);
             if (context)
                 return ExchangeGss(std::move(context), kSpnegoName, deadline);
-            noTicket = ticketFault.cause;
+            noTicket = "Kerberos: " + ticketFault.cause;
+            // With NTLM the controller would count a second wrong password, and lock the user out sooner.
+            if (ticketFault.code == WindowsCode(LDAP_INVALID_CREDENTIALS))
+                return {ticketFault.code, noTicket};
         }
     }
     // Servers of the Windows kind want NTLM inside SPNEGO, others by its own name.
@@ -401,7 +404,7 @@ LdapFault LdapSession::BindGss(const LdapIdentity& identity, GssMethod method)
     if (context)
         fault = ExchangeGss(std::move(context), bare ? kNtlmName : kSpnegoName, deadline);
     if (fault && !noTicket.empty())
-        fault.cause += (fault.cause.empty() ? "Kerberos: " : "; Kerberos: ") + noTicket;
+        fault.cause += (fault.cause.empty() ? "" : "; ") + noTicket;
     return fault;
 }
 
