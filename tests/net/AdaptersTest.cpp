@@ -8,13 +8,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <future>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include <sched.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace
 {
@@ -32,10 +31,9 @@ std::string DescribeAdapters()
     std::ostringstream text;
     for (const IP_ADAPTER_ADDRESSES* record = records.data(); record; record = record->Next)
     {
-        text << record->IfType << " " << record->PhysicalAddressLength << " ";
+        text << std::dec << record->IfType << " " << record->PhysicalAddressLength << " " << std::hex;
         for (ULONG i = 0; i < record->PhysicalAddressLength; ++i)
-            text << std::hex << record->PhysicalAddress[i] / 16 << record->PhysicalAddress[i] % 16
-                 << std::dec;
+            text << record->PhysicalAddress[i] / 16 << record->PhysicalAddress[i] % 16;
         text << "\n";
     }
     return text.str();
@@ -44,25 +42,15 @@ std::string DescribeAdapters()
 // Runs `setUp` in a network namespace and describes its adapters; empty when there is no right to make one.
 std::string AdaptersAfter(const std::string& setUp)
 {
-    int ends[2];
-    if (pipe(ends) != 0)
-        return {};
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        std::string text;
-        if (unshare(CLONE_NEWNET) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0)
-            text = std::system(setUp.c_str()) == 0 ? DescribeAdapters() : "set-up failed";
-        _exit(write(ends[1], text.data(), text.size()) < 0);
-    }
-    close(ends[1]);
-    std::string text;
-    char buffer[4096];
-    for (ssize_t got = 0; (got = read(ends[0], buffer, sizeof(buffer))) > 0;)
-        text.append(buffer, static_cast<std::size_t>(got));
-    close(ends[0]);
-    waitpid(child, nullptr, 0);
-    return text;
+    // Not in this thread: its network would be another one afterwards.
+    return std::async(std::launch::async,
+                      [&setUp]() -> std::string
+                      {
+                          if (unshare(CLONE_NEWNET) != 0)
+                              return {};
+                          return std::system(setUp.c_str()) == 0 ? DescribeAdapters() : "set-up failed";
+                      })
+        .get();
 }
 
 TEST(Adapters, AreListedWithTypeLengthAndAddressByRisingIndex)
