@@ -154,8 +154,6 @@ LRESULT ServeComboBox(Window& box, UINT message, WPARAM wParam, LPARAM lParam)
         box.items.push_back({TextOf(lParam), 0});
         TheDisplay().Refresh(box, Change::Items, 0);
         return count;
-    case CB_GETCOUNT:
-        return count;
     case CB_GETCURSEL:
         return box.selection;
     case CB_SETCURSEL:
@@ -168,10 +166,6 @@ LRESULT ServeComboBox(Window& box, UINT message, WPARAM wParam, LPARAM lParam)
         if (item != nullptr)
             item->data = lParam;
         return item != nullptr ? 0 : CB_ERR;
-    case CB_GETLBTEXT:
-        return item != nullptr ? CopyText(item->text, item->text.size() + 1, lParam) : CB_ERR;
-    case CB_GETLBTEXTLEN:
-        return item != nullptr ? static_cast<LRESULT>(item->text.size()) : CB_ERR;
     case WM_SETTEXT:
         return CB_ERR;
     case WM_GETTEXT:

@@ -143,8 +143,6 @@ LRESULT ServeDialog(Window& dialog, UINT message, WPARAM wParam, LPARAM lParam)
         TheDisplay().Refresh(dialog, Change::Icon, 0);
         return reinterpret_cast<LRESULT>(former);
     }
-    case DM_GETDEFID:
-        return state.defaultButton != 0 ? MAKELONG(state.defaultButton, DC_HASDEFID) : 0;
     default:
         return ServeText(dialog, message, wParam, lParam);
     }

@@ -10,8 +10,10 @@ namespace
 constexpr int kBetweenSteps = 10; // milliseconds
 constexpr int kPatience = 500;    // steps
 
-INT_PTR Serve(HWND dialog, UINT message, WPARAM wParam, LPARAM)
+INT_PTR Serve(HWND dialog, UINT message, WPARAM wParam, LPARAM onInit)
 {
+    if (message == WM_INITDIALOG)
+        reinterpret_cast<void (*)()>(onInit)();
     const auto& window = *platform::TopDialog();
     const auto isPushButton = [&](const auto& control)
     { return control->id == LOWORD(wParam) && control->kind == platform::WindowKind::PushButton; };
@@ -41,13 +43,14 @@ void Person::Act()
         mSteps[mNext++]();
     }
     else if (++mIdleTurns > kPatience)
-        EndDialog(dialog->handle, kLeftOpen);
+        EndDialog(dialog->handle, -2);
 }
 
-int Use(int dialogId, std::vector<Person::Step> steps, HWND owner)
+int Use(int dialogId, std::vector<Person::Step> steps, HWND owner, void (*onInit)())
 {
     const Person person(std::move(steps));
-    return static_cast<int>(DialogBoxParamW(nullptr, MAKEINTRESOURCEW(dialogId), owner, &Serve, 0));
+    return static_cast<int>(DialogBoxParamW(nullptr, MAKEINTRESOURCEW(dialogId), owner, &Serve,
+                                            reinterpret_cast<LPARAM>(onInit)));
 }
 
 QWidget& TopWidget()
@@ -68,15 +71,12 @@ HWND ControlOf(int id)
     return GetDlgItem(platform::TopDialog()->handle, id);
 }
 
-std::wstring TextOf(int id)
-{
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(ControlOf(id))) + 1, L'\0');
-    text.resize(
-        static_cast<std::size_t>(GetWindowTextW(ControlOf(id), text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
 void Press(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
     QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+}
+
+void Type(const char* text)
+{
+    QTest::keyClicks(QApplication::focusWidget(), text);
 }

@@ -3,17 +3,16 @@
 #pragma once
 
 #include "platform/display/Display.h"
+#include "tests/support/WindowProbe.h"
 
-#include <QLabel>
-#include <QPlainTextEdit>
 #include <QTimer>
+#include <QWidget>
 
 #include <functional>
-#include <string>
 #include <vector>
 
 // Takes one step after the other while the program waits for input and the dialog on top has the keyboard. A
-// dialog in which there is nothing to do for a while is ended with kLeftOpen.
+// dialog in which there is nothing to do for a while is ended with -2.
 class Person
 {
 public:
@@ -30,11 +29,10 @@ private:
     QTimer mTimer;
 };
 
-constexpr int kLeftOpen = -2;
-
 // Shows a dialog of Tavo.rc to a person. Each of its push buttons ends it with the button's id, and so do
-// IDOK and IDCANCEL where it has no such button. `owner` may be null.
-int Use(int dialogId, std::vector<Person::Step> steps, HWND owner = nullptr);
+// IDOK and IDCANCEL where it has no such button. `owner` may be null; `onInit` runs before it is shown.
+int Use(
+    int dialogId, std::vector<Person::Step> steps, HWND owner = nullptr, void (*onInit)() = [] {});
 
 // Of the dialog on top.
 QWidget& TopWidget();
@@ -45,7 +43,7 @@ Widget& WidgetOf(int id)
     return dynamic_cast<Widget&>(WidgetOf(id));
 }
 HWND ControlOf(int id);
-std::wstring TextOf(int id);
 
-// Presses a key where the keyboard is.
+// Where the keyboard is.
 void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+void Type(const char* text);

@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: MIT
-// The terminal display as a person or a script has it: a process behind pipes or a terminal of its own.
-#include "tests/display/Scenarios.h"
+// The terminal display as a person or a script has it: behind pipes or a terminal of its own. What the
+// dialogs do runs in a child process, whose streams the test holds.
+#include "platform/display/Display.h"
+#include "tests/support/ProgramFolder.h"
+#include "tests/window/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <pty.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <string>
+#include <thread>
 
 using testing::AllOf;
 using testing::EndsWith;
@@ -25,62 +28,45 @@ using testing::StartsWith;
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
+using Scenario = void (*)();
 
-constexpr const char* kScenario = "TAVO_TEST_SCENARIO";
-constexpr std::chrono::seconds kPatience{60};
-
-[[noreturn]] void Become(const char* scenario, const char* locale)
+// What the child does, for a minute at most.
+[[noreturn]] void Become(Scenario scenario, const char* locale)
 {
-    setenv(kScenario, scenario, 1);
-    setenv("LC_ALL", locale, 1);
+    alarm(60);
     signal(SIGPIPE, SIG_DFL);
-    execl("/proc/self/exe", "display_tests", nullptr);
-    _exit(127);
+    setenv("LC_ALL", locale, 1);
+    if (!platform::UseDisplay(platform::DisplayKind::Terminal))
+        std::exit(1);
+    scenario();
+    std::exit(0);
 }
 
 // Reads until the end, or until the text has come.
 std::string ReadUntil(int stream, const std::string& wanted)
 {
     std::string text;
-    const auto deadline = Clock::now() + kPatience;
-    while ((wanted.empty() || text.find(wanted) == std::string::npos) && Clock::now() < deadline)
+    char buffer[4096];
+    while (wanted.empty() || text.find(wanted) == std::string::npos)
     {
-        pollfd ready{stream, POLLIN, 0};
-        poll(&ready, 1, 100);
-        char buffer[4096];
-        const ssize_t count = ready.revents != 0 ? read(stream, buffer, sizeof buffer) : 0;
-        if (ready.revents != 0 && count <= 0)
+        const ssize_t count = read(stream, buffer, sizeof buffer);
+        if (count <= 0)
             break;
         text.append(buffer, static_cast<std::size_t>(count));
     }
     return text;
 }
 
-// The exit code; -1 when the process did not end in time, and was ended.
 int ExitCode(pid_t process)
 {
     int status = 0;
-    for (const auto deadline = Clock::now() + kPatience; Clock::now() < deadline; usleep(10000))
-    {
-        if (waitpid(process, &status, WNOHANG) == process)
-            return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
-    }
-    kill(process, SIGKILL);
     waitpid(process, &status, 0);
-    return -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
 }
 
-enum class Input
-{
-    Piped,
-    Closed, // no standard input at all
-    HeldOpen,
-};
-
 // What the scenario wrote, whose input is given whole.
-std::string OutputOf(const char* scenario, const std::string& input, const char* locale = "C.UTF-8",
-                     Input kind = Input::Piped)
+std::string OutputOf(Scenario scenario, const std::string& input, const char* locale = "C.UTF-8",
+                     bool holdsInputOpen = false)
 {
     int in[2];
     int out[2];
@@ -91,35 +77,136 @@ std::string OutputOf(const char* scenario, const std::string& input, const char*
     {
         dup2(in[0], STDIN_FILENO);
         dup2(out[1], STDOUT_FILENO);
-        if (kind == Input::Closed)
-            close(STDIN_FILENO);
+        for (const int end : {in[0], in[1], out[0], out[1]})
+            close(end);
         Become(scenario, locale);
     }
     close(in[0]);
     close(out[1]);
     EXPECT_EQ(write(in[1], input.data(), input.size()), static_cast<ssize_t>(input.size()));
-    if (kind != Input::HeldOpen)
+    if (!holdsInputOpen)
         close(in[1]);
     std::string text = ReadUntil(out[0], "");
     EXPECT_EQ(ExitCode(process), 0) << text;
-    if (kind == Input::HeldOpen)
+    if (holdsInputOpen)
         close(in[1]);
     close(out[0]);
     return text;
 }
 
-const std::string kOpened = "Controls\n"
-                            "Label: \n"
+void AddToLog(HWND dialog, const std::wstring& text)
+{
+    const HWND log = GetDlgItem(dialog, IDC_LOG);
+    SetWindowTextW(log, (TextOf(log) + text).c_str());
+}
+
+// Shows in its log every command that it gets and what its controls then hold.
+bool TraceCommands(HWND dialog, UINT message, WPARAM wParam, LPARAM)
+{
+    if (message == WM_INITDIALOG)
+    {
+        for (const wchar_t* item : {L"Red", L"Green", L"Green-blue"})
+            Send(dialog, IDC_CHOICE, CB_ADDSTRING, 0, item);
+        Send(dialog, IDC_CHOICE, CB_SETCURSEL, 0);
+        return false;
+    }
+    if (message != WM_COMMAND || HIWORD(wParam) != BN_CLICKED)
+        return false;
+    AddToLog(dialog, std::to_wstring(LOWORD(wParam)) + L" " + TextOf(GetDlgItem(dialog, IDC_LINE)) + L"|" +
+                         TextOf(GetDlgItem(dialog, IDC_CHOICE)) + L"|" +
+                         std::to_wstring(Send(dialog, IDC_BOX, BM_GETCHECK)) + L"\r\n");
+    if (LOWORD(wParam) == IDCANCEL)
+        EndDialog(dialog, IDCANCEL);
+    return true;
+}
+
+void Commands()
+{
+    ScriptedDialog script;
+    script.serve = TraceCommands;
+    script.Run();
+}
+
+// A long handler is posted before input has ended, and serves messages while it works.
+void LongHandler()
+{
+    ScriptedDialog script;
+    script.serve = [](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        if (message == WM_INITDIALOG)
+        {
+            AddToLog(dialog, L"opens\r\n");
+            Pump();
+            PostMessageW(dialog, WM_NOTE, 0, 0);
+        }
+        if (message != WM_NOTE)
+            return TraceCommands(dialog, message, wParam, lParam);
+        for (int i = 0; i < 5; ++i)
+        {
+            AddToLog(dialog, L"works\r\n");
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            Pump();
+        }
+        AddToLog(dialog, L"is done\r\n");
+        return true;
+    };
+    script.Run();
+}
+
+void OddText()
+{
+    InDialog(
+        [](HWND dialog)
+        {
+            AddToLog(dialog, L"\x1b]0;title\a\x7f\x9b");
+            AddToLog(dialog, L"31m\ttab\rback\r");
+            AddToLog(dialog, L"\n\u00e4\u20ac\U0001F600\xDC00.\r\n");
+        });
+}
+
+void MessageBoxes()
+{
+    InDialog(
+        [](HWND dialog)
+        {
+            for (const UINT type : {MB_YESNO, MB_OK, MB_OKCANCEL, MB_YESNOCANCEL})
+            {
+                const int answer = MessageBoxW(dialog, L"Sure?\r\nReally?", L"Question", type);
+                AddToLog(dialog, L"answer " + std::to_wstring(answer) + L"\r\n");
+            }
+        });
+}
+
+void MuchText()
+{
+    InDialog(
+        [](HWND dialog)
+        {
+            for (int i = 0; i < 300; ++i)
+                AddToLog(dialog, std::wstring(300, L'x') + std::to_wstring(i) + L"\r\n");
+        });
+}
+
+const std::string kFields = "Label: \n"
                             "Box: off\n"
                             "1003: Red (of Red, Green, Green-blue)\n";
+const std::string kOpened = "Controls\n" + kFields;
 const std::string kCanceled = "2 |Red|0\n";
 
 } // namespace
 
 TEST(TerminalDisplay, ShowsTheFieldsAndIsCanceledByTheEndOfInput)
 {
-    EXPECT_EQ(OutputOf("commands", ""), kOpened + kCanceled);
-    EXPECT_EQ(OutputOf("commands", "", "C.UTF-8", Input::Closed), kOpened + kCanceled);
+    EXPECT_EQ(OutputOf(Commands, ""), kOpened + kCanceled);
+}
+
+TEST(TerminalDisplay, ServesAProgramThatWasStartedWithoutAnyInput)
+{
+    const ProgramFolder folder;
+    const std::string command =
+        "cd " + folder.Path().string() + " && env -u DISPLAY -u WAYLAND_DISPLAY timeout 60 ./Tavo >out <&-";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    EXPECT_THAT(folder.Read("out"), HasSubstr("Current Computer: "));
 }
 
 TEST(TerminalDisplay, ObeysLines)
@@ -160,62 +247,112 @@ TEST(TerminalDisplay, ObeysLines)
         input += row.input;
         output += row.output;
     }
-    EXPECT_EQ(OutputOf("commands", input), output + kCanceled);
+    EXPECT_EQ(OutputOf(Commands, input), output + kCanceled);
 }
 
 TEST(TerminalDisplay, DrivesTheDialogOnTop)
 {
-    const std::string inner = "Controls\nLabel: \nBox: off\n1003: Red (of Red, Green, Green-blue)\n"
-                              "1004 in|Red|0\n2 in|Red|0\n";
-    const std::string output = OutputOf("nested", "label=out\npush\nlabel=in\npush\n");
-    EXPECT_EQ(output, kOpened + inner + "1004 out|Red|0\n2 out|Red|0\n");
+    const Scenario nested = []
+    {
+        ScriptedDialog script;
+        script.serve = [](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
+        {
+            if (message == WM_COMMAND && LOWORD(wParam) == IDC_PUSH)
+            {
+                ScriptedDialog inner;
+                inner.owner = dialog;
+                inner.serve = TraceCommands;
+                inner.Run();
+            }
+            return TraceCommands(dialog, message, wParam, lParam);
+        };
+        script.Run();
+    };
+    EXPECT_EQ(OutputOf(nested, "label=out\npush\nlabel=in\npush\n"),
+              kOpened + kOpened + "1004 in|Red|0\n2 in|Red|0\n1004 out|Red|0\n2 out|Red|0\n");
 }
 
 TEST(TerminalDisplay, EndOfInputWaitsForTheHandlersThatWerePosted)
 {
-    EXPECT_EQ(OutputOf("long handler", ""), "Controls\nopens\nLabel: \nBox: off\n"
-                                            "1003: Red (of Red, Green, Green-blue)\n"
-                                            "works\nworks\nworks\nworks\nworks\nis done\n" +
-                                                kCanceled);
+    EXPECT_EQ(OutputOf(LongHandler, ""),
+              "Controls\nopens\n" + kFields + "works\nworks\nworks\nworks\nworks\nis done\n" + kCanceled);
     // A command is obeyed while the handler runs.
-    EXPECT_THAT(OutputOf("long handler", "push\n"), HasSubstr("works\n1004 |Red|0\nworks\n"));
+    EXPECT_THAT(OutputOf(LongHandler, "push\n"), HasSubstr("works\n1004 |Red|0\nworks\n"));
 }
 
-TEST(TerminalDisplay, LetsNoControlCharacterThrough)
+TEST(TerminalDisplay, LetsNoControlCharacterThroughAndWritesWhatTheLocaleCan)
 {
-    EXPECT_THAT(OutputOf("odd text", ""), EndsWith("^[]0;title^G^??31m\ttab^Mback\n"
-                                                   "\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80?.\n"));
+    EXPECT_THAT(OutputOf(OddText, ""), EndsWith("^[]0;title^G^??31m\ttab^Mback\n"
+                                                "\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80?.\n"));
+    for (const char* const plain : {"C", "no_SUCH.locale"})
+    {
+        const std::string output = OutputOf(OddText, "", plain);
+        for (const char character : output)
+            EXPECT_LT(static_cast<unsigned char>(character), 0x80);
+        EXPECT_THAT(output, EndsWith("?.\n"));
+    }
 }
 
-TEST(TerminalDisplay, WritesWhatThePlainLocaleCan)
-{
-    const std::string output = OutputOf("odd text", "", "C");
-    for (const char character : output)
-        EXPECT_LT(static_cast<unsigned char>(character), 0x80);
-    EXPECT_THAT(output, EndsWith("?.\n"));
-    EXPECT_THAT(OutputOf("odd text", "", "no_SUCH.locale"), EndsWith("?.\n"));
-}
-
+// Only boxes that can be seen and are not as they were are news.
 TEST(TerminalDisplay, ShowsWhatTheProgramChanges)
 {
-    EXPECT_THAT(OutputOf("changes", ""),
+    const Scenario changes = []
+    {
+        InDialog(
+            [](HWND dialog)
+            {
+                AddToLog(dialog, L"a line left open");
+                SetWindowTextW(GetDlgItem(dialog, IDC_LINE), L"new");
+                SetWindowTextW(GetDlgItem(dialog, IDC_LINE), L"new");
+                SetWindowTextW(GetDlgItem(dialog, IDC_HIDDEN), L"unseen");
+                Send(dialog, IDC_BOX, BM_SETCHECK, BST_CHECKED);
+                AddToLog(dialog, L", its rest\r\n");
+                SetWindowTextW(GetDlgItem(dialog, IDC_LOG), L"all anew\r\n");
+            });
+    };
+    EXPECT_THAT(OutputOf(changes, ""),
                 EndsWith("a line left open\nLabel: new\nBox: on\n, its rest\nall anew\n"));
 }
 
 TEST(TerminalDisplay, AsksAndTakesAnAnswer)
 {
-    const std::string asked = "Question\nSure?\nReally?\nPress: ";
-    EXPECT_THAT(OutputOf("boxes", "y\nO\ncancel\nn\n"),
-                EndsWith(asked + "Yes, No\nanswer 6\n" + asked + "OK\nanswer 1\n" + asked +
-                         "OK, Cancel\nanswer 2\n" + asked + "Yes, No, Cancel\nanswer 7\n"));
-    EXPECT_THAT(OutputOf("boxes", ""),
-                EndsWith(asked + "Yes, No\nanswer 7\n" + asked + "OK\nanswer 1\n" + asked +
-                         "OK, Cancel\nanswer 2\n" + asked + "Yes, No, Cancel\nanswer 7\n"));
+    const struct
+    {
+        const char* input;
+        const char* answers[4];
+    } cases[] = {{"y\nO\ncancel\nn\n", {"6", "1", "2", "7"}}, {"", {"7", "1", "2", "7"}}};
+    for (const auto& row : cases)
+    {
+        const std::string asked = "Question\nSure?\nReally?\nPress: ";
+        std::string expected;
+        const char* const* answer = row.answers;
+        for (const char* buttons : {"Yes, No", "OK", "OK, Cancel", "Yes, No, Cancel"})
+            expected += asked + buttons + "\nanswer " + *answer++ + "\n";
+        EXPECT_THAT(OutputOf(MessageBoxes, row.input), EndsWith(expected));
+    }
 }
 
 TEST(TerminalDisplay, SleepsWhileThereIsNothingToDo)
 {
-    EXPECT_THAT(OutputOf("idle", "", "C.UTF-8", Input::HeldOpen), EndsWith("idle\n"));
+    const Scenario idle = []
+    {
+        InDialog(
+            [](HWND dialog)
+            {
+                const std::clock_t before = std::clock();
+                MessageBoxTimeoutW(dialog, L"Waits", L"Idle", MB_OK, 0, 1000);
+                const double seconds = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
+                AddToLog(dialog, seconds < 0.1 ? L"idle\r\n" : L"busy " + std::to_wstring(seconds) + L"\r\n");
+            });
+    };
+    EXPECT_THAT(OutputOf(idle, "", "C.UTF-8", true), EndsWith("idle\n"));
+}
+
+TEST(TerminalDisplay, WritesAllOfAMuchLongerTextThanAPipeHolds)
+{
+    const std::string output = OutputOf(MuchText, "");
+    EXPECT_GT(output.size(), 65536u);
+    EXPECT_TRUE(output.ends_with("x299\n"));
 }
 
 TEST(TerminalDisplay, GoesOnWhenNobodyReadsAnyMore)
@@ -227,7 +364,9 @@ TEST(TerminalDisplay, GoesOnWhenNobodyReadsAnyMore)
     {
         dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
         dup2(out[1], STDOUT_FILENO);
-        Become("much text", "C.UTF-8");
+        close(out[0]);
+        close(out[1]);
+        Become(MuchText, "C.UTF-8");
     }
     close(out[1]);
     ReadUntil(out[0], "x1\n");
@@ -235,21 +374,14 @@ TEST(TerminalDisplay, GoesOnWhenNobodyReadsAnyMore)
     EXPECT_EQ(ExitCode(process), 0);
 }
 
-TEST(TerminalDisplay, WritesAllOfAMuchLongerTextThanAPipeHolds)
-{
-    const std::string output = OutputOf("much text", "");
-    EXPECT_GT(output.size(), 65536u);
-    EXPECT_TRUE(output.ends_with("x299\n"));
-}
-
 TEST(TerminalDisplay, PromptsOnATerminal)
 {
-    EXPECT_THAT(OutputOf("commands", "push\n"), Not(HasSubstr("> ")));
+    EXPECT_THAT(OutputOf(Commands, "push\n"), Not(HasSubstr("> ")));
 
     int terminal = -1;
     const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (process == 0)
-        Become("commands", "C.UTF-8");
+        Become(Commands, "C.UTF-8");
     EXPECT_THAT(ReadUntil(terminal, "> "),
                 AllOf(StartsWith("Controls\r\n"), EndsWith("Press: Push, Default\r\n> ")));
     ASSERT_EQ(write(terminal, "push\n", 5), 5);
@@ -259,12 +391,4 @@ TEST(TerminalDisplay, PromptsOnATerminal)
     EXPECT_THAT(ReadUntil(terminal, ""), EndsWith("\r  \r2 |Red|0\r\n"));
     EXPECT_EQ(ExitCode(process), 0);
     close(terminal);
-}
-
-int main(int argc, char** argv)
-{
-    if (const char* const scenario = std::getenv(kScenario))
-        return RunScenario(scenario);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
 }

@@ -1,86 +1,64 @@
 // SPDX-License-Identifier: MIT
-// The program's resources, read back from the bytes that the resource compiler made: every dialog control by
-// control, the texts, the icon's sizes, the version and the manifest.
+// The program's resources, read back from what the resource compiler made: every dialog control by control,
+// the texts, the icon's sizes, the version and the manifest. The same compiler links the same bytes into the
+// Windows program.
+#include "platform/resource/Resources.h"
 #include "resources/resource.h"
-#include "tests/framework/ResourceBytes.h"
-
-#include <windows.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstring>
 #include <map>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
+using namespace platform;
 using testing::ElementsAre;
 using testing::HasSubstr;
+
+// The .res file that tavo_resources embeds.
+extern "C" const BYTE tavo_resources_begin[];
+extern "C" const BYTE tavo_resources_end[];
 
 namespace
 {
 
 // Resource types, for which the resource compiler and the headers have names of different forms.
-constexpr int kIcon = 3;
-constexpr int kDialog = 5;
-constexpr int kIconGroup = 14;
-constexpr int kVersion = 16;
-constexpr int kManifest = 24;
+constexpr UINT kIcon = 3;
+constexpr UINT kDialog = 5;
+constexpr UINT kIconGroup = 14;
+constexpr UINT kVersion = 16;
+constexpr UINT kManifest = 24;
 
-// Takes numbers and texts from a resource, in the order in which they lie.
-class Reader
+Bytes FindBytes(UINT type, UINT id)
 {
-public:
-    explicit Reader(std::string_view bytes) : mBytes(bytes) {}
+    for (const Resource& resource : ReadResFile({tavo_resources_begin, tavo_resources_end}))
+        if (resource.type.Is(type) && resource.name.Is(id))
+            return resource.data;
+    return {};
+}
 
-    template <typename Number>
-    Number Take()
-    {
-        Number value{};
-        if (mPlace + sizeof(value) > mBytes.size())
-            ADD_FAILURE() << "the resource is too short";
-        else
-            std::memcpy(&value, mBytes.data() + mPlace, sizeof(value));
-        mPlace += sizeof(value);
-        return value;
-    }
+std::string TextOf(UINT type, UINT id)
+{
+    const Bytes bytes = FindBytes(type, id);
+    return {bytes.begin(), bytes.end()};
+}
 
-    // A text of the resource, or "#" and a number. The texts here are ASCII.
-    std::string TakeName()
-    {
-        std::string name;
-        for (auto unit = Take<std::uint16_t>(); unit != 0; unit = Take<std::uint16_t>())
-        {
-            if (unit == 0xFFFF)
-                return "#" + std::to_string(Take<std::uint16_t>());
-            name += static_cast<char>(unit);
-        }
-        return name;
-    }
+// The texts here are ASCII.
+std::string Narrow(const std::wstring& text)
+{
+    return {text.begin(), text.end()};
+}
 
-    // "x, y, width, height"
-    std::string TakeRectangle()
-    {
-        std::string text;
-        for (const char* separator : {"", ", ", ", ", ", "})
-            text += separator + std::to_string(Take<std::int16_t>());
-        return text;
-    }
+std::string Place(const DialogRect& rect)
+{
+    return std::to_string(rect.x) + ", " + std::to_string(rect.y) + ", " + std::to_string(rect.width) + ", " +
+           std::to_string(rect.height);
+}
 
-    void AlignTo4() { mPlace = (mPlace + 3) / 4 * 4; }
-
-private:
-    std::string_view mBytes;
-    std::size_t mPlace = 0;
-};
-
-using Bits = std::vector<std::pair<std::uint32_t, const char*>>;
+using Bits = std::vector<std::pair<DWORD, const char*>>;
 
 // The names of the bits that are set, and what is left over as a number.
-std::string NameBits(std::uint32_t style, const Bits& bits)
+std::string NameBits(DWORD style, const Bits& bits)
 {
     std::string text;
     for (const auto& [bit, name] : bits)
@@ -90,82 +68,63 @@ std::string NameBits(std::uint32_t style, const Bits& bits)
         style &= ~bit;
         text += std::string(" ") + name;
     }
-    if (style != 0)
-        text += " and " + std::to_string(style);
-    return text;
+    return style == 0 ? text : text + " and " + std::to_string(style);
 }
 
 // A control's style in words; children are visible and not disabled unless it says so.
-std::string DescribeStyle(const std::string& className, std::uint32_t style)
+std::string DescribeStyle(const ControlTemplate& control)
 {
     struct Class
     {
         const char* kind;
         Bits bits;
     };
-    static const std::map<std::string, Class> classes = {
-        {"#128",
+    static const std::map<ControlClass, Class> classes = {
+        {ControlClass::Button,
          {"button",
           {{BS_AUTOCHECKBOX, "check"}, {BS_DEFPUSHBUTTON, "default"}, {BS_MULTILINE, "multi-line"}}}},
-        {"#129",
+        {ControlClass::Edit,
          {"edit",
           {{ES_MULTILINE, "multi-line"}, {ES_READONLY, "read-only"}, {ES_AUTOHSCROLL, "auto-scroll"}}}},
-        {"#130", {"label", {}}},
-        {"#133", {"combo", {{CBS_DROPDOWNLIST, "list"}}}},
+        {ControlClass::Static, {"label", {}}},
+        {ControlClass::ComboBox, {"combo", {{CBS_DROPDOWNLIST, "list"}}}},
     };
     const Bits common = {{WS_BORDER, "border"}, {WS_VSCROLL, "vertical-bar"}, {WS_HSCROLL, "horizontal-bar"},
                          {WS_TABSTOP, "tab"},   {WS_GROUP, "group"},          {WS_DISABLED, "disabled"}};
-    const Class& control = classes.at(className);
-    Bits bits = control.bits;
+    const Class& of = classes.at(control.windowClass);
+    Bits bits = of.bits;
     bits.insert(bits.end(), common.begin(), common.end());
-    EXPECT_TRUE(style & WS_CHILD);
-    const char* hidden = style & WS_VISIBLE ? "" : " hidden";
-    return control.kind + NameBits(style & ~static_cast<std::uint32_t>(WS_CHILD | WS_VISIBLE), bits) + hidden;
+    EXPECT_TRUE(control.style & WS_CHILD);
+    EXPECT_EQ(control.extendedStyle, 0U);
+    const char* hidden = control.style & WS_VISIBLE ? "" : " hidden";
+    return of.kind + NameBits(control.style & ~DWORD{WS_CHILD | WS_VISIBLE}, bits) + hidden;
 }
 
 // The dialog's own line and one line for each control, in tab order.
 std::vector<std::string> DescribeDialog(int id)
 {
-    Reader reader(FindResourceBytes(kDialog, id));
-    EXPECT_EQ(reader.Take<std::uint32_t>(), 0xFFFF0001U) << "an extended template";
-    reader.Take<std::uint32_t>(); // help id
-    const auto extendedStyle = reader.Take<std::uint32_t>();
-    const auto style = reader.Take<std::uint32_t>();
-    const auto count = reader.Take<std::uint16_t>();
-    const std::string rectangle = reader.TakeRectangle();
-    EXPECT_EQ(reader.TakeName(), "") << "menu";
-    EXPECT_EQ(reader.TakeName(), "") << "class";
-    const std::string caption = reader.TakeName();
-    const auto points = reader.Take<std::uint16_t>();
-    reader.Take<std::uint32_t>(); // weight, italic, character set
-    const std::string face = reader.TakeName();
+    const std::optional<DialogTemplate> dialog =
+        ReadDialogTemplate(FindBytes(kDialog, static_cast<UINT>(id)));
+    if (!dialog)
+        return {};
     const Bits bits = {{DS_SETFONT, "font"},       {DS_MODALFRAME, "modal-frame"}, {DS_CENTER, "centred"},
                        {WS_POPUP, "popup"},        {WS_VISIBLE, "visible"},        {WS_CAPTION, "caption"},
                        {WS_SYSMENU, "system-menu"}};
-    std::vector<std::string> lines{caption + " | " + rectangle + " | " + face + " " + std::to_string(points) +
-                                   " |" + NameBits(style, bits) +
-                                   (extendedStyle == WS_EX_APPWINDOW ? " task-bar" : "")};
-    for (int i = 0; i < count; ++i)
-    {
-        reader.AlignTo4();
-        reader.Take<std::uint32_t>(); // help id
-        EXPECT_EQ(reader.Take<std::uint32_t>(), 0U) << "extended style";
-        const auto controlStyle = reader.Take<std::uint32_t>();
-        const std::string place = reader.TakeRectangle();
-        const auto controlId = reader.Take<std::int32_t>();
-        const std::string className = reader.TakeName();
-        const std::string text = reader.TakeName();
-        EXPECT_EQ(reader.Take<std::uint16_t>(), 0) << "creation data";
-        lines.push_back(std::to_string(controlId) + " | " + text + " | " + place + " | " +
-                        DescribeStyle(className, controlStyle));
-    }
+    std::vector<std::string> lines{Narrow(dialog->caption) + " | " + Place(dialog->rect) + " | " +
+                                   Narrow(dialog->font.face) + " " + std::to_string(dialog->font.points) +
+                                   " |" + NameBits(dialog->style, bits) +
+                                   (dialog->extendedStyle == WS_EX_APPWINDOW ? " task-bar" : "")};
+    for (const ControlTemplate& control : dialog->controls)
+        lines.push_back(std::to_string(static_cast<int>(control.id)) + " | " + Narrow(control.text) + " | " +
+                        Place(control.rect) + " | " + DescribeStyle(control));
     return lines;
 }
 
-std::wstring LoadText(UINT id)
+std::wstring LoadText(UINT id, int room = 200)
 {
     wchar_t text[200] = {};
-    LoadStringW(nullptr, id, text, 200);
+    const int length = LoadStringW(nullptr, id, text, room);
+    EXPECT_EQ(static_cast<std::size_t>(length), std::wcslen(text));
     return text;
 }
 
@@ -231,46 +190,37 @@ TEST(Resources, Texts)
     EXPECT_EQ(LoadText(IDS_ADMINISTRATOR_CAPTION), L"Administrator Warning");
     EXPECT_EQ(LoadText(IDS_ADMINISTRATOR_TEXT),
               L"This application can only be run by an administrator of this computer.");
+    EXPECT_EQ(LoadText(IDS_ADMINISTRATOR_TEXT, 5), L"This");
     EXPECT_EQ(LoadText(132), L"") << "the next one of the block";
+    EXPECT_EQ(LoadText(4711), L"");
 }
 
 TEST(Resources, IconHasAnImageOfEachSize)
 {
-    Reader reader(FindResourceBytes(kIconGroup, IDI_TAVO));
-    EXPECT_EQ(reader.Take<std::uint32_t>(), 0x10000U) << "an icon";
-    const auto count = reader.Take<std::uint16_t>();
     std::vector<int> sizes;
-    for (int i = 0; i < count; ++i)
+    for (const IconEntry& entry : ReadIconGroup(FindBytes(kIconGroup, IDI_TAVO)))
     {
-        const int width = reader.Take<std::uint8_t>();
-        EXPECT_EQ(reader.Take<std::uint8_t>(), width);
-        sizes.push_back(width == 0 ? 256 : width);
-        reader.Take<std::uint32_t>(); // colours, planes
-        EXPECT_EQ(reader.Take<std::uint16_t>(), 32) << "bits a pixel";
-        const auto size = reader.Take<std::uint32_t>();
-        EXPECT_EQ(FindResourceBytes(kIcon, reader.Take<std::uint16_t>()).size(), size);
+        sizes.push_back(entry.width);
+        EXPECT_EQ(entry.bitsPerPixel, 32);
+        EXPECT_FALSE(FindBytes(kIcon, entry.id).empty());
     }
     EXPECT_THAT(sizes, ElementsAre(16, 24, 32, 48, 64, 128, 256));
-    EXPECT_NE(LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_TAVO)), nullptr);
 }
 
 TEST(Resources, VersionIsTheTrees)
 {
-    const std::string_view bytes = FindResourceBytes(kVersion, 1);
-    const std::string_view signature("\xBD\x04\xEF\xFE", 4);
-    ASSERT_NE(bytes.find(signature), std::string_view::npos);
-    Reader reader(bytes.substr(bytes.find(signature)));
-    reader.Take<std::uint64_t>(); // signature and structure version
-    const auto high = reader.Take<std::uint32_t>();
-    const auto low = reader.Take<std::uint32_t>();
-    EXPECT_EQ(std::to_string(high >> 16) + "." + std::to_string(high & 0xFFFF) + "." +
-                  std::to_string(low >> 16),
+    const std::string bytes = TextOf(kVersion, 1);
+    const std::size_t signature = bytes.find("\xBD\x04\xEF\xFE");
+    ASSERT_NE(signature, std::string::npos);
+    WORD parts[4]; // behind the signature and the structure's version: minor, major, build, patch
+    std::memcpy(parts, bytes.data() + signature + 8, sizeof parts);
+    EXPECT_EQ(std::to_string(parts[1]) + "." + std::to_string(parts[0]) + "." + std::to_string(parts[3]),
               TAVO_VERSION);
 }
 
 TEST(Resources, ManifestAsksForNothing)
 {
-    const std::string manifest(FindResourceBytes(kManifest, 1));
+    const std::string manifest = TextOf(kManifest, 1);
     EXPECT_THAT(manifest, HasSubstr(R"(<requestedExecutionLevel level="asInvoker" uiAccess="false"/>)"));
     EXPECT_THAT(manifest, HasSubstr(">true</dpiAware>"));
 }

@@ -8,11 +8,13 @@
 #include "tests/framework/testIds.h"
 #include "tests/support/WindowProbe.h"
 
-#include <atomic>
 #include <deque>
 #include <functional>
 #include <string>
 #include <vector>
+
+constexpr UINT WM_STEP = WM_USER + 1;
+constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
 
 class TestDialog : public CDialog
 {
@@ -21,8 +23,7 @@ public:
 
     explicit TestDialog(UINT templateId = IDD_PLAIN, CWnd* parent = nullptr) : CDialog(templateId, parent) {}
 
-    // Runs the dialog with these steps. A dialog that stays open after the last one is a failure of the test,
-    // and is ended.
+    // Runs the dialog, which must not end before its last step.
     INT_PTR Run(std::vector<Step> steps);
 
     // A click on a button, as a person's.
@@ -30,8 +31,7 @@ public:
 
     std::vector<std::string> mTrace; // what was called, in order
     Step mWork;                      // what the button "Work" does
-    Step mBeforeEnd;                 // runs in OnInitDialog
-    BOOL mInitResult = TRUE;
+    Step mOnOpen;                    // ends the dialog while it opens
     int mPaints = 0;
 
 protected:
@@ -41,25 +41,16 @@ protected:
     void DoDataExchange(CDataExchange* pDX) override;
 
     afx_msg void OnPaint();
-    afx_msg HCURSOR OnQueryDragIcon();
+    afx_msg HCURSOR OnQueryDragIcon() { return reinterpret_cast<HCURSOR>(this); }
     afx_msg void OnEnd();
     afx_msg void OnWork();
     afx_msg LRESULT OnStep(WPARAM wParam, LPARAM lParam);
-    afx_msg LRESULT OnAdd(WPARAM wParam, LPARAM lParam);
-    afx_msg LRESULT OnPatienceEnded(WPARAM wParam, LPARAM lParam);
+    afx_msg LRESULT OnAdd(WPARAM wParam, LPARAM lParam) { return static_cast<LRESULT>(wParam) + lParam; }
     DECLARE_MESSAGE_MAP()
 
 private:
     std::deque<Step> mSteps;
-    std::atomic<HWND> mWindow; // for the thread that watches
 };
 
-constexpr UINT WM_STEP = WM_USER + 1;
-constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
-constexpr UINT WM_PATIENCE_ENDED = WM_USER + 4;
-
-std::wstring TextOf(HWND window);
 // What the message box on top says; it is then answered with OK.
 std::wstring ReadAndCloseMessageBox();
-// Serves the messages that wait.
-void Pump();

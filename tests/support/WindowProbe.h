@@ -5,6 +5,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 // The dialog or message box that a person's input goes to.
 HWND TopWindow();
 HWND FocusedControl();
@@ -13,6 +15,11 @@ HWND FocusedControl();
 bool IsShown(HWND window);
 bool IsEnabled(HWND window);
 
+std::wstring TextOf(HWND window);
+
 // Moves the focus to a control and presses a key there (VK_RETURN or VK_ESCAPE). The key is served like any
 // input, not at once.
 void PressKey(HWND dialog, int controlId, WORD key);
+
+// Serves the messages that wait.
+void Pump();

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Dialogs, message boxes and the queue, on bare window calls; framework_tests has the rest of the loops.
+// The first focus and the queue, on bare window calls; framework_tests has the loops.
 #include "foundation/Kelvane.h"
-#include "tests/support/WindowProbe.h"
 #include "tests/window/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
 #include <thread>
 #include <vector>
@@ -15,18 +13,10 @@
 using testing::Each;
 using testing::ElementsAre;
 
-namespace
-{
-
-constexpr UINT WM_NOTE = WM_USER + 2;
-constexpr int kMessageBoxText = 0xFFFF;
-
-} // namespace
-
 TEST(Dialog, FirstTabStopIsAnnouncedAndHasTheFocus)
 {
-    ScriptedDialog script;
     HWND announced = nullptr;
+    ScriptedDialog script;
     script.serve = [&](HWND, UINT message, WPARAM wParam, LPARAM)
     {
         if (message == WM_INITDIALOG)
@@ -38,90 +28,9 @@ TEST(Dialog, FirstTabStopIsAnnouncedAndHasTheFocus)
         EXPECT_EQ(announced, GetDlgItem(dialog, IDC_LOG)) << "the label before it is no tab stop";
         EXPECT_EQ(FocusedControl(), announced);
         EXPECT_EQ(TopWindow(), dialog);
-        EXPECT_EQ(SendMessageW(dialog, DM_GETDEFID, 0, 0), MAKELONG(IDC_DEFAULT, DC_HASDEFID));
         EndDialog(dialog, 1);
     };
     EXPECT_EQ(script.Run(), 1);
-}
-
-TEST(Dialog, IsNotMadeOfAControlThatDoesNotExist)
-{
-    ScriptedDialog script;
-    script.templateId = IDD_UNKNOWN_CONTROL;
-    script.body = [](HWND dialog) { EndDialog(dialog, 1); };
-    EXPECT_EQ(script.Run(), -1);
-}
-
-TEST(Dialog, AnswersWithTheResultLeftByItsProcedure)
-{
-    ScriptedDialog script;
-    script.serve = [](HWND dialog, UINT message, WPARAM, LPARAM)
-    {
-        if (message != WM_NOTE)
-            return false;
-        SetWindowLongPtrW(dialog, DWLP_MSGRESULT, 1234);
-        return true;
-    };
-    script.body = [](HWND dialog)
-    {
-        EXPECT_EQ(SendMessageW(dialog, WM_NOTE, 0, 0), 1234);
-        EXPECT_EQ(SendMessageW(dialog, WM_NOTE + 1, 0, 0), 0) << "a result of another message was given";
-        EndDialog(dialog, 1);
-    };
-    script.Run();
-}
-
-TEST(Dialog, KeepsTheIconsItIsGiven)
-{
-    InDialog(
-        [](HWND dialog)
-        {
-            const HICON icon = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_TWO_SIZES));
-            ASSERT_NE(icon, nullptr);
-            EXPECT_EQ(SendMessageW(dialog, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon)), 0);
-            EXPECT_EQ(SendMessageW(dialog, WM_SETICON, ICON_BIG, 0), reinterpret_cast<LRESULT>(icon));
-        });
-    EXPECT_EQ(LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(4711)), nullptr);
-}
-
-TEST(BoxWithAMessage, GivesTheAnswer)
-{
-    struct Case
-    {
-        UINT type;
-        int pressed;
-        int answer;
-    };
-    const Case cases[] = {
-        {MB_OK, IDOK, IDOK},
-        {MB_OKCANCEL, IDCANCEL, IDCANCEL},
-        {MB_YESNO | MB_ICONQUESTION, IDYES, IDYES},
-        {MB_YESNO | MB_DEFBUTTON2, IDNO, IDNO},
-        {MB_YESNOCANCEL, IDNO, IDNO},
-    };
-    for (const Case& row : cases)
-    {
-        ScriptedDialog script;
-        script.serve = [&](HWND owner, UINT message, WPARAM, LPARAM)
-        {
-            if (message != WM_NOTE)
-                return false;
-            const HWND box = TopWindow();
-            EXPECT_EQ(TextOf(box), L"Caption");
-            EXPECT_EQ(TextOf(GetDlgItem(box, kMessageBoxText)), L"Text\nof two lines");
-            EXPECT_FALSE(IsEnabled(owner));
-            PostMessageW(box, WM_COMMAND, MAKEWPARAM(row.pressed, BN_CLICKED), 0);
-            return true;
-        };
-        script.body = [&](HWND dialog)
-        {
-            PostMessageW(dialog, WM_NOTE, 0, 0);
-            EXPECT_EQ(MessageBoxW(dialog, L"Text\nof two lines", L"Caption", row.type), row.answer);
-            EXPECT_TRUE(IsEnabled(dialog));
-            EndDialog(dialog, 1);
-        };
-        script.Run();
-    }
 }
 
 TEST(Queue, KeepsTheOrderAndDropsWhatTheDialogLeavesBehind)
@@ -150,26 +59,6 @@ TEST(Queue, KeepsTheOrderAndDropsWhatTheDialogLeavesBehind)
     EXPECT_THAT(noted, ElementsAre(1, 2, 3));
     EXPECT_FALSE(PostMessageW(gone, WM_NOTE, 6, 0));
     EXPECT_EQ(SendMessageW(gone, WM_NOTE, 7, 0), 0);
-}
-
-TEST(Queue, PeekCanLookWithoutTaking)
-{
-    InDialog(
-        [](HWND dialog)
-        {
-            Pump();
-            MSG message;
-            PostMessageW(dialog, WM_NOTE, 1, 2);
-            for (const UINT remove : {PM_NOREMOVE, PM_REMOVE})
-            {
-                ASSERT_TRUE(PeekMessageW(&message, nullptr, 0, 0, remove));
-                EXPECT_EQ(message.hwnd, dialog);
-                EXPECT_EQ(message.message, WM_NOTE);
-                EXPECT_EQ(message.wParam, 1u);
-                EXPECT_EQ(message.lParam, 2);
-            }
-            EXPECT_FALSE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
-        });
 }
 
 TEST(Queue, QuitComesBehindWhatWasPostedAndEndsTheLoop)
@@ -215,41 +104,7 @@ TEST(Queue, LibrarysPumpServesTheKeysOfADialogWhoseLoopIsHeldUp)
     script.Run();
 }
 
-TEST(Queue, PostWakesALoopThatSleeps)
-{
-    using Clock = std::chrono::steady_clock;
-    constexpr int kPosts = 20;
-    std::vector<Clock::duration> delays;
-    std::atomic<Clock::rep> posted{0};
-    std::thread poster;
-    ScriptedDialog script;
-    script.serve = [&](HWND dialog, UINT message, WPARAM, LPARAM)
-    {
-        if (message != WM_NOTE)
-            return false;
-        delays.push_back(Clock::now().time_since_epoch() - Clock::duration(posted.load()));
-        if (delays.size() == kPosts)
-            EndDialog(dialog, 1);
-        return true;
-    };
-    script.body = [&](HWND dialog)
-    {
-        poster = std::thread(
-            [&posted, dialog]
-            {
-                for (int i = 0; i < kPosts; ++i)
-                {
-                    std::this_thread::sleep_for(std::chrono::milliseconds(10)); // the loop sleeps again
-                    posted = Clock::now().time_since_epoch().count();
-                    PostMessageW(dialog, WM_NOTE, 0, 0);
-                }
-            });
-    };
-    script.Run();
-    poster.join();
-    EXPECT_THAT(delays, Each(testing::Lt(std::chrono::seconds(2))));
-}
-
+// The last post of each is one into a loop that sleeps.
 TEST(Queue, LosesNothingOfEightThreads)
 {
     constexpr std::size_t kThreads = 8;
@@ -274,25 +129,15 @@ TEST(Queue, LosesNothingOfEightThreads)
                 [dialog, thread]
                 {
                     for (LPARAM number = 0; number < kPosts; ++number)
+                    {
+                        if (number == kPosts - 1)
+                            std::this_thread::sleep_for(std::chrono::milliseconds(100 + 50 * thread));
                         PostMessageW(dialog, WM_NOTE, thread, number);
+                    }
                 });
     };
     script.Run();
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_THAT(next, Each(kPosts));
-}
-
-TEST(StringResource, IsFoundCutAndMissed)
-{
-    const HINSTANCE module = GetModuleHandleW(nullptr);
-    wchar_t text[64] = {};
-    EXPECT_EQ(LoadStringW(module, IDS_FIRST, text, 64), 5);
-    EXPECT_STREQ(text, L"First");
-    EXPECT_EQ(LoadStringW(module, IDS_FIRST, text, 3), 2);
-    EXPECT_STREQ(text, L"Fi");
-    LoadStringW(module, IDS_ASTRAL, text, 64);
-    EXPECT_STREQ(text, L"\U0001F600!");
-    EXPECT_EQ(LoadStringW(module, IDS_FIRST + 2, text, 64), 0) << "an empty place of its block";
-    EXPECT_EQ(LoadStringW(module, 4711, text, 64), 0);
 }

@@ -14,8 +14,6 @@ using testing::ElementsAre;
 namespace
 {
 
-constexpr UINT WM_NOTE = WM_USER + 2;
-
 Window& ControlOfTop(UINT id)
 {
     for (const auto& control : TopDialog()->children)
@@ -90,38 +88,6 @@ TEST(Input, IsDroppedWhenItsControlCannotTakeItAnyMore)
         << "the dialog was disabled under another one";
 }
 
-TEST(Input, KeysAndTheCloseBoxAreCommands)
-{
-    const auto press = [](UINT focus, WORD key)
-    {
-        return CommandsAfter(
-            [=](HWND dialog)
-            {
-                SetFocus(GetDlgItem(dialog, static_cast<int>(focus)));
-                UserPressed(*TopDialog(), key);
-            });
-    };
-    EXPECT_THAT(press(IDC_LINE, VK_RETURN), ElementsAre(IDC_DEFAULT, IDCANCEL));
-    EXPECT_THAT(press(IDC_LOG, VK_RETURN), ElementsAre(IDC_DEFAULT, IDCANCEL));
-    EXPECT_THAT(press(IDC_PUSH, VK_RETURN), ElementsAre(IDC_PUSH, IDCANCEL));
-    EXPECT_THAT(press(IDC_BOX, VK_ESCAPE), ElementsAre(IDCANCEL));
-    EXPECT_THAT(CommandsAfter([](HWND) {}), ElementsAre(IDCANCEL));
-}
-
-TEST(Input, TypedTextAndSelectionCountAtOnce)
-{
-    InDialog(
-        [](HWND dialog)
-        {
-            Send(dialog, IDC_LINE, EM_LIMITTEXT, 4);
-            UserTyped(ControlOfTop(IDC_LINE), L"typed");
-            EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_LINE)), L"type");
-            Send(dialog, IDC_CHOICE, CB_ADDSTRING, 0, L"a");
-            UserSelected(ControlOfTop(IDC_CHOICE), 0);
-            EXPECT_EQ(Send(dialog, IDC_CHOICE, CB_GETCURSEL), 0);
-        });
-}
-
 TEST(Painting, MinimisedDialogIsAskedToPaintAndItsIconReachesTheDisplay)
 {
     bool isIconic = false;
@@ -133,7 +99,7 @@ TEST(Painting, MinimisedDialogIsAskedToPaintAndItsIconReachesTheDisplay)
         isIconic = IsIconic(dialog) != FALSE;
         PAINTSTRUCT paint;
         const HDC context = BeginPaint(dialog, &paint);
-        DrawIcon(context, 3, 4, LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TWO_SIZES)));
+        DrawIcon(context, 3, 4, LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_ANY)));
         EndPaint(dialog, &paint);
         return true;
     };
@@ -149,20 +115,4 @@ TEST(Painting, MinimisedDialogIsAskedToPaintAndItsIconReachesTheDisplay)
         EndDialog(dialog, 1);
     };
     EXPECT_EQ(script.Run(), 1);
-}
-
-TEST(Icon, GivesTheImageThatFits)
-{
-    const HICON icon = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TWO_SIZES));
-    const IconImage large = FindIconImage(icon, 256);
-    const IconImage small = FindIconImage(icon, 16);
-    EXPECT_GT(small.size, 0u);
-    EXPECT_GT(large.size, small.size);
-    EXPECT_EQ(FindIconImage(icon, 10000).bytes, large.bytes) << "none is large enough: the largest";
-    EXPECT_EQ(FindIconImage(nullptr, 16).size, 0u);
-}
-
-TEST(TimedMessageBox, AnswersWhenNobodyDid)
-{
-    EXPECT_EQ(MessageBoxTimeoutW(nullptr, L"Text", L"Caption", MB_OK, 0, 50), MB_TIMEDOUT);
 }

@@ -25,11 +25,11 @@ INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 
 INT_PTR ScriptedDialog::Run()
 {
-    return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(templateId), owner, &Procedure,
+    return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_CONTROLS), owner, &Procedure,
                            reinterpret_cast<LPARAM>(this));
 }
 
-INT_PTR InDialog(const std::function<void(HWND)>& body)
+void InDialog(const std::function<void(HWND)>& body)
 {
     ScriptedDialog dialog;
     dialog.body = [&](HWND window)
@@ -37,7 +37,7 @@ INT_PTR InDialog(const std::function<void(HWND)>& body)
         body(window);
         EndDialog(window, IDOK);
     };
-    return dialog.Run();
+    dialog.Run();
 }
 
 LRESULT Send(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam)
@@ -48,22 +48,4 @@ LRESULT Send(HWND dialog, int id, UINT message, WPARAM wParam, LPARAM lParam)
 LRESULT Send(HWND dialog, int id, UINT message, WPARAM wParam, const wchar_t* text)
 {
     return Send(dialog, id, message, wParam, reinterpret_cast<LPARAM>(text));
-}
-
-std::wstring TextOf(HWND window)
-{
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)), L'\0');
-    const int length = GetWindowTextW(window, text.data(), static_cast<int>(text.size()) + 1);
-    text.resize(static_cast<std::size_t>(length));
-    return text;
-}
-
-void Pump()
-{
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-    {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
 }

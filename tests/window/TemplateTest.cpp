@@ -9,76 +9,58 @@
 #include <iterator>
 
 using namespace platform;
+using testing::ElementsAre;
 
 namespace
 {
 
-// tests/fuzz/corpus/fuzz_res/small.res: two strings, a new and an old template, and one named resource.
-class SmallRes : public testing::Test
+// Two strings, a new and an old template, and one named resource.
+Bytes File()
 {
-protected:
-    Bytes File() const { return mFile; }
+    static std::ifstream file(TAVO_SOURCE_DIR "/tests/fuzz/corpus/fuzz_res/small.res", std::ios::binary);
+    static const std::vector<BYTE> bytes{std::istreambuf_iterator<char>(file), {}};
+    return bytes;
+}
 
-    Bytes Find(LPCWSTR type, UINT id) const
-    {
-        for (const Resource& resource : ReadResFile(mFile))
-            if (resource.type.Is(LOWORD(reinterpret_cast<std::uintptr_t>(type))) && resource.name.Is(id))
-                return resource.data;
+Bytes FindDialog(UINT id)
+{
+    for (const Resource& resource : ReadResFile(File()))
+        if (resource.type.Is(LOWORD(reinterpret_cast<std::uintptr_t>(RT_DIALOG))) && resource.name.Is(id))
+            return resource.data;
+    return {};
+}
+
+// A line for the dialog and one for each control.
+std::vector<std::wstring> Describe(const std::optional<DialogTemplate>& dialog)
+{
+    if (!dialog)
         return {};
-    }
-
-private:
-    static std::vector<BYTE> Load()
+    const auto place = [](const DialogRect& rect)
     {
-        std::ifstream file(TAVO_SOURCE_DIR "/tests/fuzz/corpus/fuzz_res/small.res", std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-    const std::vector<BYTE> mFile = Load();
-};
-
-std::string Text(const DialogRect& rect)
-{
-    return std::to_string(rect.x) + "," + std::to_string(rect.y) + "," + std::to_string(rect.width) + "," +
-           std::to_string(rect.height);
+        return std::to_wstring(rect.x) + L"," + std::to_wstring(rect.y) + L"," + std::to_wstring(rect.width) +
+               L"," + std::to_wstring(rect.height);
+    };
+    const DialogFont& font = dialog->font;
+    std::vector<std::wstring> lines{dialog->caption + L" " + place(dialog->rect) + L" " + font.face + L" " +
+                                    std::to_wstring(font.points) + (font.italic ? L" italic" : L"")};
+    for (const ControlTemplate& control : dialog->controls)
+        lines.push_back(std::to_wstring(static_cast<int>(control.windowClass)) + L" " +
+                        std::to_wstring(control.id) + L" " + control.text + L" " + place(control.rect));
+    return lines;
 }
 
 } // namespace
 
-TEST_F(SmallRes, HoldsATemplateOfTheNewForm)
+TEST(ResFile, HoldsTemplatesOfTheNewAndTheOldForm)
 {
-    const auto dialog = ReadDialogTemplate(Find(RT_DIALOG, 101));
-    ASSERT_TRUE(dialog);
-    EXPECT_EQ(dialog->caption, L"New");
-    EXPECT_EQ(Text(dialog->rect), "0,0,200,120");
-    EXPECT_EQ(dialog->font.face, L"Verdana");
-    EXPECT_EQ(dialog->font.points, 9);
-    EXPECT_EQ(dialog->font.weight, 400);
-    EXPECT_TRUE(dialog->font.italic);
-    ASSERT_EQ(dialog->controls.size(), 3u);
-    EXPECT_EQ(dialog->controls[0].windowClass, ControlClass::Static);
-    EXPECT_EQ(dialog->controls[0].text, L"L");
-    EXPECT_EQ(dialog->controls[1].windowClass, ControlClass::Edit);
-    EXPECT_EQ(dialog->controls[1].id, 1000u);
-    EXPECT_EQ(Text(dialog->controls[1].rect), "7,7,120,60");
-    EXPECT_NE(dialog->controls[1].style & ES_MULTILINE, 0u);
-    EXPECT_EQ(dialog->controls[2].windowClass, ControlClass::Other);
+    EXPECT_THAT(Describe(ReadDialogTemplate(FindDialog(101))),
+                ElementsAre(L"New 0,0,200,120 Verdana 9 italic", L"2 4294967295 L 7,79,40,8",
+                            L"1 1000  7,7,120,60", L"4 1001 x 7,7,50,14"));
+    EXPECT_THAT(Describe(ReadDialogTemplate(FindDialog(102))),
+                ElementsAre(L"Old 0,0,200,120 F 8", L"0 1 P 7,79,40,8", L"3 2  7,7,120,60"));
 }
 
-TEST_F(SmallRes, HoldsATemplateOfTheOldForm)
-{
-    const auto dialog = ReadDialogTemplate(Find(RT_DIALOG, 102));
-    ASSERT_TRUE(dialog);
-    EXPECT_EQ(dialog->caption, L"Old");
-    EXPECT_EQ(dialog->font.face, L"F");
-    EXPECT_EQ(dialog->font.points, 8);
-    ASSERT_EQ(dialog->controls.size(), 2u);
-    EXPECT_EQ(dialog->controls[0].windowClass, ControlClass::Button);
-    EXPECT_EQ(dialog->controls[0].id, 1u);
-    EXPECT_EQ(dialog->controls[1].windowClass, ControlClass::ComboBox);
-    EXPECT_EQ(Text(dialog->controls[1].rect), "7,7,120,60");
-}
-
-TEST_F(SmallRes, CutAnywhereLosesNoMoreThanItsEnd)
+TEST(ResFile, CutAnywhereLosesNoMoreThanItsEnd)
 {
     const std::size_t all = ReadResFile(File()).size();
     EXPECT_EQ(all, 6u) << "the empty one in front, two blocks of strings, two templates, the named one";
@@ -91,7 +73,7 @@ TEST_F(SmallRes, CutAnywhereLosesNoMoreThanItsEnd)
     }
     for (const UINT id : {101, 102})
     {
-        const Bytes whole = Find(RT_DIALOG, id);
+        const Bytes whole = FindDialog(id);
         for (std::size_t length = 0; length + sizeof(DWORD) < whole.size(); ++length)
             EXPECT_FALSE(ReadDialogTemplate(whole.first(length))) << id << " cut at " << length;
     }
