@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: MIT
 // What only this system lets a test do: kill a writer at any moment, fill a disk of its own.
-#include "tests/kelvane/AgentFolder.h"
+#include "tests/support/AgentFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <signal.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
 #include <chrono>
+#include <cstdlib>
 #include <random>
 #include <thread>
 
@@ -37,22 +33,14 @@ TEST(Settings, HoldTheOldOrTheNewTextWheneverTheWriterIsKilled)
 {
     const AgentFolder folder;
     folder.Write("Tavo.settings.json", FileWith('A'));
-    const std::string length = std::to_string(kTextLength);
     std::mt19937 random(20261124);
     std::uniform_int_distribution<int> microseconds(0, 5'000);
     int interrupted = 0;
     for (int kill = 0; kill < kKills; ++kill)
     {
         const std::string before = folder.Settings();
-        setenv("LD_LIBRARY_PATH", TAVO_PROGRAM_DIR, 1);
-        const pid_t child = fork();
-        if (child == 0)
-        {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            execl(folder.Agent().c_str(), "agent", (folder.Path() / "answers").c_str(),
-                  ("forever:CustomerServiceText:" + length).c_str(), nullptr);
-            _exit(127);
-        }
+        const ChildProcess writer =
+            folder.Start({"forever:CustomerServiceText:" + std::to_string(kTextLength)});
         // The second text is there when the first has been replaced.
         while (folder.Settings() == before)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -60,8 +48,7 @@ TEST(Settings, HoldTheOldOrTheNewTextWheneverTheWriterIsKilled)
         while (kill % 2 != 0 && !std::filesystem::exists(folder.Path() / "Tavo.settings.json.new"))
             std::this_thread::yield();
         std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
-        ::kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
+        writer.Kill();
         const std::string after = folder.Settings();
         ASSERT_TRUE(after == FileWith('A') || after == FileWith('B'))
             << kill << ": " << after.size() << " bytes";
@@ -94,8 +81,7 @@ cat disk/Logs/Tavo.log >log
 umount disk/agent && umount disk
 )");
     std::filesystem::create_directory(folder.Path() / "disk");
-    const std::string command = "cd '" + folder.Path().string() +
-                                "' && LD_LIBRARY_PATH='" TAVO_PROGRAM_DIR "' unshare --mount sh script '" +
+    const std::string command = "cd '" + folder.Path().string() + "' && unshare --mount sh script '" +
                                 folder.Agent().string() + "' >output 2>errors";
     if (std::system("unshare --mount true 2>/dev/null") != 0)
         GTEST_SKIP() << "needs root for a mount of its own";
@@ -127,7 +113,7 @@ TEST(Log, FollowsNoLinkToAnotherFile)
     folder.Write("victim", "untouched");
     std::filesystem::create_symlink(folder.Path() / "victim", folder.Path() / "Logs" / "Tavo.log");
     const AgentOutcome outcome = folder.Run({"log:2:x"});
-    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.exitCode, 0u);
     EXPECT_EQ(folder.Read("victim"), "untouched");
     EXPECT_THAT(outcome.errors, HasSubstr("cannot be written"));
 }
@@ -142,12 +128,12 @@ TEST(Settings, BehindALinkAreWrittenWhereItLeads)
         const char* end; // where the link leads to, in the end
         bool exists;
     };
-    const std::array<Row, 4> rows{{
+    const Row rows[] = {
         {"a file that is there", "var/stored.json", "var/stored.json", true},
         {"none yet: the link is broken until the first write", "var/stored.json", "var/stored.json", false},
         {"from one link to another", "var/onward", "var/deep/stored.json", false},
         {"up and down again", "var/../var/deep/stored.json", "var/deep/stored.json", true},
-    }};
+    };
     for (const Row& row : rows)
     {
         SCOPED_TRACE(row.why);

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "tests/kernel/PeerProcess.h"
+#include "tests/support/AgentFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 #include <chrono>
 #include <thread>
-#include <vector>
 
 namespace
 {
@@ -30,56 +27,40 @@ bool IsHeld(const std::wstring& name)
     return error == ERROR_ALREADY_EXISTS;
 }
 
-// A peer that waits for `name`, and does so already.
-class WaitingPeer : public PeerProcess
+std::string Narrow(const std::wstring& ascii)
 {
-public:
-    explicit WaitingPeer(const std::wstring& name) : WaitingPeer(name, UniqueName(L"ready")) {}
+    return {ascii.begin(), ascii.end()};
+}
 
-private:
-    WaitingPeer(const std::wstring& name, const std::wstring& ready) : WaitingPeer(name, ready, Create(ready))
-    {
-    }
-    WaitingPeer(const std::wstring& name, const std::wstring& ready, HANDLE event)
-        : PeerProcess(L"wait " + name + L" " + ready + L" 60000")
-    {
-        EXPECT_EQ(WaitForSingleObject(event, kLong), DWORD{WAIT_OBJECT_0});
-        CloseHandle(event);
-        Sleep(kShort); // ready is said just before the wait begins
-    }
-};
+// A process that waits for `name`, and does so already.
+ChildProcess Waiter(const AgentFolder& folder, const std::wstring& name)
+{
+    const std::wstring ready = UniqueName(L"ready");
+    const HANDLE event = Create(ready, false);
+    ChildProcess process = folder.Start({"await:" + Narrow(name) + ":" + Narrow(ready)});
+    EXPECT_EQ(WaitForSingleObject(event, kLong), DWORD{WAIT_OBJECT_0});
+    CloseHandle(event);
+    Sleep(kShort); // ready is said just before the wait begins
+    return process;
+}
 
 } // namespace
 
-TEST(Event, ManualResetStaysSetUntilOneResetUndoesAllSets)
+TEST(Event, StaysSetUntilOneResetUndoesAllSetsOrOneWaitUsesThemUp)
 {
-    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    EXPECT_EQ(WaitForSingleObject(event, 0), DWORD{WAIT_TIMEOUT});
-    EXPECT_TRUE(SetEvent(event));
-    EXPECT_TRUE(SetEvent(event));
-    EXPECT_EQ(WaitForSingleObject(event, 0), DWORD{WAIT_OBJECT_0});
-    EXPECT_EQ(WaitForSingleObject(event, INFINITE), DWORD{WAIT_OBJECT_0});
-    EXPECT_TRUE(ResetEvent(event));
-    EXPECT_EQ(WaitForSingleObject(event, 0), DWORD{WAIT_TIMEOUT});
-    CloseHandle(event);
-}
-
-TEST(Event, AutoResetIsUsedUpByOneWait)
-{
-    const HANDLE event = CreateEventW(nullptr, FALSE, TRUE, nullptr); // set from the start
-    EXPECT_EQ(WaitForSingleObject(event, 0), DWORD{WAIT_OBJECT_0});
-    EXPECT_EQ(WaitForSingleObject(event, 0), DWORD{WAIT_TIMEOUT});
-    CloseHandle(event);
-}
-
-TEST(Event, WaitEndsAtItsTimeAndNotBefore)
-{
-    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(WaitForSingleObject(event, kShort), DWORD{WAIT_TIMEOUT});
-    const auto waited = std::chrono::steady_clock::now() - start;
-    EXPECT_GE(waited, std::chrono::milliseconds(kShort - 20)); // Windows' clock ticks every 16 ms
-    CloseHandle(event);
+    for (const bool manualReset : {true, false})
+    {
+        const HANDLE event = CreateEventW(nullptr, manualReset, TRUE, nullptr); // set from the start
+        EXPECT_TRUE(SetEvent(event));
+        EXPECT_EQ(WaitForSingleObject(event, INFINITE), DWORD{WAIT_OBJECT_0});
+        EXPECT_EQ(WaitForSingleObject(event, 0) == WAIT_OBJECT_0, manualReset);
+        EXPECT_TRUE(ResetEvent(event));
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(WaitForSingleObject(event, kShort), DWORD{WAIT_TIMEOUT});
+        const auto waited = std::chrono::steady_clock::now() - start;
+        EXPECT_GE(waited, std::chrono::milliseconds(kShort - 20)); // Windows' clock ticks every 16 ms
+        CloseHandle(event);
+    }
 }
 
 TEST(Event, SetReleasesAllThreadsThatWaitHoweverSoonTheResetFollows)
@@ -102,7 +83,8 @@ TEST(Event, SetReleasesAllThreadsThatWaitHoweverSoonTheResetFollows)
 TEST(Event, HandlesThatAreNoneOfItsKindAreFoundOut)
 {
     WIN32_FIND_DATAW data;
-    const HANDLE find = FindFirstFileW((FolderOfThisProgram() / L"*").wstring().c_str(), &data);
+    const TestFolder folder;
+    const HANDLE find = FindFirstFileW((folder.Path() / L"*").wstring().c_str(), &data);
     const HANDLE made = reinterpret_cast<HANDLE>(static_cast<ULONG_PTR>(0x123450));
     for (const HANDLE handle : {find, made, static_cast<HANDLE>(nullptr)})
     {
@@ -160,86 +142,48 @@ TEST(NamedEvent, NamesDifferByCaseAndHoldNoOtherBackslash)
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
 }
 
-TEST(NamedEvent, NameIsGoneWhenItsLastHolderIsKilled)
+TEST(NamedEvent, NameIsGoneWhenItsLastHolderIs)
 {
+    const AgentFolder folder;
     const std::wstring name = UniqueName(L"killed");
-    const WaitingPeer peer(name);
-    EXPECT_TRUE(IsHeld(name));
+    const ChildProcess holder = Waiter(folder, name);
     const HANDLE own = Create(name);
-    peer.Kill();
+    holder.Kill();
     EXPECT_TRUE(IsHeld(name)) << "there is another holder";
     CloseHandle(own);
     EXPECT_FALSE(IsHeld(name));
 
-    const WaitingPeer alone(name);
+    const ChildProcess alone = Waiter(folder, name);
     EXPECT_TRUE(IsHeld(name));
     alone.Kill();
     EXPECT_FALSE(IsHeld(name));
-}
 
-TEST(NamedEvent, NameIsGoneWhenItsHolderEnds)
-{
-    const std::wstring name = UniqueName(L"ended");
-    const PeerProcess peer(L"open " + name);
-    EXPECT_EQ(peer.ExitCode(), DWORD{ERROR_SUCCESS});
+    EXPECT_EQ(folder.Run({"open:" + Narrow(name)}).answers, "0\n") << "and ends without closing it";
     EXPECT_FALSE(IsHeld(name));
 }
 
-TEST(NamedEvent, SetReleasesAllProcessesThatWait)
+TEST(NamedEvent, SetReleasesAllProcessesThatWaitOrOneForEachSet)
 {
-    const std::wstring name = UniqueName(L"released");
-    const HANDLE event = Create(name);
-    const WaitingPeer first(name);
-    const WaitingPeer second(name);
-    EXPECT_TRUE(first.IsRunning() && second.IsRunning());
-    SetEvent(event);
-    EXPECT_EQ(first.ExitCode(), 0U);
-    EXPECT_EQ(second.ExitCode(), 0U);
-    CloseHandle(event);
-}
-
-TEST(NamedEvent, AutoResetReleasesOneProcessForEachSet)
-{
-    const std::wstring name = UniqueName(L"auto");
-    const HANDLE event = Create(name, false);
-    const WaitingPeer first(name);
-    const WaitingPeer second(name);
-    SetEvent(event);
-    Sleep(1000);
-    EXPECT_NE(first.IsRunning(), second.IsRunning());
-    SetEvent(event);
-    EXPECT_EQ(first.ExitCode(), 0U);
-    EXPECT_EQ(second.ExitCode(), 0U);
-    CloseHandle(event);
-}
-
-// std::barrier waits on an atomic, and waiters on one can miss their wake-up with this compiler's Windows
-// library.
-class MeetingPoint
-{
-public:
-    explicit MeetingPoint(int threads) : mThreads(threads) {}
-
-    void Meet()
+    const AgentFolder folder;
+    for (const bool manualReset : {true, false})
     {
-        std::unique_lock lock(mGuard);
-        const int round = mRound;
-        if (++mCome == mThreads)
+        const std::wstring name = UniqueName(manualReset ? L"all" : L"one");
+        const HANDLE event = Create(name, manualReset);
+        const ChildProcess first = Waiter(folder, name);
+        const ChildProcess second = Waiter(folder, name);
+        EXPECT_TRUE(first.IsRunning() && second.IsRunning());
+        SetEvent(event);
+        if (!manualReset)
         {
-            mCome = 0;
-            ++mRound;
-            mAllCame.notify_all();
+            Sleep(1000);
+            EXPECT_NE(first.IsRunning(), second.IsRunning());
+            SetEvent(event);
         }
-        mAllCame.wait(lock, [&] { return mRound != round; });
+        EXPECT_EQ(first.ExitCode(), 0U);
+        EXPECT_EQ(second.ExitCode(), 0U);
+        CloseHandle(event);
     }
-
-private:
-    const int mThreads;
-    std::mutex mGuard;
-    std::condition_variable mAllCame;
-    int mCome = 0;
-    int mRound = 0;
-};
+}
 
 TEST(NamedEvent, OfAllWhoCreateItAtOnceExactlyOneIsTheFirst)
 {
@@ -247,26 +191,28 @@ TEST(NamedEvent, OfAllWhoCreateItAtOnceExactlyOneIsTheFirst)
     constexpr int kRounds = 200;
     const std::wstring name = UniqueName(L"race");
     std::atomic<int> firsts = 0;
-    MeetingPoint all(kThreads);
+    std::atomic<int> come = 0;
+    const auto meet = [&](int all)
+    {
+        ++come;
+        while (come < all)
+            std::this_thread::yield();
+    };
     std::vector<std::jthread> threads;
     for (int index = 0; index < kThreads; ++index)
-    {
         threads.emplace_back(
             [&]
             {
-                for (int round = 0; round < kRounds; ++round)
+                for (int round = 0, all = 0; round < kRounds; ++round)
                 {
                     const HANDLE event = Create(name);
                     firsts += event != nullptr && GetLastError() == ERROR_SUCCESS;
-                    all.Meet();
+                    meet(all += kThreads);
                     CloseHandle(event); // the next round begins while others still close
                     if (round % 2 == 0)
-                    {
-                        all.Meet();
-                    }
+                        meet(all += kThreads);
                 }
             });
-    }
     threads.clear();
     EXPECT_GE(firsts, kRounds / 2) << "after every other round the name is surely gone";
     EXPECT_LE(firsts, kRounds);

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "tests/kernel/PeerProcess.h"
+#include "tests/support/TestFolder.h"
+
+#include <windows.h>
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdint>
-#include <fstream>
 #include <map>
 
 namespace fs = std::filesystem;
@@ -16,13 +17,7 @@ namespace
 class FindFile : public testing::Test
 {
 protected:
-    FindFile() { fs::create_directories(mFolder); }
-    ~FindFile() override { fs::remove_all(mFolder); }
-
-    void Write(const fs::path& name, const std::string& content) const
-    {
-        std::ofstream(mFolder / name) << content;
-    }
+    void Write(const char* name, const char* content) const { mTestFolder.Write(name, content); }
 
     std::map<std::wstring, WIN32_FIND_DATAW> List(const std::wstring& pattern) const
     {
@@ -30,9 +25,7 @@ protected:
         WIN32_FIND_DATAW data = {};
         const HANDLE find = FindFirstFileW((mFolder / pattern).wstring().c_str(), &data);
         if (find == INVALID_HANDLE_VALUE)
-        {
             return found;
-        }
         do
         {
             found[data.cFileName] = data;
@@ -42,7 +35,8 @@ protected:
         return found;
     }
 
-    const fs::path mFolder = fs::temp_directory_path() / UniqueName(L"find");
+    const TestFolder mTestFolder;
+    const fs::path& mFolder = mTestFolder.Path();
 };
 
 // Seconds since 1970.
@@ -80,9 +74,7 @@ TEST_F(FindFile, ListsAFolderWithKindSizeAndTime)
 TEST_F(FindFile, WildcardsStandForCharacters)
 {
     for (const char* name : {"a.log", "ab.log", "a.txt", "log"})
-    {
         Write(name, "x");
-    }
     struct Row
     {
         const wchar_t* pattern;
@@ -94,8 +86,7 @@ TEST_F(FindFile, WildcardsStandForCharacters)
     {
         auto found = List(row.pattern);
         found.erase(L"."); // Windows' ? takes the folder itself for a name
-        EXPECT_EQ(found.size(), row.count)
-            << std::string(row.pattern, row.pattern + std::wcslen(row.pattern));
+        EXPECT_EQ(found.size(), row.count) << "row " << &row - rows;
     }
 }
 

@@ -1,66 +1,18 @@
 // SPDX-License-Identifier: MIT
 // What of the layer shows only from the Linux side: users, signals, open files, names that are no UTF-8.
 #include "platform/kernel/Text.h"
-#include "tests/kernel/PeerProcess.h"
+#include "tests/support/AgentFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <grp.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 namespace fs = std::filesystem;
-
-namespace
-{
-
-constexpr uid_t kNobody = 65534;
-
-DWORD ErrorOfStart(std::wstring line)
-{
-    STARTUPINFOW startup = {};
-    PROCESS_INFORMATION information = {};
-    const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                                        &startup, &information);
-    return started ? DWORD{ERROR_SUCCESS} : GetLastError();
-}
-
-// What opening an event gives to the user nobody.
-int OpenAsNobody(const std::wstring& name)
-{
-    // The build folder may lie where nobody else gets in; an open file of the program serves instead.
-    const fs::path program = FolderOfThisProgram() / "kernelPeer";
-    const std::string event = SystemFromWide(name);
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        const int file = open(program.c_str(), O_RDONLY);
-        const char* arguments[] = {"kernelPeer", "open", event.c_str(), nullptr};
-        if (setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0)
-        {
-            fexecve(file, const_cast<char**>(arguments), environ);
-        }
-        _exit(98);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-std::string ReadFile(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-} // namespace
 
 TEST(HandleOnLinux, IsNeverUsedAgainOnceClosed)
 {
@@ -82,23 +34,23 @@ TEST(HandleOnLinux, IsNeverUsedAgainOnceClosed)
 TEST(NamedEventOfUsers, NullAccessListOpensItToEveryUser)
 {
     if (geteuid() != 0)
-    {
         GTEST_SKIP() << "only root can become another user";
-    }
     SECURITY_DESCRIPTOR descriptor = {};
     InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
     SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
     SECURITY_ATTRIBUTES attributes = {sizeof attributes, &descriptor, TRUE};
+    const AgentFolder folder;
     const std::wstring name = UniqueName(L"users");
+    const auto openAsNobody = [&] { return folder.Run({"open:" + SystemFromWide(name)}, true).answers; };
     const mode_t old = umask(0077); // has no say in it
     const HANDLE open = CreateEventW(&attributes, FALSE, FALSE, (L"Global\\" + name).c_str());
     umask(old);
-    EXPECT_EQ(OpenAsNobody(name), ERROR_ALREADY_EXISTS);
+    EXPECT_EQ(openAsNobody(), std::to_string(ERROR_ALREADY_EXISTS) + "\n");
     CloseHandle(open);
-    EXPECT_EQ(OpenAsNobody(name), ERROR_SUCCESS) << "gone with its file, whoever made that";
+    EXPECT_EQ(openAsNobody(), "0\n") << "gone with its file, whoever made that";
 
     const HANDLE closed = CreateEventW(nullptr, FALSE, FALSE, name.c_str());
-    EXPECT_EQ(OpenAsNobody(name), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(openAsNobody(), std::to_string(ERROR_ACCESS_DENIED) + "\n");
     CloseHandle(closed);
 }
 
@@ -111,9 +63,7 @@ TEST(NamedEventFile, IsThereOnlyWhileTheNameIs)
     {
         int count = 0;
         for (const auto& entry : fs::directory_iterator("/dev/shm"))
-        {
             count += entry.path().filename().string().find("a%2F..%2Fb%20%25") != std::string::npos;
-        }
         return count;
     };
     EXPECT_EQ(files(), 1);
@@ -141,63 +91,49 @@ TEST(NamedEventFile, KeptLockedBySomebodyHoldsNobodyUpForEver)
 
 TEST(ProcessOnLinux, SignalsDeathIsAFailure)
 {
-    const PeerProcess peer(L"wait " + UniqueName(L"never") + L" " + UniqueName(L"ready") + L" 60000");
-    peer.Kill();
-    EXPECT_EQ(peer.ExitCode(), 128U + SIGKILL);
+    const AgentFolder folder;
+    const ChildProcess process = folder.Start({"await:never:none"});
+    process.Kill();
+    EXPECT_EQ(process.ExitCode(), 128U + SIGKILL);
 }
 
 TEST(ProcessOnLinux, LeavesNoZombieWhenNobodyWaits)
 {
-    const HANDLE ready = CreateEventW(nullptr, TRUE, FALSE, UniqueName(L"zombie").c_str());
-    pid_t running = 0;
-    {
-        const PeerProcess peer(L"wait " + UniqueName(L"go") + L" " + UniqueName(L"zombie") + L" 60000");
-        running = static_cast<pid_t>(peer.Id());
-        EXPECT_EQ(WaitForSingleObject(ready, 60000), DWORD{WAIT_OBJECT_0});
-    } // its handles are closed while it runs
+    const AgentFolder folder;
+    const std::wstring go = UniqueName(L"go");
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, go.c_str());
+    // The handles are closed while it runs.
+    const auto running = static_cast<pid_t>(folder.Start({"await:" + SystemFromWide(go) + ":none"}).Id());
     EXPECT_EQ(kill(running, 0), 0);
-    const HANDLE go = CreateEventW(nullptr, TRUE, FALSE, UniqueName(L"go").c_str());
-    SetEvent(go);
+    SetEvent(event);
     for (int tries = 0; kill(running, 0) == 0 && tries < 600; ++tries)
-    {
         Sleep(100);
-    }
     EXPECT_NE(kill(running, 0), 0) << "a zombie still answers";
-    CloseHandle(go);
-    CloseHandle(ready);
+    CloseHandle(event);
 }
 
 TEST(ProcessOnLinux, ChildGetsNoFileSignalMaskOrHandlerOfOurs)
 {
-    const fs::path folder = fs::temp_directory_path() / UniqueName(L"child");
-    fs::create_directories(folder);
+    const TestFolder folder;
     const int inherited = open("/dev/null", O_RDONLY); // without O_CLOEXEC
     sigset_t blocked;
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
     signal(SIGPIPE, SIG_IGN);
-    {
-        std::wstring line =
-            L"sh -c \"ls -l /proc/self/fd > fds; grep -E 'SigBlk|SigIgn' /proc/self/status > signals\"";
-        STARTUPINFOW startup = {};
-        startup.dwFlags = STARTF_USESHOWWINDOW;
-        PROCESS_INFORMATION information = {};
-        ASSERT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                   folder.wstring().c_str(), &startup, &information));
-        WaitForSingleObject(information.hProcess, 60000);
-        CloseHandle(information.hThread);
-        CloseHandle(information.hProcess);
-    }
+    const ChildProcess shell(
+        L"sh -c \"ls -l /proc/self/fd > fds; grep -E 'SigBlk|SigIgn' /proc/self/status > signals\"",
+        folder.Path());
+    EXPECT_EQ(shell.ExitCode(), 0U);
     signal(SIGPIPE, SIG_DFL);
     pthread_sigmask(SIG_UNBLOCK, &blocked, nullptr);
     close(inherited);
 
-    const std::string files = ReadFile(folder / "fds"); // of ls itself: 0, 1 (its output), 2, 3 (the folder)
+    const std::string files = folder.Read("fds"); // of ls itself: 0, 1 (its output), 2, 3 (the folder)
     EXPECT_NE(files.find("0 -> /dev/null"), std::string::npos) << files;
     EXPECT_NE(files.find("2 -> /dev/null"), std::string::npos) << files;
     EXPECT_EQ(files.find(" 4 -> "), std::string::npos) << files;
-    std::istringstream signals(ReadFile(folder / "signals"));
+    std::istringstream signals(folder.Read("signals"));
     for (const char* name : {"SigBlk:", "SigIgn:"})
     {
         std::string word;
@@ -207,23 +143,21 @@ TEST(ProcessOnLinux, ChildGetsNoFileSignalMaskOrHandlerOfOurs)
         EXPECT_EQ(word, name);
         EXPECT_EQ(mask & kStandardSignals, 0U);
     }
-    fs::remove_all(folder);
 }
 
 TEST(ProcessOnLinux, SaysWhatIsNoProgram)
 {
-    const fs::path folder = fs::temp_directory_path() / UniqueName(L"noprogram");
-    fs::create_directories(folder);
-    std::ofstream(folder / "plain") << "text";
-    std::ofstream(folder / "runnable") << "text";
-    fs::permissions(folder / "runnable", fs::perms::owner_all);
-    const std::wstring path = folder.wstring();
-    EXPECT_EQ(ErrorOfStart(path + L"/plain"), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_EQ(ErrorOfStart(path + L"/runnable"), DWORD{ERROR_BAD_EXE_FORMAT});
-    EXPECT_EQ(ErrorOfStart(path), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_EQ(ErrorOfStart(path + L"/plain/x"), DWORD{ERROR_PATH_NOT_FOUND});
-    EXPECT_EQ(ErrorOfStart(L"\"\""), DWORD{ERROR_FILE_NOT_FOUND});
-    fs::remove_all(folder);
+    const TestFolder folder;
+    folder.Write("plain", "text");
+    folder.Write("runnable", "text");
+    fs::permissions(folder.Path() / "runnable", fs::perms::owner_all);
+    const auto error = [&](const wchar_t* name)
+    { return ChildProcess(L"\"" + folder.Path().wstring() + name + L"\"").Error(); };
+    EXPECT_EQ(error(L"/plain"), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_EQ(error(L"/runnable"), DWORD{ERROR_BAD_EXE_FORMAT});
+    EXPECT_EQ(error(L""), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_EQ(error(L"/plain/x"), DWORD{ERROR_PATH_NOT_FOUND});
+    EXPECT_EQ(ChildProcess(L"\"\"").Error(), DWORD{ERROR_FILE_NOT_FOUND});
 }
 
 TEST(SystemText, EveryByteSurvivesTheWayThereAndBack)
@@ -254,9 +188,10 @@ TEST(SystemText, EveryByteSurvivesTheWayThereAndBack)
 
 TEST(FindFileOnLinux, TellsLinksAndKeepsNamesThatAreNoUtf8)
 {
-    const fs::path folder = fs::temp_directory_path() / UniqueName(L"links");
-    fs::create_directories(folder / "real");
-    std::ofstream(folder / "caf\xE9") << "x";
+    const TestFolder testFolder;
+    const fs::path& folder = testFolder.Path();
+    fs::create_directory(folder / "real");
+    testFolder.Write("caf\xE9", "x");
     fs::create_symlink("real", folder / "to-folder");
     fs::create_symlink("caf\xE9", folder / "to-file");
     fs::create_symlink("nowhere", folder / "to-nothing");
@@ -285,5 +220,4 @@ TEST(FindFileOnLinux, TellsLinksAndKeepsNamesThatAreNoUtf8)
     }
     EXPECT_TRUE(DeleteFileW((folder.wstring() + L"/caf\xDCE9").c_str()));
     EXPECT_FALSE(fs::exists(folder / "caf\xE9"));
-    fs::remove_all(folder);
 }

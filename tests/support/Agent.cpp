@@ -1,29 +1,33 @@
 // SPDX-License-Identifier: MIT
-// Calls the library step by step, as its arguments say, in the folder it lies in. The first argument names
-// the file for the answers, a line each; standard error goes to a file beside it. A step is
-// "verb:argument:argument", a "%XX" in it stands for a byte, so that any text can be handed over.
+// The other process of a test. It does one step after the other, as its arguments say. The first argument
+// names the file for the answers, a line each; standard error goes to a file beside it. A step is
+// "verb:argument:argument", a "%XX" in it stands for a byte, so that any text can be handed over. Behind
+// "arguments" there are no steps: they are answered as they came.
 #include "foundation/Kelvane.h"
 #include "foundation/Locks.h"
 
 #include <process.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
 namespace
 {
 
-// The log must serve static objects, whichever comes first and last.
+// The log must serve static objects, whichever comes first and last; the step "statics" stands for both.
 struct EarlyAndLate
 {
     EarlyAndLate() { Log("first"); }
     ~EarlyAndLate() { Log("last"); }
     static void Log(const char* text)
     {
-        if (std::getenv("TAVO_LOG_STATICS") != nullptr)
+        if (std::wcsstr(GetCommandLineW(), L"statics") != nullptr)
             LogNF(kLogProgress, ZTString(text), false);
     }
 };
@@ -62,13 +66,18 @@ std::vector<ZTString> Words(const std::string& step)
     return words;
 }
 
+ZTString Number(DWORD value)
+{
+    ZTString number;
+    number.Format(L"{0:u}", value);
+    return number;
+}
+
 ZTString Show(eConfigID id)
 {
     if (GetConfigType(id) == eParamString)
         return GetConfigStr(id, nullptr);
-    ZTString number;
-    number.Format(L"{0:u}", GetConfigDWord(id, nullptr));
-    return number;
+    return Number(GetConfigDWord(id, nullptr));
 }
 
 bool Set(eConfigID id, const ZTString& value, bool save)
@@ -84,11 +93,20 @@ void LogMany(const ZTString& name, unsigned long count)
         _Log(kLogProgress, L"<{0:s}.{1:u}.{0:s}>", {name, number});
 }
 
-// Until the process is killed: two texts in turn, each a whole one.
+// Until the process is killed, at most a minute: two texts in turn, each a whole one.
 void SetForEver(eConfigID id, unsigned long length)
 {
-    for (bool odd = false;; odd = !odd)
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    for (bool odd = false; std::chrono::steady_clock::now() < end; odd = !odd)
         SetConfigStr(id, std::wstring(length, odd ? L'A' : L'B').c_str(), true, nullptr);
+}
+
+void Await(const wchar_t* event, const wchar_t* ready)
+{
+    const HANDLE awaited = CreateEventW(nullptr, TRUE, FALSE, event);
+    SetEvent(CreateEventW(nullptr, TRUE, FALSE, ready));
+    if (WaitForSingleObject(awaited, 60'000) != WAIT_OBJECT_0)
+        std::exit(1);
 }
 
 void Do(const std::string& step)
@@ -128,18 +146,16 @@ void Do(const std::string& step)
         _beginthread(GUIListenForShutdown, 0, nullptr);
     else if (verb == L"shutdown")
         SignalShutdown(words[1]);
-    else if (verb == L"number")
-        Answer(FormatFloatingPointNum(std::stod(words[1].GetString()), words[2] == L"grouped",
-                                      words[3].IsEmpty() ? -1 : static_cast<int>(wtodw(words[3]))));
-    else if (verb == L"year")
+    else if (verb == L"open") // answers with the last error
     {
-        int dates[4];
-        GetTimeZoneTransitionDates(static_cast<int>(wtodw(words[1])), dates[0], dates[1], dates[2], dates[3]);
-        ZTString text;
-        text.Format(L"{0:02d}-{1:02d} {2:02d}-{3:02d}", dates[0], dates[1], dates[2], dates[3]);
-        Answer(text);
+        CreateEventW(nullptr, TRUE, FALSE, words[1]);
+        Answer(Number(GetLastError()));
     }
-    else
+    else if (verb == L"await") // sets the second event when it begins to wait for the first
+        Await(words[1], words[2]);
+    else if (verb == L"exit")
+        std::exit(static_cast<int>(wtodw(words[1])));
+    else if (verb != L"statics")
         Answer(L"unknown step " + verb);
 }
 
@@ -150,8 +166,9 @@ int main(int count, char** arguments)
     gAnswers = std::fopen(arguments[1], "wb");
     if (std::freopen((std::string(arguments[1]) + ".errors").c_str(), "wb", stderr) == nullptr)
         return 2;
-    for (int index = 2; index < count; ++index)
-        Do(arguments[index]);
+    const bool answersArguments = count > 2 && std::string_view(arguments[2]) == "arguments";
+    for (int index = answersArguments ? 3 : 2; index < count; ++index)
+        answersArguments ? Answer(arguments[index]) : Do(arguments[index]);
     std::fclose(gAnswers);
     return 0;
 }

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/AgentFolder.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace fs = std::filesystem;
+
+AgentFolder::AgentFolder()
+{
+    fs::copy(TAVO_AGENT, Agent());
+}
+
+fs::path AgentFolder::Agent() const
+{
+    return Path() / fs::path(TAVO_AGENT).filename();
+}
+
+std::wstring AgentFolder::Line(const std::string& answers, const std::vector<std::string>& steps) const
+{
+    std::wstring line = L"\"" + Agent().wstring() + L"\" \"" + (Path() / answers).wstring() + L"\"";
+    for (const std::string& step : steps)
+        line += L" \"" + std::wstring(step.begin(), step.end()) + L"\"";
+    return line;
+}
+
+ChildProcess AgentFolder::Start(const std::vector<std::string>& steps) const
+{
+    return ChildProcess(Line("answers-" + std::to_string(++mRuns), steps));
+}
+
+AgentOutcome AgentFolder::Run(const std::vector<std::string>& steps, bool asNobody) const
+{
+    const std::string answers = "answers-" + std::to_string(++mRuns);
+    const std::array<std::string, 2> files{answers, answers + ".errors"};
+    if (asNobody)
+        for (const std::string& name : files)
+        {
+            Write(name, "");
+            fs::permissions(Path() / name, fs::perms(0666));
+        }
+    const std::wstring user = asNobody ? L"setpriv --reuid=65534 --regid=65534 --clear-groups " : L"";
+    AgentOutcome outcome;
+    outcome.exitCode = ChildProcess(user + Line(answers, steps)).ExitCode();
+    outcome.answers = Read(files[0]);
+    outcome.errors = Read(files[1]);
+    std::error_code ignored; // the folder goes as a whole
+    for (const std::string& name : files)
+        fs::remove(Path() / name, ignored);
+    return outcome;
+}
+
+std::vector<std::string> AgentFolder::Names(const std::string& start) const
+{
+    std::vector<std::string> names;
+    for (const auto& entry : fs::recursive_directory_iterator(Path()))
+        if (const std::string name = entry.path().filename().string(); name.starts_with(start))
+            names.push_back(name);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string Encoded(const std::string& text)
+{
+    std::string encoded;
+    for (const char byte : text)
+    {
+        std::array<char, 4> form{};
+        std::snprintf(form.data(), form.size(), "%%%02X", static_cast<unsigned char>(byte));
+        encoded += form.data();
+    }
+    return encoded;
+}

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/ChildProcess.h"
+
+#include "tests/support/System.h"
+
+ChildProcess::ChildProcess(std::wstring line, const std::filesystem::path& folder)
+{
+    const std::wstring directory = folder.wstring();
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESHOWWINDOW;
+    startup.wShowWindow = SW_HIDE;
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                        directory.empty() ? nullptr : directory.c_str(), &startup, &mInformation))
+        mError = GetLastError();
+}
+
+ChildProcess::~ChildProcess()
+{
+    if (Handle() == nullptr)
+        return;
+    CloseHandle(mInformation.hThread);
+    CloseHandle(mInformation.hProcess);
+}
+
+DWORD ChildProcess::ExitCode() const
+{
+    DWORD code = STILL_ACTIVE;
+    WaitForSingleObject(Handle(), 120'000);
+    GetExitCodeProcess(Handle(), &code);
+    return code;
+}
+
+void ChildProcess::Kill() const
+{
+    KillProcess(mInformation);
+    WaitForSingleObject(Handle(), INFINITE);
+}

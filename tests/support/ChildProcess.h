@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <windows.h>
+
+#include <filesystem>
+#include <string>
+#include <utility>
+
+// A process that a test starts.
+class ChildProcess
+{
+public:
+    // `line` is the command line as it stands; without a folder it runs in this process's one.
+    explicit ChildProcess(std::wstring line, const std::filesystem::path& folder = {});
+    ~ChildProcess();
+    ChildProcess(ChildProcess&& other) noexcept
+        : mInformation(std::exchange(other.mInformation, {})), mError(other.mError)
+    {
+    }
+    ChildProcess& operator=(ChildProcess&&) = delete;
+
+    DWORD Error() const { return mError; } // ERROR_SUCCESS when it has started
+    HANDLE Handle() const { return mInformation.hProcess; }
+    DWORD Id() const { return mInformation.dwProcessId; }
+    bool IsRunning() const { return WaitForSingleObject(Handle(), 0) == WAIT_TIMEOUT; }
+
+    // Waits for its end, for two minutes at most.
+    DWORD ExitCode() const;
+
+    // Ends it without a chance to clean up, and waits until it is gone.
+    void Kill() const;
+
+private:
+    PROCESS_INFORMATION mInformation = {};
+    DWORD mError = ERROR_SUCCESS;
+};
