@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/system/Environment.h"
+#include "tests/support/TestFolder.h"
 
 #include <windows.h>
 

@@ -31,18 +31,11 @@ TEST(CommandLine, IsQuotedAsAWindowsUserWouldHaveTypedIt)
         {{}, L""},
     };
     for (const Row& row : rows)
-    {
         EXPECT_EQ(JoinCommandLine(row.arguments), row.line);
-    }
 }
 
-namespace
-{
-
 // As early as any static object of the program.
-[[gnu::init_priority(101)]] const std::wstring gEarly = GetCommandLineW();
-
-} // namespace
+[[gnu::init_priority(101)]] static const std::wstring gEarly = GetCommandLineW();
 
 TEST(CommandLine, IsThereFromTheFirstStaticObjectOn)
 {

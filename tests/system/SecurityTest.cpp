@@ -9,8 +9,6 @@
 namespace
 {
 
-constexpr GENERIC_MAPPING kMapping = {1, 2, 0, 3};
-
 struct FreeSidOf
 {
     void operator()(void* sid) const { FreeSid(sid); }
@@ -28,11 +26,6 @@ OwnedSid MakeSid(BYTE authority, const std::vector<DWORD>& subAuthorities)
     return OwnedSid(sid);
 }
 
-OwnedSid Everyone()
-{
-    return MakeSid(1, {0});
-}
-
 struct Entry
 {
     BYTE type; // 0 allows, 1 denies
@@ -44,7 +37,7 @@ struct Entry
 class Guard
 {
 public:
-    explicit Guard(const std::vector<Entry>& entries) : mOwner(Everyone()), mAcl(256)
+    explicit Guard(const std::vector<Entry>& entries) : mOwner(MakeSid(1, {0})), mAcl(256)
     {
         const auto acl = reinterpret_cast<PACL>(mAcl.data());
         EXPECT_TRUE(InitializeAcl(acl, static_cast<DWORD>(mAcl.size() * sizeof(DWORD)), ACL_REVISION2));
@@ -84,17 +77,20 @@ protected:
         EXPECT_TRUE(RevertToSelf());
     }
 
-    BOOL Check(SECURITY_DESCRIPTOR* descriptor, DWORD desired, BOOL& status,
-               DWORD length = sizeof(PRIVILEGE_SET))
+    // The last error, ERROR_SUCCESS when it could judge.
+    DWORD Check(Guard& guard, DWORD desired, DWORD length = sizeof(PRIVILEGE_SET))
     {
-        GENERIC_MAPPING mapping = kMapping;
+        GENERIC_MAPPING mapping = {1, 2, 0, 3};
         PRIVILEGE_SET privileges = {};
-        status = FALSE;
-        return AccessCheck(descriptor, mToken, desired, &mapping, &privileges, &length, &mGranted, &status);
+        mStatus = FALSE;
+        const BOOL judged = AccessCheck(guard.Descriptor(), mToken, desired, &mapping, &privileges, &length,
+                                        &mGranted, &mStatus);
+        return judged ? DWORD{ERROR_SUCCESS} : GetLastError();
     }
 
     HANDLE mToken = nullptr;
     DWORD mGranted = 0;
+    BOOL mStatus = FALSE;
 };
 
 } // namespace
@@ -113,10 +109,10 @@ TEST(ThreadToken, IsThereOnlyWhileImpersonating)
 
 TEST_F(AccessCheckTest, GoesThroughTheListEntryByEntry)
 {
-    const OwnedSid everyone = Everyone();
+    const OwnedSid everyone = MakeSid(1, {0});
     const OwnedSid stranger = MakeSid(5, {21, 1, 2, 3, 9999});
-    PSID const all = everyone.get();
-    PSID const other = stranger.get();
+    const PSID all = everyone.get();
+    const PSID other = stranger.get();
     struct Row
     {
         std::vector<Entry> entries;
@@ -137,40 +133,29 @@ TEST_F(AccessCheckTest, GoesThroughTheListEntryByEntry)
     for (const Row& row : rows)
     {
         Guard guard(row.entries);
-        BOOL status = FALSE;
-        EXPECT_TRUE(Check(guard.Descriptor(), row.desired, status)) << GetLastError();
-        EXPECT_EQ(status != FALSE, row.granted) << "row " << &row - rows;
+        EXPECT_EQ(Check(guard, row.desired), DWORD{ERROR_SUCCESS});
+        EXPECT_EQ(mStatus != FALSE, row.granted) << "row " << &row - rows;
         EXPECT_EQ(mGranted, row.granted ? row.desired : 0);
     }
-}
-
-TEST_F(AccessCheckTest, NullListGrantsEverything)
-{
-    Guard guard({});
-    EXPECT_TRUE(SetSecurityDescriptorDacl(guard.Descriptor(), TRUE, nullptr, FALSE));
-    BOOL status = FALSE;
-    EXPECT_TRUE(Check(guard.Descriptor(), 3, status));
-    EXPECT_TRUE(status);
+    Guard open({});
+    EXPECT_TRUE(SetSecurityDescriptorDacl(open.Descriptor(), TRUE, nullptr, FALSE));
+    EXPECT_EQ(Check(open, 3), DWORD{ERROR_SUCCESS});
+    EXPECT_TRUE(mStatus) << "no list";
 }
 
 TEST_F(AccessCheckTest, RefusesWhatItCannotJudge)
 {
     Guard guard({});
-    BOOL status = FALSE;
-    EXPECT_FALSE(Check(guard.Descriptor(), GENERIC_READ, status));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_GENERIC_NOT_MAPPED});
-    EXPECT_FALSE(Check(guard.Descriptor(), 1, status, 8));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
-    EXPECT_TRUE(SetSecurityDescriptorOwner(guard.Descriptor(), nullptr, FALSE));
-    EXPECT_FALSE(Check(guard.Descriptor(), 1, status));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_SECURITY_DESCR});
+    EXPECT_EQ(Check(guard, GENERIC_READ), DWORD{ERROR_GENERIC_NOT_MAPPED});
+    EXPECT_EQ(Check(guard, 1, 8), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    Guard ownerless({});
+    EXPECT_TRUE(SetSecurityDescriptorOwner(ownerless.Descriptor(), nullptr, FALSE));
+    EXPECT_EQ(Check(ownerless, 1), DWORD{ERROR_INVALID_SECURITY_DESCR});
 
     HANDLE process = nullptr;
     ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &process));
     std::swap(mToken, process);
-    Guard whole({});
-    EXPECT_FALSE(Check(whole.Descriptor(), 1, status));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_IMPERSONATION_TOKEN});
+    EXPECT_EQ(Check(guard, 1), DWORD{ERROR_NO_IMPERSONATION_TOKEN});
     std::swap(mToken, process);
     CloseHandle(process);
 }

@@ -28,45 +28,21 @@ std::wstring MessageOf(DWORD code)
 } // namespace
 
 // The texts themselves are compared with Windows' where both words and numbers have been the same for long.
-TEST(SystemMessage, IsTheSystemsOwnTextWithALineEnd)
-{
-    struct Row
-    {
-        DWORD code;
-        const wchar_t* text;
-    };
-    const Row rows[] = {
-        {2, L"The system cannot find the file specified.\r\n"},
-        {5, L"Access is denied.\r\n"},
-        {6, L"The handle is invalid.\r\n"},
-        {87, L"The parameter is incorrect.\r\n"},
-        {112, L"There is not enough space on the disk.\r\n"},
-        {267, L"The directory name is invalid.\r\n"},
-    };
-    const bool wine = MessageOf(2) == L"File not found.\r\n";
-    if (wine)
-    {
-        GTEST_SKIP() << "Wine has words of its own";
-    }
-    for (const Row& row : rows)
-    {
-        EXPECT_EQ(MessageOf(row.code), row.text);
-    }
-}
-
-TEST(SystemMessage, UnknownCodeGivesNone)
+TEST(SystemMessage, IsTheSystemsOwnTextWithALineEndOrNone)
 {
     EXPECT_EQ(MessageOf(0x3FFFFFF0), L"");
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MR_MID_NOT_FOUND});
-}
-
-TEST(SystemMessage, BufferTooSmallIsSaid)
-{
     std::array<wchar_t, 4> small = {};
     EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, 5, 0,
                              small.data(), 4, nullptr),
               0U);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    if (MessageOf(2) == L"File not found.\r\n")
+        GTEST_SKIP() << "Wine has words of its own";
+    EXPECT_EQ(MessageOf(2), L"The system cannot find the file specified.\r\n");
+    EXPECT_EQ(MessageOf(5), L"Access is denied.\r\n");
+    EXPECT_EQ(MessageOf(112), L"There is not enough space on the disk.\r\n");
+    EXPECT_EQ(MessageOf(267), L"The directory name is invalid.\r\n");
 }
 
 TEST(SystemName, SizesCountTheTerminatorOnTheWayInAndByTheCallOnTheWayOut)
