@@ -9,7 +9,7 @@
 
 TEST(LockWaits, AreBookedByLabelFromAnyThread)
 {
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int i = 0; i < 8; ++i)
         threads.emplace_back(
             []
@@ -17,8 +17,7 @@ TEST(LockWaits, AreBookedByLabelFromAnyThread)
                 for (int wait = 0; wait < 1000; ++wait)
                     RecordLockWait(L"Queue", 50);
             });
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear();
     RecordLockWait(L"Catalogue", 4294967295);
     RecordLockWait(L"Catalogue", 4294967295);
     EXPECT_EQ(GetLockWaits(), L"Catalogue: 2 waits, 85899345.90 ms, longest 42949672.95 ms\n"
