@@ -28,22 +28,10 @@ public:
     }
 
     // What has been written since the report.
-    std::wstring Written() const
-    {
-        const HWND box = ::GetDlgItem(m_hWnd, IDC_OUTPUT);
-        std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(box)) + 1, L'\0');
-        text.resize(
-            static_cast<std::size_t>(GetWindowTextW(box, text.data(), static_cast<int>(text.size()))));
-        return text.substr(mReportLength);
-    }
+    std::wstring Written() const { return TextOf(::GetDlgItem(m_hWnd, IDC_OUTPUT)).substr(mReportLength); }
     std::wstring WrittenWithoutTimes() const
     {
         return std::regex_replace(Written(), std::wregex(L"\\[\\d+ms\\]"), L"[]");
-    }
-    void Click(int id, void (*give)(HWND, UINT, WPARAM, LPARAM)) const
-    {
-        give(m_hWnd, WM_COMMAND, static_cast<WPARAM>(MAKEWPARAM(id, BN_CLICKED)),
-             reinterpret_cast<LPARAM>(::GetDlgItem(m_hWnd, id)));
     }
     INT_PTR Result() const { return mResult; }
 
@@ -51,7 +39,7 @@ protected:
     BOOL OnInitDialog() override
     {
         const BOOL result = CTavoDlg::OnInitDialog();
-        mReportLength = static_cast<std::size_t>(GetWindowTextLengthW(::GetDlgItem(m_hWnd, IDC_OUTPUT)));
+        mReportLength = TextOf(::GetDlgItem(m_hWnd, IDC_OUTPUT)).size();
         mOnOpen(*this);
         return result;
     }
@@ -61,16 +49,6 @@ private:
     std::size_t mReportLength = 0;
     INT_PTR mResult;
 };
-
-void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    EXPECT_TRUE(PostMessageW(window, message, wParam, lParam));
-}
-
-void Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    SendMessageW(window, message, wParam, lParam);
-}
 
 TEST(Console, PutsTheTimeBeforeEachTextAndAddsNoLineEnd)
 {
@@ -116,7 +94,7 @@ TEST(Console, ShowsPostedLinesInTheirOrderHoweverDeepTheyNest)
             for (int number = 0; number < 100; ++number)
             {
                 const std::wstring line = std::to_wstring(number) + L"\r\n";
-                Post(gConsoleWnd, WM_FTP_LINE, 0, reinterpret_cast<LPARAM>(_wcsdup(line.c_str())));
+                PostMessageW(gConsoleWnd, WM_FTP_LINE, 0, reinterpret_cast<LPARAM>(_wcsdup(line.c_str())));
                 expected += L"[] " + line;
             }
             open.AppendLine(L"first\r\n");
@@ -131,7 +109,7 @@ TEST(Console, CloseLetsTheHandlerThatRunsEnd)
     const OpenConsole console(
         [&written](OpenConsole& open)
         {
-            open.Click(IDC_CLOSE, Post);
+            PostMessageW(open.m_hWnd, WM_COMMAND, IDC_CLOSE, 0);
             open.AppendLine(L"pumps the click\r\n");
             open.AppendLine(L"goes on\r\n");
             written = open.WrittenWithoutTimes();
@@ -147,7 +125,7 @@ TEST(Console, StartsAShipmentByAMessageFromAButtonThatIsThenDisabled)
         {
             const HWND button = ::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS);
             EXPECT_TRUE(IsEnabled(button));
-            open.Click(IDC_FTP_LOGS, Send);
+            SendMessageW(open.m_hWnd, WM_COMMAND, IDC_FTP_LOGS, 0);
             EXPECT_FALSE(IsEnabled(button));
             MSG message;
             int posted = 0;
