@@ -99,14 +99,4 @@ TEST(CmdLineParser, ASecondTextReplacesTheFirstAndANullTextChangesNothing)
     EXPECT_FALSE(parser.HasKey(L"b"));
 }
 
-TEST(CmdLineParser, LookupsTakeTheSwitchInAnyCase)
-{
-    for (const wchar_t* text : {L"-setconfig n:v", L"/SetConfig n:v", L"-SETCONFIG n:v"})
-    {
-        CCmdLineParser parser;
-        parser.Parse(text);
-        EXPECT_STREQ(parser.GetVal(L"SETCONFIG"), L"n:v") << ZTString(text).GetLength();
-    }
-}
-
 } // namespace
