@@ -2,8 +2,8 @@
 // Any format over values of all kinds: no undefined behaviour, a bounded result, and text without braces
 // comes through as it is.
 #include "foundation/Oriska.h"
+#include "tests/fuzz/Require.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -23,16 +23,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         format += static_cast<wchar_t>(isPair ? data[i] << 8 | data[i + 1] : data[i]);
         i += isPair ? 1 : 0;
     }
-    const std::string narrow(reinterpret_cast<const char*>(data), size);
+    const std::string narrow(TextOf(data, size));
     const ZTString text(format.c_str());
 
     const ZTString result =
         _StrFormat(format.c_str(), {number, static_cast<long long>(number), static_cast<int>(number), real,
                                     text, narrow.c_str(), static_cast<unsigned char>(number), L"wide"});
     const std::size_t length = std::wcslen(format.c_str());
-    if (static_cast<std::size_t>(result.GetLength()) > (length + 1) * (1000 + size))
-        std::abort();
-    if (format.find(L'{') == std::wstring::npos && result != format.c_str())
-        std::abort();
+    Require(static_cast<std::size_t>(result.GetLength()) <= (length + 1) * (1000 + size));
+    Require(format.find(L'{') != std::wstring::npos || result == format.c_str());
     return 0;
 }

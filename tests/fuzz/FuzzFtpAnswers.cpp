@@ -3,9 +3,9 @@
 // of the password.
 #include "libraries/ipworks/HarmlessText.h"
 #include "libraries/ipworks/Upload.h"
+#include "tests/fuzz/Require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 
 namespace
@@ -14,12 +14,6 @@ namespace
 constexpr std::string_view kSecret = "Kesto-42";
 constexpr std::size_t kCutMark = 3; // "..."
 constexpr int kMostLines = 101;     // of one answer
-
-void Require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 void RequireHarmless(std::string_view text)
 {
@@ -37,15 +31,10 @@ void RequireHarmless(std::string_view text)
         Require(MakeHarmless(text, kSecret) == text);
 }
 
-struct Seen
-{
-    int lines = 0;
-};
-
-int OnEvent(void* object, int eventId, int paramCount, void* params[], int*)
+int OnEvent(void* lines, int eventId, int paramCount, void* params[], int*)
 {
     Require(eventId == kIPWorksDialogue && paramCount == 2);
-    ++static_cast<Seen*>(object)->lines;
+    ++*static_cast<int*>(lines);
     RequireHarmless(static_cast<const char*>(params[1]));
     return 0;
 }
@@ -54,11 +43,11 @@ int OnEvent(void* object, int eventId, int paramCount, void* params[], int*)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::string_view text = TextOf(data, size);
     UploadJob job;
     job.password = kSecret;
-    Seen seen;
-    UploadEvents events(&OnEvent, &seen, job);
+    int lines = 0;
+    UploadEvents events(&OnEvent, &lines, job);
     for (std::string_view rest = text; !rest.empty();)
     {
         const std::size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;
@@ -69,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         events.Answer(line);
         rest.remove_prefix(end);
     }
-    Require(seen.lines <= kMostLines);
+    Require(lines <= kMostLines);
     RequireHarmless(MakeHarmless(text, kSecret));
     return 0;
 }

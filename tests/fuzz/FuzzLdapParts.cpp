@@ -6,17 +6,10 @@
 #include "platform/net/LdapMessages.h"
 #include "platform/net/LdapResult.h"
 #include "platform/net/LdapText.h"
-
-#include <cstdlib>
+#include "tests/fuzz/Require.h"
 
 namespace
 {
-
-void Require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 void CheckHosts(std::string_view text)
 {
@@ -104,7 +97,7 @@ void CheckAttributes(std::string_view bytes)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::string_view text = TextOf(data, size);
     CheckHosts(text);
     CheckTexts(text);
     CheckFrames(text, size % 7 + 1);

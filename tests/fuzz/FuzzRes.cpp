@@ -2,22 +2,11 @@
 // Any bytes are a .res file; whatever is read out of it is no larger than they are. The bytes also stand for
 // a single resource of each kind.
 #include "platform/resource/Resources.h"
-
-#include <cstdint>
-#include <cstdlib>
+#include "tests/fuzz/Require.h"
 
 using namespace platform;
 
-namespace
-{
-
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-void ReadAsEachKind(Bytes data)
+static void ReadAsEachKind(Bytes data)
 {
     if (const auto dialog = ReadDialogTemplate(data))
     {
@@ -30,8 +19,6 @@ void ReadAsEachKind(Bytes data)
         Require(ReadString(data, index).size() * sizeof(WORD) <= data.size());
     Require(ReadIconGroup(data).size() <= data.size());
 }
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

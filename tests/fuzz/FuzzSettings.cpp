@@ -2,30 +2,23 @@
 // Any bytes as the settings file: what is one takes a setting and gives it back, what is none is told apart,
 // and the text that was written is one that stays as it is.
 #include "libraries/kelvane/SettingsText.h"
-
-#include <cstdlib>
+#include "tests/fuzz/Require.h"
 
 using namespace kelvane;
 
-static void Check(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::string_view file(reinterpret_cast<const char*>(data), size);
+    const std::string_view file = TextOf(data, size);
     const bool broken = FindSetting(file, "LogLevel").finding == Finding::Broken;
     for (const SettingValue& value : {SettingValue(std::uint32_t{7}), SettingValue(std::string("Logs"))})
     {
         const std::optional<std::string> written = WithSetting(file, "LogLevel", value);
-        Check(written.has_value() != broken);
+        Require(written.has_value() != broken);
         if (!written)
             continue;
         const FoundSetting found = FindSetting(*written, "loglevel");
-        Check(found.finding == Finding::Value && found.value == value);
-        Check(WithSetting(*written, "LOGLEVEL", value) == written);
+        Require(found.finding == Finding::Value && found.value == value);
+        Require(WithSetting(*written, "LOGLEVEL", value) == written);
     }
     return 0;
 }
