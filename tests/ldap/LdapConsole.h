@@ -3,18 +3,27 @@
 // from the steps.
 #pragma once
 
+#include "ldap/LDAPCreds.h"
+
 #include <string>
 #include <utility>
 #include <vector>
 
-// The texts of the combo box.
-inline const std::string kTryAll = "Try all";
-inline const std::string kSimpleSsl = "Simple bind - SSL";
-inline const std::string kSimplePlain = "Simple bind - plain text";
-inline const std::string kNtlm = "NTLM";
-inline const std::string kDigest = "Digest";
-inline const std::string kDpa = "DPA";
-inline const std::string kNegotiate = "Negotiate";
+// The combo box's text, its number, and what the console calls the bind.
+struct LdapMethod
+{
+    const char* text;
+    eLDAPAuthMethod number;
+    const char* call;
+};
+inline constexpr LdapMethod kTryAll{"Try all", eLDAPAuthTryAll, ""};
+inline constexpr LdapMethod kSimpleSsl{"Simple bind - SSL", eLDAPAuthSimpleSSL, "ldap_simple_bind_s"};
+inline constexpr LdapMethod kSimplePlain{"Simple bind - plain text", eLDAPAuthSimplePlain,
+                                         "ldap_bind_s(plain text)"};
+inline constexpr LdapMethod kNtlm{"NTLM", eLDAPAuthNTLM, "ldap_bind_s(NTLM)"};
+inline constexpr LdapMethod kDigest{"Digest", eLDAPAuthDigest, "ldap_bind_s(Digest)"};
+inline constexpr LdapMethod kDpa{"DPA", eLDAPAuthDPA, "ldap_bind_s(DPA)"};
+inline constexpr LdapMethod kNegotiate{"Negotiate", eLDAPAuthNegotiate, "ldap_bind_s(negotiate)"};
 
 struct LdapAnswers
 {
@@ -23,7 +32,7 @@ struct LdapAnswers
     std::string domain;
     std::string user;
     std::string password;
-    std::string method;
+    LdapMethod method;
     std::string button = "OK";
 };
 
@@ -42,12 +51,11 @@ std::string RunLdapCalls(const LdapAnswers& answers);
 std::string Framed(const LdapAnswers& answers, const std::string& attempts);
 
 // One attempt each; `cause` is what stands behind the code's text where the client tells it.
-std::string NoSession(const std::string& method);
-std::string NotConnected(const std::string& method, const std::string& cause);
-std::string Refused(const std::string& method, unsigned code, const std::string& cause);
-std::string Bound(const std::string& method);
+std::string NoSession(const LdapMethod& method);
+std::string NotConnected(const LdapMethod& method, const std::string& cause);
+std::string Refused(const LdapMethod& method, unsigned code, const std::string& cause = {});
+std::string Bound(const LdapMethod& method);
 
-// The walk after a bind: one root entry and so many below the last context, or the code that the second
-// search gave.
-std::string Walked(int children);
+// The walk after a bind: one root entry, and what the second search gave.
+std::string Walked(const std::string& children);
 std::string WalkRefused(unsigned code, const std::string& base);
