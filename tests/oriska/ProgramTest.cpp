@@ -15,7 +15,7 @@ TEST(AppFolder, IsTheFolderOfTheProgram)
     EXPECT_TRUE(folder.is_absolute());
     bool found = false;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
-        found = found || entry.path().stem() == "test_oriska";
+        found = found || entry.path().stem() == "oriska_tests";
     EXPECT_TRUE(found) << folder;
     EXPECT_EQ(GetPathInAppFolder(L"no such file"), (folder / "no such file").wstring().c_str());
 }
