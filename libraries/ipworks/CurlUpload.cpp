@@ -3,20 +3,14 @@
 // belongs to which step), the rule for a stalled transfer, and naming what went wrong.
 #include "libraries/ipworks/CertificateCheck.h"
 #include "libraries/ipworks/LocalFile.h"
+#include "libraries/ipworks/Sockets.h"
 #include "libraries/ipworks/Upload.h"
 
 #include <curl/curl.h>
-#include <linux/sockios.h>
-#include <netinet/in.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <csignal>
-#include <cerrno>
-#include <cstring>
-#include <ctime>
 #include <memory>
 
 namespace
@@ -28,35 +22,6 @@ constexpr long kConnectSeconds = 60; // to connect and to log in
 constexpr long kKeepAliveSeconds = 30;
 constexpr std::chrono::milliseconds kLastWordWait{1000};
 constexpr std::chrono::milliseconds kDrainInterval{20};
-
-// A write to a connection that the server has closed must not end the process. libcurl leaves the signal
-// alone when it is told to use none, and the TLS library writes without MSG_NOSIGNAL.
-class BrokenPipeBlock
-{
-public:
-    BrokenPipeBlock()
-    {
-        sigemptyset(&mPipe);
-        sigaddset(&mPipe, SIGPIPE);
-        pthread_sigmask(SIG_BLOCK, &mPipe, &mBefore);
-    }
-    ~BrokenPipeBlock()
-    {
-        if (sigismember(&mBefore, SIGPIPE) == 1)
-            return;
-        const timespec now{};
-        while (sigtimedwait(&mPipe, nullptr, &now) > 0)
-        {
-        }
-        pthread_sigmask(SIG_SETMASK, &mBefore, nullptr);
-    }
-    BrokenPipeBlock(const BrokenPipeBlock&) = delete;
-    BrokenPipeBlock& operator=(const BrokenPipeBlock&) = delete;
-
-private:
-    sigset_t mPipe{};
-    sigset_t mBefore{};
-};
 
 struct CurlDeleter
 {
@@ -80,23 +45,6 @@ bool ForgetsToEncrypt()
 {
     const unsigned version = curl_version_info(CURLVERSION_NOW)->version_num;
     return version >= 0x075700 && version < 0x080000;
-}
-
-bool SamePeer(int left, int right)
-{
-    sockaddr_storage a{};
-    sockaddr_storage b{};
-    socklen_t aLength = sizeof a;
-    socklen_t bLength = sizeof b;
-    if (getpeername(left, reinterpret_cast<sockaddr*>(&a), &aLength) != 0)
-        return errno == ENOTCONN; // gone again already: it will get nothing
-    if (getpeername(right, reinterpret_cast<sockaddr*>(&b), &bLength) != 0 || a.ss_family != b.ss_family)
-        return false;
-    if (a.ss_family == AF_INET)
-        return std::memcmp(&reinterpret_cast<sockaddr_in*>(&a)->sin_addr,
-                           &reinterpret_cast<sockaddr_in*>(&b)->sin_addr, sizeof(in_addr)) == 0;
-    return std::memcmp(&reinterpret_cast<sockaddr_in6*>(&a)->sin6_addr,
-                       &reinterpret_cast<sockaddr_in6*>(&b)->sin6_addr, sizeof(in6_addr)) == 0;
 }
 
 class CurlUpload
@@ -127,7 +75,6 @@ private:
     bool Stop(int code, std::string_view text);
     void Moved() { mMovedAt = Clock::now(); }
     bool HasStalled();
-    std::int64_t Unacknowledged() const;
     bool Drain();
 
     const UploadJob& mJob;
@@ -418,7 +365,7 @@ bool CurlUpload::Stop(int code, std::string_view text)
 // there for long on a slow line.
 bool CurlUpload::HasStalled()
 {
-    const std::int64_t arrived = mSent - Unacknowledged();
+    const std::int64_t arrived = mSent - UnacknowledgedBytes(mLatest);
     if (arrived != mArrived)
     {
         mArrived = arrived;
@@ -430,17 +377,11 @@ bool CurlUpload::HasStalled()
     return true;
 }
 
-std::int64_t CurlUpload::Unacknowledged() const
-{
-    int bytes = 0;
-    return mLatest >= 0 && ioctl(mLatest, SIOCOUTQ, &bytes) == 0 ? bytes : 0;
-}
-
 // Waits until the server's system has everything, since libcurl's time for the last answer begins then.
 // False when the connection stalls meanwhile.
 bool CurlUpload::Drain()
 {
-    while (Unacknowledged() > 0)
+    while (UnacknowledgedBytes(mLatest) > 0)
     {
         if (HasStalled())
             return false;

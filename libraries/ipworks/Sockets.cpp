@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include "libraries/ipworks/Sockets.h"
+
+#include <linux/sockios.h>
+#include <netinet/in.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+
+BrokenPipeBlock::BrokenPipeBlock()
+{
+    sigemptyset(&mPipe);
+    sigaddset(&mPipe, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &mPipe, &mBefore);
+}
+
+BrokenPipeBlock::~BrokenPipeBlock()
+{
+    if (sigismember(&mBefore, SIGPIPE) == 1)
+        return;
+    const timespec now{};
+    while (sigtimedwait(&mPipe, nullptr, &now) > 0)
+    {
+    }
+    pthread_sigmask(SIG_SETMASK, &mBefore, nullptr);
+}
+
+bool SamePeer(int left, int right)
+{
+    sockaddr_storage a{};
+    sockaddr_storage b{};
+    socklen_t aLength = sizeof a;
+    socklen_t bLength = sizeof b;
+    if (getpeername(left, reinterpret_cast<sockaddr*>(&a), &aLength) != 0)
+        return errno == ENOTCONN;
+    if (getpeername(right, reinterpret_cast<sockaddr*>(&b), &bLength) != 0 || a.ss_family != b.ss_family)
+        return false;
+    if (a.ss_family == AF_INET)
+        return std::memcmp(&reinterpret_cast<sockaddr_in*>(&a)->sin_addr,
+                           &reinterpret_cast<sockaddr_in*>(&b)->sin_addr, sizeof(in_addr)) == 0;
+    return std::memcmp(&reinterpret_cast<sockaddr_in6*>(&a)->sin6_addr,
+                       &reinterpret_cast<sockaddr_in6*>(&b)->sin6_addr, sizeof(in6_addr)) == 0;
+}
+
+int UnacknowledgedBytes(int socket)
+{
+    int bytes = 0;
+    return socket >= 0 && ioctl(socket, SIOCOUTQ, &bytes) == 0 ? bytes : 0;
+}
