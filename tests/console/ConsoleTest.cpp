@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The console's output routine and the lines that are posted to it, in the very dialog that ships: behind the
 // report that it opens with.
+#include "app/CmdLineParser.h"
 #include "console/TavoDlg.h"
 #include "resources/resource.h"
 #include "tests/support/WindowProbe.h"
@@ -118,29 +119,51 @@ TEST(Console, CloseLetsTheHandlerThatRunsEnd)
     EXPECT_EQ(written, L"[] pumps the click\r\n[] goes on\r\n");
 }
 
-TEST(Console, StartsAShipmentByAMessageFromAButtonThatIsThenDisabled)
+TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableTheButton)
 {
-    OpenConsole(
-        [](OpenConsole& open)
-        {
-            const HWND button = ::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS);
-            EXPECT_TRUE(IsEnabled(button));
-            SendMessageW(open.m_hWnd, WM_COMMAND, IDC_FTP_LOGS, 0);
-            EXPECT_FALSE(IsEnabled(button));
-            MSG message;
-            int posted = 0;
-            // Taken away here: no shipment is to run.
-            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+    // An unattended shipment that is under way elsewhere.
+    const HANDLE other = CreateEventW(nullptr, FALSE, FALSE, L"Global\\Tavo_FTP");
+    const struct
+    {
+        const wchar_t* commandLine;
+        bool clicks;
+        bool starts;
+        INT_PTR result; // 1: the dialog has ended itself
+    } rows[] = {
+        {L"T", false, false, kEnded},
+        {L"T", true, true, kEnded},
+        {L"T -FTP_LOG=x", false, true, kEnded},
+        {L"T -FTP_LOG -AUTOCLOSE", false, false, kEnded},
+        {L"T -FTP_LOG=x -AUTOCLOSE=yes", false, false, 1},
+    };
+    for (const auto& row : rows)
+    {
+        gCmdLineParser.Parse(row.commandLine);
+        const OpenConsole console(
+            [&row](OpenConsole& open)
             {
-                if (message.message == WM_FTP_LOGS && message.hwnd == open.m_hWnd)
-                    ++posted;
-                else
-                    DispatchMessageW(&message);
-            }
-            EXPECT_EQ(posted, 1);
-            EXPECT_EQ(open.Written(), L"");
-            open.EndDialog(kEnded);
-        });
+                if (row.clicks)
+                    SendMessageW(open.m_hWnd, WM_COMMAND, IDC_FTP_LOGS, 0);
+                EXPECT_EQ(IsEnabled(::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS)), !row.starts) << row.commandLine;
+                MSG message;
+                int posted = 0;
+                // Taken away here: no shipment is to run.
+                while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+                {
+                    if (message.message == WM_FTP_LOGS && message.hwnd == open.m_hWnd)
+                        ++posted;
+                    else
+                        DispatchMessageW(&message);
+                }
+                EXPECT_EQ(posted, row.starts ? 1 : 0) << row.commandLine;
+                EXPECT_EQ(open.Written(), L"");
+                if (row.result == kEnded)
+                    open.EndDialog(kEnded);
+            });
+        EXPECT_EQ(console.Result(), row.result) << row.commandLine;
+    }
+    gCmdLineParser.Parse(L"T");
+    CloseHandle(other);
 }
 
 } // namespace

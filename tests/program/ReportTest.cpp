@@ -85,7 +85,6 @@ TEST(Report, AnUnattendedRunThatMeetsAnotherShowsItsReportAndEnds)
 {
     const HANDLE other = CreateEventW(nullptr, FALSE, FALSE, L"Global\\Tavo_FTP");
     ASSERT_NE(other, nullptr);
-    ASSERT_NE(GetLastError(), static_cast<DWORD>(ERROR_ALREADY_EXISTS)) << "a shipment runs on this machine";
     const ProgramFolder folder;
     const ProgramOutcome outcome = folder.Run({{"-FTP_LOG", "x", "-AUTOCLOSE", "yes"}, {}, {}});
     CloseHandle(other);
@@ -96,14 +95,6 @@ TEST(Report, AnUnattendedRunThatMeetsAnotherShowsItsReportAndEnds)
     }
     EXPECT_EQ(outcome.console.find("FTP_LOG:"), std::string::npos) << outcome.console;
     EXPECT_THAT(folder.Log(), HasSubstr("finished tavo app"));
-}
-
-TEST(Report, SwitchesWithoutAValueStartNothing)
-{
-    const ProgramFolder folder;
-    const ProgramOutcome outcome = folder.Run({{"-AUTOCLOSE", "-FTP_LOG"}, {}, {}});
-    ASSERT_TRUE(outcome.ended);
-    EXPECT_EQ(outcome.console.find("FTP_LOG:"), std::string::npos) << outcome.console;
 }
 
 TEST(Report, TellsTheTimeZoneOfTheMachineAndTheLocaleOfItsUser)
