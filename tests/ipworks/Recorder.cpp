@@ -2,8 +2,6 @@
 #include "tests/ipworks/Recorder.h"
 
 #include <algorithm>
-#include <fstream>
-#include <random>
 
 namespace
 {
@@ -25,28 +23,29 @@ void* Value(int number)
 
 } // namespace
 
-Recorder::Recorder(std::uint16_t port) : mHandle(IPWorks_FTP_Create(&Recorder::OnEvent, this))
+Recorder::Recorder(FtpScript script, const std::string& content)
+    : server(std::move(script)), mHandle(IPWorks_FTP_Create(&Recorder::OnEvent, this))
 {
+    WriteFile(File(), content);
     Config("CodePage=65001");
-    Config(("RemotePort=" + std::to_string(port)).c_str());
+    Config("RemotePort=" + std::to_string(server.Port()));
     SetText(kIPWorksUser, "zt-ftp");
     SetText(kIPWorksPassword, kTestPassword);
     SetText(kIPWorksRemoteHost, "127.0.0.1");
     SetText(kIPWorksRemoteFile, "archive.zip");
-    SetNumber(kIPWorksPassive, 1);
-    SetNumber(kIPWorksTransferMode, 2);
+    SetLocalFile(File());
 }
 
-Recorder::~Recorder()
+int Recorder::Config(const std::string& setting)
 {
-    IPWorks_FTP_Destroy(mHandle);
+    return Do(kIPWorksConfig, setting.c_str());
 }
 
-int Recorder::Config(const char* setting)
+int Recorder::Do(int method, const char* parameter)
 {
-    void* params[] = {const_cast<char*>(setting), nullptr};
+    void* params[] = {const_cast<char*>(parameter), nullptr};
     int lengths[] = {0};
-    return IPWorks_FTP_Do(mHandle, kIPWorksConfig, 1, params, lengths, 0);
+    return IPWorks_FTP_Do(mHandle, method, parameter == nullptr ? 0 : 1, params, lengths, 0);
 }
 
 int Recorder::SetText(int property, const char* text)
@@ -63,13 +62,6 @@ int Recorder::SetLocalFile(const std::filesystem::path& path)
 {
     std::wstring wide = path.wstring();
     return IPWorks_FTP_Set(mHandle, kIPWorksLocalFile, 0, wide.data(), 0);
-}
-
-int Recorder::Upload()
-{
-    void* params[] = {nullptr};
-    int lengths[] = {0};
-    return IPWorks_FTP_Do(mHandle, kIPWorksUpload, 0, params, lengths, 0);
 }
 
 std::vector<std::string> Recorder::Of(const std::string& kind) const
@@ -118,28 +110,4 @@ int Recorder::OnEvent(void* object, int eventId, int paramCount, void* params[],
         note("unknown event " + std::to_string(eventId) + " of " + std::to_string(paramCount));
     }
     return 0;
-}
-
-TemporaryFile::TemporaryFile(const std::string& content, const std::filesystem::path& name)
-{
-    std::random_device random;
-    mPath = std::filesystem::temp_directory_path() / ("ipworks-" + std::to_string(random()));
-    std::filesystem::create_directories(mPath);
-    mPath /= name;
-    std::ofstream(mPath, std::ios::binary) << content;
-}
-
-TemporaryFile::~TemporaryFile()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(mPath.parent_path(), ignored);
-}
-
-std::string TestBytes(std::size_t count)
-{
-    std::mt19937 generator(1);
-    std::string bytes(count, '\0');
-    for (char& byte : bytes)
-        byte = static_cast<char>(generator());
-    return bytes;
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// A component with all its events written down, one line each, and an upload on it in one call.
+// A component with all its events written down, one line each, set to send a file to a scripted server.
 #pragma once
 
 #include "libraries/ipworks/IPWorks.h"
+#include "tests/support/ScriptedFtpServer.h"
+#include "tests/support/TemporaryDirectory.h"
 
 #include <chrono>
 #include <cstdint>
@@ -15,19 +17,23 @@ constexpr const char* kTestPassword = "Kesto-42";
 class Recorder
 {
 public:
-    // Set to a server on 127.0.0.1 with user and password, passive.
-    explicit Recorder(std::uint16_t port);
-    ~Recorder();
+    explicit Recorder(FtpScript script = {}, const std::string& content = "content");
+    ~Recorder() { IPWorks_FTP_Destroy(mHandle); }
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
 
-    int Config(const char* setting);
+    int Config(const std::string& setting);
     int SetText(int property, const char* text);
     int SetNumber(int property, int number);
     int SetLocalFile(const std::filesystem::path& path);
-    int Upload();
+    int Do(int method, const char* parameter = nullptr);
+    int Upload() { return Do(kIPWorksUpload); }
     std::string LastError() const { return IPWorks_FTP_GetLastError(mHandle); }
-    void* Handle() const { return mHandle; }
+
+    const std::filesystem::path& Directory() const { return mDirectory.Path(); }
+    std::filesystem::path File() const { return Directory() / "archive.zip"; }
+
+    ScriptedFtpServer server;
 
     // "status 4 Logged in", "error 530 ...", "> USER x", "< 230 ...", "approve problem", "started name",
     // "ended 0". Progress is not among them.
@@ -50,22 +56,6 @@ public:
 private:
     static int OnEvent(void* object, int eventId, int paramCount, void* params[], int lengths[]);
 
+    TemporaryDirectory mDirectory;
     void* mHandle;
 };
-
-// A file of its own that is gone with the object.
-class TemporaryFile
-{
-public:
-    explicit TemporaryFile(const std::string& content, const std::filesystem::path& name = "archive.zip");
-    ~TemporaryFile();
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    const std::filesystem::path& Path() const { return mPath; }
-
-private:
-    std::filesystem::path mPath;
-};
-
-// Bytes that differ from place to place.
-std::string TestBytes(std::size_t count);

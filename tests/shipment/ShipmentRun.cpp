@@ -1,15 +1,47 @@
 // SPDX-License-Identifier: MIT
 #include "tests/shipment/ShipmentRun.h"
 
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <random>
-#include <sstream>
+#include <pwd.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
 bool gHasOwnNetwork = false;
+
+ProgramStart ShipmentTest::Unattended(const std::string& name)
+{
+    ProgramStart start;
+    start.arguments = {"-FTP_LOG=" + name, "-AUTOCLOSE", "yes"};
+    start.limit = std::chrono::seconds(120);
+    return start;
+}
+
+ProgramOutcome ShipmentTest::Ship(const ProgramStart& start) const
+{
+    ProgramOutcome outcome = folder.Run(start);
+    ExpectOrderlyEnd(outcome);
+    return outcome;
+}
+
+void ShipmentTest::ExpectOrderlyEnd(const ProgramOutcome& outcome) const
+{
+    EXPECT_TRUE(outcome.ended) << outcome.console;
+    EXPECT_EQ(0, outcome.exitCode) << outcome.errors;
+    EXPECT_EQ(std::string::npos, outcome.console.find(kFtpPassword));
+    EXPECT_TRUE(std::all_of(outcome.console.begin(), outcome.console.end(),
+                            [](char c) { return static_cast<unsigned char>(c) >= 0x20 || c == '\n'; }))
+        << outcome.console;
+    std::vector<std::string> left;
+    std::error_code ignored; // it may be missing
+    for (const fs::directory_entry& entry : fs::directory_iterator(Logs(), ignored))
+        left.push_back(entry.path().filename().string());
+    EXPECT_THAT(left, testing::Not(testing::Contains(
+                          testing::AnyOf(testing::HasSubstr(".zip"), testing::HasSubstr("uploadIgnore")))));
+}
 
 void ShipmentTest::ReplaceArchiver(const std::string& script) const
 {
@@ -20,57 +52,31 @@ void ShipmentTest::ReplaceArchiver(const std::string& script) const
     fs::permissions(archiver, fs::perms(0755));
 }
 
-std::vector<std::string> ShipmentTest::Leftovers() const
+void ShipmentTest::GiveAway(const fs::path& path, fs::perms mode) const
 {
-    std::vector<std::string> found;
-    std::error_code ignored;
-    for (const fs::directory_entry& entry : fs::directory_iterator(Logs(), ignored))
-    {
-        const std::string name = entry.path().filename().string();
-        if (name.find(".zip") != std::string::npos || name == "uploadIgnoreList.txt")
-            found.push_back(name);
-    }
-    return found;
+    const uid_t nobody = getpwnam("nobody")->pw_uid;
+    EXPECT_EQ(0, chown(folder.Path().c_str(), nobody, nobody));
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder.Path()))
+        EXPECT_EQ(0, lchown(entry.path().c_str(), nobody, nobody));
+    fs::permissions(path, mode);
 }
 
-void WriteFile(const fs::path& path, const std::string& content)
+void MakeOld(const fs::path& path)
 {
-    fs::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << content;
-}
-
-std::string ReadFile(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-void MakeOld(const fs::path& path, int days)
-{
-    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(24 * days));
-}
-
-std::string RandomBytes(std::size_t count)
-{
-    std::mt19937_64 generator(count);
-    std::string bytes(count, '\0');
-    for (char& byte : bytes)
-        byte = static_cast<char>(generator());
-    return bytes;
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(24 * 30));
 }
 
 std::vector<std::string> ShipmentLines(const ProgramOutcome& outcome)
 {
+    const std::string prefix = "FTP_LOG: ";
     std::vector<std::string> lines;
     std::istringstream console(WithoutTimes(outcome.console));
-    bool begun = false;
     for (std::string line; std::getline(console, line);)
     {
-        begun = begun || line.compare(0, 9, "FTP_LOG: ") == 0;
-        if (begun && line.find("% done, ") == std::string::npos)
-            lines.push_back(line);
+        const bool isOurs = line.rfind(prefix, 0) == 0;
+        // Others are names in the list.
+        if ((isOurs || !lines.empty()) && line.find("% done, ") == std::string::npos)
+            lines.push_back(line.substr(isOurs ? prefix.size() : 0));
     }
     return lines;
 }
@@ -81,10 +87,16 @@ std::vector<std::string> Verdicts(const ProgramOutcome& outcome)
     for (const std::string& line : ShipmentLines(outcome))
         for (const char* text : {"Error - ", "Passive upload", "Successfully", "Log FTP failed", "### ",
                                  "Failed to launch", "Timed out", "Compression finished"})
-            if (line.compare(0, std::string("FTP_LOG: ").size() + std::string(text).size(),
-                             std::string("FTP_LOG: ") + text) == 0)
-                found.push_back(line.substr(9));
+            if (line.rfind(text, 0) == 0)
+                found.push_back(line);
     return found;
+}
+
+std::vector<std::string> NothingPacked(const std::string& exitCode)
+{
+    const std::string missing = "1004 Cannot open the local file: No such file or directory";
+    return {"Compression finished.  Exit Code: " + exitCode, "Error - " + missing, kDirect,
+            "Error - " + missing, "Log FTP failed with: " + missing};
 }
 
 fs::path Unpack(const fs::path& archive, int expected)

@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ctime>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -16,6 +15,17 @@ extern bool gHasOwnNetwork;
 
 constexpr const char* kFtpUser = "zt-ftp";
 constexpr const char* kFtpPassword = "Kesto-42";
+constexpr std::uint16_t kFtpPort = 21;
+
+// The shipment's lines without times, progress and "FTP_LOG: ".
+std::vector<std::string> ShipmentLines(const ProgramOutcome& outcome);
+// Of these, those that begin with one of the shipment's own texts on what went wrong and how it ended.
+std::vector<std::string> Verdicts(const ProgramOutcome& outcome);
+// Two of them.
+const std::string kDirect = "Passive upload failed - trying direct";
+const std::string kSent = "Successfully sent logs to Support";
+// All of them when the archiver has made no archive.
+std::vector<std::string> NothingPacked(const std::string& exitCode);
 
 class ShipmentTest : public testing::Test
 {
@@ -28,32 +38,24 @@ protected:
     }
 
     std::filesystem::path Logs() const { return folder.Path() / "Logs"; }
-    // An unattended shipment.
-    ProgramOutcome Ship(const std::string& name) const { return folder.Run(Unattended(name)); }
-    static ProgramStart Unattended(const std::string& name)
-    {
-        ProgramStart start;
-        start.arguments = {"-FTP_LOG=" + name, "-AUTOCLOSE", "yes"};
-        start.limit = std::chrono::seconds(120);
-        return start;
-    }
+    static ProgramStart Unattended(const std::string& name);
+    // How each shipment must end, whatever happens to it: the program ends of itself and in order (a
+    // sanitizer that found something gives another exit code), the text holds no password and nothing that a
+    // terminal obeys, and neither archive nor list is left.
+    void ExpectOrderlyEnd(const ProgramOutcome& outcome) const;
+    // Runs one to such an end.
+    ProgramOutcome Ship(const ProgramStart& start) const;
+    ProgramOutcome Ship(const std::string& name) const { return Ship(Unattended(name)); }
+
     // Puts a shell script in the place of the archiver; "$REAL" is the real one.
     void ReplaceArchiver(const std::string& script) const;
-    // What a shipment must not leave in the log directory.
-    std::vector<std::string> Leftovers() const;
+    // Gives the folder to the user without rights, with `mode` for `path`.
+    void GiveAway(const std::filesystem::path& path, std::filesystem::perms mode) const;
 
     ProgramFolder folder;
 };
 
-void WriteFile(const std::filesystem::path& path, const std::string& content);
-std::string ReadFile(const std::filesystem::path& path);
-void MakeOld(const std::filesystem::path& path, int days = 30);
-std::string RandomBytes(std::size_t count);
-
-// The shipment's lines without times and progress.
-std::vector<std::string> ShipmentLines(const ProgramOutcome& outcome);
-// Of these, those that begin with one of the shipment's own texts on what went wrong and how it ended.
-std::vector<std::string> Verdicts(const ProgramOutcome& outcome);
+void MakeOld(const std::filesystem::path& path);
 
 // Unpacks an archive into a new directory beside it and gives that.
 std::filesystem::path Unpack(const std::filesystem::path& archive, int expected = 0);

@@ -1,89 +1,74 @@
 // SPDX-License-Identifier: MIT
-// Two unattended shipments on one machine.
+// Two unattended shipments on one machine, and a user who does not wait for one.
 #include "tests/shipment/ShipmentRun.h"
+#include "tests/support/ScriptedFtpServer.h"
 
 #include <gmock/gmock.h>
-
-#include <signal.h>
-
-#include <future>
-#include <thread>
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
-
-namespace
-{
-
-// The process that runs a program, 0 when none does.
-pid_t ProcessOf(const fs::path& program)
-{
-    for (const fs::directory_entry& entry : fs::directory_iterator("/proc"))
-    {
-        std::error_code error;
-        const fs::path running = fs::read_symlink(entry.path() / "exe", error);
-        if (!error && running == program)
-            return std::stoi(entry.path().filename().string());
-    }
-    return 0;
-}
-
-bool WaitFor(const std::function<bool()>& condition)
-{
-    for (int i = 0; i < 600; ++i)
-    {
-        if (condition())
-            return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    return false;
-}
-
-} // namespace
 
 using UnattendedShipment = ShipmentTest;
 
 TEST_F(UnattendedShipment, SecondIsRefusedAndAfterAKillTheNextOneShips)
 {
-    ReplaceArchiver("touch packing; if [ -e '" + (folder.Path() / "hold").string() +
-                    "' ]; then sleep 60; fi; exec \"$REAL\" \"$@\"");
-    WriteFile(folder.Path() / "hold", "");
-    const std::future<ProgramOutcome> first = std::async(std::launch::async, [&] { return Ship("first"); });
-    ASSERT_TRUE(WaitFor([&] { return fs::exists(Logs() / "packing"); }));
-
+    // While the first one packs, the archiver starts the second and then kills the first.
     const ProgramFolder other;
-    const ProgramOutcome second = other.Run(ShipmentTest::Unattended("second"));
-    EXPECT_TRUE(second.ended);
-    EXPECT_EQ(0, second.exitCode);
-    EXPECT_THAT(second.console, HasSubstr("Current Computer: "));
-    EXPECT_THAT(second.console, Not(HasSubstr("FTP_LOG:")));
-
-    const pid_t process = ProcessOf(folder.Program());
-    ASSERT_GT(process, 0);
-    kill(process, SIGKILL);
-    first.wait();
+    const fs::path seen = folder.Path() / "seen";
+    const fs::path packing = folder.Path() / "packing";
+    ReplaceArchiver("if [ -e '" + packing.string() + "' ]; then exec \"$REAL\" \"$@\"; fi; touch '" +
+                    packing.string() + "'; '" + other.Program().string() +
+                    "' -FTP_LOG=second -AUTOCLOSE=yes </dev/null >'" + seen.string() +
+                    "' 2>&1; echo \"ended with $?\" >>'" + seen.string() + "'; kill -9 $PPID");
+    EXPECT_EQ(128 + 9, folder.Run(Unattended("first")).exitCode);
+    const std::string second = ReadFile(seen);
+    EXPECT_THAT(second, HasSubstr("Current Computer: "));
+    EXPECT_THAT(second, testing::EndsWith("ended with 0\n"));
+    EXPECT_THAT(second, testing::Not(HasSubstr("FTP_LOG:")));
 
     const RealFtpServer server(kFtpUser, kFtpPassword);
-    fs::remove(folder.Path() / "hold");
     WriteFile(Logs() / "third.zip", "left behind by an interrupted shipment");
-    const ProgramOutcome third = Ship("third");
-    EXPECT_THAT(Verdicts(third), testing::Contains("Successfully sent logs to Support")) << third.console;
-    EXPECT_TRUE(fs::exists(Unpack(server.Directory() / "third.zip") / "packing"));
-    EXPECT_THAT(Leftovers(), ElementsAre());
+    EXPECT_THAT(Verdicts(Ship("third")), ElementsAre("Compression finished.  Exit Code: 0", kSent));
+    EXPECT_TRUE(fs::exists(Unpack(server.Directory() / "third.zip") / "Tavo.log"));
 }
 
-TEST_F(UnattendedShipment, ClosePressedMeanwhileCutsNothingShort)
+struct Interruption
 {
-    const RealFtpServer server(kFtpUser, kFtpPassword);
+    std::string name;
+    std::string awaited; // from the console, before the user does anything
+    std::string before;  // what comes after the user's last deed
+};
+
+void PrintTo(const Interruption& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class Interrupted : public ShipmentTest, public testing::WithParamInterface<Interruption>
+{
+};
+
+TEST_P(Interrupted, ShipmentServesAllButtonsAndIsNotCutShortByClose)
+{
+    const std::string content = RandomBytes(16000000); // more than the system takes without the server
+    WriteFile(Logs() / "fresh.log", content);
+    ScriptedFtpServer server({.bytesPerSecond = 4000000}, kFtpPort);
     ReplaceArchiver("sleep 2; exec \"$REAL\" \"$@\"");
     ProgramStart start;
     start.arguments = {"-FTP_LOG=case"};
-    start.input = {"Close"};
-    const ProgramOutcome outcome = folder.Run(start);
-    EXPECT_TRUE(outcome.ended);
-    EXPECT_THAT(Verdicts(outcome), testing::Contains("Successfully sent logs to Support")) << outcome.console;
-    EXPECT_TRUE(fs::exists(server.Directory() / "case.zip"));
-    EXPECT_THAT(Leftovers(), ElementsAre());
+    start.awaited = GetParam().awaited;
+    start.input = {"CRC64", "Cancel", "LDAP ...", "Cancel", "Close"}; // and nothing else ends the program
+    const ProgramOutcome outcome = Ship(start);
+    EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 0", kSent));
+    EXPECT_LT(outcome.console.find("DiagnosticsDlg"), outcome.console.find(GetParam().before))
+        << outcome.console;
+    EXPECT_EQ("case.zip", server.UploadedName());
+    EXPECT_GT(server.Uploaded().size(), content.size());
 }
+
+INSTANTIATE_TEST_SUITE_P(Rows, Interrupted,
+                         testing::Values(Interruption{"WhilePacking", "Please wait...",
+                                                      "Compression finished"},
+                                         Interruption{"WhileSending", "% done, ", "100% done"}),
+                         testing::PrintToStringParamName());

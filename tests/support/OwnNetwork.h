@@ -3,6 +3,8 @@
 // can lead to it. Linux only, needs root.
 #pragma once
 
+#include "tests/support/TemporaryDirectory.h"
+
 #include <filesystem>
 #include <string>
 #include <sys/types.h>
@@ -28,9 +30,9 @@ public:
     RealFtpServer(const RealFtpServer&) = delete;
     RealFtpServer& operator=(const RealFtpServer&) = delete;
 
-    const std::filesystem::path& Directory() const { return mDirectory; }
+    const std::filesystem::path& Directory() const { return mDirectory.Path(); }
 
 private:
-    std::filesystem::path mDirectory;
+    TemporaryDirectory mDirectory;
     pid_t mProcess = -1;
 };

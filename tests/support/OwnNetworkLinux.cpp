@@ -18,10 +18,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <random>
 #include <set>
-#include <sstream>
 #include <thread>
 
 namespace fs = std::filesystem;
@@ -31,23 +28,6 @@ namespace
 
 constexpr uid_t kUser = 64321; // of no other account
 constexpr std::uint16_t kFtpPort = 21;
-
-fs::path NewDirectory()
-{
-    std::random_device random;
-    const fs::path path =
-        fs::temp_directory_path() / ("tavo-ftp-" + std::to_string(random()) + std::to_string(random()));
-    fs::create_directories(path);
-    return path;
-}
-
-std::string TextOf(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 std::set<fs::path> gReplaced;
 
@@ -86,15 +66,14 @@ bool EnterOwnNetwork()
 void ReplaceSystemFile(const fs::path& path, const std::string& content)
 {
     RestoreSystemFile(path);
-    const fs::path directory = NewDirectory();
-    const fs::path file = directory / "content";
-    std::ofstream(file, std::ios::binary) << content;
+    const TemporaryDirectory directory; // the mount holds what it was
+    const fs::path file = directory.Path() / "content";
+    WriteFile(file, content);
     fs::permissions(file, fs::status(path).permissions());
     if (mount(file.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0)
         gReplaced.insert(path);
     else
         std::perror(path.c_str());
-    fs::remove_all(directory); // the mount holds it
 }
 
 void PointHostHere(const std::string& host)
@@ -104,24 +83,23 @@ void PointHostHere(const std::string& host)
 
 RealFtpServer::RealFtpServer(const std::string& user, const std::string& password,
                              const std::string& settings)
-    : mDirectory(NewDirectory())
 {
     const std::string id = std::to_string(kUser);
-    const std::string home = mDirectory.string();
+    const std::string home = Directory().string();
     crypt_data work{};
     const std::string hash = crypt_r(password.c_str(), "$6$saltsalt$", &work);
     ReplaceSystemFile("/etc/passwd",
-                      TextOf("/etc/passwd") + user + ":x:" + id + ":" + id + "::" + home + ":/bin/sh\n");
-    ReplaceSystemFile("/etc/shadow", TextOf("/etc/shadow") + user + ":" + hash + ":19000:0:99999:7:::\n");
+                      ReadFile("/etc/passwd") + user + ":x:" + id + ":" + id + "::" + home + ":/bin/sh\n");
+    ReplaceSystemFile("/etc/shadow", ReadFile("/etc/shadow") + user + ":" + hash + ":19000:0:99999:7:::\n");
     if (chown(home.c_str(), kUser, kUser) != 0)
         std::perror(home.c_str());
 
-    const fs::path configuration = NewDirectory() / "vsftpd.conf";
-    std::ofstream(configuration)
-        << "listen=YES\nlisten_address=127.0.0.1\nbackground=NO\nanonymous_enable=NO\n"
-           "local_enable=YES\nwrite_enable=YES\nlocal_umask=022\nutf8_filesystem=YES\n"
-           "seccomp_sandbox=NO\npam_service_name=vsftpd\nxferlog_enable=NO\n"
-        << settings;
+    const TemporaryDirectory directory;
+    const fs::path configuration = directory.Path() / "vsftpd.conf";
+    WriteFile(configuration, "listen=YES\nlisten_address=127.0.0.1\nbackground=NO\nanonymous_enable=NO\n"
+                             "local_enable=YES\nwrite_enable=YES\nlocal_umask=022\nutf8_filesystem=YES\n"
+                             "seccomp_sandbox=NO\npam_service_name=vsftpd\nxferlog_enable=NO\n" +
+                                 settings);
     mProcess = fork();
     if (mProcess == 0)
     {
@@ -132,7 +110,6 @@ RealFtpServer::RealFtpServer(const std::string& user, const std::string& passwor
     }
     for (int i = 0; i < 250 && TcpStream::Connect(kFtpPort) == nullptr; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    fs::remove_all(configuration.parent_path());
 }
 
 RealFtpServer::~RealFtpServer()
@@ -141,5 +118,4 @@ RealFtpServer::~RealFtpServer()
     waitpid(mProcess, nullptr, 0);
     RestoreSystemFile("/etc/passwd");
     RestoreSystemFile("/etc/shadow");
-    fs::remove_all(mDirectory);
 }

@@ -4,6 +4,8 @@
 // the console's window.
 #pragma once
 
+#include "tests/support/TemporaryDirectory.h"
+
 #include <chrono>
 #include <filesystem>
 #include <string>
@@ -31,8 +33,8 @@ struct ProgramStart
     std::vector<std::pair<std::string, std::string>> environment;
     std::chrono::seconds limit{60};
     bool asOtherUser = false; // as a user without rights ("nobody"); Linux only
-    // What the console must say before the user does anything. Windows only: in the terminal, input waits
-    // behind all that is under way.
+    // What the console must say before the user does anything. On Windows it must also stand still by then;
+    // in the terminal the input does not end after it.
     std::string awaited{};
 };
 
@@ -41,21 +43,18 @@ class ProgramFolder
 public:
     // Copies TAVO_PROGRAM_DIR without logs and settings.
     ProgramFolder();
-    ~ProgramFolder();
-    ProgramFolder(const ProgramFolder&) = delete;
-    ProgramFolder& operator=(const ProgramFolder&) = delete;
 
-    const std::filesystem::path& Path() const { return mPath; }
+    const std::filesystem::path& Path() const { return mDirectory.Path(); }
     std::filesystem::path Program() const;
 
     ProgramOutcome Run(const ProgramStart& start) const;
 
     // The text of a file of the folder, empty when it is not there.
-    std::string Read(const std::filesystem::path& name) const;
+    std::string Read(const std::filesystem::path& name) const { return ReadFile(Path() / name); }
     std::string Log() const { return Read("Logs/Tavo.log"); }
 
 private:
-    std::filesystem::path mPath;
+    TemporaryDirectory mDirectory;
 };
 
 // The console's text less the "[...ms] " prefixes, whose numbers differ from run to run.

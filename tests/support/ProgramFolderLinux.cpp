@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <map>
 
 namespace
 {
@@ -38,26 +39,33 @@ struct Pipe
     std::array<int, 2> mEnds{-1, -1};
 };
 
-[[noreturn]] void Become(const std::filesystem::path& program, const ProgramStart& start)
+// The caller's environment with the changes of `start`, and without a display unless the test names one.
+std::vector<std::string> EnvironmentOf(const ProgramStart& start)
 {
-    std::vector<char*> arguments{const_cast<char*>(program.c_str())};
-    for (const std::string& argument : start.arguments)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    // No display unless the test names one.
-    unsetenv("DISPLAY");
-    unsetenv("WAYLAND_DISPLAY");
-    for (const auto& [name, value] : start.environment)
-        value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
-    if (start.asOtherUser)
+    std::map<std::string, std::string> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable)
     {
-        const passwd* nobody = getpwnam("nobody");
-        if (nobody == nullptr || setgroups(0, nullptr) != 0 || setgid(nobody->pw_gid) != 0 ||
-            setuid(nobody->pw_uid) != 0)
-            _exit(126);
+        const std::string text = *variable;
+        variables[text.substr(0, text.find('='))] = text.substr(text.find('=') + 1);
     }
-    execv(program.c_str(), arguments.data());
-    _exit(127);
+    variables["DISPLAY"] = variables["WAYLAND_DISPLAY"] = "";
+    for (const auto& [name, value] : start.environment)
+        variables[name] = value;
+    std::vector<std::string> texts;
+    for (const auto& [name, value] : variables)
+        if (!value.empty())
+            texts.push_back(name + "=" + value);
+    return texts;
+}
+
+// For exec; `texts` must outlive them.
+std::vector<char*> Pointers(const std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    for (const std::string& text : texts)
+        pointers.push_back(const_cast<char*>(text.c_str()));
+    pointers.push_back(nullptr);
+    return pointers;
 }
 
 // Takes what is there from the pipe; false at its end.
@@ -71,11 +79,24 @@ bool Drain(int end, std::string& text)
     return true;
 }
 
-void DrainBoth(Pipe& output, Pipe& errors, std::chrono::steady_clock::time_point deadline,
-               ProgramOutcome& outcome)
+// Gives the input when what it waits for is there.
+void DrainBoth(Pipe& output, Pipe& errors, Pipe& input, const ProgramStart& start, ProgramOutcome& outcome)
 {
+    const auto deadline = std::chrono::steady_clock::now() + start.limit;
+    std::string text;
+    for (const std::string& line : start.input)
+        text += line + "\n";
+    bool given = false;
     while (output.mEnds[0] >= 0 || errors.mEnds[0] >= 0)
     {
+        if (!given && outcome.console.find(start.awaited) != std::string::npos)
+        {
+            given = true;
+            // What fits a pipe cannot block; a program that is gone already takes nothing.
+            [[maybe_unused]] const ssize_t taken = write(input.mEnds[1], text.data(), text.size());
+            if (start.awaited.empty())
+                input.CloseWrite();
+        }
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
         pollfd ends[] = {{output.mEnds[0], POLLIN, 0}, {errors.mEnds[0], POLLIN, 0}};
@@ -97,36 +118,37 @@ bool RunsOnWindows()
 
 std::filesystem::path ProgramFolder::Program() const
 {
-    return mPath / "Tavo";
+    return Path() / "Tavo";
 }
 
 ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
 {
-    std::string text;
-    for (const std::string& line : start.input)
-        text += line + "\n";
-
+    std::vector<std::string> arguments = start.arguments;
+    arguments.insert(arguments.begin(), Program().string());
+    const std::vector<std::string> environment = EnvironmentOf(start);
+    const std::vector<char*> argumentPointers = Pointers(arguments);
+    const std::vector<char*> environmentPointers = Pointers(environment);
+    const passwd* user = start.asOtherUser ? getpwnam("nobody") : nullptr;
     Pipe input, output, errors;
     const pid_t child = fork();
     if (child == 0)
     {
+        // Allocates nothing: a thread that has stayed behind may hold the allocator's lock.
         dup2(input.mEnds[0], STDIN_FILENO);
         dup2(output.mEnds[1], STDOUT_FILENO);
         dup2(errors.mEnds[1], STDERR_FILENO);
-        Become(Program(), start);
+        if (!start.asOtherUser || (user != nullptr && setgroups(0, nullptr) == 0 &&
+                                   setgid(user->pw_gid) == 0 && setuid(user->pw_uid) == 0))
+            execve(argumentPointers[0], argumentPointers.data(), environmentPointers.data());
+        _exit(127);
     }
     input.CloseRead();
     output.CloseWrite();
     errors.CloseWrite();
-    // The program reads on while what it writes fits a pipe, so this cannot block for good.
     signal(SIGPIPE, SIG_IGN);
-    if (write(input.mEnds[1], text.data(), text.size()) != static_cast<ssize_t>(text.size()))
-        text.clear();
-    input.CloseWrite();
 
     ProgramOutcome outcome;
-    const auto deadline = std::chrono::steady_clock::now() + start.limit;
-    DrainBoth(output, errors, deadline, outcome);
+    DrainBoth(output, errors, input, start, outcome);
     outcome.ended = output.mEnds[0] < 0 && errors.mEnds[0] < 0;
     if (!outcome.ended)
         kill(child, SIGKILL);

@@ -16,19 +16,13 @@ constexpr int kStillPolls = 16;
 
 std::wstring Widen(const std::string& text)
 {
-    std::wstring wide(text.size(), L'\0');
-    const int count = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
-                                          static_cast<int>(wide.size()));
-    wide.resize(static_cast<std::size_t>(count));
-    return wide;
+    return std::filesystem::path(std::u8string(text.begin(), text.end())).wstring();
 }
 
 std::string Narrow(const std::wstring& text)
 {
-    std::string narrow(text.size() * 3, '\0');
-    const int count = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
-                                          narrow.data(), static_cast<int>(narrow.size()), nullptr, nullptr);
-    narrow.resize(static_cast<std::size_t>(count));
+    const std::u8string bytes = std::filesystem::path(text).u8string();
+    std::string narrow(bytes.begin(), bytes.end());
     std::erase(narrow, '\r');
     return narrow;
 }
@@ -207,7 +201,7 @@ bool RunsOnWindows()
 
 std::filesystem::path ProgramFolder::Program() const
 {
-    return mPath / "Tavo.exe";
+    return Path() / "Tavo.exe";
 }
 
 ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
@@ -222,8 +216,8 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, mPath.c_str(), &startup,
-                        &process))
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, Path().c_str(),
+                        &startup, &process))
         return outcome;
 
     User user(process.dwProcessId, start);

@@ -3,29 +3,20 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <optional>
-#include <sstream>
 
 namespace
 {
 
-// The last two numbers of "h,h,h,h,p,p".
-std::uint16_t PortOfAddress(const std::string& address)
+// The port in "127,0,0,1,18,103" or "|1|127.0.0.1|4711|".
+std::uint16_t PortOf(const std::string& address)
 {
-    std::istringstream numbers(address);
-    std::string number;
-    unsigned port = 0;
-    while (std::getline(numbers, number, ','))
-        port = (port << 8U | static_cast<unsigned>(std::stoul(number))) & 0xFFFFU;
-    return static_cast<std::uint16_t>(port);
-}
-
-// The port of "|1|127.0.0.1|4711|".
-std::uint16_t PortOfExtendedAddress(const std::string& address)
-{
-    const std::size_t end = address.rfind('|');
-    const std::size_t begin = address.rfind('|', end - 1) + 1;
-    return static_cast<std::uint16_t>(std::stoul(address.substr(begin, end - begin)));
+    unsigned high = 0;
+    unsigned low = 0;
+    if (std::sscanf(address.c_str(), "%*u,%*u,%*u,%*u,%u,%u", &high, &low) != 2)
+        std::sscanf(address.c_str(), "|%*u|%*[^|]|%u|", &low);
+    return static_cast<std::uint16_t>(high << 8U | low);
 }
 
 } // namespace
@@ -63,22 +54,16 @@ private:
     {
         const auto scripted = mScript.answers.find(verb);
         if (scripted != mScript.answers.end())
-        {
-            if (verb == "PASV" || verb == "EPSV")
-                mPassive = std::make_unique<TcpListener>(std::uint16_t{0});
-            if (verb == "STOR" && scripted->second[0] == '1')
-                return Store(rest, scripted->second);
             return Say(scripted->second);
-        }
         if (verb == "STOR")
-            return Store(rest, "150 Go on.\r\n");
+            return Store(rest);
         if (verb == "AUTH")
             return Secure(rest);
         if (verb == "QUIT")
             return Say("221 Bye.\r\n") && false;
         if (verb == "EPRT" || verb == "PORT")
         {
-            mPeerPort = verb == "PORT" ? PortOfAddress(rest) : PortOfExtendedAddress(rest);
+            mPeerPort = PortOf(rest);
             return Say("200 Noted.\r\n");
         }
         if (verb == "EPSV" || verb == "PASV")
@@ -109,8 +94,9 @@ private:
         return mControl != nullptr;
     }
 
-    bool Store(const std::string& name, const std::string& answer)
+    bool Store(const std::string& name)
     {
+        const std::string answer = "150 Go on.\r\n";
         std::unique_ptr<TcpStream> plain = mPeerPort != 0 ? TcpStream::Connect(mPeerPort) : nullptr;
         while (mPeerPort == 0 && !plain && !mServer.mEnd)
             plain = mPassive->Accept();
@@ -125,9 +111,11 @@ private:
         }
         if (!Say(answer))
             return false;
-        std::unique_ptr<Stream> data = std::move(plain);
+        std::unique_ptr<Stream> data;
         if (mSecured)
-            data = mScript.secure(std::unique_ptr<TcpStream>(static_cast<TcpStream*>(data.release())));
+            data = mScript.secure(std::move(plain));
+        else
+            data = std::move(plain);
         if (!data)
             return Say("522 No secure data connection.\r\n");
         {
@@ -259,22 +247,4 @@ void ScriptedFtpServer::Serve()
         if (std::unique_ptr<TcpStream> control = mListener.Accept())
             Session(*this, std::move(control)).Run();
     }
-}
-
-std::vector<std::string> ScriptedFtpServer::Commands() const
-{
-    const std::lock_guard lock(mMutex);
-    return mCommands;
-}
-
-std::string ScriptedFtpServer::Uploaded() const
-{
-    const std::lock_guard lock(mMutex);
-    return mUploaded;
-}
-
-std::string ScriptedFtpServer::UploadedName() const
-{
-    const std::lock_guard lock(mMutex);
-    return mUploadedName;
 }

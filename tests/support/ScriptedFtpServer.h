@@ -22,13 +22,13 @@ struct FtpScript
 {
     std::string greeting = "220 Ready.\r\n";
     // Answers by verb, in place of the ordinary ones.
-    std::map<std::string, std::string> answers;
+    std::map<std::string, std::string> answers{};
     bool inSingleBytes = false;
     std::string passiveAddress = "127,0,0,1"; // what PASV says
 
     // At this byte of an upload: the answer, if any, goes out, then what is to happen happens.
     std::int64_t breakAt = -1;
-    std::string breakAnswer;
+    std::string breakAnswer{};
     enum class Break
     {
         eReset,  // the data connection is reset; `farewell` follows
@@ -43,7 +43,7 @@ struct FtpScript
     std::string farewell = "226 Received.\r\n";
 
     // Makes a secure stream of a plain one, null when the handshake fails; without it AUTH is refused.
-    std::function<std::unique_ptr<Stream>(std::unique_ptr<TcpStream>)> secure;
+    std::function<std::unique_ptr<Stream>(std::unique_ptr<TcpStream>)> secure{};
 };
 
 class ScriptedFtpServer
@@ -57,13 +57,19 @@ public:
     std::uint16_t Port() const { return mListener.Port(); }
 
     // All commands so far, and the bytes and the name of the latest upload.
-    std::vector<std::string> Commands() const;
-    std::string Uploaded() const;
-    std::string UploadedName() const;
+    std::vector<std::string> Commands() const { return Guarded(mCommands); }
+    std::string Uploaded() const { return Guarded(mUploaded); }
+    std::string UploadedName() const { return Guarded(mUploadedName); }
 
 private:
     class Session;
     void Serve();
+    template <class T>
+    T Guarded(const T& value) const
+    {
+        const std::lock_guard lock(mMutex);
+        return value;
+    }
 
     const FtpScript mScript;
     TcpListener mListener;

@@ -4,15 +4,11 @@
 
 #include "tests/support/TcpStream.h"
 
-#include <memory>
-#include <string>
-
 class TlsServer
 {
 public:
     // The certificate is for `host` and ends `days` from now, or ended before for a negative number.
     TlsServer(const std::string& host, int days);
-    ~TlsServer();
 
     // The handshake; null when it fails.
     std::unique_ptr<Stream> Accept(std::unique_ptr<TcpStream> plain) const;
@@ -21,6 +17,8 @@ public:
     std::string Certificate() const;
 
 private:
-    struct Context;
-    std::unique_ptr<Context> mContext;
+    std::shared_ptr<struct ssl_ctx_st> mContext;
 };
+
+// What a server does that offers TLS and knows none: no handshake comes of it, so it gives null.
+std::unique_ptr<Stream> NoHandshake(std::unique_ptr<TcpStream> plain);

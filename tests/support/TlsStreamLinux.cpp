@@ -13,20 +13,10 @@ namespace
 
 constexpr long kSecondsPerDay = 86400;
 
-struct Deleter
-{
-    void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
-    void operator()(X509* certificate) const { X509_free(certificate); }
-    void operator()(SSL_CTX* context) const { SSL_CTX_free(context); }
-    void operator()(SSL* ssl) const { SSL_free(ssl); }
-};
-using Key = std::unique_ptr<EVP_PKEY, Deleter>;
-using Certificate = std::unique_ptr<X509, Deleter>;
-
 class TlsStream : public Stream
 {
 public:
-    TlsStream(std::unique_ptr<TcpStream> plain, SSL* ssl) : mPlain(std::move(plain)), mSsl(ssl) {}
+    TlsStream(std::unique_ptr<TcpStream> plain, SSL* ssl) : mPlain(std::move(plain)), mSsl(ssl, SSL_free) {}
     ~TlsStream() override
     {
         if (!mReset)
@@ -55,40 +45,31 @@ public:
 
 private:
     std::unique_ptr<TcpStream> mPlain;
-    std::unique_ptr<SSL, Deleter> mSsl;
+    std::unique_ptr<SSL, decltype(&SSL_free)> mSsl;
     bool mReset = false;
 };
 
 } // namespace
 
-struct TlsServer::Context
+TlsServer::TlsServer(const std::string& host, int days)
+    : mContext(SSL_CTX_new(TLS_server_method()), SSL_CTX_free)
 {
-    std::unique_ptr<SSL_CTX, Deleter> tls;
-    ::Certificate certificate;
-};
-
-TlsServer::TlsServer(const std::string& host, int days) : mContext(std::make_unique<Context>())
-{
-    const Key key(EVP_EC_gen("P-256"));
-    ::Certificate certificate(X509_new());
-    X509_set_version(certificate.get(), 2);
-    ASN1_INTEGER_set(X509_get_serialNumber(certificate.get()), 1);
-    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -1000 * kSecondsPerDay);
-    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), days * kSecondsPerDay);
-    X509_set_pubkey(certificate.get(), key.get());
-    X509_NAME* name = X509_get_subject_name(certificate.get());
+    const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(EVP_EC_gen("P-256"), EVP_PKEY_free);
+    const std::unique_ptr<X509, decltype(&X509_free)> owner(X509_new(), X509_free);
+    X509* certificate = owner.get();
+    X509_set_version(certificate, 2);
+    ASN1_INTEGER_set(X509_get_serialNumber(certificate), 1);
+    X509_gmtime_adj(X509_getm_notBefore(certificate), -1000 * kSecondsPerDay);
+    X509_gmtime_adj(X509_getm_notAfter(certificate), days * kSecondsPerDay);
+    X509_set_pubkey(certificate, key.get());
+    X509_NAME* name = X509_get_subject_name(certificate);
     X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_UTF8,
                                reinterpret_cast<const unsigned char*>(host.c_str()), -1, -1, 0);
-    X509_set_issuer_name(certificate.get(), name);
-    X509_sign(certificate.get(), key.get(), EVP_sha256());
-
-    mContext->tls.reset(SSL_CTX_new(TLS_server_method()));
-    SSL_CTX_use_certificate(mContext->tls.get(), certificate.get());
-    SSL_CTX_use_PrivateKey(mContext->tls.get(), key.get());
-    mContext->certificate = std::move(certificate);
+    X509_set_issuer_name(certificate, name);
+    X509_sign(certificate, key.get(), EVP_sha256());
+    SSL_CTX_use_certificate(mContext.get(), certificate);
+    SSL_CTX_use_PrivateKey(mContext.get(), key.get());
 }
-
-TlsServer::~TlsServer() = default;
 
 std::unique_ptr<Stream> TlsServer::Accept(std::unique_ptr<TcpStream> plain) const
 {
@@ -98,7 +79,7 @@ std::unique_ptr<Stream> TlsServer::Accept(std::unique_ptr<TcpStream> plain) cons
     sigaddset(&pipe, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
 
-    SSL* ssl = SSL_new(mContext->tls.get());
+    SSL* ssl = SSL_new(mContext.get());
     SSL_set_fd(ssl, static_cast<int>(plain->Socket()));
     auto stream = std::make_unique<TlsStream>(std::move(plain), ssl);
     if (SSL_accept(ssl) == 1)
@@ -110,8 +91,18 @@ std::unique_ptr<Stream> TlsServer::Accept(std::unique_ptr<TcpStream> plain) cons
 std::string TlsServer::Certificate() const
 {
     unsigned char* bytes = nullptr;
-    const int length = i2d_X509(mContext->certificate.get(), &bytes);
+    const int length = i2d_X509(SSL_CTX_get0_certificate(mContext.get()), &bytes);
     std::string block(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length));
     OPENSSL_free(bytes);
     return block;
+}
+
+std::unique_ptr<Stream> NoHandshake(std::unique_ptr<TcpStream> plain)
+{
+    char hello[4096];
+    while (plain->Receive(hello, sizeof hello) < 0)
+    {
+    }
+    plain->Send("this is no handshake\r\n");
+    return nullptr;
 }
