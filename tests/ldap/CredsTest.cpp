@@ -15,13 +15,6 @@ namespace
 constexpr UINT WM_STEP = WM_USER + 1;
 constexpr int kMessageBoxText = 0xFFFF; // the id of a message box's text
 
-std::wstring TextOf(HWND window)
-{
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
 class OpenCreds : public LDAPCreds
 {
 public:
