@@ -364,19 +364,6 @@ TEST(LdapConnect, TriesEveryHostUntilOneAnswersAndKeepsItAliveWhenTold)
     }
 }
 
-TEST(LdapOptions, AreThoseThatAreOffered)
-{
-    const Session session(389, L"localhost");
-    ULONG version = 0;
-    EXPECT_EQ(ldap_get_optionW(session.handle, LDAP_OPT_PROTOCOL_VERSION, &version), 0u);
-    EXPECT_EQ(version, 3u);
-    EXPECT_EQ(ldap_set_optionW(session.handle, LDAP_OPT_PROTOCOL_VERSION, &version), 0u);
-    EXPECT_EQ(ldap_set_optionW(session.handle, LDAP_OPT_REFERRALS, LDAP_OPT_OFF), 0u);
-    EXPECT_EQ(ldap_set_optionW(session.handle, LDAP_OPT_REFERRALS, LDAP_OPT_ON), 0x59u);
-    version = 2;
-    EXPECT_EQ(ldap_set_optionW(session.handle, LDAP_OPT_PROTOCOL_VERSION, &version), 0x59u);
-}
-
 TEST(LdapErrors, BelongToTheThreadThatMetThem)
 {
     const Session session(kUnused);

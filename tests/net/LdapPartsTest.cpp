@@ -70,14 +70,6 @@ TEST(LdapTexts, FromServersAreFitForOneConsoleLine)
     EXPECT_EQ(SafeToPrint(std::string(5000, 'x')), std::wstring(400, L'x') + L"...");
 }
 
-TEST(LdapTexts, SurviveTheWayToTheWireAndBack)
-{
-    const std::wstring text = L"a\u00fc\u20ac\U0001F600\uFFFD\U0010FFFF";
-    EXPECT_EQ(FromUtf8(ToUtf8(text)), text);
-    EXPECT_EQ(ToUtf8(L"\U0001F600"), "\xf0\x9f\x98\x80");
-    EXPECT_EQ(ToUtf8(std::wstring(1, static_cast<wchar_t>(0xD800))), "\xef\xbf\xbd");
-}
-
 std::string MessageOf(const std::string& number, const std::string& operation)
 {
     return BerElementOf(0x30, BerElementOf(0x02, number) + operation);
