@@ -10,11 +10,6 @@
 namespace
 {
 
-DateValue Valid(double date)
-{
-    return {date, eDateValid};
-}
-
 // The zone of this moment in minutes east of UTC, from the run-time library's two clocks.
 int MinutesEast()
 {
@@ -36,12 +31,12 @@ TEST(DateFormat, ShowsTheLocalDateOrWhyItCannot)
     } kCases[] = {
         {{}, L""},
         {{5.0, eDateNull}, L""},
-        {Valid(99.999), L"[bad date value - 99.999000]"},
-        {Valid(-1.25), L"[bad date value - -1.250000]"},
+        {DateValue{99.999, eDateValid}, L"[bad date value - 99.999000]"},
+        {DateValue{-1.25, eDateValid}, L"[bad date value - -1.250000]"},
         {{1.0, eDateInvalid}, L"[bad date value - 1.000000]"}, // the first test of the two
         {{100.0, eDateInvalid}, L"{invalid date - 100.000000 }"},
-        {Valid(2958465.5), L"{invalid date - 2958465.500000 }"},
-        {Valid(nan), L"{invalid date - nan }"},
+        {DateValue{2958465.5, eDateValid}, L"{invalid date - 2958465.500000 }"},
+        {DateValue{nan, eDateValid}, L"{invalid date - nan }"},
     };
     for (const auto& row : kCases)
         EXPECT_EQ(FormatLocalDate(row.value), row.expected);
@@ -53,8 +48,8 @@ TEST(DateFormat, ShowsTheLocalDateOrWhyItCannot)
     april.tm_yday = 98;
     wchar_t expected[128];
     std::wcsftime(expected, std::size(expected), L"%c", &april);
-    EXPECT_EQ(FormatLocalDate(Valid(100.0)), expected);
-    EXPECT_GT(FormatLocalDate(Valid(2958465.0)).GetLength(), 10);
+    EXPECT_EQ(FormatLocalDate(DateValue{100.0, eDateValid}), expected);
+    EXPECT_GT(FormatLocalDate(DateValue{2958465.0, eDateValid}).GetLength(), 10);
 }
 
 TEST(DateFormat, ShowsTheMailForm)
@@ -67,10 +62,10 @@ TEST(DateFormat, ShowsTheMailForm)
         DateValue value;
         const wchar_t* expected;
     } kCases[] = {
-        {Valid(2.0), L"Mon, 1 Jan 1900 00:00:00 "},
-        {Valid(-1.25), L"Fri, 29 Dec 1899 06:00:00 "},
-        {Valid(36585.75), L"Tue, 29 Feb 2000 18:00:00 "},
-        {Valid(2958465.0), L"Fri, 31 Dec 9999 00:00:00 "},
+        {DateValue{2.0, eDateValid}, L"Mon, 1 Jan 1900 00:00:00 "},
+        {DateValue{-1.25, eDateValid}, L"Fri, 29 Dec 1899 06:00:00 "},
+        {DateValue{36585.75, eDateValid}, L"Tue, 29 Feb 2000 18:00:00 "},
+        {DateValue{2958465.0, eDateValid}, L"Fri, 31 Dec 9999 00:00:00 "},
         {{}, L"???, -1 ??? -1 -1:-1:-1 "},
     };
     for (const auto& row : kCases)
@@ -79,9 +74,9 @@ TEST(DateFormat, ShowsTheMailForm)
 
 TEST(DateFormat, ShowsTheIsoForm)
 {
-    EXPECT_EQ(FormatISO8601Date(Valid(2.0)), L"1900-01-01T00:00:00");
-    EXPECT_EQ(FormatISO8601Date(Valid(kDateMin)), L"0100-01-01T00:00:00");
-    EXPECT_EQ(FormatISO8601Date(Valid(36585.99998)), L"2000-02-29T23:59:58");
+    EXPECT_EQ(FormatISO8601Date(DateValue{2.0, eDateValid}), L"1900-01-01T00:00:00");
+    EXPECT_EQ(FormatISO8601Date(DateValue{kDateMin, eDateValid}), L"0100-01-01T00:00:00");
+    EXPECT_EQ(FormatISO8601Date(DateValue{36585.99998, eDateValid}), L"2000-02-29T23:59:58");
     EXPECT_EQ(FormatISO8601Date({}), L"-001--1--1T-1:-1:-1");
 }
 

@@ -10,8 +10,6 @@
 namespace
 {
 
-void Nothing() {}
-
 class ExchangeDialog : public TestDialog
 {
 public:

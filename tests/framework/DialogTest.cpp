@@ -11,9 +11,6 @@ using testing::ElementsAre;
 namespace
 {
 
-// A step that only lets what was posted before it come first.
-void Nothing() {}
-
 class DerivedDialog : public TestDialog
 {
 public:

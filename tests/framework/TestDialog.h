@@ -16,6 +16,9 @@
 constexpr UINT WM_STEP = WM_USER + 1;
 constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
 
+// A step that only lets what was posted before it come first.
+inline void Nothing() {}
+
 class TestDialog : public CDialog
 {
 public:

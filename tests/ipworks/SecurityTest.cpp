@@ -11,7 +11,6 @@ using testing::HasSubstr;
 namespace
 {
 
-constexpr std::size_t kLarge = 30000000;
 constexpr std::int64_t kMiddle = 4000000;
 
 FtpScript Secured(const TlsServer& tls)
@@ -77,7 +76,7 @@ TEST(Security, EncryptedDataConnectionThatBreaksIsAnErrorLikeAnyOther)
     FtpScript script = Secured(tls);
     script.breakAt = kMiddle;
     script.farewell = "426 Broken.\r\n";
-    Recorder recorder(script, std::string(kLarge, 'x'));
+    Recorder recorder(script, std::string(30000000, 'x'));
     EXPECT_NE(0, recorder.Upload());
     EXPECT_GT(recorder.progress.back().bytes, 0);
 }

@@ -77,13 +77,13 @@ std::string MessageOf(const std::string& number, const std::string& operation)
 
 TEST(LdapMessages, ReachTheLibraryUnlessNobodyAskedForThem)
 {
-    using Connection = LdapPeer::Connection;
     const std::string name = BerElementOf(0x8a, "1.3.6.1.4.1.1466.20036");
     const std::string zero(1, '\0');
-    const std::string first = MessageOf("\x01", Connection::Result(0x61, 0));
+    const std::string first = MessageOf("\x01", LdapPeer::Connection::Result(0x61, 0));
     const std::string second = MessageOf("\x02", BerText(std::string(300, 'x')));
-    const std::string advice = MessageOf(zero, Connection::Result(0x78, 0, "", BerElementOf(0x8a, "")));
-    const std::string end = MessageOf(zero, Connection::Result(0x78, 0x33, "too busy", name));
+    const std::string advice =
+        MessageOf(zero, LdapPeer::Connection::Result(0x78, 0, "", BerElementOf(0x8a, "")));
+    const std::string end = MessageOf(zero, LdapPeer::Connection::Result(0x78, 0x33, "too busy", name));
     struct Case
     {
         const char* what;
