@@ -6,6 +6,7 @@
 #include "shipment/ShipmentPlan.h"
 #include "tests/support/OwnNetwork.h"
 #include "tests/support/ProgramFolder.h"
+#include "tests/support/TestFolder.h"
 
 #include <benchmark/benchmark.h>
 
@@ -33,31 +34,13 @@ constexpr std::uintmax_t kUploadBytes = 1'000'000'000;
 // Before any thread is made.
 const bool kHasNetwork = EnterOwnNetwork();
 
-class Directory
-{
-public:
-    Directory()
-    {
-        std::random_device random;
-        mPath = fs::temp_directory_path() / ("tavo-bench-" + std::to_string(random()));
-        fs::create_directories(mPath);
-    }
-    ~Directory() { fs::remove_all(mPath); }
-    Directory(const Directory&) = delete;
-    Directory& operator=(const Directory&) = delete;
-    const fs::path& Path() const { return mPath; }
-
-private:
-    fs::path mPath;
-};
-
 const fs::path& Tree(std::int64_t files)
 {
-    static std::map<std::int64_t, std::unique_ptr<Directory>> trees;
-    std::unique_ptr<Directory>& tree = trees[files];
+    static std::map<std::int64_t, std::unique_ptr<TestFolder>> trees;
+    std::unique_ptr<TestFolder>& tree = trees[files];
     if (!tree)
     {
-        tree = std::make_unique<Directory>();
+        tree = std::make_unique<TestFolder>();
         for (std::int64_t i = 0; i < files; ++i)
         {
             const fs::path folder = tree->Path() / std::to_string(i / kFilesInFolder);
@@ -74,7 +57,7 @@ const fs::path& Tree(std::int64_t files)
 
 const fs::path& BigFile()
 {
-    static const Directory directory;
+    static const TestFolder directory("tavo-bench-");
     static const fs::path file = directory.Path() / "big.zip";
     if (!fs::exists(file))
     {
@@ -223,7 +206,7 @@ void WholeShipment(benchmark::State& state)
 void Script(benchmark::State& state)
 {
     const RealFtpServer server(kUser, kPassword);
-    const Directory directory;
+    const TestFolder directory("tavo-bench-");
     FillLogs(directory.Path());
     const std::string command = "cd '" + directory.Path().string() +
                                 "' && '" TAVO_PROGRAM_DIR "/7za.exe' a -r -ssw case.zip '*' && " +

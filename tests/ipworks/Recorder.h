@@ -4,7 +4,7 @@
 
 #include "libraries/ipworks/IPWorks.h"
 #include "tests/support/ScriptedFtpServer.h"
-#include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestFolder.h"
 
 #include <chrono>
 #include <cstdint>
@@ -56,6 +56,6 @@ public:
 private:
     static int OnEvent(void* object, int eventId, int paramCount, void* params[], int lengths[]);
 
-    TemporaryDirectory mDirectory;
+    TestFolder mDirectory{"tavo-test-"};
     void* mHandle;
 };

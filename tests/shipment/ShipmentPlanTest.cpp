@@ -3,7 +3,7 @@
 
 #include "foundation/DateValue.h"
 #include "foundation/Kelvane.h"
-#include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -61,7 +61,7 @@ TEST(ArchiveName, TakesTheWantedNameOrTheDate)
 
 TEST(OldFileNames, AreThoseBelowTheCutOffInTheWholeTreeEachOnce)
 {
-    const TemporaryDirectory logs;
+    const TestFolder logs;
     const fs::path& root = logs.Path();
     // The margin of a minute is for the clock of MakeFile; the exact second has a test of its own.
     MakeFile(root / "new.log", kCutOff + 60);
@@ -81,7 +81,7 @@ TEST(OldFileNames, AreThoseBelowTheCutOffInTheWholeTreeEachOnce)
         deep /= "d";
     MakeFile(deep / "deep.log", kCutOff - 60);
     fs::create_directory_symlink(root, deep / "loop", ignored);
-    const TemporaryDirectory elsewhere;
+    const TestFolder elsewhere;
     MakeFile(elsewhere.Path() / "elsewhere.log", kCutOff - 60);
     fs::create_directory_symlink(elsewhere.Path(), root / "link", ignored);
     fs::create_symlink(elsewhere.Path() / "elsewhere.log", root / "link to a file", ignored);
@@ -91,7 +91,7 @@ TEST(OldFileNames, AreThoseBelowTheCutOffInTheWholeTreeEachOnce)
 
 TEST(OldFileNames, ExactlyTheCutOffIsNotOld)
 {
-    const TemporaryDirectory logs;
+    const TestFolder logs;
     MakeFile(logs.Path() / "file.log", kCutOff);
     WIN32_FIND_DATAW entry{};
     FindClose(FindFirstFileW((logs.Path() / "file.log").wstring().c_str(), &entry));

@@ -3,7 +3,7 @@
 // can lead to it. Linux only, needs root.
 #pragma once
 
-#include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestFolder.h"
 
 #include <filesystem>
 #include <string>
@@ -33,6 +33,6 @@ public:
     const std::filesystem::path& Directory() const { return mDirectory.Path(); }
 
 private:
-    TemporaryDirectory mDirectory;
+    TestFolder mDirectory{"tavo-test-"};
     pid_t mProcess = -1;
 };

@@ -66,7 +66,7 @@ bool EnterOwnNetwork()
 void ReplaceSystemFile(const fs::path& path, const std::string& content)
 {
     RestoreSystemFile(path);
-    const TemporaryDirectory directory; // the mount holds what it was
+    const TestFolder directory; // the mount holds what it was
     const fs::path file = directory.Path() / "content";
     WriteFile(file, content);
     fs::permissions(file, fs::status(path).permissions());
@@ -94,7 +94,7 @@ RealFtpServer::RealFtpServer(const std::string& user, const std::string& passwor
     if (chown(home.c_str(), kUser, kUser) != 0)
         std::perror(home.c_str());
 
-    const TemporaryDirectory directory;
+    const TestFolder directory;
     const fs::path configuration = directory.Path() / "vsftpd.conf";
     WriteFile(configuration, "listen=YES\nlisten_address=127.0.0.1\nbackground=NO\nanonymous_enable=NO\n"
                              "local_enable=YES\nwrite_enable=YES\nlocal_umask=022\nutf8_filesystem=YES\n"

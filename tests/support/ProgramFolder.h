@@ -4,7 +4,7 @@
 // the console's window.
 #pragma once
 
-#include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestFolder.h"
 
 #include <chrono>
 #include <filesystem>
@@ -54,7 +54,7 @@ public:
     std::string Log() const { return Read("Logs/Tavo.log"); }
 
 private:
-    TemporaryDirectory mDirectory;
+    TestFolder mDirectory{"tavo-test-"};
 };
 
 // The console's text less the "[...ms] " prefixes, whose numbers differ from run to run.

@@ -8,8 +8,30 @@
 #include <random>
 #include <sstream>
 
-TestFolder::TestFolder()
-    : mPath(std::filesystem::temp_directory_path() / ("tavo test " + std::to_string(std::random_device()())))
+std::string ReadFile(const std::filesystem::path& path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+void WriteFile(const std::filesystem::path& path, const std::string& content)
+{
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+std::string RandomBytes(std::size_t count)
+{
+    std::mt19937_64 generator(count);
+    std::string bytes(count, '\0');
+    for (char& byte : bytes)
+        byte = static_cast<char>(generator());
+    return bytes;
+}
+
+TestFolder::TestFolder(const std::string& name)
+    : mPath(std::filesystem::temp_directory_path() / (name + std::to_string(std::random_device()())))
 {
     std::filesystem::create_directory(mPath);
 }
@@ -18,19 +40,6 @@ TestFolder::~TestFolder()
 {
     std::error_code ignored;
     std::filesystem::remove_all(mPath, ignored);
-}
-
-std::string TestFolder::Read(const std::filesystem::path& name) const
-{
-    const std::ifstream file(mPath / name, std::ios::binary);
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-void TestFolder::Write(const std::filesystem::path& name, const std::string& text) const
-{
-    std::ofstream(mPath / name, std::ios::binary) << text;
 }
 
 std::wstring UniqueName(const std::wstring& name)

@@ -1,23 +1,35 @@
 // SPDX-License-Identifier: MIT
-// What a test has for itself: a folder, names, a variable of the environment.
+// What a test has for itself: a folder and files in it, names, a variable of the environment.
 #pragma once
 
 #include <filesystem>
 #include <optional>
 #include <string>
 
-// A new folder with a blank in its name, gone at the end.
+// Empty when it is not there.
+std::string ReadFile(const std::filesystem::path& path);
+
+// Makes the folders above it too.
+void WriteFile(const std::filesystem::path& path, const std::string& content);
+
+// Bytes that differ from place to place, and do not get fewer in an archive.
+std::string RandomBytes(std::size_t count);
+
+// A new folder, with a blank in its name unless told otherwise, gone at the end.
 class TestFolder
 {
 public:
-    TestFolder();
+    explicit TestFolder(const std::string& name = "tavo test ");
     ~TestFolder();
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
 
     const std::filesystem::path& Path() const { return mPath; }
-    std::string Read(const std::filesystem::path& name) const; // empty when it is not there
-    void Write(const std::filesystem::path& name, const std::string& text) const;
+    std::string Read(const std::filesystem::path& name) const { return ReadFile(mPath / name); }
+    void Write(const std::filesystem::path& name, const std::string& text) const
+    {
+        WriteFile(mPath / name, text);
+    }
 
 private:
     std::filesystem::path mPath;
