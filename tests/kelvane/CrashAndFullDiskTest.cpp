@@ -34,7 +34,8 @@ TEST(Settings, HoldTheOldOrTheNewTextWheneverTheWriterIsKilled)
     const AgentFolder folder;
     folder.Write("Tavo.settings.json", FileWith('A'));
     std::mt19937 random(20261124);
-    std::uniform_int_distribution<int> microseconds(0, 5'000);
+    std::uniform_int_distribution<int> aimed(0, 500); // microseconds, as the next
+    std::uniform_int_distribution<int> anywhere(0, 5'000);
     int interrupted = 0;
     for (int kill = 0; kill < kKills; ++kill)
     {
@@ -45,9 +46,10 @@ TEST(Settings, HoldTheOldOrTheNewTextWheneverTheWriterIsKilled)
         while (folder.Settings() == before)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         // Every other kill is aimed at the next write, however long the disk takes between two.
-        while (kill % 2 != 0 && !std::filesystem::exists(folder.Path() / "Tavo.settings.json.new"))
+        const bool isAimed = kill % 2 != 0;
+        while (isAimed && !std::filesystem::exists(folder.Path() / "Tavo.settings.json.new"))
             std::this_thread::yield();
-        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+        std::this_thread::sleep_for(std::chrono::microseconds((isAimed ? aimed : anywhere)(random)));
         writer.Kill();
         const std::string after = folder.Settings();
         ASSERT_TRUE(after == FileWith('A') || after == FileWith('B'))

@@ -45,5 +45,6 @@ int main(int argc, char** argv)
     if (ships)
         for (const fs::directory_entry& entry : fs::directory_iterator(folder.Path() / "Logs"))
             std::printf("left: %s\n", entry.path().filename().string().c_str());
+    std::fprintf(stderr, "ended %d with %d\n", outcome.ended, outcome.exitCode);
     return outcome.ended ? 0 : 1;
 }

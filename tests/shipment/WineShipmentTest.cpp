@@ -41,7 +41,7 @@ TEST_F(WineShipment, BringsTheFreshFilesAndSaysWhatItDoes)
         "[ -e \"$WINEPREFIX\" ] || [ ! -f \"$made/.made\" ] || cp -al \"$made\" \"$WINEPREFIX\"; '" +
         (source / "scripts" / "wine-run").string() + "' '" + (build / "tests" / "show_console.exe").string() +
         "' --logs '" + Logs().string() + "' '-FTP_LOG=wine case' </dev/null >'" + shown.string() +
-        "' 2>/dev/null; wineserver -k -w";
+        "'; code=$?; wineserver -k -w; exit $code";
     EXPECT_EQ(0, std::system(command.c_str()));
 
     ProgramOutcome outcome;
