@@ -153,8 +153,10 @@ TEST_F(WholeShipment, IsStartedByTheButtonOnAScreenAndOutlivesTheEscapeKey)
         GTEST_SKIP() << "no display for screens, or no sight of the locks inside its libraries";
     WriteFile(Logs() / "fresh.log", "fresh");
     const RealFtpServer server(kFtpUser, kFtpPassword);
+    // In this network a server finds every display number free: its sockets would take the place of others'.
     WriteFile(folder.Path() / "user", R"sh(
         cd "$(dirname "$0")"
+        mkdir -p /tmp/.X11-unix && mount -t tmpfs none /tmp/.X11-unix
         Xvfb -displayfd 3 -screen 0 1000x800x24 3>display 2>/dev/null & screen=$!
         until [ -s display ]; do sleep 0.1; done
         export DISPLAY=:$(cat display) ASAN_OPTIONS=detect_leaks=0
@@ -165,7 +167,8 @@ TEST_F(WholeShipment, IsStartedByTheButtonOnAScreenAndOutlivesTheEscapeKey)
         kill $screen
         exit $result)sh");
     ProgramOutcome outcome;
-    outcome.exitCode = WEXITSTATUS(std::system(("sh '" + (folder.Path() / "user").string() + "'").c_str()));
+    outcome.exitCode =
+        WEXITSTATUS(std::system(("unshare -m sh '" + (folder.Path() / "user").string() + "'").c_str()));
     outcome.ended = outcome.exitCode != 124;
     ExpectOrderlyEnd(outcome);
     ExpectShippedByButton(server);
