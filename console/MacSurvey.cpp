@@ -171,7 +171,7 @@ std::wstring ChooseMacAddress(const IP_ADAPTER_ADDRESSES* first, const void* end
             adapter = adapter->Next;
         } while (adapter && adapter < end);
     }
-    const std::wstring result = found.empty() ? std::wstring() : *found.begin();
+    std::wstring result = found.empty() ? std::wstring() : *found.begin();
     Log(log, L"macCount={0:u}, ret={1:s}", {static_cast<unsigned>(found.size()), result.c_str()});
     return result;
 }

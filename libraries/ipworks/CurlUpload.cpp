@@ -115,7 +115,7 @@ UploadResult CurlUpload::Run()
 
     curl_off_t sent = 0;
     curl_easy_getinfo(mCurl.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
-    const UploadResult result = Judge(code);
+    UploadResult result = Judge(code);
     // Of an empty file, the confirmation is all the progress that there is.
     if (sent > 0 || result.code == kIPWorksOk)
         mEvents.FinalProgress(sent, mFile.Size());

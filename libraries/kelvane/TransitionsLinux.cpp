@@ -8,7 +8,7 @@
 namespace
 {
 
-constexpr std::time_t kDay = 24 * 60 * 60;
+constexpr std::time_t kDay = 86'400;
 
 struct Clock
 {

@@ -52,7 +52,7 @@ public:
                 using std::chrono::milliseconds;
                 const auto left =
                     std::chrono::ceil<milliseconds>(*deadline - std::chrono::steady_clock::now());
-                constexpr milliseconds::rep kLongest = 60 * 60 * 1000; // then it looks again
+                constexpr milliseconds::rep kLongest = 3'600'000; // then it looks again
                 wait = static_cast<int>(std::clamp<milliseconds::rep>(left.count(), 0, kLongest));
             }
             const int count = poll(&ready, 1, wait);
@@ -173,17 +173,11 @@ public:
 pid_t Spawn(const std::string& program, const std::vector<std::wstring>& words, const SpawnSettings& settings,
             int& error)
 {
-    std::vector<std::string> arguments;
-    std::vector<char*> pointers;
-    for (const std::wstring& word : words)
-    {
-        arguments.push_back(SystemFromWide(word));
-    }
-    for (std::string& argument : arguments)
-    {
-        pointers.push_back(argument.data());
-    }
-    pointers.push_back(nullptr);
+    std::vector<std::string> arguments(words.size());
+    std::ranges::transform(words, arguments.begin(), SystemFromWide);
+    std::vector<char*> pointers(words.size() + 1); // null at the end
+    std::ranges::transform(arguments, pointers.begin(),
+                           [](std::string& argument) { return argument.data(); });
     pid_t id = 0;
     error = posix_spawn(&id, program.c_str(), &settings.mActions, &settings.mAttributes, pointers.data(),
                         environ);

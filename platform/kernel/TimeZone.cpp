@@ -16,7 +16,7 @@
 namespace
 {
 
-constexpr time_t kDay = 24 * 60 * 60; // in s
+constexpr time_t kDay = 86'400; // in s
 
 struct tm LocalTime(time_t when)
 {

@@ -19,7 +19,7 @@ constexpr std::uint32_t kInvalidCredentials = 0x31;
 constexpr std::uint32_t kLocalError = 0x52;
 constexpr std::uint32_t kAuthUnknown = 0x56;
 
-constexpr std::size_t kLongestPlain = 64 * 1024; // wrapped in one token, in bytes
+constexpr std::size_t kLongestPlain = 65'536; // wrapped in one token, in bytes
 
 constexpr OM_uint32 kProtected =
     GSS_C_MUTUAL_FLAG | GSS_C_REPLAY_FLAG | GSS_C_SEQUENCE_FLAG | GSS_C_INTEG_FLAG | GSS_C_CONF_FLAG;
@@ -214,18 +214,18 @@ std::unique_ptr<GssContext> GssContext::Kerberos(const LdapIdentity& identity, c
     // The realm of the target is left open: the servers of the user's realm refer to the right one.
     const std::string target = "ldap/" + Escaped(host) + "@";
     const std::string user = Escaped(identity.user.substr(0, identity.user.find('@'))) + "@" + realm;
-    auto outcome = RunWithin(deadline,
-                             [target, user, password = identity.password]
-                             {
-                                 // SPNEGO does not tell why there is no ticket: Kerberos itself is asked
-                                 // first.
-                                 Outcome result;
-                                 WithTicket(user, password, target, &kKerberos, result.fault);
-                                 if (!result.fault)
-                                     result.context =
-                                         WithTicket(user, password, target, &kSpnego, result.fault);
-                                 return result;
-                             });
+    auto outcome =
+        RunWithin(deadline,
+                  [target, user, password = identity.password]
+                  {
+                      // SPNEGO does not tell why there is no ticket: Kerberos itself is asked
+                      // first.
+                      Outcome result;
+                      result.context = WithTicket(user, password, target, &kKerberos, result.fault);
+                      if (!result.fault)
+                          result.context = WithTicket(user, password, target, &kSpnego, result.fault);
+                      return result;
+                  });
     if (!outcome)
     {
         fault = {kLocalError, "the ticket server gave no answer in time"};

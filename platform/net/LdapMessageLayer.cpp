@@ -11,7 +11,7 @@ namespace
 
 // Above the library's own layers, of which the log-on's protection is the highest.
 constexpr int kLevel = LBER_SBIOD_LEVEL_APPLICATION + 1;
-constexpr std::size_t kReadAhead = 16 * 1024; // bytes
+constexpr std::size_t kReadAhead = 16'384; // bytes
 
 } // namespace
 

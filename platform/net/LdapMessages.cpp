@@ -27,8 +27,8 @@ constexpr ber_tag_t kExtendedResponse = 0x78;
 constexpr ber_tag_t kResponseName = 0x8a;
 constexpr std::string_view kDisconnection = "1.3.6.1.4.1.1466.20036";
 
-constexpr std::size_t kLongestMessage = 64 * 1024 * 1024; // taken from a server, in bytes
-constexpr std::size_t kLongestUnasked = 64 * 1024;
+constexpr std::size_t kLongestMessage = 1U << 26U; // taken from a server, in bytes
+constexpr std::size_t kLongestUnasked = 1U << 16U;
 
 // Reads a head that must have this tag.
 BerReading ReadHead(std::string_view bytes, unsigned char tag, std::size_t& at, std::size_t& length)

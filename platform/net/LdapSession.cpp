@@ -106,7 +106,7 @@ timeval TimeLeft(Deadline deadline)
 
 std::string TakeText(char* text)
 {
-    const std::string result = text ? text : "";
+    std::string result = text ? text : "";
     ldap_memfree(text);
     return result;
 }
@@ -358,7 +358,7 @@ LdapFault LdapSession::ReadTraits(Deadline deadline, ServerTraits& traits)
 {
     const char* const attributes[] = {"supportedSASLMechanisms", "ldapServiceName", nullptr};
     LdapResult result;
-    const LdapFault fault =
+    LdapFault fault =
         SearchUntil(deadline, "", LDAP_SCOPE_BASE, "(objectClass=*)", attributes, false, result);
     const auto valuesOf = [&](const char* attribute)
     { return ValuesOf(result, attribute).value_or(std::vector<std::string_view>()); };
@@ -428,7 +428,7 @@ LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const ch
         Message answer;
         if (LdapFault fault = AwaitBind(request, deadline, answer))
             return fault;
-        const LdapFault result = ResultOf(answer.get());
+        LdapFault result = ResultOf(answer.get());
         if (result && result.code != LDAP_SASL_BIND_IN_PROGRESS)
             return result;
         berval* token = nullptr;
@@ -464,7 +464,7 @@ LdapFault LdapSession::Search(const std::string& base, int scope, const std::str
     if (LdapFault fault = Ready())
         return fault;
     auto found = std::make_unique<LdapResult>();
-    const LdapFault fault =
+    LdapFault fault =
         SearchUntil(Clock::now() + mTimeLimit + kGrace, base, scope, filter, attributes, namesOnly, *found);
     if (!fault)
         result = std::move(found);

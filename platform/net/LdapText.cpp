@@ -12,14 +12,14 @@
 namespace
 {
 
-constexpr std::uint32_t kReplacement = 0xFFFD;
+constexpr char32_t kReplacement = 0xFFFD;
 constexpr std::size_t kLongestCause = 400;  // characters
 constexpr std::size_t kLongestSequence = 4; // bytes of one character
 
 // What would break the line, or let a server write over or turn around what stands before it.
 bool IsUnprintable(wchar_t character)
 {
-    const auto point = static_cast<std::uint32_t>(character);
+    const auto point = static_cast<char32_t>(character);
     return point < 0x20 || (point >= 0x7f && point < 0xa0) || point == 0x061c || point == 0x200e ||
            point == 0x200f || (point >= 0x2028 && point <= 0x202e) || (point >= 0x2066 && point <= 0x2069) ||
            point == 0xfeff;
@@ -34,7 +34,7 @@ std::string ToUtf8(std::wstring_view text)
     std::size_t length = 0;
     for (const wchar_t character : text)
     {
-        auto point = static_cast<std::uint32_t>(character);
+        auto point = static_cast<char32_t>(character);
         if (point > 0x10FFFF || U_IS_SURROGATE(point))
             point = kReplacement;
         U8_APPEND_UNSAFE(bytes.data(), length, point);

@@ -8,6 +8,7 @@
 #include <winber.h>
 #include <winldap.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -170,10 +171,8 @@ ULONG ldap_search_sW(LDAP* session, const PWCHAR base, ULONG scope, const PWCHAR
     std::vector<std::string> names;
     for (PWCHAR* attribute = attributes; attribute && *attribute; ++attribute)
         names.push_back(ToUtf8(*attribute));
-    std::vector<const char*> list;
-    for (const std::string& name : names)
-        list.push_back(name.c_str());
-    list.push_back(nullptr);
+    std::vector<const char*> list(names.size() + 1); // null at the end
+    std::ranges::transform(names, list.begin(), [](const std::string& name) { return name.c_str(); });
     std::unique_ptr<LdapResult> found;
     const LdapFault fault =
         SessionOf(session)->Search(ToUtf8(ViewOf(base)), static_cast<int>(scope), ToUtf8(ViewOf(filter)),
