@@ -9,9 +9,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <thread>
+#include <utility>
 
 #include <malloc.h>
 #include <openldap.h>
+#include <resolv.h>
 #include <sasl/sasl.h>
 
 namespace
@@ -68,12 +70,25 @@ void* Reallocate(void* block, ber_len_t size, void*)
     return larger;
 }
 
+// The library begins with a look-up of this machine's own name, which nothing here needs and a dead name
+// server holds up for as long as the system waits for it: it begins on a thread that asks no name server. The
+// next thread takes over the C library's state of this one, so the servers are put back.
+void BeginLibrary()
+{
+    res_init();
+    const int servers = std::exchange(_res.nscount, 0);
+    int version = 0;
+    ldap_get_option(nullptr, LDAP_OPT_PROTOCOL_VERSION, &version);
+    _res.nscount = servers;
+}
+
 void PrepareLibrary()
 {
     static const bool prepared = []
     {
         BerMemoryFunctions functions = {Allocate, AllocateZeroed, Reallocate, WipeAndFree};
         ber_set_option(nullptr, LBER_OPT_MEMORY_FNS, &functions);
+        std::thread(BeginLibrary).join();
         return true;
     }();
     static_cast<void>(prepared);

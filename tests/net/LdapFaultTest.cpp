@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the LDAP client says and does when the server, or what stands in its place, does something wrong.
 #include "tests/support/LdapPeer.h"
+#include "tests/support/OwnNetwork.h"
 
 #include <winber.h>
 #include <winldap.h>
@@ -10,7 +11,10 @@
 #include <chrono>
 #include <thread>
 
+#include <netinet/in.h>
+#include <sched.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace
 {
@@ -362,6 +366,29 @@ TEST(LdapConnect, TriesEveryHostUntilOneAnswersAndKeepsItAliveWhenTold)
         EXPECT_EQ(IsASocketKeptAlive(), told);
         EXPECT_EQ(session.Bind(), 0u);
     }
+}
+
+// The library looks this machine's own name up when it begins, so once in a process.
+TEST(LdapConnect, IsNotHeldUpByASilentNameServer)
+{
+    if (!EnterOwnNetwork() || unshare(CLONE_NEWUTS) != 0)
+        GTEST_SKIP() << "a network of its own needs root";
+    EXPECT_EQ(sethostname("only-a-name-server-knows", 24), 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(53);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const int silent = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(bind(silent, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ReplaceSystemFile("/etc/resolv.conf", "nameserver 127.0.0.1\n");
+
+    const LdapPeer peer([](Connection& connection) { connection.AcceptBind(); });
+    const Session session(peer.Port());
+    const auto start = steady_clock::now();
+    EXPECT_EQ(session.Connect(), 0u);
+    EXPECT_LT(steady_clock::now() - start, seconds(3));
+    EXPECT_EQ(session.Bind(), 0u);
+    close(silent);
 }
 
 TEST(LdapErrors, BelongToTheThreadThatMetThem)
