@@ -229,15 +229,6 @@ TEST(MessageMap, DerivedClassComesFirstAndItsBasesServeTheRest)
     EXPECT_EQ(dialog.mNewRow, 1);
 }
 
-TEST(MessageMap, KnowsTwoRowsForTheSameMessage)
-{
-    constexpr AFX_MSGMAP_ENTRY paint{WM_PAINT, 0, 0, nullptr};
-    constexpr AFX_MSGMAP_ENTRY click{WM_COMMAND, BN_CLICKED, 7, nullptr};
-    constexpr AFX_MSGMAP_ENTRY otherClick{WM_COMMAND, BN_CLICKED, 8, nullptr};
-    EXPECT_TRUE(AfxRowsDiffer({paint, click, otherClick, {}}));
-    EXPECT_FALSE(AfxRowsDiffer({click, paint, click, {}}));
-}
-
 TEST(Application, ServesTheCommandsThatTheDialogDoesNot)
 {
     TestApp app;

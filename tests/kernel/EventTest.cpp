@@ -80,22 +80,6 @@ TEST(Event, SetReleasesAllThreadsThatWaitHoweverSoonTheResetFollows)
     CloseHandle(event);
 }
 
-TEST(Event, HandlesThatAreNoneOfItsKindAreFoundOut)
-{
-    WIN32_FIND_DATAW data;
-    const TestFolder folder;
-    const HANDLE find = FindFirstFileW((folder.Path() / L"*").wstring().c_str(), &data);
-    const HANDLE made = reinterpret_cast<HANDLE>(static_cast<ULONG_PTR>(0x123450));
-    for (const HANDLE handle : {find, made, static_cast<HANDLE>(nullptr)})
-    {
-        EXPECT_FALSE(SetEvent(handle));
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
-        EXPECT_FALSE(ResetEvent(handle));
-        EXPECT_EQ(WaitForSingleObject(handle, 0), DWORD{WAIT_FAILED});
-    }
-    EXPECT_TRUE(FindClose(find));
-}
-
 TEST(NamedEvent, IsOneObjectUntilItsLastHandleIsClosed)
 {
     const std::wstring name = UniqueName(L"one");

@@ -123,12 +123,3 @@ TEST(ZTFTP, ApprovesWhateverItIsAskedAndCountsWithoutALine)
     EXPECT_EQ(12, ftp.bytesSent);
     EXPECT_EQ(0, gLastFTPPercent);
 }
-
-TEST(FTP, HandsResultsAndTextsOnUnchanged)
-{
-    FTP ftp;
-    EXPECT_EQ(0, ftp.SetPassive(0));
-    EXPECT_STREQ("", ftp.GetLastError());
-    EXPECT_EQ(1003, ftp.SetPassive(2));
-    EXPECT_STREQ("1003 Passive mode is 1 or 0.", ftp.GetLastError());
-}

@@ -159,27 +159,3 @@ TEST_F(AccessCheckTest, RefusesWhatItCannotJudge)
     std::swap(mToken, process);
     CloseHandle(process);
 }
-
-TEST(AccessList, TakesAsManyEntriesAsItHasRoomFor)
-{
-    const OwnedSid sid = MakeSid(5, {SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS});
-    EXPECT_EQ(GetLengthSid(sid.get()), 16U);
-    std::vector<DWORD> block(8); // 32 bytes: head, one entry, nothing more
-    const auto acl = reinterpret_cast<PACL>(block.data());
-    EXPECT_TRUE(InitializeAcl(acl, 32, ACL_REVISION2));
-    EXPECT_TRUE(AddAccessAllowedAce(acl, ACL_REVISION2, 3, sid.get()));
-    EXPECT_FALSE(AddAccessAllowedAce(acl, ACL_REVISION2, 3, sid.get()));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ALLOTTED_SPACE_EXCEEDED});
-    EXPECT_FALSE(InitializeAcl(acl, 4, ACL_REVISION2));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
-}
-
-TEST(SecurityDescriptor, IsOfOneRevision)
-{
-    SECURITY_DESCRIPTOR descriptor = {};
-    EXPECT_FALSE(InitializeSecurityDescriptor(&descriptor, 2));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_UNKNOWN_REVISION});
-    EXPECT_FALSE(IsValidSecurityDescriptor(&descriptor));
-    EXPECT_TRUE(InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION));
-    EXPECT_TRUE(IsValidSecurityDescriptor(&descriptor));
-}

@@ -3,13 +3,10 @@
 #include <windows.h>
 
 #include <security.h>
-#include <time.h>
-#include <wchar.h>
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdlib>
 #include <string>
 
 namespace
@@ -70,39 +67,4 @@ TEST(SystemName, SizesCountTheTerminatorOnTheWayInAndByTheCallOnTheWayOut)
     EXPECT_EQ(count, std::wcslen(name.data()));
     EXPECT_NE(std::wstring(name.data()).find(L'\\'), std::wstring::npos);
     EXPECT_FALSE(GetUserNameExW(NameUnknown, name.data(), &count));
-}
-
-TEST(RuntimeText, TokensAreTakenOffInPlace)
-{
-    wchar_t text[] = L";;de-de;German (Germany);";
-    EXPECT_STREQ(wcstok(text, L";"), L"de-de");
-    EXPECT_STREQ(wcstok(nullptr, L"("), L"German ");
-    EXPECT_STREQ(wcstok(nullptr, L";"), L"Germany)");
-    EXPECT_EQ(wcstok(nullptr, L";"), nullptr);
-    wchar_t empty[] = L"";
-    EXPECT_EQ(wcstok(empty, L";"), nullptr);
-    wchar_t* copy = _wcsdup(L"a\u20AC");
-    EXPECT_STREQ(copy, L"a\u20AC");
-    free(copy);
-}
-
-TEST(RuntimeTime, SplitsUtcAndRefusesWhatLiesOutsideItsRange)
-{
-    const __time64_t leapDay = 951782400; // 29 February 2000
-    const struct tm* fields = _gmtime64(&leapDay);
-    ASSERT_NE(fields, nullptr);
-    EXPECT_EQ(fields->tm_year, 100);
-    EXPECT_EQ(fields->tm_mon, 1);
-    EXPECT_EQ(fields->tm_mday, 29);
-    EXPECT_EQ(fields->tm_yday, 59);
-    EXPECT_EQ(fields->tm_wday, 2);
-    for (const __time64_t outside : {__time64_t{-86400}, __time64_t{99999999999}})
-    {
-        EXPECT_EQ(_gmtime64(&outside), nullptr);
-        EXPECT_EQ(_localtime64(&outside), nullptr);
-    }
-    __time64_t stored = 0;
-    const __time64_t now = _time64(&stored);
-    EXPECT_EQ(now, stored);
-    EXPECT_GT(stored, leapDay);
 }
