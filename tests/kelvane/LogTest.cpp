@@ -172,7 +172,8 @@ TEST(Log, LosesAndMixesNoLineOfProcessesThatWriteAndRotateAtOnce)
             ++seen[Rest(line)];
         }
     }
-    EXPECT_GT(files, 10);
+    // How often depends on the scheduler, since nobody waits for the one who rotates; that he does, does not.
+    EXPECT_GT(files, 1);
     EXPECT_EQ(seen.size(), static_cast<std::size_t>(kProcesses * kLines));
     for (const auto& [text, times] : seen)
         EXPECT_EQ(times, 1) << text;
