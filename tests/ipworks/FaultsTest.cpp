@@ -85,12 +85,14 @@ const std::vector<Fault> kFaults = {
     {"StallAfterTheLastByte", {.farewell = kSilence}, kIPWorksStalled, "2 seconds", Moved::eAll},
     {"AnswersInSingleBytes", {.inSingleBytes = true}, 0, "", Moved::eAll},
     {"SilentGoodbye", {.answers = {{"QUIT", kSilence}}}, 0, "", Moved::eAll},
-    // WinINet takes no line of that length, and reads byte by byte on.
+    // WinINet takes no line of that length, and reads byte by byte on: to its end, or until time runs out.
     {"GreetingOf20KB",
      {.greeting = "220 " + std::string(20000, 'x') + "\r\n"},
-     RunsOnWindows() ? kIPWorksUnexpectedAnswer : 0,
+     RunsOnWindows() ? kIPWorksStalled : 0,
      "",
-     RunsOnWindows() ? Moved::eNothing : Moved::eAll},
+     RunsOnWindows() ? Moved::eNothing : Moved::eAll,
+     true,
+     RunsOnWindows() ? kIPWorksUnexpectedAnswer : 0},
     {"GreetingOf10MB",
      {.greeting = "220 " + std::string(10000000, 'x') + "\r\n"},
      RunsOnWindows() ? kIPWorksStalled : kIPWorksConnectionLost,

