@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 // One LDAP test with its walk, as from the dialog; the console's text is dropped. TAVO_LDAP_PORT is where the
-// directory is.
+// directory is. With a number, so many more, whose mean time in seconds is printed.
 #include "ldap/LdapTest.h"
 
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
 
-int main()
+namespace
+{
+
+bool Test()
 {
     LDAPCreds creds;
     creds.mServer = L"127.0.0.1";
@@ -21,5 +26,20 @@ int main()
                        bound = true;
                        WalkLdapTree(session, console);
                    });
-    return bound ? EXIT_SUCCESS : EXIT_FAILURE;
+    return bound;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    bool good = Test();
+    const int more = argc > 1 ? std::atoi(argv[1]) : 0;
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < more; ++i)
+        good = Test() && good;
+    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
+    if (more > 0)
+        std::printf("%.9f\n", passed.count() / more);
+    return good ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "libraries/kelvane/Numbers.h"
 
+#include "foundation/LateIcu.h"
+#include "foundation/Utf16.h"
 #include "libraries/kelvane/Text.h"
 
-#include <unicode/numfmt.h>
+#include <unicode/uloc.h>
+#include <unicode/unum.h>
 
+#include <array>
 #include <cstdlib>
 #include <memory>
 
@@ -15,31 +19,41 @@ namespace
 
 // The user's choice for numbers, as POSIX orders the variables; read here and not by setlocale, which would
 // change the program's own formats.
-icu::Locale UserLocale()
+std::array<char, ULOC_FULLNAME_CAPACITY> UserLocale()
 {
+    std::array<char, ULOC_FULLNAME_CAPACITY> locale{"en_US_POSIX"};
     for (const char* variable : {"LC_ALL", "LC_NUMERIC", "LANG"})
         if (const char* name = std::getenv(variable); name != nullptr && *name != '\0')
-            return icu::Locale::createCanonical(name);
-    return icu::Locale("en_US_POSIX");
+        {
+            UErrorCode status = U_ZERO_ERROR;
+            uloc_canonicalize(name, locale.data(), locale.size(), &status);
+            break;
+        }
+    return locale;
 }
 
 } // namespace
 
 ZTString ShowDecimal(const std::string& number, int digits, bool grouping)
 {
+    const auto open = LATE_ICU(unum_open);
+    const auto close = LATE_ICU(unum_close);
+    const auto set = LATE_ICU(unum_setAttribute);
+    const auto show = LATE_ICU(unum_formatDecimal);
+    if (!open || !close || !set || !show)
+        return Widen(number);
     UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::NumberFormat> format(icu::NumberFormat::createInstance(UserLocale(), status));
+    const std::unique_ptr<UNumberFormat, decltype(close)> format(
+        open(UNUM_DECIMAL, nullptr, 0, UserLocale().data(), nullptr, &status), close);
     if (U_FAILURE(status))
         return Widen(number);
-    format->setGroupingUsed(grouping);
-    format->setMinimumFractionDigits(digits);
-    format->setMaximumFractionDigits(digits);
-    icu::UnicodeString shown;
-    format->format(icu::StringPiece(number), shown, nullptr, status);
-    if (U_FAILURE(status))
-        return Widen(number);
-    std::string narrow;
-    return Widen(shown.toUTF8String(narrow));
+    set(format.get(), UNUM_GROUPING_USED, grouping ? 1 : 0);
+    set(format.get(), UNUM_FRACTION_DIGITS, digits);
+    std::array<UChar, 1024> shown;
+    const int32_t length = show(format.get(), number.data(), static_cast<int32_t>(number.size()),
+                                shown.data(), static_cast<int32_t>(shown.size()), nullptr, &status);
+    return U_FAILURE(status) ? Widen(number)
+                             : ZTString(FromUtf16(shown.data(), static_cast<std::size_t>(length)).c_str());
 }
 
 } // namespace kelvane

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "foundation/LateIcu.h"
 #include "platform/kernel/Text.h"
 #include "timezoneapi.h"
 
@@ -99,8 +100,11 @@ std::string WindowsZone(const std::string& zone)
     const std::u16string id(zone.begin(), zone.end());
     std::array<UChar, 64> name = {};
     UErrorCode error = U_ZERO_ERROR;
-    const int32_t length = ucal_getWindowsTimeZoneID(id.data(), static_cast<int32_t>(id.size()), name.data(),
-                                                     name.size(), &error);
+    const auto windowsId = LATE_ICU(ucal_getWindowsTimeZoneID);
+    if (!windowsId)
+        return {};
+    const int32_t length =
+        windowsId(id.data(), static_cast<int32_t>(id.size()), name.data(), name.size(), &error);
     return U_SUCCESS(error) ? std::string(name.data(), name.data() + length) : std::string();
 }
 

@@ -1,35 +1,51 @@
 // SPDX-License-Identifier: MIT
-// What a search gave: a chain of messages, of which no more is kept than their attributes, in the bytes in
-// which these came. Texts are UTF-8.
+// What a search gave: messages, of which no more is kept than their attributes, in the bytes in which these
+// came. Texts are UTF-8.
 #pragma once
 
-#include <memory_resource>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
 
-// One message of a result; nothing but entries has attributes.
+// One message of a result, as a word of the memory that holds all of them.
 struct LdapEntry
 {
-    std::string_view attributes; // what stands in the BER list of them
-    LdapEntry* next = nullptr;
+    std::uint32_t word;
 };
 
-// The first message and the memory of all.
-class LdapResult : public LdapEntry
+class LdapResult
 {
 public:
-    LdapResult() = default;
-    LdapResult(const LdapResult&) = delete;
-    LdapResult& operator=(const LdapResult&) = delete;
-
-    bool IsEmpty() const { return mLast == nullptr; }
+    bool IsEmpty() const { return mSize == 0; }
     void Add(std::string_view attributesOfMessage);
 
+    const LdapEntry* First() const { return mEntries.get(); }
+    // Hands the messages over, for std::free of the first.
+    LdapEntry* Release() { return mEntries.release(); }
+
 private:
-    std::pmr::monotonic_buffer_resource mMemory;
-    LdapEntry* mLast = nullptr;
+    struct Free
+    {
+        void operator()(LdapEntry* entries) const { std::free(entries); }
+    };
+
+    LdapEntry* Grow(std::size_t words);
+
+    std::unique_ptr<LdapEntry, Free> mEntries;
+    std::size_t mSize = 0; // in words, as the other two; without the end
+    std::size_t mCapacity = 0;
+    std::size_t mKept = 0; // where the last attributes are
 };
+
+// The one behind a message, or null.
+const LdapEntry* NextOf(const LdapEntry* entry);
+
+// What stands in the BER list of a message's attributes; nothing but entries has any.
+std::string_view AttributesOf(const LdapEntry* entry);
 
 struct LdapAttribute
 {
@@ -42,4 +58,4 @@ std::optional<LdapAttribute> TakeAttribute(std::string_view& attributes);
 
 // An attribute's values in the server's order; nothing when there is none of that name or its values cannot
 // be read. Case counts in a name only where the entry has several that differ in nothing else.
-std::optional<std::vector<std::string_view>> ValuesOf(const LdapEntry& entry, std::string_view name);
+std::optional<std::vector<std::string_view>> ValuesOf(const LdapEntry* entry, std::string_view name);

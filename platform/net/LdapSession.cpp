@@ -375,8 +375,10 @@ LdapFault LdapSession::ReadTraits(Deadline deadline, ServerTraits& traits)
     LdapResult result;
     LdapFault fault =
         SearchUntil(deadline, "", LDAP_SCOPE_BASE, "(objectClass=*)", attributes, false, result);
+    if (result.IsEmpty())
+        return fault;
     const auto valuesOf = [&](const char* attribute)
-    { return ValuesOf(result, attribute).value_or(std::vector<std::string_view>()); };
+    { return ValuesOf(result.First(), attribute).value_or(std::vector<std::string_view>()); };
     for (const std::string_view mechanism : valuesOf(attributes[0]))
         traits.mechanisms.emplace_back(mechanism);
     // "example.com:server$@EXAMPLE.COM"
@@ -473,14 +475,13 @@ LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const ch
 }
 
 LdapFault LdapSession::Search(const std::string& base, int scope, const std::string& filter,
-                              const char* const* attributes, bool namesOnly,
-                              std::unique_ptr<LdapResult>& result)
+                              const char* const* attributes, bool namesOnly, LdapResult& result)
 {
     if (LdapFault fault = Ready())
         return fault;
-    auto found = std::make_unique<LdapResult>();
+    LdapResult found;
     LdapFault fault =
-        SearchUntil(Clock::now() + mTimeLimit + kGrace, base, scope, filter, attributes, namesOnly, *found);
+        SearchUntil(Clock::now() + mTimeLimit + kGrace, base, scope, filter, attributes, namesOnly, found);
     if (!fault)
         result = std::move(found);
     return fault;

@@ -51,9 +51,9 @@ public:
     LdapFault BindDigest(const LdapIdentity& identity);
     LdapFault BindGss(const LdapIdentity& identity, GssMethod method);
 
-    // The attributes end with a null. The result is null when the search failed.
+    // The attributes end with a null. The result is empty when the search failed.
     LdapFault Search(const std::string& base, int scope, const std::string& filter,
-                     const char* const* attributes, bool namesOnly, std::unique_ptr<LdapResult>& result);
+                     const char* const* attributes, bool namesOnly, LdapResult& result);
 
 private:
     struct FreeMessage

@@ -173,29 +173,28 @@ ULONG ldap_search_sW(LDAP* session, const PWCHAR base, ULONG scope, const PWCHAR
         names.push_back(ToUtf8(*attribute));
     std::vector<const char*> list(names.size() + 1); // null at the end
     std::ranges::transform(names, list.begin(), [](const std::string& name) { return name.c_str(); });
-    std::unique_ptr<LdapResult> found;
+    LdapResult found;
     const LdapFault fault =
         SessionOf(session)->Search(ToUtf8(ViewOf(base)), static_cast<int>(scope), ToUtf8(ViewOf(filter)),
                                    attributes ? list.data() : nullptr, namesOnly != 0, found);
-    LdapEntry* const first = found.release();
-    *result = reinterpret_cast<LDAPMessage*>(first);
+    *result = reinterpret_cast<LDAPMessage*>(found.Release());
     return RememberFault(fault);
 }
 
 LDAPMessage* ldap_next_entry(LDAP*, LDAPMessage* entry)
 {
-    return entry ? reinterpret_cast<LDAPMessage*>(EntryOf(entry)->next) : nullptr;
+    return entry ? reinterpret_cast<LDAPMessage*>(const_cast<LdapEntry*>(NextOf(EntryOf(entry)))) : nullptr;
 }
 
 ULONG ldap_msgfree(LDAPMessage* result)
 {
-    delete static_cast<LdapResult*>(EntryOf(result));
+    std::free(result);
     return LDAP_SUCCESS;
 }
 
 PWCHAR ldap_first_attributeW(LDAP* session, LDAPMessage* entry, BerElement** position)
 {
-    *position = reinterpret_cast<BerElement*>(new std::string_view(EntryOf(entry)->attributes));
+    *position = reinterpret_cast<BerElement*>(new std::string_view(AttributesOf(EntryOf(entry))));
     return ldap_next_attributeW(session, entry, *position);
 }
 
@@ -208,7 +207,7 @@ PWCHAR ldap_next_attributeW(LDAP*, LDAPMessage*, BerElement* position)
 PWCHAR* ldap_get_valuesW(LDAP*, LDAPMessage* entry, const PWCHAR attribute)
 {
     const std::optional<std::vector<std::string_view>> values =
-        ValuesOf(*EntryOf(entry), ToUtf8(ViewOf(attribute)));
+        ValuesOf(EntryOf(entry), ToUtf8(ViewOf(attribute)));
     if (!values)
         return nullptr;
     auto list = static_cast<PWCHAR*>(std::calloc(values->size() + 1, sizeof(PWCHAR)));

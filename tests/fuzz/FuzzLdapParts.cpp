@@ -81,14 +81,14 @@ void CheckAttributes(std::string_view bytes)
 {
     LdapResult result;
     result.Add(bytes);
-    const auto lies = [kept = result.attributes](std::string_view text)
+    const auto lies = [kept = AttributesOf(result.First())](std::string_view text)
     { return text.empty() || (text.data() >= kept.data() && text.end() <= kept.end()); };
-    std::string_view rest = result.attributes;
+    std::string_view rest = AttributesOf(result.First());
     while (const auto attribute = TakeAttribute(rest))
     {
         Require(lies(attribute->name) && lies(attribute->values));
         for (const std::string_view value :
-             ValuesOf(result, attribute->name).value_or(std::vector<std::string_view>()))
+             ValuesOf(result.First(), attribute->name).value_or(std::vector<std::string_view>()))
             Require(lies(value));
     }
 }
