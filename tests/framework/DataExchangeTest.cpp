@@ -75,20 +75,6 @@ TEST(DataExchange, FillsTheControlsAndTakesTheirValues)
     EXPECT_EQ(dialog.mCheck, 0);
 }
 
-TEST(DataExchange, CancelTakesNoValues)
-{
-    ExchangeDialog dialog;
-    const TestDialog::Step typeAndCancel = [&]
-    {
-        dialog.Type(IDC_TEXT, L"typed");
-        dialog.Type(IDC_NUMBER, L"no number");
-        dialog.Click(IDCANCEL);
-    };
-    EXPECT_EQ(dialog.Run({typeAndCancel}), IDCANCEL);
-    EXPECT_TRUE(dialog.mText.IsEmpty());
-    EXPECT_EQ(dialog.mNumber, 389U);
-}
-
 TEST(DataExchange, TakesNumbersOf32Bits)
 {
     struct Case

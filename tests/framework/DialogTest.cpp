@@ -44,16 +44,6 @@ END_MESSAGE_MAP()
 
 } // namespace
 
-TEST(ModalDialog, GivesTheResultThatItWasEndedWithEachTimeItIsShown)
-{
-    TestDialog dialog;
-    for (const int result : {77, 78})
-    {
-        EXPECT_EQ(dialog.Run({[&] { dialog.EndDialog(result); }}), result);
-        EXPECT_EQ(dialog.m_hWnd, nullptr);
-    }
-}
-
 TEST(ModalDialog, FailsWithoutATemplate)
 {
     TestDialog dialog(4711);

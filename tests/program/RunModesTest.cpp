@@ -73,13 +73,6 @@ TEST(SetConfig, ChangesOneSettingAndSaysSoInTheLog)
     }
 }
 
-TEST(SetConfig, WhatOneRunSetTheNextOneShows)
-{
-    const ProgramFolder folder;
-    folder.Run({{"-SETCONFIG", "CustomerServiceText:Ring 555"}, {}, {}});
-    EXPECT_THAT(folder.Run({}).console, HasSubstr("] Ring 555\n"));
-}
-
 TEST(SetConfig, AUserWhoMayNotWriteIsTold)
 {
     if (RunsOnWindows())
