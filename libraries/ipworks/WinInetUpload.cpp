@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <system_error>
 #include <vector>
 
 namespace
@@ -329,5 +330,12 @@ UploadResult WinInetUpload::Problem() const
 
 UploadResult RunUpload(const UploadJob& job, LocalFile& file, UploadEvents& events)
 {
-    return WinInetUpload(job, file, events).Run();
+    try
+    {
+        return WinInetUpload(job, file, events).Run();
+    }
+    catch (const std::system_error& error) // no thread for the calls
+    {
+        return {kIPWorksConnectFailed, error.what()};
+    }
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "platform/kernel/Error.h"
 #include "winbase.h"
 
 #include <process.h>
@@ -49,6 +50,7 @@ std::uintptr_t _beginthread(void (*start)(void*), unsigned stackSize, void* argu
     if (result != 0)
     {
         errno = result;
+        SetLastError(ErrorFromErrno(result));
         return UINTPTR_MAX;
     }
     return 1;

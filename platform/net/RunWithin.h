@@ -9,7 +9,7 @@
 #include <utility>
 
 // The result of `call`, made on a thread of its own, or nothing when time runs out; the thread then goes on
-// by itself, so `call` must own all that it uses.
+// by itself, so `call` must own all that it uses. Throws std::system_error when there is no thread to be had.
 template <typename Call>
 auto RunWithin(std::chrono::steady_clock::time_point deadline, Call call) -> std::optional<decltype(call())>
 {

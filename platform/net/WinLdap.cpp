@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The LDAP client under its Windows names: texts and codes on this side, the session on the other.
 #include "platform/net/LdapSession.h"
+#include "platform/net/LdapText.h"
 
 #include "foundation/Utf16.h"
 
@@ -12,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <system_error>
 
 namespace
 {
@@ -37,6 +39,21 @@ std::wstring_view ViewOf(const wchar_t* text)
 LdapFault WrongParameter(const char* cause)
 {
     return {LDAP_PARAM_ERROR, cause};
+}
+
+// The code and cause of a call, some of which need a thread: a system that has no more of them is no reason
+// to end the program.
+template <typename Call>
+ULONG Attempt(Call call)
+{
+    try
+    {
+        return RememberFault(call());
+    }
+    catch (const std::system_error& error)
+    {
+        return RememberFault({LDAP_LOCAL_ERROR, CauseText(error.code().message())});
+    }
 }
 
 LDAP* NewSession(const wchar_t* host, ULONG port, bool tls)
@@ -127,7 +144,7 @@ ULONG ldap_connect(LDAP* session, LDAP_TIMEVAL* timeout)
     const std::chrono::microseconds limit =
         timeout ? std::chrono::seconds(timeout->tv_sec) + std::chrono::microseconds(timeout->tv_usec)
                 : kConnectLimit;
-    return RememberFault(SessionOf(session)->Connect(limit));
+    return Attempt([&] { return SessionOf(session)->Connect(limit); });
 }
 
 ULONG ldap_simple_bind_sW(LDAP* session, PWCHAR name, PWCHAR password)
@@ -151,9 +168,9 @@ ULONG ldap_bind_sW(LDAP* session, PWCHAR, PWCHAR credentials, ULONG method)
     case LDAP_AUTH_DIGEST:
         return RememberFault(bound.BindDigest(identity));
     case LDAP_AUTH_NTLM:
-        return RememberFault(bound.BindGss(identity, GssMethod::Ntlm));
+        return Attempt([&] { return bound.BindGss(identity, GssMethod::Ntlm); });
     case LDAP_AUTH_NEGOTIATE:
-        return RememberFault(bound.BindGss(identity, GssMethod::Negotiate));
+        return Attempt([&] { return bound.BindGss(identity, GssMethod::Negotiate); });
     default:
         return RememberFault({LDAP_AUTH_UNKNOWN, {}});
     }

@@ -180,7 +180,8 @@ TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
         EXPECT_EQ(outcome.exitCode, 0);
         if (row.triggered)
         {
-            EXPECT_NEAR(duration.count(), 6.0, 1.0);
+            EXPECT_GE(duration.count(), 5.0);
+            EXPECT_LT(duration.count(), 15.0) << "a busy machine is late, but not by so much";
         }
         if (row.shown == nullptr)
         {
