@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // ICU's larger library, libicui18n, is loaded when a number or a zone's name first needs it: linked, it would
-// cost every start 1.2 MB, though few runs of the program use it. libicuuc comes from the same package.
+// cost runs that show no report 1.2 MB for nothing. libicuuc comes from the same package.
 #pragma once
 
 #include <dlfcn.h>
