@@ -62,14 +62,15 @@ bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FI
         return false;
     }
     data = {};
-    bool directory = S_ISDIR(status.stx_mode);
+    unsigned mode = status.stx_mode;
     if (S_ISLNK(status.stx_mode))
     {
         struct stat target = {};
-        directory = fstatat(folder, name, &target, 0) == 0 && S_ISDIR(target.st_mode);
+        mode = fstatat(folder, name, &target, 0) == 0 ? target.st_mode : S_IFREG;
         data.dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
         data.dwReserved0 = IO_REPARSE_TAG_SYMLINK;
     }
+    const bool directory = S_ISDIR(mode);
     if (directory)
     {
         data.dwFileAttributes |= FILE_ATTRIBUTE_DIRECTORY;
@@ -83,7 +84,12 @@ bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FI
         data.ftCreationTime = FileTimeOf(status.stx_btime);
     }
     data.ftLastAccessTime = FileTimeOf(status.stx_atime);
-    data.ftLastWriteTime = FileTimeOf(status.stx_mtime);
+    // A pipe, a socket or a device holds no text, and who opens it may wait for ever: it counts as written
+    // before everything else.
+    if (directory || S_ISREG(mode))
+    {
+        data.ftLastWriteTime = FileTimeOf(status.stx_mtime);
+    }
     if (S_ISREG(status.stx_mode))
     {
         data.nFileSizeHigh = static_cast<DWORD>(status.stx_size >> 32);
