@@ -26,7 +26,7 @@ std::array<char, ULOC_FULLNAME_CAPACITY> UserLocale()
         if (const char* name = std::getenv(variable); name != nullptr && *name != '\0')
         {
             UErrorCode status = U_ZERO_ERROR;
-            uloc_canonicalize(name, locale.data(), locale.size(), &status);
+            uloc_canonicalize(name, locale.data(), locale.size() - 1, &status); // the last one stays 0
             break;
         }
     return locale;

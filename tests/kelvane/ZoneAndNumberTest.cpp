@@ -97,6 +97,7 @@ TEST(Transitions, AreFoundInAnyYear)
 
 TEST(NumberFormat, IsTheUsersOwn)
 {
+    const std::string endless(1000, 'x');
     const struct
     {
         const char* locale;
@@ -121,6 +122,7 @@ TEST(NumberFormat, IsTheUsersOwn)
         {"de_DE.UTF-8", 1234567.25, false, 3, L"1234567,250"},
         {"en_IN.UTF-8", 1234567.25, true, -1, L"12,34,567.25"},
         {"xx_XX.UTF-8", 1.2, false, -1, L"1.2"},
+        {endless.c_str(), 1.2, false, -1, L"1.2"},
     };
     for (const auto& row : rows)
     {
