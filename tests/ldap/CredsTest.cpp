@@ -13,11 +13,12 @@ namespace
 {
 
 constexpr UINT WM_STEP = WM_USER + 1;
+constexpr int kMessageBoxText = 0xFFFF; // the id of a message box's text
 
 class OpenCreds : public LDAPCreds
 {
 public:
-    std::function<void()> mStep;
+    std::function<void(WPARAM step)> mStep;
 
     HWND Control(int id) const { return ::GetDlgItem(m_hWnd, id); }
     std::wstring Text(int id) const { return TextOf(Control(id)); }
@@ -29,9 +30,9 @@ protected:
         PostMessageW(m_hWnd, WM_STEP, 0, 0);
         return result;
     }
-    afx_msg LRESULT OnStep(WPARAM, LPARAM)
+    afx_msg LRESULT OnStep(WPARAM step, LPARAM)
     {
-        mStep();
+        mStep(step);
         return 0;
     }
     DECLARE_MESSAGE_MAP()
@@ -74,7 +75,7 @@ TEST(LdapCreds, GiveTheirCallerWhatTheDialogHoldsUnlessItIsCancelled)
         const auto typed = [&test](int id)
         { return test.port ? L"b\u00fc \U0001F600 " + std::to_wstring(id) : std::wstring(); };
         OpenCreds creds;
-        creds.mStep = [&]
+        creds.mStep = [&](WPARAM)
         {
             EXPECT_EQ(creds.Text(IDC_AUTH_METHOD), L"Try all");
             EXPECT_EQ(creds.Text(IDC_PORT), L"389");
@@ -96,6 +97,31 @@ TEST(LdapCreds, GiveTheirCallerWhatTheDialogHoldsUnlessItIsCancelled)
         for (const auto& [id, member] : kTexts)
             EXPECT_EQ(std::wstring(creds.*member), test.result == IDOK ? typed(id) : L"") << id;
     }
+}
+
+TEST(LdapCreds, RefuseAPortThatIsNoNumberAndStayInItsBox)
+{
+    OpenCreds creds;
+    creds.mStep = [&creds](WPARAM step)
+    {
+        if (step == 1)
+        {
+            EXPECT_EQ(TextOf(::GetDlgItem(TopWindow(), kMessageBoxText)),
+                      L"Please enter a positive integer.");
+            SendMessageW(TopWindow(), WM_COMMAND, IDOK, 0);
+            return;
+        }
+        SetWindowTextW(creds.Control(IDC_PORT), L"ldap");
+        SetFocus(creds.Control(IDOK));
+        PostMessageW(creds.m_hWnd, WM_STEP, 1, 0); // inside the message box
+        SendMessageW(creds.m_hWnd, WM_COMMAND, IDOK, 0);
+        EXPECT_TRUE(IsShown(creds.m_hWnd));
+        EXPECT_EQ(FocusedControl(), creds.Control(IDC_PORT));
+        SetWindowTextW(creds.Control(IDC_PORT), L"636");
+        PressKey(creds.m_hWnd, IDC_PORT, VK_RETURN);
+    };
+    EXPECT_EQ(creds.DoModal(), IDOK);
+    EXPECT_EQ(creds.mPort, 636U);
 }
 
 } // namespace
