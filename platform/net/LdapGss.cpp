@@ -160,8 +160,31 @@ GssContext::~GssContext()
     gss_release_name(&minor, &mTarget);
 }
 
+std::unique_ptr<GssContext> GssContext::MakeWithin(Deadline deadline, Maker make, LdapFault& fault)
+{
+    struct Outcome
+    {
+        std::unique_ptr<GssContext> context;
+        LdapFault fault;
+    };
+    auto outcome = RunWithin(deadline,
+                             [make = std::move(make)]
+                             {
+                                 Outcome result;
+                                 result.context = make(result.fault);
+                                 return result;
+                             });
+    if (!outcome)
+    {
+        fault = {kLocalError, "the ticket server gave no answer in time"};
+        return nullptr;
+    }
+    fault = outcome->fault;
+    return std::move(outcome->context);
+}
+
 std::unique_ptr<GssContext> GssContext::Ntlm(const LdapIdentity& identity, const std::string& host, bool bare,
-                                             LdapFault& fault)
+                                             Deadline deadline, LdapFault& fault)
 {
     if (!IsInstalled(kNtlm))
     {
@@ -173,14 +196,25 @@ std::unique_ptr<GssContext> GssContext::Ntlm(const LdapIdentity& identity, const
         fault = {kInvalidCredentials, "no user name was given"};
         return nullptr;
     }
-    const std::string user = identity.domain.empty() ? identity.user : identity.domain + "\\" + identity.user;
-    GssCredential credential =
-        AcquireCredential(user, identity.password, bare ? &kNtlm : &kSpnego, bare ? nullptr : &kNtlm, fault);
-    if (!credential)
-        return nullptr;
-    GssName target = ImportName("ldap@" + host, GSS_C_NT_HOSTBASED_SERVICE);
-    return std::unique_ptr<GssContext>(
-        new GssContext(std::move(credential), bare ? &kNtlm : &kSpnego, target.release()));
+    const std::size_t at = identity.user.find('@');
+    const std::string domain =
+        identity.domain.empty() && at != std::string::npos ? identity.user.substr(at + 1) : identity.domain;
+    const std::string name = identity.user.substr(0, identity.domain.empty() ? at : std::string::npos);
+    const std::string user = domain.empty() ? name : domain + "\\" + name;
+    // SPNEGO's credential is made of one of each mechanism, for which Kerberos asks its servers, too.
+    return MakeWithin(
+        deadline,
+        [user, password = identity.password, host, bare](LdapFault& reason)
+        {
+            GssCredential credential =
+                AcquireCredential(user, password, bare ? &kNtlm : &kSpnego, bare ? nullptr : &kNtlm, reason);
+            if (!credential)
+                return std::unique_ptr<GssContext>();
+            GssName target = ImportName("ldap@" + host, GSS_C_NT_HOSTBASED_SERVICE);
+            return std::unique_ptr<GssContext>(
+                new GssContext(std::move(credential), bare ? &kNtlm : &kSpnego, target.release()));
+        },
+        fault);
 }
 
 std::unique_ptr<GssContext> GssContext::WithTicket(const std::string& user, const Secret& password,
@@ -206,33 +240,18 @@ std::unique_ptr<GssContext> GssContext::WithTicket(const std::string& user, cons
 std::unique_ptr<GssContext> GssContext::Kerberos(const LdapIdentity& identity, const std::string& realm,
                                                  const std::string& host, Deadline deadline, LdapFault& fault)
 {
-    struct Outcome
-    {
-        std::unique_ptr<GssContext> context;
-        LdapFault fault;
-    };
     // The realm of the target is left open: the servers of the user's realm refer to the right one.
     const std::string target = "ldap/" + Escaped(host) + "@";
     const std::string user = Escaped(identity.user.substr(0, identity.user.find('@'))) + "@" + realm;
-    auto outcome =
-        RunWithin(deadline,
-                  [target, user, password = identity.password]
-                  {
-                      // SPNEGO does not tell why there is no ticket: Kerberos itself is asked
-                      // first.
-                      Outcome result;
-                      result.context = WithTicket(user, password, target, &kKerberos, result.fault);
-                      if (!result.fault)
-                          result.context = WithTicket(user, password, target, &kSpnego, result.fault);
-                      return result;
-                  });
-    if (!outcome)
-    {
-        fault = {kLocalError, "the ticket server gave no answer in time"};
-        return nullptr;
-    }
-    fault = outcome->fault;
-    return std::move(outcome->context);
+    return MakeWithin(
+        deadline,
+        [target, user, password = identity.password](LdapFault& reason)
+        {
+            // SPNEGO does not tell why there is no ticket: Kerberos itself is asked first.
+            auto context = WithTicket(user, password, target, &kKerberos, reason);
+            return reason ? std::move(context) : WithTicket(user, password, target, &kSpnego, reason);
+        },
+        fault);
 }
 
 LdapFault GssContext::Step(const std::string& token, std::string& reply)

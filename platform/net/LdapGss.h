@@ -7,6 +7,7 @@
 #include "platform/net/GssFrames.h"
 #include "platform/net/LdapSession.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -30,7 +31,7 @@ class GssContext
 public:
     // NTLM for the identity; `bare` is without SPNEGO around it. `fault` when it cannot be had here.
     static std::unique_ptr<GssContext> Ntlm(const LdapIdentity& identity, const std::string& host, bool bare,
-                                            LdapFault& fault);
+                                            Deadline deadline, LdapFault& fault);
     // Kerberos inside SPNEGO. Asks the realm's servers for a ticket for the host; null with their answer in
     // `fault` when there is none.
     static std::unique_ptr<GssContext> Kerberos(const LdapIdentity& identity, const std::string& realm,
@@ -49,6 +50,10 @@ public:
     bool Unwrap(std::string_view token, std::string& plain);
 
 private:
+    using Maker = std::function<std::unique_ptr<GssContext>(LdapFault& fault)>;
+
+    // What `make` gives, or null when that takes too long, since it asks servers.
+    static std::unique_ptr<GssContext> MakeWithin(Deadline deadline, Maker make, LdapFault& fault);
     // A new exchange with Kerberos whose ticket is at hand: a first token is made and dropped, which fetches
     // the ticket into the credential's own memory.
     static std::unique_ptr<GssContext> WithTicket(const std::string& user, const Secret& password,

@@ -417,7 +417,7 @@ LdapFault LdapSession::BindGss(const LdapIdentity& identity, GssMethod method)
     // Servers of the Windows kind want NTLM inside SPNEGO, others by its own name.
     const bool bare = method == GssMethod::Ntlm && traits.realm.empty() &&
                       std::ranges::find(traits.mechanisms, kNtlmName) != traits.mechanisms.end();
-    auto context = GssContext::Ntlm(identity, mHost, bare, fault);
+    auto context = GssContext::Ntlm(identity, mHost, bare, deadline, fault);
     if (context)
         fault = ExchangeGss(std::move(context), bare ? kNtlmName : kSpnegoName, deadline);
     if (fault && !noTicket.empty())

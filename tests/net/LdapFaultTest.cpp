@@ -3,6 +3,7 @@
 #include "tests/support/LdapPeer.h"
 #include "tests/support/OwnNetwork.h"
 
+#include <rpcdce.h>
 #include <winber.h>
 #include <winldap.h>
 
@@ -388,27 +389,59 @@ TEST(LdapConnect, SaysSoWhenTheSystemHasNoThreadLeft)
     EXPECT_EXIT(connect(), testing::ExitedWithCode(0), "^52 Local Error: resource temporarily unavailable$");
 }
 
-// The library looks this machine's own name up when it begins, so once in a process.
-TEST(LdapConnect, IsNotHeldUpByASilentNameServer)
+// A network of this process's own, whose name server takes every question and says nothing.
+bool EnterNetworkWithSilentNameServer()
 {
     if (!EnterOwnNetwork() || unshare(CLONE_NEWUTS) != 0)
-        GTEST_SKIP() << "a network of its own needs root";
-    EXPECT_EQ(sethostname("only-a-name-server-knows", 24), 0);
+        return false;
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(53);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const int silent = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    ASSERT_EQ(bind(silent, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    const int own = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    EXPECT_EQ(bind(own, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(sethostname("only-a-name-server-knows", 24), 0);
     ReplaceSystemFile("/etc/resolv.conf", "nameserver 127.0.0.1\n");
+    return true;
+}
 
+// The library looks this machine's own name up when it begins, so once in a process.
+TEST(LdapConnect, IsNotHeldUpByASilentNameServer)
+{
+    if (!EnterNetworkWithSilentNameServer())
+        GTEST_SKIP() << "a network of its own needs root";
     const LdapPeer peer([](Connection& connection) { connection.AcceptBind(); });
     const Session session(peer.Port());
     const auto start = steady_clock::now();
     EXPECT_EQ(session.Connect(), 0u);
     EXPECT_LT(steady_clock::now() - start, seconds(6));
     EXPECT_EQ(session.Bind(), 0u);
-    close(silent);
+}
+
+// Kerberos looks the realm's servers up, for a ticket and again for the credential that NTLM is a part of.
+TEST(LdapNegotiate, IsNotHeldUpByASilentNameServer)
+{
+    if (!EnterNetworkWithSilentNameServer())
+        GTEST_SKIP() << "a network of its own needs root";
+    const LdapPeer peer(
+        [](Connection& connection)
+        {
+            connection.ReadRequest();
+            connection.SendMessage(Connection::Result(kSearchDone, 0));
+            if (connection.ReadRequest())
+                connection.SendMessage(Connection::Result(kBindResponse, LDAP_INVALID_CREDENTIALS));
+        });
+    const Session session(peer.Port(), L"localhost");
+    ASSERT_EQ(session.Connect(), 0u);
+    std::u16string user = u"bob@silent.example";
+    const auto start = steady_clock::now();
+    SEC_WINNT_AUTH_IDENTITY_W identity{};
+    identity.User = identity.Password = reinterpret_cast<unsigned short*>(user.data());
+    identity.UserLength = identity.PasswordLength = static_cast<ULONG>(user.size());
+    identity.Flags = SEC_WINNT_AUTH_IDENTITY_UNICODE;
+    EXPECT_NE(ldap_bind_sW(session.handle, nullptr, reinterpret_cast<PWCHAR>(&identity), LDAP_AUTH_NEGOTIATE),
+              0u);
+    EXPECT_LT(steady_clock::now() - start, seconds(18));
 }
 
 TEST(LdapErrors, BelongToTheThreadThatMetThem)
