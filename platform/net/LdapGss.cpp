@@ -160,19 +160,15 @@ GssContext::~GssContext()
     gss_release_name(&minor, &mTarget);
 }
 
-std::unique_ptr<GssContext> GssContext::MakeWithin(Deadline deadline, Maker make, LdapFault& fault)
+std::unique_ptr<GssContext> GssContext::MakeWithin(Deadline deadline, std::function<void(Making&)> make,
+                                                   LdapFault& fault)
 {
-    struct Outcome
-    {
-        std::unique_ptr<GssContext> context;
-        LdapFault fault;
-    };
     auto outcome = RunWithin(deadline,
                              [make = std::move(make)]
                              {
-                                 Outcome result;
-                                 result.context = make(result.fault);
-                                 return result;
+                                 Making making;
+                                 make(making);
+                                 return making;
                              });
     if (!outcome)
     {
@@ -204,15 +200,15 @@ std::unique_ptr<GssContext> GssContext::Ntlm(const LdapIdentity& identity, const
     // SPNEGO's credential is made of one of each mechanism, for which Kerberos asks its servers, too.
     return MakeWithin(
         deadline,
-        [user, password = identity.password, host, bare](LdapFault& reason)
+        [user, password = identity.password, host, bare](Making& making)
         {
+            const gss_OID mechanism = bare ? &kNtlm : &kSpnego;
             GssCredential credential =
-                AcquireCredential(user, password, bare ? &kNtlm : &kSpnego, bare ? nullptr : &kNtlm, reason);
+                AcquireCredential(user, password, mechanism, bare ? nullptr : &kNtlm, making.fault);
             if (!credential)
-                return std::unique_ptr<GssContext>();
+                return;
             GssName target = ImportName("ldap@" + host, GSS_C_NT_HOSTBASED_SERVICE);
-            return std::unique_ptr<GssContext>(
-                new GssContext(std::move(credential), bare ? &kNtlm : &kSpnego, target.release()));
+            making.context.reset(new GssContext(std::move(credential), mechanism, target.release()));
         },
         fault);
 }
@@ -245,11 +241,12 @@ std::unique_ptr<GssContext> GssContext::Kerberos(const LdapIdentity& identity, c
     const std::string user = Escaped(identity.user.substr(0, identity.user.find('@'))) + "@" + realm;
     return MakeWithin(
         deadline,
-        [target, user, password = identity.password](LdapFault& reason)
+        [target, user, password = identity.password](Making& making)
         {
             // SPNEGO does not tell why there is no ticket: Kerberos itself is asked first.
-            auto context = WithTicket(user, password, target, &kKerberos, reason);
-            return reason ? std::move(context) : WithTicket(user, password, target, &kSpnego, reason);
+            making.context = WithTicket(user, password, target, &kKerberos, making.fault);
+            if (!making.fault)
+                making.context = WithTicket(user, password, target, &kSpnego, making.fault);
         },
         fault);
 }

@@ -50,10 +50,15 @@ public:
     bool Unwrap(std::string_view token, std::string& plain);
 
 private:
-    using Maker = std::function<std::unique_ptr<GssContext>(LdapFault& fault)>;
+    struct Making
+    {
+        std::unique_ptr<GssContext> context;
+        LdapFault fault;
+    };
 
-    // What `make` gives, or null when that takes too long, since it asks servers.
-    static std::unique_ptr<GssContext> MakeWithin(Deadline deadline, Maker make, LdapFault& fault);
+    // What `make` makes, or null when that takes too long, since it asks servers.
+    static std::unique_ptr<GssContext> MakeWithin(Deadline deadline, std::function<void(Making&)> make,
+                                                  LdapFault& fault);
     // A new exchange with Kerberos whose ticket is at hand: a first token is made and dropped, which fetches
     // the ticket into the credential's own memory.
     static std::unique_ptr<GssContext> WithTicket(const std::string& user, const Secret& password,
