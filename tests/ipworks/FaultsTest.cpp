@@ -6,6 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <thread>
+
 using testing::HasSubstr;
 using namespace std::string_literals;
 
@@ -125,13 +128,27 @@ class FaultTest : public testing::TestWithParam<Fault>
 {
 };
 
+// A call of Wine's WinINet that was left behind comes back when its server goes: not while the process ends,
+// which would take away what it works on.
+struct WineCall
+{
+    bool isLeftBehind;
+
+    ~WineCall()
+    {
+        if (isLeftBehind)
+            std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    }
+};
+
 TEST_P(FaultTest, GivesItsResultAndNoMore)
 {
     const Fault& fault = GetParam();
     const std::size_t size = fault.moved == Moved::eSome ? kLarge : kSmall;
+    const bool isSilent = fault.code == kIPWorksStalled || fault.script.answers.contains("QUIT");
+    const WineCall call{isSilent && RunsOnWindows()};
     Recorder recorder(fault.script, std::string(size, 'x'));
     recorder.SetNumber(kIPWorksPassive, fault.passive ? 1 : 0);
-    const bool isSilent = fault.code == kIPWorksStalled || fault.script.answers.contains("QUIT");
     if (isSilent)
         recorder.Config("StallSeconds=2");
 
