@@ -130,7 +130,8 @@ TEST(Locks, RecordTheirWaits)
     const RecordingSwitch recording;
     CLockCS lock;
     lock.mLabel = L"Contended";
-    std::thread holder = HoldElsewhere(lock, std::chrono::milliseconds(50));
+    // Long enough for this thread to come and wait, on a busy machine, too.
+    std::thread holder = HoldElsewhere(lock, std::chrono::milliseconds(1000));
     {
         const CAcquireCS acquired(lock);
     }
