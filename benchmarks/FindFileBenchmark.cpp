@@ -23,9 +23,7 @@ public:
     {
         fs::create_directories(mPath);
         for (int index = 0; index < kFiles; ++index)
-        {
             std::ofstream(mPath / ("service-log-" + std::to_string(index) + ".txt"));
-        }
     }
     ~Folder() { fs::remove_all(mPath); }
     Folder(const Folder&) = delete;

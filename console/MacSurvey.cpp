@@ -124,10 +124,8 @@ int FormatToBuffer(const wchar_t* format, wchar_t* buffer, int size, const Place
             if (index >= values.size())
             {
                 for (const wchar_t mark : {L'@', L'@', L'@'})
-                {
                     if (length < size - 1)
                         buffer[length++] = mark;
-                }
                 break;
             }
             const int written = values[index].Format(buffer + length, size - length,

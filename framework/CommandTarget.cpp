@@ -8,10 +8,8 @@ IMPLEMENT_DYNAMIC(CCmdTarget, CObject)
 bool CRuntimeClass::IsDerivedFrom(const CRuntimeClass* base) const
 {
     for (const CRuntimeClass* it = this; it; it = it->m_pBaseClass)
-    {
         if (it == base)
             return true;
-    }
     return false;
 }
 

@@ -34,11 +34,9 @@ constexpr bool AfxRowsDiffer(const AFX_MSGMAP_ENTRY (&rows)[Count])
     for (std::size_t i = 0; i < Count; ++i)
     {
         for (std::size_t j = i + 1; j < Count; ++j)
-        {
             if (rows[i].message == rows[j].message && rows[i].code == rows[j].code &&
                 rows[i].id == rows[j].id)
                 return false;
-        }
     }
     return true;
 }

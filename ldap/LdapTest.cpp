@@ -189,9 +189,7 @@ void TestLdapServer(const LDAPCreds& creds, const LdapConsole& append, const std
     append(_StrFormat(L"Domain: {0:s}\r\n", {creds.mDomain}));
     append(_StrFormat(L"User: {0:s}\r\n", {creds.mUser}));
     for (const DWORD method : Attempts(creds.mAuthMethod))
-    {
         if (TryMethod(method, creds, append, walk))
             break;
-    }
     append(L"END TEST\r\n");
 }

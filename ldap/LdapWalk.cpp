@@ -42,10 +42,8 @@ int VisitEntries(LDAP* session, LDAPMessage* result, bool root, ZTString& naming
     {
         LDAPAttributes attributes = GetEntryAttributes(session, entry);
         if (root)
-        {
             for (const ZTString& value : attributes[kNamingContextsKey])
                 namingContext = value;
-        }
         ++objects;
     }
     return objects;

@@ -15,5 +15,6 @@ void CTavoDlg::OnLdapTest()
 
 void CTavoDlg::WalkLdapTree(LDAP* session)
 {
-    ::WalkLdapTree(session, [this](const wchar_t* text) { AppendLine(text); });
+    ::WalkLdapTree(
+        session, [this](const wchar_t* text) { AppendLine(text); });
 }

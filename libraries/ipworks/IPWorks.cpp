@@ -43,12 +43,13 @@ bool FitsOneLine(std::string_view text)
 bool IsHostName(std::string_view text)
 {
     return !text.empty() &&
-           std::all_of(text.begin(), text.end(),
-                       [](char c)
-                       {
-                           return static_cast<unsigned char>(c) > ' ' &&
-                                  std::string_view("/?#@%\\\"<>^`{|}\x7F").find(c) == std::string_view::npos;
-                       });
+           std::all_of(
+               text.begin(), text.end(),
+               [](char c)
+               {
+                   return static_cast<unsigned char>(c) > ' ' &&
+                          std::string_view("/?#@%\\\"<>^`{|}\x7F").find(c) == std::string_view::npos;
+               });
 }
 
 bool IsBareFileName(std::string_view text)

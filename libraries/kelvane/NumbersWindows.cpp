@@ -32,12 +32,10 @@ UINT UserGrouping()
     UINT grouping = 0;
     bool repeats = false;
     for (const wchar_t character : UserText(LOCALE_SGROUPING))
-    {
         if (character == L'0')
             repeats = true;
         else if (character > L'0' && character <= L'9')
             grouping = grouping * 10 + static_cast<UINT>(character - L'0');
-    }
     return repeats ? grouping : grouping * 10;
 }
 

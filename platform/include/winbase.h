@@ -149,9 +149,7 @@ extern "C"
         {
             // Ever more seldom: each try takes the lock's memory away from its holder.
             if ((spin & (spin - 1)) == 0 && pthread_mutex_trylock(&section->Mutex) == 0)
-            {
                 return;
-            }
 #if defined(__x86_64__)
             __builtin_ia32_pause();
 #elif defined(__aarch64__)

@@ -49,15 +49,11 @@ void WriteDefault(const void* context, UConverterFromUnicodeArgs* arguments, con
                   UChar32, UConverterCallbackReason reason, UErrorCode* error)
 {
     if (reason > UCNV_IRREGULAR)
-    {
         return;
-    }
     *error = U_ZERO_ERROR;
     const auto* bytes = static_cast<const char*>(context);
     for (int32_t unit = 0; unit < units; ++unit)
-    {
         ucnv_cbFromUWriteBytes(arguments, bytes, static_cast<int32_t>(std::strlen(bytes)), 0, error);
-    }
 }
 
 // Converts by pieces, since a text may be as long as memory: each piece of bytes goes to `write`, which is
@@ -88,9 +84,7 @@ void Encode(UConverter& converter, std::wstring_view text, Write write)
             ucnv_fromUnicode(&converter, &end, bytes.data() + bytes.size(), &source, units.data() + count,
                              nullptr, text.empty(), &error);
             if (!write(std::string_view(bytes.data(), end)))
-            {
                 return;
-            }
         } while (error == U_BUFFER_OVERFLOW_ERROR);
     } while (!text.empty());
 }
@@ -108,9 +102,7 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideLength
     }
     const Converter converter = OpenConverter(codePage);
     if (converter == nullptr)
-    {
         return 0;
-    }
     // The terminator is part of a text whose length is not given.
     const std::wstring_view text(wide, wideLength == -1 ? std::wcslen(wide) + 1
                                                         : static_cast<std::size_t>(wideLength));
@@ -122,9 +114,7 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideLength
                const std::size_t room = static_cast<std::size_t>(narrowSize) - length;
                fits = narrowSize == 0 || bytes.size() <= room;
                if (narrowSize != 0)
-               {
                    bytes.copy(narrow + length, room);
-               }
                length += bytes.size();
                return fits;
            });
@@ -146,9 +136,7 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR narrow, int narrowLen
     }
     const Converter converter = OpenConverter(codePage);
     if (converter == nullptr)
-    {
         return 0;
-    }
     const std::size_t bytes =
         narrowLength == -1 ? std::strlen(narrow) + 1 : static_cast<std::size_t>(narrowLength);
     std::u16string units(bytes * 2, u'\0'); // no byte gives more

@@ -24,14 +24,10 @@ std::wstring QuoteArgument(std::wstring argument)
 {
     const bool blank = argument.find_first_not_of(L" \t\r\n\v\f") == std::wstring::npos;
     if (!blank && argument.find(L' ') == std::wstring::npos)
-    {
         return argument;
-    }
     const std::size_t start = ValueStart(argument);
     if (start < argument.size() && argument[start] == kQuote)
-    {
         return argument;
-    }
     return argument.insert(start, 1, kQuote) + kQuote;
 }
 
@@ -61,16 +57,10 @@ std::wstring TakeProgram(std::wstring_view& line)
     bool quoted = false;
     std::size_t at = 0;
     for (; at < line.size() && (quoted || !IsBlank(line[at])); ++at)
-    {
         if (line[at] == kQuote)
-        {
             quoted = !quoted;
-        }
         else
-        {
             word += line[at];
-        }
-    }
     line.remove_prefix(at);
     return word;
 }
@@ -93,9 +83,7 @@ std::wstring TakeArgument(std::wstring_view& line)
         {
             word.append(backslashes, L'\\');
             if (backslashes == 0)
-            {
                 word += line[at++];
-            }
             continue;
         }
         word.append(backslashes / 2, L'\\');
@@ -134,13 +122,9 @@ std::vector<std::wstring> SplitCommandLine(std::wstring_view line)
     for (;;)
     {
         while (!line.empty() && IsBlank(line.front()))
-        {
             line.remove_prefix(1);
-        }
         if (line.empty())
-        {
             return words;
-        }
         words.push_back(TakeArgument(line));
     }
 }

@@ -81,9 +81,7 @@ private:
         while ((value & kSignalled) == 0 && value == start)
         {
             if (!SleepOn(mState->mWord, value, deadline))
-            {
                 return false;
-            }
             value = Word().load();
         }
         return true;
@@ -97,9 +95,7 @@ private:
             if ((value & kSignalled) != 0)
             {
                 if (Word().compare_exchange_weak(value, value & ~kSignalled))
-                {
                     return true;
-                }
             }
             else if (!SleepOn(mState->mWord, value, deadline))
             {
@@ -116,9 +112,7 @@ private:
 bool HasNullAccessList(const SECURITY_ATTRIBUTES* attributes)
 {
     if (attributes == nullptr || attributes->lpSecurityDescriptor == nullptr)
-    {
         return false;
-    }
     const auto* descriptor = static_cast<const SECURITY_DESCRIPTOR*>(attributes->lpSecurityDescriptor);
     return (descriptor->Control & SE_DACL_PRESENT) != 0 && descriptor->Dacl == nullptr;
 }
@@ -127,9 +121,7 @@ HANDLE CreateNamedEvent(std::wstring name, NamedMemory::Access access, const Eve
 {
     constexpr std::wstring_view kGlobal = L"Global\\";
     if (name.starts_with(kGlobal))
-    {
         name.erase(0, kGlobal.size());
-    }
     if (name.find(L'\\') != std::wstring::npos)
     {
         SetLastError(ERROR_PATH_NOT_FOUND);
@@ -138,9 +130,7 @@ HANDLE CreateNamedEvent(std::wstring name, NamedMemory::Access access, const Eve
     bool existed = false;
     auto memory = NamedMemory::Open(name, access, &initial, sizeof initial, existed);
     if (memory == nullptr)
-    {
         return nullptr;
-    }
     const HANDLE handle = MakeHandle(std::make_shared<Event>(std::move(memory)));
     SetLastError(existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return handle;
@@ -165,9 +155,7 @@ BOOL SetEvent(HANDLE event)
 {
     const auto object = ObjectOf<Event>(event);
     if (object == nullptr)
-    {
         return FALSE;
-    }
     object->Set();
     return TRUE;
 }
@@ -176,9 +164,7 @@ BOOL ResetEvent(HANDLE event)
 {
     const auto object = ObjectOf<Event>(event);
     if (object == nullptr)
-    {
         return FALSE;
-    }
     object->Reset();
     return TRUE;
 }

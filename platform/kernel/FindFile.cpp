@@ -58,9 +58,7 @@ bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FI
     struct statx status = {};
     constexpr unsigned kWanted = STATX_TYPE | STATX_SIZE | STATX_ATIME | STATX_MTIME | STATX_BTIME;
     if (statx(folder, name, AT_SYMLINK_NOFOLLOW, kWanted, &status) != 0)
-    {
         return false;
-    }
     data = {};
     unsigned mode = status.stx_mode;
     if (S_ISLNK(status.stx_mode))
@@ -72,24 +70,16 @@ bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FI
     }
     const bool directory = S_ISDIR(mode);
     if (directory)
-    {
         data.dwFileAttributes |= FILE_ATTRIBUTE_DIRECTORY;
-    }
     if (data.dwFileAttributes == 0)
-    {
         data.dwFileAttributes = FILE_ATTRIBUTE_NORMAL;
-    }
     if ((status.stx_mask & STATX_BTIME) != 0)
-    {
         data.ftCreationTime = FileTimeOf(status.stx_btime);
-    }
     data.ftLastAccessTime = FileTimeOf(status.stx_atime);
     // A pipe, a socket or a device holds no text, and who opens it may wait for ever: it counts as written
     // before everything else.
     if (directory || S_ISREG(mode))
-    {
         data.ftLastWriteTime = FileTimeOf(status.stx_mtime);
-    }
     if (S_ISREG(status.stx_mode))
     {
         data.nFileSizeHigh = static_cast<DWORD>(status.stx_size >> 32);
@@ -111,9 +101,7 @@ public:
         {
             const std::wstring name = WideFromSystem(entry->d_name);
             if (Matches(name, mPattern) && FillData(dirfd(mFolder), entry->d_name, name, data))
-            {
                 return true;
-            }
         }
         return false;
     }
@@ -150,9 +138,7 @@ BOOL FindNextFileW(HANDLE find, LPWIN32_FIND_DATAW data)
 {
     const auto listing = ObjectOf<Listing>(find);
     if (listing == nullptr)
-    {
         return FALSE;
-    }
     return listing->Next(*data) ? TRUE : FailWith(ERROR_NO_MORE_FILES);
 }
 

@@ -67,9 +67,7 @@ void ForgetHandle(HANDLE handle)
 Deadline DeadlineIn(DWORD milliseconds)
 {
     if (milliseconds == INFINITE)
-    {
         return std::nullopt;
-    }
     return std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
 }
 
@@ -82,8 +80,6 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds)
 {
     const auto object = ObjectOf<Waitable>(handle);
     if (object == nullptr)
-    {
         return WAIT_FAILED;
-    }
     return object->Wait(DeadlineIn(milliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
 }

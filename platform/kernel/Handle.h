@@ -47,9 +47,7 @@ std::shared_ptr<Kind> ObjectOf(HANDLE handle)
 {
     auto object = std::dynamic_pointer_cast<Kind>(ObjectOf(handle));
     if (object == nullptr)
-    {
         SetLastError(ERROR_INVALID_HANDLE);
-    }
     return object;
 }
 
@@ -58,9 +56,7 @@ template <typename Kind>
 BOOL CloseHandleOf(HANDLE handle)
 {
     if (ObjectOf<Kind>(handle) == nullptr)
-    {
         return FALSE;
-    }
     ForgetHandle(handle);
     return TRUE;
 }

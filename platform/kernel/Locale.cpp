@@ -22,9 +22,7 @@ std::string UserLocale()
     {
         const char* value = getenv(variable);
         if (value != nullptr && *value != '\0')
-        {
             return value;
-        }
     }
     return {};
 }
@@ -34,9 +32,7 @@ std::string_view PartBehind(std::string_view name, char mark)
 {
     const std::size_t at = name.find(mark);
     if (at == std::string_view::npos)
-    {
         return {};
-    }
     const std::string_view part = name.substr(at + 1);
     return part.substr(0, part.find('@'));
 }
@@ -64,9 +60,7 @@ LCID LcidOfLocale(std::string_view name)
 {
     std::string base(name.substr(0, name.find_first_of(".@")));
     if (IsStandardC(base))
-    {
         return kEnglishUnitedStates;
-    }
     const std::string_view modifier = PartBehind(name, '@');
     const char* script = modifier == "latin" ? "_Latn" : modifier == "cyrillic" ? "_Cyrl" : "";
     base.insert(std::min(base.find('_'), base.size()), script);
@@ -83,20 +77,14 @@ std::string LocaleOfFile(std::string_view content)
             std::string_view line = rest.substr(0, rest.find('\n'));
             rest.remove_prefix(std::min(line.size() + 1, rest.size()));
             if (!line.starts_with(variable) || line.substr(variable.size(), 1) != "=")
-            {
                 continue;
-            }
             line.remove_prefix(variable.size() + 1);
             line = line.substr(0, line.find_last_not_of(" \t\r") + 1);
             if (line.size() >= 2 && (line.front() == '"' || line.front() == '\'') &&
                 line.back() == line.front())
-            {
                 line = line.substr(1, line.size() - 2);
-            }
             if (!line.empty())
-            {
                 return std::string(line);
-            }
         }
     }
     return {};
@@ -106,15 +94,11 @@ std::string UserCharset()
 {
     const std::string name = UserLocale();
     if (const std::string_view named = PartBehind(name, '.'); !named.empty())
-    {
         return std::string(named);
-    }
     // A name without a character set stands for the one that the system's definition of it has.
     const locale_t locale = newlocale(LC_CTYPE_MASK, name.c_str(), nullptr);
     if (locale == nullptr)
-    {
         return "US-ASCII";
-    }
     std::string charset = nl_langinfo_l(CODESET, locale);
     freelocale(locale);
     return charset;
@@ -133,9 +117,7 @@ LCID GetSystemDefaultLCID()
         const std::string content{std::istreambuf_iterator<char>(file), {}};
         const std::string name = LocaleOfFile(content);
         if (!name.empty())
-        {
             return LcidOfLocale(name);
-        }
     }
     return kEnglishUnitedStates;
 }

@@ -38,9 +38,7 @@ bool Lock(int file, off_t byte, short type)
     while (fcntl(file, F_OFD_SETLK, &lock) != 0)
     {
         if (errno != EAGAIN && errno != EACCES && errno != EINTR)
-        {
             return false;
-        }
         if (std::chrono::steady_clock::now() > end)
         {
             errno = EACCES;
@@ -70,13 +68,9 @@ std::string PathOf(const std::wstring& name)
     {
         const auto code = static_cast<unsigned char>(byte);
         if (code <= ' ' || byte == '/' || byte == '%')
-        {
             path += {'%', kHex[code >> 4], kHex[code & 0xF]};
-        }
         else
-        {
             path += byte;
-        }
     }
     return path;
 }
@@ -90,20 +84,14 @@ int OpenFile(const std::string& path, mode_t mode)
     {
         int file = open(path.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC);
         if (file >= 0 || errno != ENOENT)
-        {
             return file;
-        }
         file = open("/dev/shm", O_TMPFILE | O_RDWR | O_CLOEXEC, mode);
         if (file < 0)
-        {
             return file;
-        }
         const std::string link = "/proc/self/fd/" + std::to_string(file);
         if (fchmod(file, mode) == 0 &&
             linkat(AT_FDCWD, link.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0)
-        {
             return file;
-        }
         const int error = errno;
         close(file);
         if (error != EEXIST)
@@ -121,9 +109,7 @@ int OpenGuarded(const std::string& path, mode_t mode)
     {
         const int file = OpenFile(path, mode);
         if (file < 0)
-        {
             return file;
-        }
         struct stat status = {};
         if (!Lock(file, kGuard, F_WRLCK) || fstat(file, &status) != 0)
         {
@@ -133,9 +119,7 @@ int OpenGuarded(const std::string& path, mode_t mode)
             return -1;
         }
         if (status.st_nlink > 0)
-        {
             return file;
-        }
         close(file);
     }
 }
@@ -148,9 +132,7 @@ public:
     ~OpenedFile()
     {
         if (mFile >= 0)
-        {
             close(mFile);
-        }
     }
     OpenedFile(const OpenedFile&) = delete;
     OpenedFile& operator=(const OpenedFile&) = delete;
@@ -194,9 +176,7 @@ std::unique_ptr<NamedMemory> NamedMemory::Open(const std::wstring& name, Access 
         return nullptr;
     }
     if (!existed)
-    {
         std::memcpy(data, content, size);
-    }
     if (!Lock(file.Get(), kHolder, F_RDLCK))
     {
         FailWithErrno(errno);
@@ -216,8 +196,6 @@ NamedMemory::~NamedMemory()
 {
     munmap(mData, mSize);
     if (Lock(mFile, kGuard, F_WRLCK) && !IsHeldByOthers(mFile))
-    {
         unlink(mPath.c_str()); // fails for another user's file, which then stays, held by nobody
-    }
     close(mFile);
 }

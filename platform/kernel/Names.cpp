@@ -39,13 +39,9 @@ User EffectiveUser()
     passwd entry = {};
     passwd* found = nullptr;
     while (getpwuid_r(id, &entry, buffer.data(), buffer.size(), &found) == ERANGE)
-    {
         buffer.resize(buffer.size() * 2);
-    }
     if (found == nullptr)
-    {
         return {std::to_wstring(id), {}};
-    }
     const std::string_view comment = found->pw_gecos;
     return {WideFromSystem(found->pw_name), WideFromSystem(comment.substr(0, comment.find(',')))};
 }
@@ -64,9 +60,7 @@ bool CopyWithSize(const std::wstring& text, wchar_t* buffer, DWORD& size)
 BOOL GetComputerNameW(LPWSTR buffer, LPDWORD size)
 {
     if (!CopyWithSize(HostName(), buffer, *size))
-    {
         return FailWith(ERROR_BUFFER_OVERFLOW);
-    }
     --*size; // the terminator is not counted here
     return TRUE;
 }

@@ -57,13 +57,9 @@ public:
             }
             const int count = poll(&ready, 1, wait);
             if (count > 0)
-            {
                 return true;
-            }
             if (count == 0 && deadline && std::chrono::steady_clock::now() >= *deadline)
-            {
                 return false;
-            }
         }
     }
 
@@ -123,9 +119,7 @@ std::string FindProgram(const std::string& name)
         const std::size_t end = std::min(rest.find(':'), rest.size());
         std::string candidate = std::string(rest.substr(0, end)) + '/' + name;
         if (IsFile(candidate))
-        {
             return candidate;
-        }
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     return {};
@@ -191,9 +185,7 @@ BOOL CreateProcessW(LPCWSTR application, LPWSTR commandLine, LPSECURITY_ATTRIBUT
                     LPPROCESS_INFORMATION information)
 {
     if (application != nullptr || commandLine == nullptr || flags != 0 || environment != nullptr)
-    {
         return FailWith(ERROR_INVALID_PARAMETER);
-    }
     const std::vector<std::wstring> words = SplitCommandLine(commandLine);
     const std::string program = FindProgram(SystemFromWide(words.front()));
     SpawnSettings settings;
@@ -202,25 +194,17 @@ BOOL CreateProcessW(LPCWSTR application, LPWSTR commandLine, LPSECURITY_ATTRIBUT
         const std::string folder = SystemFromWide(currentDirectory);
         struct stat status = {};
         if (stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
-        {
             return FailWith(ERROR_DIRECTORY);
-        }
         settings.SetFolder(folder);
     }
     if (program.empty())
-    {
         return FailWith(ERROR_FILE_NOT_FOUND);
-    }
     if ((startup->dwFlags & STARTF_USESHOWWINDOW) != 0 && startup->wShowWindow == SW_HIDE)
-    {
         settings.Hide();
-    }
     int error = 0;
     const pid_t id = Spawn(program, words, settings, error);
     if (id == 0)
-    {
         return FailWithErrno(error);
-    }
     const auto file = static_cast<int>(syscall(SYS_pidfd_open, id, 0));
     if (file < 0)
     {
@@ -240,9 +224,7 @@ BOOL GetExitCodeProcess(HANDLE process, LPDWORD exitCode)
 {
     const auto object = ObjectOf<Process>(process);
     if (object == nullptr)
-    {
         return FALSE;
-    }
     *exitCode = object->ExitCode().value_or(STILL_ACTIVE);
     return TRUE;
 }

@@ -29,9 +29,7 @@ std::string ShortName(const char* locale)
     uloc_getLanguage(locale, language.data(), language.size(), &error);
     uloc_getCountry(locale, country.data(), country.size(), &error);
     if (country.front() == '\0')
-    {
         return locale;
-    }
     std::string name = std::string(language.data()) + '_' + country.data();
     uloc_addLikelySubtags(locale, full.data(), full.size(), &error);
     uloc_addLikelySubtags(name.c_str(), guessed.data(), guessed.size(), &error);
@@ -45,9 +43,7 @@ std::wstring LocaleText(DWORD id)
     UErrorCode error = U_ZERO_ERROR;
     uloc_getLocaleForLCID(id, locale.data(), locale.size(), &error);
     if (U_FAILURE(error) || uloc_getLCID(locale.data()) != id)
-    {
         return {};
-    }
     const std::string name = ShortName(locale.data());
     std::array<char, ULOC_FULLNAME_CAPACITY> tag = {};
     uloc_toLanguageTag(name.c_str(), tag.data(), tag.size(), FALSE, &error);
@@ -56,9 +52,7 @@ std::wstring LocaleText(DWORD id)
     std::array<char, 4 * english.size()> narrow = {};
     u_strToUTF8(narrow.data(), narrow.size(), nullptr, english.data(), -1, &error);
     if (U_FAILURE(error))
-    {
         return {};
-    }
     std::string text = tag.data();
     std::ranges::transform(text, text.begin(), [](unsigned char letter) { return std::tolower(letter); });
     return WideFromSystem(text + ';' + narrow.data());
@@ -79,9 +73,7 @@ LSTATUS RegCreateKeyW(HKEY key, LPCWSTR name, PHKEY result)
 {
     constexpr wchar_t kLocaleKey[] = L"SOFTWARE\\Classes\\MIME\\Database\\Rfc1766";
     if (key != HKEY_LOCAL_MACHINE || name == nullptr || wcscasecmp(name, kLocaleKey) != 0)
-    {
         return ERROR_FILE_NOT_FOUND;
-    }
     *result = static_cast<HKEY>(MakeHandle(std::make_shared<LocaleKey>()));
     return ERROR_SUCCESS;
 }
@@ -89,33 +81,21 @@ LSTATUS RegCreateKeyW(HKEY key, LPCWSTR name, PHKEY result)
 LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD, LPDWORD type, BYTE* data, LPDWORD size)
 {
     if (ObjectOf<LocaleKey>(key) == nullptr)
-    {
         return ERROR_INVALID_HANDLE;
-    }
     if (data != nullptr && size == nullptr)
-    {
         return ERROR_INVALID_PARAMETER;
-    }
     const std::wstring text = name == nullptr ? std::wstring() : ValueText(name);
     if (text.empty())
-    {
         return ERROR_FILE_NOT_FOUND;
-    }
     if (type != nullptr)
-    {
         *type = REG_SZ;
-    }
     if (size == nullptr)
-    {
         return ERROR_SUCCESS;
-    }
     const auto needed = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
     const bool fits = *size >= needed;
     *size = needed;
     if (data != nullptr && fits)
-    {
         std::copy_n(reinterpret_cast<const BYTE*>(text.c_str()), needed, data);
-    }
     return data == nullptr || fits ? ERROR_SUCCESS : ERROR_MORE_DATA;
 }
 

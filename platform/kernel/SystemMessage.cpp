@@ -138,9 +138,7 @@ HLOCAL LocalAlloc(UINT flags, SIZE_T bytes)
 {
     void* memory = (flags & LMEM_ZEROINIT) != 0 ? calloc(1, bytes) : malloc(bytes);
     if (memory == nullptr)
-    {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    }
     return memory;
 }
 

@@ -42,9 +42,7 @@ std::uintptr_t _beginthread(void (*start)(void*), unsigned stackSize, void* argu
         pthread_t thread;
         result = pthread_create(&thread, &attributes, RunThread, block.get());
         if (result == 0)
-        {
             static_cast<void>(block.release()); // the thread's from here on
-        }
     }
     pthread_attr_destroy(&attributes);
     if (result != 0)
@@ -61,21 +59,15 @@ DWORD GetCurrentThreadId()
     // Asked by every acquisition of a lock: kept where reading it needs no call.
     [[gnu::tls_model("initial-exec")]] static constinit thread_local DWORD id = 0;
     if (id == 0)
-    {
         id = static_cast<DWORD>(gettid());
-    }
     return id;
 }
 
 void Sleep(DWORD milliseconds)
 {
     if (milliseconds == INFINITE)
-    {
         for (;;)
-        {
             pause();
-        }
-    }
     if (milliseconds == 0)
     {
         sched_yield();

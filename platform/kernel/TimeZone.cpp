@@ -88,9 +88,7 @@ std::string ZoneId()
     }
     std::string zone = ZoneOfFile("/etc/localtime");
     if (zone.empty())
-    {
         std::ifstream("/etc/timezone") >> zone;
-    }
     return zone;
 }
 
@@ -114,9 +112,7 @@ void SetNames(TIME_ZONE_INFORMATION& information, const std::string& zone, const
     std::string standard = zone == "UTC" ? "Coordinated Universal Time" : zone;
     std::string daylight = standard;
     if (const std::size_t at = daylight.find(kStandard); at != std::string::npos)
-    {
         daylight.replace(at, kStandard.size(), "Daylight Time");
-    }
     if (zone.empty())
     {
         standard = clocks.mStandardName;

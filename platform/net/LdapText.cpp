@@ -67,12 +67,10 @@ std::wstring SafeToPrint(std::string_view text)
 {
     std::wstring safe;
     for (const wchar_t character : FromUtf8(text))
-    {
         if (!IsUnprintable(character))
             safe += character;
         else if (!safe.empty() && safe.back() != L' ')
             safe += L' ';
-    }
     safe.erase(safe.find_last_not_of(L' ') + 1);
     safe.erase(0, safe.find_first_not_of(L' '));
     if (safe.size() > kLongestCause)

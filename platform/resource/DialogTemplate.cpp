@@ -30,10 +30,8 @@ constexpr std::array<ClassName, 4> kClasses = {{
 ControlClass FindClass(const ResourceName& name)
 {
     for (const ClassName& known : kClasses)
-    {
         if (name.isNumber ? name.number == known.number : wcscasecmp(name.text.c_str(), known.text) == 0)
             return known.windowClass;
-    }
     return ControlClass::Other;
 }
 

@@ -33,13 +33,9 @@ BOOL SetSid(PSECURITY_DESCRIPTOR block, PSID SECURITY_DESCRIPTOR::*member, PSID 
 {
     SECURITY_DESCRIPTOR* descriptor = DescriptorAt(block);
     if (descriptor == nullptr)
-    {
         return FALSE;
-    }
     if (sid != nullptr && !IsValidSid(sid))
-    {
         return FailWith(ERROR_INVALID_SID);
-    }
     descriptor->*member = sid;
     SetFlag(*descriptor, flag, defaulted);
     return TRUE;
@@ -50,9 +46,7 @@ BOOL SetSid(PSECURITY_DESCRIPTOR block, PSID SECURITY_DESCRIPTOR::*member, PSID 
 BOOL InitializeSecurityDescriptor(PSECURITY_DESCRIPTOR descriptor, DWORD revision)
 {
     if (revision != SECURITY_DESCRIPTOR_REVISION)
-    {
         return FailWith(ERROR_UNKNOWN_REVISION);
-    }
     *static_cast<SECURITY_DESCRIPTOR*>(descriptor) = {
         SECURITY_DESCRIPTOR_REVISION, 0, 0, nullptr, nullptr, nullptr, nullptr};
     return TRUE;
@@ -62,9 +56,7 @@ BOOL SetSecurityDescriptorDacl(PSECURITY_DESCRIPTOR block, BOOL present, PACL da
 {
     SECURITY_DESCRIPTOR* descriptor = DescriptorAt(block);
     if (descriptor == nullptr)
-    {
         return FALSE;
-    }
     SetFlag(*descriptor, SE_DACL_PRESENT, present);
     if (present)
     {

@@ -52,14 +52,10 @@ BOOL AllocateAndInitializeSid(PSID_IDENTIFIER_AUTHORITY authority, BYTE count, D
 {
     const DWORD subAuthorities[] = {sub0, sub1, sub2, sub3, sub4, sub5, sub6, sub7};
     if (authority == nullptr || count > std::size(subAuthorities))
-    {
         return FailWith(ERROR_INVALID_SID);
-    }
     void* bytes = malloc(SidLength(count));
     if (bytes == nullptr)
-    {
         return FailWith(ERROR_NOT_ENOUGH_MEMORY);
-    }
     WriteSid(bytes, *authority, subAuthorities, count);
     *sid = bytes;
     return TRUE;

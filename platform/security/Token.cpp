@@ -30,9 +30,7 @@ bool IsAdministratorGroup(gid_t id)
     group entry = {};
     group* found = nullptr;
     while (getgrgid_r(id, &entry, buffer.data(), buffer.size(), &found) == ERANGE)
-    {
         buffer.resize(buffer.size() * 2);
-    }
     return found != nullptr && std::ranges::find(kNames, found->gr_name) != std::end(kNames);
 }
 
@@ -49,9 +47,7 @@ std::vector<Token::Group> CurrentGroups()
 BOOL OpenToken(DWORD access, std::shared_ptr<Token> token, HANDLE* handle)
 {
     if (access != TOKEN_QUERY)
-    {
         return FailWith(ERROR_INVALID_PARAMETER);
-    }
     *handle = MakeHandle(std::move(token));
     return TRUE;
 }
@@ -64,9 +60,7 @@ std::vector<Token::Group> GroupsOfUser(unsigned user, const std::vector<unsigned
     std::vector<Token::Group> list = {{MakeSid(kUnixAuthority, {kUnixUsers, user}), false},
                                       {MakeSid(kWorldAuthority, {0}), false}};
     for (const unsigned group : groups)
-    {
         list.push_back({MakeSid(kUnixAuthority, {kUnixGroups, group}), false});
-    }
     const bool root = user == 0;
     if (root || inAdministratorGroup)
     {
@@ -79,9 +73,7 @@ std::vector<Token::Group> GroupsOfUser(unsigned user, const std::vector<unsigned
 BOOL ImpersonateSelf(SECURITY_IMPERSONATION_LEVEL level)
 {
     if (level != SecurityImpersonation)
-    {
         return FailWith(ERROR_INVALID_PARAMETER);
-    }
     gThreadToken = std::make_shared<Token>(Token::Kind::Impersonation, CurrentGroups());
     return TRUE;
 }
@@ -95,17 +87,13 @@ BOOL RevertToSelf()
 BOOL OpenProcessToken(HANDLE process, DWORD access, HANDLE* token)
 {
     if (process != GetCurrentProcess())
-    {
         return FailWith(ERROR_INVALID_HANDLE);
-    }
     return OpenToken(access, std::make_shared<Token>(Token::Kind::Primary, CurrentGroups()), token);
 }
 
 BOOL OpenThreadToken(HANDLE thread, DWORD access, BOOL, HANDLE* token)
 {
     if (thread != GetCurrentThread())
-    {
         return FailWith(ERROR_INVALID_HANDLE);
-    }
     return gThreadToken == nullptr ? FailWith(ERROR_NO_TOKEN) : OpenToken(access, gThreadToken, token);
 }

@@ -194,10 +194,8 @@ bool CanTakeInput(const MSG& message)
 HWND FindUnpainted()
 {
     for (const auto& dialog : TheDesk().dialogs)
-    {
         if (dialog->visible && dialog->dialog->needsPaint)
             return dialog->handle;
-    }
     return nullptr;
 }
 

@@ -149,12 +149,10 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
                 int posted = 0;
                 // Taken away here: no shipment is to run.
                 while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-                {
                     if (message.message == WM_FTP_LOGS && message.hwnd == open.m_hWnd)
                         ++posted;
                     else
                         DispatchMessageW(&message);
-                }
                 EXPECT_EQ(posted, row.starts ? 1 : 0) << row.commandLine;
                 EXPECT_EQ(open.Written(), L"");
                 if (row.result == kEnded)

@@ -22,9 +22,7 @@ void ExpectTrueProgress(const Recorder& recorder, std::int64_t total)
         EXPECT_GT(event.bytes, before);
         EXPECT_EQ(event.bytes * 100 / total, event.percent);
         if (i > 0 && event.bytes < total)
-        {
             EXPECT_GE(event.at - recorder.progress[i - 1].at, std::chrono::milliseconds(100));
-        }
         before = event.bytes;
     }
     EXPECT_EQ(total, before);

@@ -69,9 +69,7 @@ TEST(Event, SetReleasesAllThreadsThatWaitHoweverSoonTheResetFollows)
     std::atomic<int> released = 0;
     std::vector<std::jthread> threads;
     for (int index = 0; index < 4; ++index)
-    {
         threads.emplace_back([&] { released += WaitForSingleObject(event, kLong) == WAIT_OBJECT_0; });
-    }
     Sleep(kShort);
     SetEvent(event);
     ResetEvent(event);

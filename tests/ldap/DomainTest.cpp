@@ -108,9 +108,7 @@ TEST(Domain, IsTestedAsTheDialogSays)
         EXPECT_EQ(Tested(answers), Framed(answers, outcome));
         EXPECT_EQ(WrongPasswords() - before, wrongPasswords);
         if (!logOn.empty())
-        {
             EXPECT_EQ(LastLogOn(), logOn);
-        }
     }
 }
 

@@ -267,9 +267,7 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
         EXPECT_LE(taken, test.most);
         // A second connection would not be bound, and would wait for a peer that takes one alone.
         if (test.code == 0x51 && test.call == Case::Search)
-        {
             EXPECT_EQ(Search(session).code, 0x51u);
-        }
     }
 }
 
@@ -361,9 +359,7 @@ TEST(LdapConnect, TriesEveryHostUntilOneAnswersAndKeepsItAliveWhenTold)
         const std::wstring hosts = L"127.0.0.1:9 [::1]:9 localhost:" + std::to_wstring(peer.Port());
         const Session session(kUnused, hosts.c_str());
         if (told)
-        {
             EXPECT_EQ(ldap_set_optionW(session.handle, LDAP_OPT_TCP_KEEPALIVE, LDAP_OPT_ON), 0u);
-        }
         ASSERT_EQ(session.Connect(), 0u);
         EXPECT_EQ(IsASocketKeptAlive(), told);
         EXPECT_EQ(session.Bind(), 0u);

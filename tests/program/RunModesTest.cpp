@@ -60,13 +60,9 @@ TEST(SetConfig, ChangesOneSettingAndSaysSoInTheLog)
         EXPECT_EQ(outcome.console, "");
         const std::string log = folder.Log();
         if (row.logged != nullptr)
-        {
             EXPECT_THAT(log, HasSubstr(row.logged));
-        }
         else
-        {
             EXPECT_EQ(Count(log, "etting "), 0u) << log;
-        }
         EXPECT_EQ(Count(log, "finished SETCONFIG"), 1u) << log;
         EXPECT_THAT(log.substr(0, log.find('\n')),
                     HasSubstr(": ZT " TAVO_VERSION " Tavo STARTING.  User = '"));
@@ -184,13 +180,9 @@ TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
             EXPECT_LT(duration.count(), 15.0) << "a busy machine is late, but not by so much";
         }
         if (row.shown == nullptr)
-        {
             EXPECT_EQ(outcome.console, "");
-        }
         else
-        {
             EXPECT_THAT(outcome.console, HasSubstr(row.shown));
-        }
         const std::string log = folder.Log();
         EXPECT_EQ(Count(log, row.reason), 1u) << log;
         EXPECT_THAT(log, Not(HasSubstr("Setting LogFileCount"))) << "no other mode runs";

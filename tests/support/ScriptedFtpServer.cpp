@@ -243,8 +243,6 @@ ScriptedFtpServer::~ScriptedFtpServer()
 void ScriptedFtpServer::Serve()
 {
     while (!mEnd)
-    {
         if (std::unique_ptr<TcpStream> control = mListener.Accept())
             Session(*this, std::move(control)).Run();
-    }
 }

@@ -16,10 +16,8 @@ Window* Find(HWND handle)
         if (dialog->handle == handle)
             return dialog;
         for (const auto& control : dialog->children)
-        {
             if (control->handle == handle)
                 return control.get();
-        }
     }
     return nullptr;
 }

@@ -74,10 +74,8 @@ std::vector<Window*> Select(const Window& dialog, const std::function<bool(const
 {
     std::vector<Window*> controls;
     for (const auto& control : dialog.children)
-    {
         if (isWanted(*control))
             controls.push_back(control.get());
-    }
     return controls;
 }
 
@@ -130,10 +128,8 @@ std::wstring Choose(Window& box, std::wstring_view value)
     const std::wstring_view wanted = Trim(value);
     int index = FindName(ItemsOf(box), wanted);
     for (std::size_t i = 0; index < 0 && i < box.items.size(); ++i)
-    {
         if (std::to_wstring(i) == wanted)
             index = static_cast<int>(i);
-    }
     if (index < 0)
         return NameOf(box) + L" is one of " + Join(ItemsOf(box)) + L".";
     UserSelected(box, index);

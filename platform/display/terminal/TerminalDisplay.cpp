@@ -30,12 +30,10 @@ public:
     {
         Introduce(dialog);
         for (const auto& control : dialog.children)
-        {
             if (IsField(*control))
                 mOutput.WriteLine(DescribeFieldAndChoice(*control));
             else if (dialog.dialog->isMessageBox && control->kind == WindowKind::Label)
                 mOutput.WriteLine(control->text);
-        }
         // A script knows its buttons; in the journal of an unattended run they would be noise.
         if (dialog.dialog->isMessageBox || mInput.IsTerminal())
             if (const std::wstring buttons = DescribeButtons(dialog); !buttons.empty())

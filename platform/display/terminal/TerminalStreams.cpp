@@ -24,10 +24,8 @@ constexpr std::size_t kLongestLine = std::size_t{64} << 20; // bytes; a longer o
 [[gnu::constructor]] void OpenMissingStreams()
 {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
-    {
         if (fcntl(stream, F_GETFD) == -1 && errno == EBADF)
             open("/dev/null", stream == STDIN_FILENO ? O_RDONLY : O_WRONLY);
-    }
 }
 
 } // namespace
