@@ -167,7 +167,7 @@ std::wstring ChooseMacAddress(const IP_ADAPTER_ADDRESSES* first, const void* end
         {
             SurveyAdapter(*adapter, attempt, found, log);
             adapter = adapter->Next;
-        } while (adapter && adapter < end);
+        } while (adapter != nullptr && adapter < end);
     }
     std::wstring result = found.empty() ? std::wstring() : *found.begin();
     Log(log, L"macCount={0:u}, ret={1:s}", {static_cast<unsigned>(found.size()), result.c_str()});

@@ -107,7 +107,7 @@ ZTString FormatODBCDate(time_t t)
     ZTString text;
     const __time64_t calendarTime = t;
     const tm* utc = _gmtime64(&calendarTime);
-    if (!utc)
+    if (utc == nullptr)
         return text;
     int year = utc->tm_year + 1900;
     int month = utc->tm_mon + 1;

@@ -159,7 +159,7 @@ DateValue DateFromTime(time_t t)
     DateValue value{kDateMax + 1, eDateInvalid};
     const __time64_t time = t;
     const tm* local = _localtime64(&time);
-    if (!local)
+    if (local == nullptr)
         return value;
     const auto narrow = [](int field) { return static_cast<std::uint16_t>(field); };
     if (DateFromFields(narrow(local->tm_year + 1900), narrow(local->tm_mon + 1), narrow(local->tm_mday),

@@ -53,9 +53,9 @@ public:
     __attribute__((no_sanitize("vptr"))) explicit CAcquireCS(CLockCS& lock)
         : mLockObject(&lock), mAcquiredCS(lock.IsUsable() ? &lock.mCS : nullptr)
     {
-        const bool record = gbRecordLockWaits && lock.mLabel;
+        const bool record = gbRecordLockWaits && lock.mLabel != nullptr;
         const std::int64_t start = record ? TimerStart() : 0;
-        if (!mAcquiredCS)
+        if (mAcquiredCS == nullptr)
             return;
         EnterCriticalSection(mAcquiredCS);
         mHeld = 1;

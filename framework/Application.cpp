@@ -59,6 +59,8 @@ HINSTANCE AfxFindResourceHandle(const wchar_t*, const wchar_t*)
 
 void AfxMessageBox(CWnd* owner, const wchar_t* text)
 {
-    const std::wstring caption = gApp && gApp->m_pszAppName ? gApp->m_pszAppName : ProgramName();
-    MessageBoxW(owner ? owner->m_hWnd : nullptr, text, caption.c_str(), MB_OK | MB_ICONEXCLAMATION);
+    const std::wstring caption =
+        gApp != nullptr && gApp->m_pszAppName != nullptr ? gApp->m_pszAppName : ProgramName();
+    MessageBoxW(owner != nullptr ? owner->m_hWnd : nullptr, text, caption.c_str(),
+                MB_OK | MB_ICONEXCLAMATION);
 }

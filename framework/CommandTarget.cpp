@@ -7,7 +7,7 @@ IMPLEMENT_DYNAMIC(CCmdTarget, CObject)
 
 bool CRuntimeClass::IsDerivedFrom(const CRuntimeClass* base) const
 {
-    for (const CRuntimeClass* it = this; it; it = it->m_pBaseClass)
+    for (const CRuntimeClass* it = this; it != nullptr; it = it->m_pBaseClass)
         if (it == base)
             return true;
     return false;
@@ -34,7 +34,8 @@ bool CCmdTarget::OnCmdMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& r
 {
     const UINT id = message == WM_COMMAND ? LOWORD(wParam) : 0;
     const UINT code = message == WM_COMMAND ? HIWORD(wParam) : 0;
-    for (const AFX_MSGMAP* map = GetMessageMap(); map; map = map->base ? map->base() : nullptr)
+    for (const AFX_MSGMAP* map = GetMessageMap(); map != nullptr;
+         map = map->base != nullptr ? map->base() : nullptr)
     {
         for (const AFX_MSGMAP_ENTRY* row = map->entries; row->message != 0; ++row)
         {

@@ -108,6 +108,6 @@ void DDX_Check(CDataExchange* pDX, int id, int& value)
 
 void DDX_Control(CDataExchange* pDX, int id, CWnd& control)
 {
-    if (!control.m_hWnd)
+    if (control.m_hWnd == nullptr)
         pDX->m_pDlgWnd->AttachControl(control, pDX->PrepareCtrl(id));
 }

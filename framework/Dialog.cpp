@@ -13,9 +13,9 @@ CDialog::CDialog(UINT templateId, CWnd* parent) : mTemplateId(templateId), mPare
 INT_PTR CDialog::DoModal()
 {
     const wchar_t* name = MAKEINTRESOURCEW(mTemplateId);
-    const INT_PTR result =
-        DialogBoxParamW(AfxFindResourceHandle(name, RT_DIALOG), name, mParent ? mParent->m_hWnd : nullptr,
-                        &CDialog::Procedure, reinterpret_cast<LPARAM>(this));
+    const INT_PTR result = DialogBoxParamW(AfxFindResourceHandle(name, RT_DIALOG), name,
+                                           mParent != nullptr ? mParent->m_hWnd : nullptr,
+                                           &CDialog::Procedure, reinterpret_cast<LPARAM>(this));
     Detach();
     return result;
 }
@@ -53,7 +53,7 @@ INT_PTR CALLBACK CDialog::Procedure(HWND window, UINT message, WPARAM wParam, LP
     }
     // Null for the messages of the window's making, which come before WM_INITDIALOG.
     auto* dialog = reinterpret_cast<CDialog*>(GetWindowLongPtrW(window, DWLP_USER));
-    return dialog ? dialog->OnMessage(message, wParam, lParam) : FALSE;
+    return dialog != nullptr ? dialog->OnMessage(message, wParam, lParam) : FALSE;
 }
 
 // Gives what a dialog procedure gives: nonzero when the message is served, its result left with the window.
@@ -61,7 +61,7 @@ INT_PTR CDialog::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 {
     LRESULT result = 0;
     bool served = OnCmdMsg(message, wParam, lParam, result);
-    if (!served && message == WM_COMMAND && AfxGetApp())
+    if (!served && message == WM_COMMAND && AfxGetApp() != nullptr)
         served = AfxGetApp()->OnCmdMsg(message, wParam, lParam, result);
     if (!served)
         return FALSE;

@@ -13,7 +13,7 @@ END_MESSAGE_MAP()
 CWnd* CWnd::GetDlgItem(int id)
 {
     const HWND window = ::GetDlgItem(m_hWnd, id);
-    if (!window)
+    if (window == nullptr)
         return nullptr;
     std::unique_ptr<CWnd>& control = mTemporary[window];
     if (!control)

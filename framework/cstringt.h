@@ -314,7 +314,7 @@ private:
         const std::size_t bytes = (capacity + 1) * sizeof(XCHAR);
         const bool first = GetAllocLength() == 0;
         CStringData* data = first ? manager->Allocate(bytes) : manager->Reallocate(Data(), bytes);
-        if (!data)
+        if (data == nullptr)
             throw std::bad_alloc();
         if (first)
             *data = {manager, 0, 0};

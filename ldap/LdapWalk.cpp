@@ -28,7 +28,7 @@ std::vector<ZTString> ReadValues(LDAP* session, LDAPMessage* entry, PWCHAR name)
 {
     const std::unique_ptr<PWCHAR, FreeValues> values(ldap_get_valuesW(session, entry, name));
     std::vector<ZTString> texts;
-    for (const PWCHAR* value = values.get(); value && *value; ++value)
+    for (const PWCHAR* value = values.get(); value != nullptr && *value != nullptr; ++value)
         texts.emplace_back(*value);
     return texts;
 }
@@ -38,7 +38,7 @@ std::vector<ZTString> ReadValues(LDAP* session, LDAPMessage* entry, PWCHAR name)
 int VisitEntries(LDAP* session, LDAPMessage* result, bool root, ZTString& namingContext)
 {
     int objects = 0;
-    for (LDAPMessage* entry = result; entry; entry = ldap_next_entry(session, entry))
+    for (LDAPMessage* entry = result; entry != nullptr; entry = ldap_next_entry(session, entry))
     {
         LDAPAttributes attributes = GetEntryAttributes(session, entry);
         if (root)
@@ -77,7 +77,7 @@ LDAPAttributes GetEntryAttributes(LDAP* session, LDAPMessage* entry)
 {
     LDAPAttributes attributes;
     BerElement* position = nullptr;
-    for (PWCHAR name = ldap_first_attributeW(session, entry, &position); name;
+    for (PWCHAR name = ldap_first_attributeW(session, entry, &position); name != nullptr;
          name = ldap_next_attributeW(session, entry, position))
     {
         std::vector<ZTString> values = ReadValues(session, entry, name);

@@ -40,7 +40,7 @@ ZTString ShowDecimal(const std::string& number, int digits, bool grouping)
     const auto close = LATE_ICU(unum_close);
     const auto set = LATE_ICU(unum_setAttribute);
     const auto show = LATE_ICU(unum_formatDecimal);
-    if (!open || !close || !set || !show)
+    if (open == nullptr || close == nullptr || set == nullptr || show == nullptr)
         return Widen(number);
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UNumberFormat, decltype(close)> format(

@@ -100,21 +100,21 @@ PlaceholderValue::PlaceholderValue(const CStringW& text, const wchar_t*)
 }
 
 PlaceholderValue::PlaceholderValue(const wchar_t* text, const wchar_t*)
-    : mValue{.wide = text}, mSize(text ? std::wcslen(text) : 0), mKind(Kind::Wide)
+    : mValue{.wide = text}, mSize(text != nullptr ? std::wcslen(text) : 0), mKind(Kind::Wide)
 {
 }
 
 PlaceholderValue::PlaceholderValue(const char* text, const wchar_t*)
-    : mValue{.narrow = text}, mSize(text ? std::strlen(text) : 0), mKind(Kind::Narrow)
+    : mValue{.narrow = text}, mSize(text != nullptr ? std::strlen(text) : 0), mKind(Kind::Narrow)
 {
 }
 
 int PlaceholderValue::Format(wchar_t* out, int capacity, const wchar_t* spec) const
 {
     ZTString text;
-    if (spec && *spec != L'%')
+    if (spec != nullptr && *spec != L'%')
         return -1;
-    if (!AppendTo(text, spec ? spec + 1 : L"") || text.GetLength() > capacity)
+    if (!AppendTo(text, spec != nullptr ? spec + 1 : L"") || text.GetLength() > capacity)
         return -1;
     std::copy_n(text.GetString(), text.GetLength(), out);
     return text.GetLength();

@@ -50,7 +50,7 @@ ZTString& ZTString::operator=(const wchar_t* text)
 
 ZTString& ZTString::operator=(const char* text)
 {
-    const std::wstring wide = text ? Widen(text) : std::wstring();
+    const std::wstring wide = text != nullptr ? Widen(text) : std::wstring();
     CStringW::operator=(ZTString(wide.data(), static_cast<int>(wide.size())));
     return *this;
 }

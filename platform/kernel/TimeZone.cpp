@@ -99,7 +99,7 @@ std::string WindowsZone(const std::string& zone)
     std::array<UChar, 64> name = {};
     UErrorCode error = U_ZERO_ERROR;
     const auto windowsId = LATE_ICU(ucal_getWindowsTimeZoneID);
-    if (!windowsId)
+    if (windowsId == nullptr)
         return {};
     const int32_t length =
         windowsId(id.data(), static_cast<int32_t>(id.size()), name.data(), name.size(), &error);

@@ -47,9 +47,9 @@ bool ListLinks(std::vector<Link>& links)
     ifaddrs* list = nullptr;
     if (getifaddrs(&list) != 0)
         return false;
-    for (const ifaddrs* entry = list; entry; entry = entry->ifa_next)
+    for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next)
     {
-        if (!entry->ifa_addr)
+        if (entry->ifa_addr == nullptr)
         {
             const int index = static_cast<int>(if_nametoindex(entry->ifa_name));
             links.push_back({entry->ifa_name, index, HardwareOf(entry->ifa_name), {}});
@@ -102,7 +102,7 @@ ULONG TypeOf(const Link& link)
 ULONG WINAPI GetAdaptersAddresses(ULONG family, ULONG flags, PVOID reserved, PIP_ADAPTER_ADDRESSES addresses,
                                   PULONG size)
 {
-    if (!size || family != AF_UNSPEC || flags != 0 || reserved)
+    if (size == nullptr || family != AF_UNSPEC || flags != 0 || reserved != nullptr)
         return ERROR_INVALID_PARAMETER;
     std::vector<Link> links;
     if (!ListLinks(links))
@@ -111,7 +111,7 @@ ULONG WINAPI GetAdaptersAddresses(ULONG family, ULONG flags, PVOID reserved, PIP
         return ERROR_NO_DATA;
 
     const ULONG needed = static_cast<ULONG>(links.size() * sizeof(IP_ADAPTER_ADDRESSES));
-    const bool fits = addresses && *size >= needed;
+    const bool fits = addresses != nullptr && *size >= needed;
     *size = needed;
     if (!fits)
         return ERROR_BUFFER_OVERFLOW;

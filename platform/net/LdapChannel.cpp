@@ -85,7 +85,7 @@ std::string TlsText(SSL* tls, int result, int systemError)
     if (error != 0 && reason != SSL_R_UNEXPECTED_EOF_WHILE_READING)
     {
         const char* text = ERR_reason_error_string(error);
-        return std::string("TLS: ") + (text ? text : "unknown error");
+        return std::string("TLS: ") + (text != nullptr ? text : "unknown error");
     }
     if (SSL_get_error(tls, result) == SSL_ERROR_SYSCALL && systemError != 0)
         return SystemText(systemError);

@@ -121,14 +121,14 @@ GssCredential AcquireCredential(const std::string& user, const Secret& password,
     OM_uint32 major = gss_acquire_cred_with_password(&minor, name.get(), &secret, GSS_C_INDEFINITE, &wanted,
                                                      GSS_C_INITIATE, &credential, nullptr, nullptr);
     GssCredential owner(credential);
-    if (major == GSS_S_COMPLETE && inner)
+    if (major == GSS_S_COMPLETE && inner != nullptr)
     {
         gss_OID_set_desc offered = {1, inner};
         major = gss_set_neg_mechs(&minor, credential, &offered);
     }
     if (major == GSS_S_COMPLETE)
         return owner;
-    fault = FaultOf(major, minor, inner ? inner : mechanism);
+    fault = FaultOf(major, minor, inner != nullptr ? inner : mechanism);
     return nullptr;
 }
 
@@ -138,7 +138,7 @@ std::string Escaped(const std::string& component)
     std::string text;
     for (const char character : component)
     {
-        if (std::strchr("/@\\", character) && character != '\0')
+        if (std::strchr("/@\\", character) != nullptr && character != '\0')
             text += '\\';
         text += character;
     }

@@ -212,9 +212,11 @@ int ConnectTo(const LdapHost& host, Deadline deadline, LdapFault& fault)
     }
 
     long waiting = 0;
-    for (const addrinfo* address = resolution->addresses.get(); address; address = address->ai_next)
+    for (const addrinfo* address = resolution->addresses.get(); address != nullptr;
+         address = address->ai_next)
         ++waiting;
-    for (const addrinfo* address = resolution->addresses.get(); address; address = address->ai_next)
+    for (const addrinfo* address = resolution->addresses.get(); address != nullptr;
+         address = address->ai_next)
     {
         const Deadline turn = Clock::now() + (deadline - Clock::now()) / waiting--;
         const int result = ConnectToAddress(*address, turn, fault);

@@ -34,7 +34,7 @@ LdapEntry* LdapResult::Grow(std::size_t words)
     {
         const std::size_t capacity = std::max({wanted, 2 * mCapacity, kFirstCapacity});
         void* const larger = std::realloc(mEntries.get(), capacity * sizeof(LdapEntry));
-        if (!larger)
+        if (larger == nullptr)
             throw std::bad_alloc();
         static_cast<void>(mEntries.release());
         mEntries.reset(static_cast<LdapEntry*>(larger));
@@ -91,7 +91,7 @@ std::optional<std::vector<std::string_view>> ValuesOf(const LdapEntry* entry, st
     while (const std::optional<LdapAttribute> attribute = TakeAttribute(rest))
     {
         const bool same = attribute->name == name;
-        if (attribute->values.data() && (same || (!found && differsInCase(attribute->name))))
+        if (attribute->values.data() != nullptr && (same || (!found && differsInCase(attribute->name))))
             found = attribute->values;
         if (same)
             break;

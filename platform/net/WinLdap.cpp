@@ -33,7 +33,7 @@ LdapEntry* EntryOf(LDAPMessage* message)
 
 std::wstring_view ViewOf(const wchar_t* text)
 {
-    return text ? std::wstring_view(text) : std::wstring_view();
+    return text != nullptr ? std::wstring_view(text) : std::wstring_view();
 }
 
 LdapFault WrongParameter(const char* cause)
@@ -108,7 +108,7 @@ LDAP* ldap_sslinitW(PWCHAR host, ULONG port, int secure)
 
 ULONG ldap_set_optionW(LDAP* session, int option, const void* value)
 {
-    if (!session)
+    if (session == nullptr)
         return RememberFault(WrongParameter("no session"));
     switch (option)
     {
@@ -133,7 +133,7 @@ ULONG ldap_set_optionW(LDAP* session, int option, const void* value)
 
 ULONG ldap_get_optionW(LDAP* session, int option, void* value)
 {
-    if (!session || option != LDAP_OPT_PROTOCOL_VERSION)
+    if (session == nullptr || option != LDAP_OPT_PROTOCOL_VERSION)
         return RememberFault(WrongParameter("an option that is not offered"));
     *static_cast<ULONG*>(value) = kLdapVersion;
     return LDAP_SUCCESS;
@@ -142,8 +142,9 @@ ULONG ldap_get_optionW(LDAP* session, int option, void* value)
 ULONG ldap_connect(LDAP* session, LDAP_TIMEVAL* timeout)
 {
     const std::chrono::microseconds limit =
-        timeout ? std::chrono::seconds(timeout->tv_sec) + std::chrono::microseconds(timeout->tv_usec)
-                : kConnectLimit;
+        timeout != nullptr
+            ? std::chrono::seconds(timeout->tv_sec) + std::chrono::microseconds(timeout->tv_usec)
+            : kConnectLimit;
     return Attempt([&] { return SessionOf(session)->Connect(limit); });
 }
 
@@ -157,7 +158,7 @@ ULONG ldap_bind_sW(LDAP* session, PWCHAR, PWCHAR credentials, ULONG method)
     const auto* given = reinterpret_cast<const SEC_WINNT_AUTH_IDENTITY_W*>(credentials);
     if (method == LDAP_AUTH_DPA)
         return RememberFault({LDAP_AUTH_METHOD_NOT_SUPPORTED, {}});
-    if (!given)
+    if (given == nullptr)
         return RememberFault(WrongParameter("no credentials"));
     const LdapIdentity identity = {Utf8Of(given->User, given->UserLength),
                                    Utf8Of(given->Domain, given->DomainLength),
@@ -186,21 +187,22 @@ ULONG ldap_search_sW(LDAP* session, const PWCHAR base, ULONG scope, const PWCHAR
                      ULONG namesOnly, LDAPMessage** result)
 {
     std::vector<std::string> names;
-    for (PWCHAR* attribute = attributes; attribute && *attribute; ++attribute)
+    for (PWCHAR* attribute = attributes; attribute != nullptr && *attribute != nullptr; ++attribute)
         names.push_back(ToUtf8(*attribute));
     std::vector<const char*> list(names.size() + 1); // null at the end
     std::ranges::transform(names, list.begin(), [](const std::string& name) { return name.c_str(); });
     LdapResult found;
     const LdapFault fault =
         SessionOf(session)->Search(ToUtf8(ViewOf(base)), static_cast<int>(scope), ToUtf8(ViewOf(filter)),
-                                   attributes ? list.data() : nullptr, namesOnly != 0, found);
+                                   attributes != nullptr ? list.data() : nullptr, namesOnly != 0, found);
     *result = reinterpret_cast<LDAPMessage*>(found.Release());
     return RememberFault(fault);
 }
 
 LDAPMessage* ldap_next_entry(LDAP*, LDAPMessage* entry)
 {
-    return entry ? reinterpret_cast<LDAPMessage*>(const_cast<LdapEntry*>(NextOf(EntryOf(entry)))) : nullptr;
+    return entry != nullptr ? reinterpret_cast<LDAPMessage*>(const_cast<LdapEntry*>(NextOf(EntryOf(entry))))
+                            : nullptr;
 }
 
 ULONG ldap_msgfree(LDAPMessage* result)
@@ -235,7 +237,7 @@ PWCHAR* ldap_get_valuesW(LDAP*, LDAPMessage* entry, const PWCHAR attribute)
 
 ULONG ldap_value_freeW(PWCHAR* values)
 {
-    for (PWCHAR* value = values; value && *value; ++value)
+    for (PWCHAR* value = values; value != nullptr && *value != nullptr; ++value)
         std::free(*value);
     std::free(values);
     return LDAP_SUCCESS;
