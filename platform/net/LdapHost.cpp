@@ -61,28 +61,27 @@ LdapFault DownBySystem(int error)
     return Down(CauseText(std::generic_category().message(error)));
 }
 
-int ConnectToAddress(const addrinfo& address, Deadline deadline, LdapFault& fault)
+LdapFault ConnectToAddress(const addrinfo& address, Deadline deadline, int& result)
 {
-    const int result = socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    if (result < 0)
-    {
-        fault = DownBySystem(errno);
-        return -1;
-    }
-    int error = connect(result, address.ai_addr, address.ai_addrlen) == 0 ? 0 : errno;
+    const int own = socket(address.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (own < 0)
+        return DownBySystem(errno);
+    int error = connect(own, address.ai_addr, address.ai_addrlen) == 0 ? 0 : errno;
     if (error == EINPROGRESS)
     {
         socklen_t size = sizeof(error);
-        if (!WaitForSocket(result, POLLOUT, deadline))
+        if (!WaitForSocket(own, POLLOUT, deadline))
             error = ETIMEDOUT;
-        else if (getsockopt(result, SOL_SOCKET, SO_ERROR, &error, &size) != 0)
+        else if (getsockopt(own, SOL_SOCKET, SO_ERROR, &error, &size) != 0)
             error = errno;
     }
-    if (error == 0)
-        return result;
-    fault = DownBySystem(error);
-    close(result);
-    return -1;
+    if (error != 0)
+    {
+        close(own);
+        return DownBySystem(error);
+    }
+    result = own;
+    return {};
 }
 
 // The name as name servers and certificates know it ("xn--..."), or as it is where there is no such form.
@@ -187,41 +186,30 @@ bool WaitForSocket(int socket, short events, Deadline deadline)
     }
 }
 
-int ConnectTo(const LdapHost& host, Deadline deadline, LdapFault& fault)
+LdapFault ConnectTo(const LdapHost& host, Deadline deadline, int& socket)
 {
     if (host.name.empty())
-    {
-        fault = Down("no server name was given");
-        return -1;
-    }
+        return Down("no server name was given");
     std::optional<Resolution> resolution = RunWithin(deadline, [host] { return Resolve(host); });
     if (!resolution)
-    {
-        fault = Down("the name server gave no answer in time");
-        return -1;
-    }
+        return Down("the name server gave no answer in time");
     if (resolution->result == EAI_SYSTEM)
-    {
-        fault = DownBySystem(resolution->systemError);
-        return -1;
-    }
+        return DownBySystem(resolution->systemError);
     if (resolution->result != 0)
-    {
-        fault = Down(CauseText(gai_strerror(resolution->result)));
-        return -1;
-    }
+        return Down(CauseText(gai_strerror(resolution->result)));
 
     long waiting = 0;
     for (const addrinfo* address = resolution->addresses.get(); address != nullptr;
          address = address->ai_next)
         ++waiting;
+    LdapFault fault;
     for (const addrinfo* address = resolution->addresses.get(); address != nullptr;
          address = address->ai_next)
     {
         const Deadline turn = Clock::now() + (deadline - Clock::now()) / waiting--;
-        const int result = ConnectToAddress(*address, turn, fault);
-        if (result >= 0)
-            return result;
+        fault = ConnectToAddress(*address, turn, socket);
+        if (!fault)
+            break;
     }
-    return -1;
+    return fault;
 }

@@ -28,9 +28,9 @@ std::optional<std::vector<LdapHost>> ParseHosts(std::string_view text, std::uint
 // True for an IPv4 or IPv6 address, with or without a zone.
 bool IsAddress(const std::string& name);
 
-// A connected socket that does not block, or -1 with the fault of the last address that was tried. Every
+// Gives a connected socket that does not block, or the fault of the last address that was tried. Every
 // address of the name gets its turn: one that does not answer leaves the others their share of the time.
-int ConnectTo(const LdapHost& host, Deadline deadline, LdapFault& fault);
+LdapFault ConnectTo(const LdapHost& host, Deadline deadline, int& socket);
 
 // Waits until the socket can be read or written (POLLIN, POLLOUT). False when time runs out.
 bool WaitForSocket(int socket, short events, Deadline deadline);

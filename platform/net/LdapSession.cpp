@@ -217,9 +217,9 @@ LdapFault LdapSession::Connect(microseconds limit)
 
 LdapFault LdapSession::ConnectTo(const LdapHost& host, Deadline deadline)
 {
-    LdapFault fault;
-    const int socket = ::ConnectTo(host, deadline, fault);
-    if (socket < 0)
+    int socket = -1;
+    LdapFault fault = ::ConnectTo(host, deadline, socket);
+    if (fault)
         return fault;
     auto channel = std::make_unique<LdapChannel>(socket);
     channel->SetKeepAlive(mKeepAlive);

@@ -9,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
+#include <optional>
 #include <thread>
 
 #include <netinet/in.h>
@@ -362,6 +364,54 @@ TEST(LdapConnect, TriesEveryHostUntilOneAnswersAndKeepsItAliveWhenTold)
             EXPECT_EQ(ldap_set_optionW(session.handle, LDAP_OPT_TCP_KEEPALIVE, LDAP_OPT_ON), 0u);
         ASSERT_EQ(session.Connect(), 0u);
         EXPECT_EQ(IsASocketKeptAlive(), told);
+        EXPECT_EQ(session.Bind(), 0u);
+    }
+}
+
+// A listener at ::1 that takes nobody: its queue is full, and who comes later gets no answer.
+class SilentListener
+{
+public:
+    explicit SilentListener(unsigned port)
+    {
+        sockaddr_in6 own{};
+        own.sin6_family = AF_INET6;
+        own.sin6_port = htons(static_cast<std::uint16_t>(port));
+        own.sin6_addr = IN6ADDR_LOOPBACK_INIT;
+        for (int& descriptor : mSockets)
+            descriptor = socket(AF_INET6, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+        EXPECT_EQ(bind(mSockets[0], reinterpret_cast<sockaddr*>(&own), sizeof own), 0);
+        EXPECT_EQ(listen(mSockets[0], 0), 0);
+        for (std::size_t i = 1; i < mSockets.size(); ++i)
+            static_cast<void>(connect(mSockets[i], reinterpret_cast<sockaddr*>(&own), sizeof own));
+    }
+    ~SilentListener()
+    {
+        for (const int descriptor : mSockets)
+            close(descriptor);
+    }
+    SilentListener(const SilentListener&) = delete;
+    SilentListener& operator=(const SilentListener&) = delete;
+
+private:
+    std::array<int, 4> mSockets{};
+};
+
+TEST(LdapConnect, GivesEachAddressOfANameItsShareOfTheTime)
+{
+    if (!EnterOwnNetwork())
+        GTEST_SKIP() << "a network of its own needs root";
+    ReplaceSystemFile("/etc/hosts", "::1 two\n127.0.0.1 two\n");
+    for (const bool silent : {false, true})
+    {
+        const LdapPeer peer([](Connection& connection) { connection.AcceptBind(); });
+        std::optional<SilentListener> listener;
+        if (silent)
+            listener.emplace(peer.Port());
+        const Session session(peer.Port(), L"two");
+        const auto start = steady_clock::now();
+        EXPECT_EQ(session.Connect(4), 0u);
+        EXPECT_EQ(steady_clock::now() - start >= seconds(1), silent);
         EXPECT_EQ(session.Bind(), 0u);
     }
 }
