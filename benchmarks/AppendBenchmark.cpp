@@ -5,7 +5,7 @@
 // end.
 #include "framework/afxwin.h"
 #include "foundation/Oriska.h"
-#include "platform/display/Display.h"
+#include "platform/dialogs/Display.h"
 #include "resources/resource.h"
 
 #include <benchmark/benchmark.h>

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/display/Display.h"
+// How the display is chosen: Qt's windows where DISPLAY or WAYLAND_DISPLAY is set, the module loads and a
+// display server answers; otherwise the terminal.
+#include "platform/dialogs/Display.h"
 #include "platform/display/none/NoDisplay.h"
 #include "platform/display/terminal/TerminalDisplay.h"
 
@@ -14,6 +16,11 @@ namespace platform
 
 namespace
 {
+
+// What the module libtavoqt.so in the program folder exports under this name: a new display, owned by the
+// caller, or null when no display server answers. Called once, on the windows' thread.
+using DisplayFactory = Display* (*)();
+constexpr const char* kDisplayFactoryName = "tavo_make_display";
 
 bool IsSet(const char* variable)
 {

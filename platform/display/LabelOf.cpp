@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/display/Display.h"
+#include "platform/display/LabelOf.h"
 
 #include <algorithm>
 #include <climits>

@@ -3,12 +3,29 @@
 #pragma once
 
 #include "platform/resource/ResFile.h"
-#include "platform/window/Window.h"
 
 #include <optional>
 
 namespace platform
 {
+
+// In dialog units: a quarter of the average character width, an eighth of the character height of the
+// dialog's font. Controls count from the upper left corner of the dialog's client area.
+struct DialogRect
+{
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
+struct DialogFont
+{
+    std::wstring face; // empty: the display's own
+    int points = 8;
+    int weight = 400;
+    bool italic = false;
+};
 
 enum class ControlClass
 {

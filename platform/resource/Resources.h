@@ -21,4 +21,14 @@ struct IconEntry
 };
 PLATFORM_EXPORT std::vector<IconEntry> ReadIconGroup(Bytes group);
 
+// An icon resource's image closest to a size in pixels, as the bytes of a PNG file or of a device-independent
+// bitmap (ICO form: XOR and AND masks, no file header). Empty when the handle is none.
+struct IconImage
+{
+    const BYTE* bytes = nullptr;
+    std::size_t size = 0;
+    bool isPng = false;
+};
+PLATFORM_EXPORT IconImage FindIconImage(HICON icon, int pixels);
+
 } // namespace platform

@@ -2,7 +2,7 @@
 // A person at a dialog on Qt's display.
 #pragma once
 
-#include "platform/display/Display.h"
+#include "platform/dialogs/Display.h"
 #include "tests/support/WindowProbe.h"
 
 #include <QTimer>

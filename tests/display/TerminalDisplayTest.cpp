@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The terminal display as a person or a script has it: behind pipes or a terminal of its own. What the
 // dialogs do runs in a child process, whose streams the test holds.
-#include "platform/display/Display.h"
+#include "platform/dialogs/Display.h"
 #include "tests/support/ProgramFolder.h"
-#include "tests/window/ScriptedDialog.h"
+#include "tests/dialogs/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

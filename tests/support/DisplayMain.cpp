@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // main() of a test program with windows on Linux: TAVO_TEST_DISPLAY=qt shows them on Qt's display, without a
 // screen unless QT_QPA_PLATFORM names one. Otherwise nothing is shown.
-#include "platform/display/Display.h"
+#include "platform/dialogs/Display.h"
 
 #include <gtest/gtest.h>
 

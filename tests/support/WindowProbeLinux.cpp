@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/WindowProbe.h"
 
-#include "platform/window/Window.h"
+#include "platform/dialogs/UserInput.h"
 
 using platform::Window;
 

@@ -2,7 +2,7 @@
 // Shows nothing and has nobody before it: waits end by Wake or time alone.
 #pragma once
 
-#include "platform/display/Display.h"
+#include "platform/dialogs/Display.h"
 
 namespace platform
 {

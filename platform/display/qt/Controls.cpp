@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/qt/Controls.h"
+
+#include "platform/dialogs/UserInput.h"
 #include "platform/display/qt/DialogLayout.h"
 
 #include <QCheckBox>

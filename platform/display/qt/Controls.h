@@ -2,7 +2,7 @@
 // The widgets that show a dialog's controls.
 #pragma once
 
-#include "platform/display/Display.h"
+#include "platform/dialogs/Display.h"
 
 class QWidget;
 

@@ -3,7 +3,7 @@
 // screen's scaling by themselves.
 #pragma once
 
-#include "platform/window/Window.h"
+#include "platform/dialogs/Window.h"
 
 #include <QFont>
 #include <QRect>

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/qt/DialogWidget.h"
+
+#include "platform/dialogs/UserInput.h"
+#include "platform/display/LabelOf.h"
 #include "platform/display/qt/Controls.h"
 #include "platform/display/qt/DialogLayout.h"
 #include "platform/display/qt/Icons.h"

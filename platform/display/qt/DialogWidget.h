@@ -2,7 +2,7 @@
 // The window that shows one dialog or message box.
 #pragma once
 
-#include "platform/display/Display.h"
+#include "platform/dialogs/Display.h"
 
 #include <QWidget>
 

@@ -2,7 +2,7 @@
 // An icon resource in all its sizes, for a window's title bar and the task bar.
 #pragma once
 
-#include "platform/window/Window.h"
+#include "platform/resource/Resources.h"
 
 #include <QIcon>
 

@@ -164,6 +164,7 @@ private:
 
 } // namespace
 
+// See platform/display/ChooseDisplay.cpp.
 extern "C" __attribute__((visibility("default"))) Display* tavo_make_display()
 {
     std::unique_ptr<QApplication> application = MakeApplication();

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/terminal/TerminalCommand.h"
 
-#include "platform/display/Display.h"
+#include "platform/dialogs/UserInput.h"
+#include "platform/display/LabelOf.h"
 
 #include <algorithm>
 #include <functional>

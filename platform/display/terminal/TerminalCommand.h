@@ -2,7 +2,7 @@
 // What a line of input means to a dialog, and how a dialog's controls are named in text.
 #pragma once
 
-#include "platform/window/Window.h"
+#include "platform/dialogs/Window.h"
 
 #include <string>
 #include <string_view>

@@ -11,7 +11,7 @@
 // prompt is shown only where both streams are a terminal. Output that nobody takes any more is dropped.
 #pragma once
 
-#include "platform/display/Display.h"
+#include "platform/dialogs/Display.h"
 
 namespace platform
 {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "platform/window/Desk.h"
+#include "platform/dialogs/WindowTable.h"
 #include "platform/kernel/Error.h"
 
-#include "platform/window/Controls.h"
-#include "platform/window/Dialogs.h"
+#include "platform/dialogs/Controls.h"
+#include "platform/dialogs/DialogLoop.h"
 
 #include <algorithm>
 #include <atomic>
@@ -18,7 +18,7 @@ namespace platform
 namespace
 {
 
-struct Desk
+struct WindowTable
 {
     std::mutex handlesMutex; // for the map's changes, and for other threads' looks at it
     std::unordered_map<HWND, Window*> handles;
@@ -32,27 +32,27 @@ struct Desk
 };
 
 // Never destroyed: other threads may post until the process is gone.
-Desk& TheDesk()
+WindowTable& TheTable()
 {
-    static Desk& desk = *new Desk;
-    return desk;
+    static WindowTable& table = *new WindowTable;
+    return table;
 }
 
 DisplayKind gDisplayKind = DisplayKind::Automatic;
 
 void GiveHandle(Window& window)
 {
-    Desk& desk = TheDesk();
-    desk.lastHandle += 2;
-    window.handle = reinterpret_cast<HWND>(desk.lastHandle);
-    desk.handles.emplace(window.handle, &window);
+    WindowTable& table = TheTable();
+    table.lastHandle += 2;
+    window.handle = reinterpret_cast<HWND>(table.lastHandle);
+    table.handles.emplace(window.handle, &window);
 }
 
 class DepthCount
 {
 public:
-    DepthCount() { ++TheDesk().depth; }
-    ~DepthCount() { --TheDesk().depth; }
+    DepthCount() { ++TheTable().depth; }
+    ~DepthCount() { --TheTable().depth; }
     DepthCount(const DepthCount&) = delete;
     DepthCount& operator=(const DepthCount&) = delete;
 };
@@ -61,47 +61,47 @@ public:
 
 bool UseDisplay(DisplayKind kind)
 {
-    if (TheDesk().display != nullptr)
+    if (TheTable().display != nullptr)
         return kind == gDisplayKind;
     std::unique_ptr<Display> display = MakeDisplay(kind);
     if (display == nullptr)
         return false;
     gDisplayKind = kind;
-    Desk& desk = TheDesk();
-    desk.thread = std::this_thread::get_id();
-    desk.display = std::move(display);
-    desk.queue.WaitIn(*desk.display);
+    WindowTable& table = TheTable();
+    table.thread = std::this_thread::get_id();
+    table.display = std::move(display);
+    table.queue.WaitIn(*table.display);
     return true;
 }
 
 bool IsWindowsThread()
 {
-    return TheDesk().thread.load() == std::this_thread::get_id();
+    return TheTable().thread.load() == std::this_thread::get_id();
 }
 
-bool OpenDesk()
+bool StartWindows()
 {
     std::thread::id nobody{};
-    return TheDesk().thread.compare_exchange_strong(nobody, std::this_thread::get_id())
+    return TheTable().thread.compare_exchange_strong(nobody, std::this_thread::get_id())
                ? UseDisplay(DisplayKind::Automatic)
                : IsWindowsThread();
 }
 
 Display& TheDisplay()
 {
-    return *TheDesk().display;
+    return *TheTable().display;
 }
 
 MessageQueue& TheQueue()
 {
-    return TheDesk().queue;
+    return TheTable().queue;
 }
 
 Window* FindWindow(HWND handle)
 {
     if (IsWindowsThread())
     {
-        const auto& handles = TheDesk().handles;
+        const auto& handles = TheTable().handles;
         const auto found = handles.find(handle);
         if (found != handles.end())
             return found->second;
@@ -123,20 +123,20 @@ HWND HandleOf(const Window* window)
 
 bool PostTo(HWND handle, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    Desk& desk = TheDesk();
-    const std::lock_guard lock(desk.handlesMutex);
-    if (!desk.handles.contains(handle))
+    WindowTable& table = TheTable();
+    const std::lock_guard lock(table.handlesMutex);
+    if (!table.handles.contains(handle))
         return false;
-    desk.queue.Post(handle, message, wParam, lParam);
+    table.queue.Post(handle, message, wParam, lParam);
     return true;
 }
 
 Window& AddDialog(std::unique_ptr<Window> dialog)
 {
-    Desk& desk = TheDesk();
-    Window& added = *desk.dialogs.emplace_back(std::move(dialog));
-    added.dialog->depth = desk.depth;
-    const std::lock_guard lock(desk.handlesMutex);
+    WindowTable& table = TheTable();
+    Window& added = *table.dialogs.emplace_back(std::move(dialog));
+    added.dialog->depth = table.depth;
+    const std::lock_guard lock(table.handlesMutex);
     GiveHandle(added);
     for (const auto& control : added.children)
         GiveHandle(*control);
@@ -145,23 +145,23 @@ Window& AddDialog(std::unique_ptr<Window> dialog)
 
 void RemoveDialog(Window& dialog)
 {
-    Desk& desk = TheDesk();
-    desk.display->Forget(dialog);
+    WindowTable& table = TheTable();
+    table.display->Forget(dialog);
     {
-        const std::lock_guard lock(desk.handlesMutex);
-        desk.handles.erase(dialog.handle);
+        const std::lock_guard lock(table.handlesMutex);
+        table.handles.erase(dialog.handle);
         for (const auto& control : dialog.children)
-            desk.handles.erase(control->handle);
+            table.handles.erase(control->handle);
     }
-    desk.queue.Drop(dialog.handle);
+    table.queue.Drop(dialog.handle);
     for (const auto& control : dialog.children)
-        desk.queue.Drop(control->handle);
-    std::erase_if(desk.dialogs, [&](const auto& other) { return other.get() == &dialog; });
+        table.queue.Drop(control->handle);
+    std::erase_if(table.dialogs, [&](const auto& other) { return other.get() == &dialog; });
 }
 
 Window* TopDialog()
 {
-    const auto& dialogs = TheDesk().dialogs;
+    const auto& dialogs = TheTable().dialogs;
     return dialogs.empty() ? nullptr : dialogs.back().get();
 }
 
@@ -174,42 +174,15 @@ LRESULT Call(Window& window, UINT message, WPARAM wParam, LPARAM lParam)
 
 int HandlerDepth()
 {
-    return TheDesk().depth;
-}
-
-bool CanTakeInput(const MSG& message)
-{
-    Window* const window = FindWindow(message.hwnd);
-    if (window == nullptr)
-        return false;
-    if (message.message != BM_CLICK)
-        return DialogOf(*window).visible && DialogOf(*window).enabled;
-    if (IsUsable(*window))
-        return true;
-    // The display may have ticked the box already.
-    TheDisplay().Refresh(*window, Change::Check, 0);
-    return false;
+    return TheTable().depth;
 }
 
 HWND FindUnpainted()
 {
-    for (const auto& dialog : TheDesk().dialogs)
+    for (const auto& dialog : TheTable().dialogs)
         if (dialog->visible && dialog->dialog->needsPaint)
             return dialog->handle;
     return nullptr;
-}
-
-bool CancelTopDialog()
-{
-    Window* const top = TopDialog();
-    if (top == nullptr || !top->visible || !top->enabled || HandlerDepth() > top->dialog->depth)
-        return false;
-    if (top->dialog->canceled)
-        return EndDialog(top->handle, IDCANCEL) != FALSE;
-    top->dialog->canceled = true;
-    const UINT id = top->dialog->isMessageBox ? AnswerOfNobody(*top) : IDCANCEL;
-    return PostTo(top->handle, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
-                  reinterpret_cast<LPARAM>(HandleOf(FindControl(*top, id))));
 }
 
 void SetVisible(Window& dialog, bool visible)
@@ -257,46 +230,6 @@ Window* FirstTabStop(const Window& dialog)
         dialog.children, [](const auto& control)
         { return (control->style & WS_TABSTOP) != 0 && control->visible && control->enabled; });
     return found == dialog.children.end() ? nullptr : found->get();
-}
-
-void UserClicked(Window& button)
-{
-    TheQueue().AddInput(button.handle, BM_CLICK, 0, 0);
-}
-
-void UserTyped(Window& edit, std::wstring wholeText)
-{
-    if (edit.textLimit != 0 && wholeText.size() > edit.textLimit)
-        wholeText.resize(edit.textLimit);
-    SetEditText(edit, std::move(wholeText));
-    edit.selectionStart = edit.selectionEnd = edit.text.size();
-}
-
-void UserSelected(Window& comboBox, int index)
-{
-    comboBox.selection = index;
-}
-
-void UserFocused(Window& control)
-{
-    DialogOf(control).dialog->focus = &control;
-}
-
-void UserPressed(Window& dialog, WORD key)
-{
-    const Window* const focus = dialog.dialog->focus;
-    TheQueue().AddInput(HandleOf(focus != nullptr ? focus : &dialog), WM_KEYDOWN, key, 0);
-}
-
-void UserClosed(Window& dialog)
-{
-    TheQueue().AddInput(dialog.handle, WM_CLOSE, 0, 0);
-}
-
-void UserMinimized(Window& dialog, bool iconic)
-{
-    dialog.dialog->iconic = iconic;
-    dialog.dialog->needsPaint = dialog.visible;
 }
 
 } // namespace platform

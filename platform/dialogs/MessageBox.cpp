@@ -2,8 +2,8 @@
 // A message box is a dialog of the layer's own: a label, and a button for each answer.
 #include "platform/resource/DialogTemplate.h"
 #include "platform/kernel/Error.h"
-#include "platform/window/Desk.h"
-#include "platform/window/Dialogs.h"
+#include "platform/dialogs/WindowTable.h"
+#include "platform/dialogs/DialogLoop.h"
 
 #include <algorithm>
 
@@ -100,7 +100,7 @@ int Run(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    if (!OpenDesk())
+    if (!StartWindows())
     {
         SetLastError(ERROR_ACCESS_DENIED);
         return 0;
@@ -109,13 +109,6 @@ int Run(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
 }
 
 } // namespace
-
-UINT AnswerOfNobody(const Window& messageBox)
-{
-    if (FindControl(messageBox, IDNO) != nullptr)
-        return IDNO;
-    return FindControl(messageBox, IDCANCEL) != nullptr ? IDCANCEL : IDOK;
-}
 
 } // namespace platform
 

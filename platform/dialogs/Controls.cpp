@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/window/Controls.h"
+#include "platform/dialogs/Controls.h"
 
-#include "platform/window/Desk.h"
+#include "platform/dialogs/WindowTable.h"
 
 #include <algorithm>
 #include <cwchar>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A dialog is asked to paint once after it has appeared. Its device context is its handle under another
 // type: there is one context a dialog, and only icons to put into it.
-#include "platform/window/Desk.h"
+#include "platform/dialogs/WindowTable.h"
 
 #include <algorithm>
 

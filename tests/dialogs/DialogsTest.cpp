@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The first focus and the queue, on bare window calls; framework_tests has the loops.
 #include "foundation/Kelvane.h"
-#include "tests/window/ScriptedDialog.h"
+#include "tests/dialogs/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

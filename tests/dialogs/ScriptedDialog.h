@@ -3,7 +3,7 @@
 #pragma once
 
 #include "tests/support/WindowProbe.h"
-#include "tests/window/testIds.h"
+#include "tests/dialogs/testIds.h"
 
 #include <functional>
 

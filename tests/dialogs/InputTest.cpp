@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 // How what a person does reaches the program, and how much of a change reaches the display: of the layer's
 // own inside, so on Linux only.
-#include "platform/display/Display.h"
-#include "platform/window/Window.h"
-#include "tests/window/ScriptedDialog.h"
+#include "platform/dialogs/UserInput.h"
+#include "tests/dialogs/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

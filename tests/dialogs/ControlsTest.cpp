@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What controls do with messages; the real system answers the same.
-#include "tests/window/ScriptedDialog.h"
+#include "tests/dialogs/ScriptedDialog.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 // Modal dialogs: their own loop, what they do with messages that their procedure leaves, message boxes.
 #pragma once
 
-#include "platform/window/Window.h"
+#include "platform/dialogs/Window.h"
 
 #include <chrono>
 #include <memory>
@@ -27,9 +27,10 @@ struct ModalRun
 // Shows a dialog and serves messages until it has been ended; gives the result of EndDialog.
 INT_PTR RunModal(std::unique_ptr<Window> made, const ModalRun& run);
 
-LRESULT ServeDialog(Window& dialog, UINT message, WPARAM wParam, LPARAM lParam);
+// Tells a dialog, after all messages already posted, that the person cancels it: Esc and the close box.
+// Nothing happens where its Cancel button is disabled.
+void PostCancel(Window& dialog);
 
-// The button that answers a message box when a person's input has ended: No, or the only one, or Cancel.
-UINT AnswerOfNobody(const Window& messageBox);
+LRESULT ServeDialog(Window& dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 } // namespace platform

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/window/ScriptedDialog.h"
+#include "tests/dialogs/ScriptedDialog.h"
 
 namespace
 {

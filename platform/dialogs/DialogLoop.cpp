@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "platform/window/Dialogs.h"
-#include "platform/kernel/Error.h"
+#include "platform/dialogs/DialogLoop.h"
 
+#include "platform/dialogs/Controls.h"
+#include "platform/dialogs/WindowTable.h"
+#include "platform/kernel/Error.h"
 #include "platform/resource/Resources.h"
-#include "platform/window/Controls.h"
-#include "platform/window/Desk.h"
 
 namespace platform
 {
@@ -30,40 +30,6 @@ public:
 private:
     Window& mDialog;
 };
-
-void PressDefault(Window& dialog)
-{
-    const Window* const focus = dialog.dialog->focus;
-    const bool pressesFocus = focus != nullptr && focus->kind == WindowKind::PushButton;
-    const UINT id = pressesFocus                        ? focus->id
-                    : dialog.dialog->defaultButton != 0 ? dialog.dialog->defaultButton
-                                                        : IDOK;
-    const Window* const button = FindControl(dialog, id);
-    if (button == nullptr || button->enabled)
-        Call(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(HandleOf(button)));
-}
-
-void Cancel(Window& dialog)
-{
-    const Window* const button = FindControl(dialog, IDCANCEL);
-    if (button == nullptr || button->enabled)
-        PostTo(dialog.handle, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED),
-               reinterpret_cast<LPARAM>(HandleOf(button)));
-}
-
-// The keys that a dialog takes before the control with the focus does.
-bool TakeKey(Window& dialog, const MSG& message)
-{
-    if (message.message != WM_KEYDOWN)
-        return false;
-    if (message.wParam == VK_RETURN)
-        PressDefault(dialog);
-    else if (message.wParam == VK_ESCAPE)
-        Cancel(dialog);
-    else
-        return false;
-    return true;
-}
 
 void RunLoop(Window& dialog, const std::optional<std::chrono::milliseconds>& timeout)
 {
@@ -130,7 +96,7 @@ LRESULT ServeDialog(Window& dialog, UINT message, WPARAM wParam, LPARAM lParam)
     switch (message)
     {
     case WM_CLOSE:
-        Cancel(dialog);
+        PostCancel(dialog);
         return 0;
     case WM_PAINT:
         state.needsPaint = false;
@@ -161,23 +127,12 @@ INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, 
         SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
         return -1;
     }
-    if (!OpenDesk())
+    if (!StartWindows())
     {
         SetLastError(ERROR_ACCESS_DENIED);
         return -1;
     }
     return RunModal(std::move(dialog), {owner, procedure, parameter, std::nullopt});
-}
-
-BOOL IsDialogMessageW(HWND handle, LPMSG message)
-{
-    Window* const dialog = FindDialog(handle);
-    Window* const window = FindWindow(message->hwnd);
-    if (dialog == nullptr || window == nullptr || &DialogOf(*window) != dialog)
-        return FALSE;
-    if (!TakeKey(*dialog, *message))
-        DispatchMessageW(message);
-    return TRUE;
 }
 
 BOOL EndDialog(HWND handle, INT_PTR result)

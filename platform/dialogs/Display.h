@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The seam between windows and what a person sees. Windows are plain objects (platform/window/Window.h);
-// a display shows them and reports what the person does through the User... functions there.
+// The seam between windows and what a person sees. Windows are plain objects (platform/dialogs/Window.h);
+// a display shows them and reports what the person does (platform/dialogs/UserInput.h).
 // Everything but Wake is called on the windows' thread only, and nothing here calls back into the program.
 #pragma once
 
-#include "platform/window/Window.h"
+#include "platform/dialogs/Window.h"
 
 #include <chrono>
 #include <memory>
@@ -71,10 +71,6 @@ public:
     static constexpr std::chrono::milliseconds kForever{-1};
 };
 
-// The label that names an edit or combo box: the nearest one to its left on the same line, else one close
-// above it; null when the template has none. A button or check box has its own caption.
-PLATFORM_EXPORT const Window* LabelOf(const Window& control);
-
 enum class DisplayKind
 {
     Automatic, // Qt where a display server is there and the module loads, otherwise the terminal
@@ -87,12 +83,8 @@ enum class DisplayKind
 // one is in use already. A program that does not call this gets Automatic.
 PLATFORM_EXPORT bool UseDisplay(DisplayKind kind);
 
-// A display of the kind; null when there is none.
+// A display of the kind; null when there is none. Defined where the displays are:
+// platform/display/ChooseDisplay.cpp.
 std::unique_ptr<Display> MakeDisplay(DisplayKind kind);
-
-// What the module libtavoqt.so in the program folder exports under the name kDisplayFactoryName: a new
-// display, owned by the caller, or null when no display server answers. Called once, on the windows' thread.
-using DisplayFactory = Display* (*)();
-inline constexpr const char* kDisplayFactoryName = "tavo_make_display";
 
 } // namespace platform

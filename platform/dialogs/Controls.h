@@ -2,7 +2,7 @@
 // How controls serve messages.
 #pragma once
 
-#include "platform/window/Window.h"
+#include "platform/dialogs/Window.h"
 
 namespace platform
 {

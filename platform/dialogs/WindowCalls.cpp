@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/window/Desk.h"
+#include "platform/dialogs/WindowTable.h"
 #include "platform/kernel/Error.h"
 
 #include <cassert>

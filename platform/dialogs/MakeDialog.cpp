@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/resource/DialogTemplate.h"
-#include "platform/window/Dialogs.h"
+#include "platform/dialogs/DialogLoop.h"
 
 #include <optional>
 

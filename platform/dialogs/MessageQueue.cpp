@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "platform/window/MessageQueue.h"
+#include "platform/dialogs/MessageQueue.h"
 
-#include "platform/display/Display.h"
-#include "platform/window/Desk.h"
+#include "platform/dialogs/Display.h"
+#include "platform/dialogs/EndOfInput.h"
+#include "platform/dialogs/UserInput.h"
+#include "platform/dialogs/WindowTable.h"
 
 #include <algorithm>
 

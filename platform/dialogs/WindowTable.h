@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: MIT
-// All windows of the process, the thread they live on, and the display that shows them. Everything but
-// PostTo is for that thread.
+// All windows of the process by their handles, the thread they live on, their messages, and the display that
+// shows them. Everything but PostTo is for that thread.
 #pragma once
 
-#include "platform/display/Display.h"
-#include "platform/window/MessageQueue.h"
-#include "platform/window/Window.h"
+#include "platform/dialogs/Display.h"
+#include "platform/dialogs/MessageQueue.h"
+#include "platform/dialogs/Window.h"
 
 namespace platform
 {
 
 // Makes this thread the windows' own and chooses the display, if neither has happened yet. False on any
 // other thread than the windows'.
-bool OpenDesk();
+bool StartWindows();
 
 // True on the windows' thread, once there is one.
 bool IsWindowsThread();
 
-// After OpenDesk.
+// After StartWindows.
 Display& TheDisplay();
 MessageQueue& TheQueue();
 
@@ -39,14 +39,8 @@ void RemoveDialog(Window& dialog);
 LRESULT Call(Window& window, UINT message, WPARAM wParam, LPARAM lParam);
 int HandlerDepth();
 
-// True while a person's input still has a window that can take it.
-bool CanTakeInput(const MSG& message);
 // A visible dialog that has not been painted since it appeared; null when there is none.
 HWND FindUnpainted();
-
-// Once a person's input has ended: posts to the dialog on top that it is canceled, as soon as the dialog's
-// own loop asks for messages. A dialog that does not end on that is ended. False when nothing was done.
-bool CancelTopDialog();
 
 void SetVisible(Window& window, bool visible);
 void SetEnabled(Window& window, bool enabled);

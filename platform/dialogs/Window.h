@@ -4,9 +4,7 @@
 // made the first of them.
 #pragma once
 
-#include <windows.h>
-
-#include "platformExport.h"
+#include "platform/resource/DialogTemplate.h"
 
 #include <cstddef>
 #include <memory>
@@ -28,28 +26,10 @@ enum class WindowKind
     Label,
 };
 
-// In dialog units: a quarter of the average character width, an eighth of the character height of the
-// dialog's font. Controls count from the upper left corner of the dialog's client area.
-struct DialogRect
-{
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-};
-
 struct ComboItem
 {
     std::wstring text;
     LPARAM data = 0;
-};
-
-struct DialogFont
-{
-    std::wstring face; // empty: the display's own
-    int points = 8;
-    int weight = 400;
-    bool italic = false;
 };
 
 // An icon at a place of the client area, in pixels from its upper left corner.
@@ -142,27 +122,5 @@ inline bool IsUsable(const Window& window)
 // The newest dialog that is not destroyed; null when there is none. A person's input belongs to it, as soon
 // as it is visible.
 PLATFORM_EXPORT Window* TopDialog();
-
-// What the person at the display did; called by the display within Wait, on its thread. Texts, selections and
-// the focus count at once. What the program is told (a click, a key, the close box) waits behind all posted
-// messages, in the order of the calls, and is dropped when the window cannot take it any more. A check box
-// changes when the program hears of the click, which the display sees as Change::Check.
-PLATFORM_EXPORT void UserClicked(Window& button);
-PLATFORM_EXPORT void UserTyped(Window& edit, std::wstring wholeText);
-PLATFORM_EXPORT void UserSelected(Window& comboBox, int index);
-PLATFORM_EXPORT void UserFocused(Window& control);
-PLATFORM_EXPORT void UserPressed(Window& dialog, WORD key); // VK_RETURN or VK_ESCAPE
-PLATFORM_EXPORT void UserClosed(Window& dialog);            // the close box
-PLATFORM_EXPORT void UserMinimized(Window& dialog, bool iconic);
-
-// An icon resource's image closest to a size in pixels, as the bytes of a PNG file or of a device-independent
-// bitmap (ICO form: XOR and AND masks, no file header). Empty when the handle is none.
-struct IconImage
-{
-    const BYTE* bytes = nullptr;
-    std::size_t size = 0;
-    bool isPng = false;
-};
-PLATFORM_EXPORT IconImage FindIconImage(HICON icon, int pixels);
 
 } // namespace platform

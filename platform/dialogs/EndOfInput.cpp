@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "platform/dialogs/EndOfInput.h"
+
+#include "platform/dialogs/WindowTable.h"
+
+namespace platform
+{
+
+namespace
+{
+
+// The button that answers a message box when a person's input has ended: No, or the only one, or Cancel.
+UINT AnswerOfNobody(const Window& messageBox)
+{
+    if (FindControl(messageBox, IDNO) != nullptr)
+        return IDNO;
+    return FindControl(messageBox, IDCANCEL) != nullptr ? IDCANCEL : IDOK;
+}
+
+} // namespace
+
+bool CancelTopDialog()
+{
+    Window* const top = TopDialog();
+    if (top == nullptr || !top->visible || !top->enabled || HandlerDepth() > top->dialog->depth)
+        return false;
+    if (top->dialog->canceled)
+        return EndDialog(top->handle, IDCANCEL) != FALSE;
+    top->dialog->canceled = true;
+    const UINT id = top->dialog->isMessageBox ? AnswerOfNobody(*top) : IDCANCEL;
+    return PostTo(top->handle, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
+                  reinterpret_cast<LPARAM>(HandleOf(FindControl(*top, id))));
+}
+
+} // namespace platform

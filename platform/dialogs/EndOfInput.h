@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// What ends a dialog when the person's input has ended.
+#pragma once
+
+namespace platform
+{
+
+// Once a person's input has ended: posts to the dialog on top that it is canceled, as soon as the dialog's
+// own loop asks for messages. A dialog that does not end on that is ended. False when nothing was done.
+bool CancelTopDialog();
+
+} // namespace platform
