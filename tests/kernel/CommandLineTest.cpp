@@ -40,5 +40,5 @@ TEST(CommandLine, IsQuotedAsAWindowsUserWouldHaveTypedIt)
 TEST(CommandLine, IsThereFromTheFirstStaticObjectOn)
 {
     EXPECT_EQ(gEarly, GetCommandLineW());
-    EXPECT_NE(gEarly.find(L"system_tests"), std::wstring::npos);
+    EXPECT_NE(gEarly.find(L"kernel_tests"), std::wstring::npos);
 }
