@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "crc64/TextChecksum.h"
 
-#include "foundation/Utf16.h"
+#include "text/Unicode.h"
 
 #include <windows.h>
 
@@ -12,7 +12,7 @@
 std::uint64_t ChecksumOfWideText(const ZTString& text)
 {
     static_assert(std::endian::native == std::endian::little);
-    const std::u16string units = ToUtf16(text, static_cast<std::size_t>(text.GetLength()));
+    const std::u16string units = text::ToUtf16(text.AsView());
     return CRC64(units.data(), units.size() * sizeof(char16_t));
 }
 

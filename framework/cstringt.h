@@ -4,6 +4,8 @@
 // of shared libraries. A string belongs to one thread at a time. When memory ends std::bad_alloc is thrown.
 #pragma once
 
+#include "text/FoldCase.h"
+
 #include <windows.h>
 
 #include <algorithm>
@@ -211,7 +213,7 @@ public:
     CStringT& MakeLower()
     {
         if (!IsEmpty())
-            CharLowerBuffW(mData, static_cast<DWORD>(GetLength()));
+            text::FoldCase(mData, Size());
         return *this;
     }
 

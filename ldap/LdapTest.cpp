@@ -3,7 +3,7 @@
 
 #include "ldap/LdapCall.h"
 
-#include "foundation/Utf16.h"
+#include "text/Unicode.h"
 
 #include <rpc.h>
 
@@ -64,10 +64,7 @@ public:
     PWCHAR Get() { return reinterpret_cast<PWCHAR>(&mIdentity); }
 
 private:
-    static std::u16string Units(const ZTString& text)
-    {
-        return ToUtf16(text, static_cast<std::size_t>(text.GetLength()));
-    }
+    static std::u16string Units(const ZTString& text) { return text::ToUtf16(text.AsView()); }
     template <typename Length>
     static void Point(std::u16string& text, unsigned short*& units, Length& length)
     {

@@ -2,8 +2,7 @@
 #include "libraries/kelvane/Files.h"
 
 #include "libraries/kelvane/Text.h"
-
-#include <cwctype>
+#include "text/FoldCase.h"
 
 namespace kelvane
 {
@@ -104,8 +103,7 @@ DirectoryLock::DirectoryLock(const std::filesystem::path& directory, std::chrono
     : mHandle(0)
 {
     std::wstring folded = directory;
-    for (wchar_t& character : folded)
-        character = static_cast<wchar_t>(std::towlower(character));
+    text::FoldCase(folded.data(), folded.size());
     ZTString name;
     name.Format(L"Global\\Tavo_Directory_{0}", CRC64(folded.data(), folded.size() * sizeof(wchar_t)));
 

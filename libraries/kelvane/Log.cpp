@@ -5,6 +5,8 @@
 #include "libraries/kelvane/Files.h"
 #include "libraries/kelvane/Process.h"
 #include "libraries/kelvane/Text.h"
+#include "text/SafeToShow.h"
+#include "text/Unicode.h"
 
 #include <algorithm>
 #include <array>
@@ -33,30 +35,24 @@ std::filesystem::path LogFile(const std::filesystem::path& directory, DWORD age)
     return directory / (age == 0 ? "Tavo.log" : "Tavo." + std::to_string(age) + ".log");
 }
 
-// A text is one line in the log, whatever it holds; nor can it move a terminal's cursor.
+// A text is one line in the log, whatever it holds; nor can it command a terminal or mislead a reader's eye.
 std::string Escaped(std::wstring_view text)
 {
-    const std::string narrow = Narrow(text);
     std::string escaped;
-    escaped.reserve(narrow.size());
-    for (std::size_t at = 0; at < narrow.size(); ++at)
+    escaped.reserve(text.size());
+    while (!text.empty())
     {
-        const auto byte = static_cast<unsigned char>(narrow[at]);
-        // U+0080 to U+009F are control characters, too; in UTF-8 they are C2 and themselves.
-        const bool second =
-            byte == 0xC2 && at + 1 < narrow.size() && static_cast<unsigned char>(narrow[at + 1]) < 0xA0;
-        if (byte >= 0x20 && byte != 0x7F && !second)
-        {
-            escaped += narrow[at];
-            continue;
-        }
-        const unsigned code = second ? static_cast<unsigned char>(narrow[++at]) : byte;
-        std::array<char, 8> form{};
-        if (code == '\n' || code == '\r' || code == '\t')
-            escaped.append({'\\', code == '\n' ? 'n' : code == '\r' ? 'r' : 't'});
+        const std::wstring_view before = text;
+        const char32_t point = text::TakePoint(text);
+        std::array<char, 12> form{};
+        if (text::IsSafeToShow(point))
+            escaped += Narrow(before.substr(0, before.size() - text.size()));
+        else if (point == '\n' || point == '\r' || point == '\t')
+            escaped.append({'\\', point == '\n' ? 'n' : point == '\r' ? 'r' : 't'});
         else
-            escaped.append(form.data(), static_cast<std::size_t>(
-                                            std::snprintf(form.data(), form.size(), "\\u%04X", code)));
+            escaped.append(form.data(),
+                           static_cast<std::size_t>(std::snprintf(form.data(), form.size(), "\\u%04X",
+                                                                  static_cast<unsigned>(point))));
     }
     return escaped;
 }

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "libraries/kelvane/Numbers.h"
 
-#include "foundation/LateIcu.h"
-#include "foundation/Utf16.h"
 #include "libraries/kelvane/Text.h"
+#include "text/Unicode.h"
 
 #include <unicode/uloc.h>
 #include <unicode/unum.h>
@@ -36,24 +35,20 @@ std::array<char, ULOC_FULLNAME_CAPACITY> UserLocale()
 
 ZTString ShowDecimal(const std::string& number, int digits, bool grouping)
 {
-    const auto open = LATE_ICU(unum_open);
-    const auto close = LATE_ICU(unum_close);
-    const auto set = LATE_ICU(unum_setAttribute);
-    const auto show = LATE_ICU(unum_formatDecimal);
-    if (open == nullptr || close == nullptr || set == nullptr || show == nullptr)
-        return Widen(number);
     UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<UNumberFormat, decltype(close)> format(
-        open(UNUM_DECIMAL, nullptr, 0, UserLocale().data(), nullptr, &status), close);
+    const std::unique_ptr<UNumberFormat, decltype(&unum_close)> format(
+        unum_open(UNUM_DECIMAL, nullptr, 0, UserLocale().data(), nullptr, &status), &unum_close);
     if (U_FAILURE(status))
         return Widen(number);
-    set(format.get(), UNUM_GROUPING_USED, grouping ? 1 : 0);
-    set(format.get(), UNUM_FRACTION_DIGITS, digits);
+    unum_setAttribute(format.get(), UNUM_GROUPING_USED, grouping ? 1 : 0);
+    unum_setAttribute(format.get(), UNUM_FRACTION_DIGITS, digits);
     std::array<UChar, 1024> shown;
-    const int32_t length = show(format.get(), number.data(), static_cast<int32_t>(number.size()),
-                                shown.data(), static_cast<int32_t>(shown.size()), nullptr, &status);
-    return U_FAILURE(status) ? Widen(number)
-                             : ZTString(FromUtf16(shown.data(), static_cast<std::size_t>(length)).c_str());
+    const int32_t length =
+        unum_formatDecimal(format.get(), number.data(), static_cast<int32_t>(number.size()), shown.data(),
+                           static_cast<int32_t>(shown.size()), nullptr, &status);
+    return U_FAILURE(status)
+               ? Widen(number)
+               : ZTString(text::FromUtf16({shown.data(), static_cast<std::size_t>(length)}).c_str());
 }
 
 } // namespace kelvane

@@ -68,7 +68,8 @@ std::optional<std::string> WithSetting(std::string_view file, std::string_view n
     const auto member = Find(*settings, name);
     Json& place = member != settings->end() ? *member : (*settings)[std::string(name)];
     std::visit([&place](const auto& plain) { place = plain; }, value);
-    return settings->dump(2) + "\n";
+    // A value's bytes that are not UTF-8 become U+FFFD.
+    return settings->dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 } // namespace kelvane

@@ -2,6 +2,7 @@
 #include "libraries/kelvane/Text.h"
 
 #include "foundation/Kelvane.h"
+#include "text/Unicode.h"
 
 #include <climits>
 
@@ -10,26 +11,13 @@ namespace kelvane
 
 std::string Narrow(std::wstring_view text)
 {
-    const int length = static_cast<int>(text.size());
-    const int bytes =
-        length == 0 ? 0 : WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string narrow(static_cast<std::size_t>(bytes), '\0');
-    if (bytes > 0)
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), length, narrow.data(), bytes, nullptr, nullptr);
-    return narrow;
+    return text::ToUtf8(text);
 }
 
 ZTString Widen(std::string_view text)
 {
-    const int bytes = static_cast<int>(text.size());
-    const int length = bytes == 0 ? 0 : MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, nullptr, 0);
-    ZTString wide;
-    if (length > 0)
-    {
-        MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, wide.GetBuffer(length), length);
-        wide.ReleaseBuffer(length);
-    }
-    return wide;
+    const std::wstring wide = text::FromUtf8(text);
+    return ZTString(wide.data(), static_cast<int>(wide.size()));
 }
 
 } // namespace kelvane

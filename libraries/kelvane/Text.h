@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Between wide text and UTF-8. What is no character (half of a surrogate pair, a malformed sequence) becomes
-// U+FFFD.
+// Between the string class and UTF-8, by the rules of text/Unicode.h.
 #pragma once
 
 #include "foundation/Oriska.h"

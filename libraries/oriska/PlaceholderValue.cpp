@@ -2,7 +2,7 @@
 #include "foundation/Oriska.h"
 
 #include "libraries/oriska/FormatSpec.h"
-#include "libraries/oriska/Widen.h"
+#include "text/Unicode.h"
 
 #include <algorithm>
 #include <charconv>
@@ -130,7 +130,7 @@ bool PlaceholderValue::AppendTo(ZTString& out, std::wstring_view text) const
     case Kind::Wide:
         return AppendText(out, {mValue.wide, mSize}, spec);
     case Kind::Narrow:
-        return AppendText(out, Widen({mValue.narrow, mSize}), spec);
+        return AppendText(out, text::FromUtf8({mValue.narrow, mSize}), spec);
     case Kind::Double:
         return AppendDouble(out, mValue.real, spec);
     default:

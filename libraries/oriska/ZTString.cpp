@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/Oriska.h"
 
-#include "libraries/oriska/Widen.h"
+#include "text/Unicode.h"
 
 namespace
 {
@@ -11,17 +11,6 @@ constinit CHeapStringManager gManager;
 } // namespace
 
 constinit IAtlStringMgr* const gZTStringManager = &gManager;
-
-std::wstring Widen(std::string_view text)
-{
-    std::wstring wide;
-    if (text.empty())
-        return wide;
-    const int bytes = static_cast<int>(text.size());
-    wide.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, nullptr, 0)));
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, wide.data(), static_cast<int>(wide.size()));
-    return wide;
-}
 
 ZTString::ZTString() : CStringW(gZTStringManager) {}
 
@@ -50,7 +39,7 @@ ZTString& ZTString::operator=(const wchar_t* text)
 
 ZTString& ZTString::operator=(const char* text)
 {
-    const std::wstring wide = text != nullptr ? Widen(text) : std::wstring();
+    const std::wstring wide = text != nullptr ? text::FromUtf8(text) : std::wstring();
     CStringW::operator=(ZTString(wide.data(), static_cast<int>(wide.size())));
     return *this;
 }

@@ -8,17 +8,15 @@
 #include "platformExport.h"
 
 #define CP_ACP 0
-#define CP_UTF8 65001
 #define LOCALE_CUSTOM_DEFAULT 0x0C00
 
 extern "C"
 {
-    // CP_ACP or CP_UTF8, flags 0. Counts of wide characters are counts of code points.
+    // CP_ACP, flags 0, no default character of the caller's. Counts of wide characters are counts of code
+    // points.
     PLATFORM_EXPORT int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideLength,
                                             LPSTR narrow, int narrowSize, LPCSTR defaultCharacter,
                                             BOOL* usedDefault);
-    PLATFORM_EXPORT int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR narrow, int narrowLength,
-                                            LPWSTR wide, int wideSize);
 
     // The locale of LC_ALL, LC_CTYPE or LANG, the first that is set; 0x0409 for C, POSIX and none.
     PLATFORM_EXPORT LCID GetUserDefaultLCID();

@@ -224,10 +224,6 @@ extern "C"
     PLATFORM_EXPORT HICON LoadIconW(HINSTANCE module, LPCWSTR name);
     // A capacity of 0 gives 0: there is no text to point into.
     PLATFORM_EXPORT int LoadStringW(HINSTANCE module, UINT id, LPWSTR text, int capacity);
-
-    // Lower case by the Unicode mapping of one character to one, the same in every locale, code points beyond
-    // U+FFFF included. Gives `length`.
-    PLATFORM_EXPORT DWORD CharLowerBuffW(LPWSTR text, DWORD length);
 }
 
 #endif // RC_INVOKED

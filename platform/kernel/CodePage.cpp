@@ -14,7 +14,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace
 {
@@ -28,13 +27,13 @@ using Converter = std::unique_ptr<UConverter, CloseConverter>;
 // Null with ERROR_INVALID_PARAMETER for a code page that the layer does not know.
 Converter OpenConverter(UINT codePage)
 {
-    if (codePage != CP_ACP && codePage != CP_UTF8)
+    if (codePage != CP_ACP)
     {
         FailWith(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
     UErrorCode error = U_ZERO_ERROR;
-    Converter converter(ucnv_open(codePage == CP_UTF8 ? "UTF-8" : UserCharset().c_str(), &error));
+    Converter converter(ucnv_open(UserCharset().c_str(), &error));
     if (converter == nullptr)
     {
         error = U_ZERO_ERROR;
@@ -124,38 +123,4 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int wideLength
         return 0;
     }
     return static_cast<int>(length);
-}
-
-int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR narrow, int narrowLength, LPWSTR wide,
-                        int wideSize)
-{
-    if (flags != 0 || narrow == nullptr || narrowLength == 0 || narrowLength < -1 || wideSize < 0)
-    {
-        FailWith(ERROR_INVALID_PARAMETER);
-        return 0;
-    }
-    const Converter converter = OpenConverter(codePage);
-    if (converter == nullptr)
-        return 0;
-    const std::size_t bytes =
-        narrowLength == -1 ? std::strlen(narrow) + 1 : static_cast<std::size_t>(narrowLength);
-    std::u16string units(bytes * 2, u'\0'); // no byte gives more
-    UErrorCode error = U_ZERO_ERROR;
-    const int32_t length = ucnv_toUChars(converter.get(), units.data(), static_cast<int32_t>(units.size()),
-                                         narrow, static_cast<int32_t>(bytes), &error);
-    std::vector<UChar32> points(static_cast<std::size_t>(length));
-    int32_t count = 0;
-    error = U_ZERO_ERROR;
-    u_strToUTF32(points.data(), length, &count, units.data(), length, &error);
-    points.resize(static_cast<std::size_t>(count));
-    if (wideSize != 0)
-    {
-        if (count > wideSize)
-        {
-            FailWith(ERROR_INSUFFICIENT_BUFFER);
-            return 0;
-        }
-        std::ranges::copy(points, wide);
-    }
-    return count;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/CommandLine.h"
 
-#include "platform/kernel/Text.h"
+#include "text/Unicode.h"
 #include "winbase.h"
 
 #include <fstream>
@@ -39,7 +39,7 @@ std::vector<std::wstring> OwnArguments()
     for (std::size_t at = 0; at < bytes.size();)
     {
         const std::size_t end = bytes.find('\0', at);
-        arguments.push_back(WideFromSystem(std::string_view(bytes).substr(at, end - at)));
+        arguments.push_back(text::FromUtf8(std::string_view(bytes).substr(at, end - at)));
         at = end == std::string::npos ? end : end + 1;
     }
     return arguments;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/Handle.h"
 #include "platform/kernel/Text.h"
+#include "text/Unicode.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -99,7 +100,7 @@ public:
     {
         while (const dirent* entry = readdir(mFolder))
         {
-            const std::wstring name = WideFromSystem(entry->d_name);
+            const std::wstring name = text::FromUtf8(entry->d_name);
             if (Matches(name, mPattern) && FillData(dirfd(mFolder), entry->d_name, name, data))
                 return true;
         }
@@ -117,7 +118,7 @@ HANDLE FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW data)
 {
     const std::wstring_view path = pattern;
     const std::size_t name = path.find_last_of(L'/') + 1; // 0 without a separator
-    const std::string folder = name == 0 ? "." : SystemFromWide(path.substr(0, name));
+    const std::string folder = name == 0 ? "." : text::ToUtf8(path.substr(0, name));
     DIR* directory = opendir(folder.c_str());
     if (directory == nullptr)
     {
@@ -149,5 +150,5 @@ BOOL FindClose(HANDLE find)
 
 BOOL DeleteFileW(LPCWSTR path)
 {
-    return unlink(SystemFromWide(path).c_str()) == 0 ? TRUE : FailWithErrno(errno);
+    return unlink(text::ToUtf8(path).c_str()) == 0 ? TRUE : FailWithErrno(errno);
 }

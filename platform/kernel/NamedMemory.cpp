@@ -2,7 +2,7 @@
 #include "platform/kernel/NamedMemory.h"
 
 #include "platform/kernel/Error.h"
-#include "platform/kernel/Text.h"
+#include "text/Unicode.h"
 #include "winerror.h"
 
 #include <fcntl.h>
@@ -64,7 +64,7 @@ std::string PathOf(const std::wstring& name)
 {
     constexpr char kHex[] = "0123456789ABCDEF";
     std::string path = "/dev/shm/tavo.";
-    for (const char byte : SystemFromWide(name))
+    for (const char byte : text::ToUtf8(name))
     {
         const auto code = static_cast<unsigned char>(byte);
         if (code <= ' ' || byte == '/' || byte == '%')

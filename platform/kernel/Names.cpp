@@ -2,6 +2,7 @@
 // Names of the machine, the user and the program.
 #include "platform/kernel/Error.h"
 #include "platform/kernel/Text.h"
+#include "text/Unicode.h"
 #include "winbase.h"
 #include "libloaderapi.h"
 #include "security.h"
@@ -22,7 +23,7 @@ std::wstring HostName()
     std::array<char, HOST_NAME_MAX + 1> name = {};
     gethostname(name.data(), name.size() - 1);
     const std::string_view full = name.data();
-    return WideFromSystem(full.substr(0, full.find('.')));
+    return text::FromUtf8(full.substr(0, full.find('.')));
 }
 
 struct User
@@ -43,7 +44,7 @@ User EffectiveUser()
     if (found == nullptr)
         return {std::to_wstring(id), {}};
     const std::string_view comment = found->pw_gecos;
-    return {WideFromSystem(found->pw_name), WideFromSystem(comment.substr(0, comment.find(',')))};
+    return {text::FromUtf8(found->pw_name), text::FromUtf8(comment.substr(0, comment.find(',')))};
 }
 
 // The rule of these calls: `size` is the buffer's on entry, afterwards the characters with the terminator
@@ -113,7 +114,7 @@ DWORD GetModuleFileNameW(HMODULE, LPWSTR buffer, DWORD size)
         FailWith(ERROR_INSUFFICIENT_BUFFER);
         return 0;
     }
-    const std::wstring path = WideFromSystem({bytes.data(), static_cast<std::size_t>(length)});
+    const std::wstring path = text::FromUtf8({bytes.data(), static_cast<std::size_t>(length)});
     if (CopyOut(path, buffer, size))
     {
         SetLastError(ERROR_SUCCESS);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/CommandLine.h"
 #include "platform/kernel/Handle.h"
-#include "platform/kernel/Text.h"
+#include "text/Unicode.h"
 #include "winuser.h"
 
 #include <fcntl.h>
@@ -168,7 +168,7 @@ pid_t Spawn(const std::string& program, const std::vector<std::wstring>& words, 
             int& error)
 {
     std::vector<std::string> arguments(words.size());
-    std::ranges::transform(words, arguments.begin(), SystemFromWide);
+    std::ranges::transform(words, arguments.begin(), text::ToUtf8);
     std::vector<char*> pointers(words.size() + 1); // null at the end
     std::ranges::transform(arguments, pointers.begin(),
                            [](std::string& argument) { return argument.data(); });
@@ -187,11 +187,11 @@ BOOL CreateProcessW(LPCWSTR application, LPWSTR commandLine, LPSECURITY_ATTRIBUT
     if (application != nullptr || commandLine == nullptr || flags != 0 || environment != nullptr)
         return FailWith(ERROR_INVALID_PARAMETER);
     const std::vector<std::wstring> words = SplitCommandLine(commandLine);
-    const std::string program = FindProgram(SystemFromWide(words.front()));
+    const std::string program = FindProgram(text::ToUtf8(words.front()));
     SpawnSettings settings;
     if (currentDirectory != nullptr)
     {
-        const std::string folder = SystemFromWide(currentDirectory);
+        const std::string folder = text::ToUtf8(currentDirectory);
         struct stat status = {};
         if (stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode))
             return FailWith(ERROR_DIRECTORY);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/Handle.h"
-#include "platform/kernel/Text.h"
+#include "text/Unicode.h"
 #include "winreg.h"
 
 #include <unicode/uloc.h>
@@ -55,7 +55,7 @@ std::wstring LocaleText(DWORD id)
         return {};
     std::string text = tag.data();
     std::ranges::transform(text, text.begin(), [](unsigned char letter) { return std::tolower(letter); });
-    return WideFromSystem(text + ';' + narrow.data());
+    return text::FromUtf8(text + ';' + narrow.data());
 }
 
 // The text of a value by its name, the locale's number as "%04X" writes it.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "foundation/LateIcu.h"
 #include "platform/kernel/Text.h"
+#include "text/Unicode.h"
 #include "timezoneapi.h"
 
 #include <time.h>
@@ -98,11 +98,8 @@ std::string WindowsZone(const std::string& zone)
     const std::u16string id(zone.begin(), zone.end());
     std::array<UChar, 64> name = {};
     UErrorCode error = U_ZERO_ERROR;
-    const auto windowsId = LATE_ICU(ucal_getWindowsTimeZoneID);
-    if (windowsId == nullptr)
-        return {};
-    const int32_t length =
-        windowsId(id.data(), static_cast<int32_t>(id.size()), name.data(), name.size(), &error);
+    const int32_t length = ucal_getWindowsTimeZoneID(id.data(), static_cast<int32_t>(id.size()), name.data(),
+                                                     name.size(), &error);
     return U_SUCCESS(error) ? std::string(name.data(), name.data() + length) : std::string();
 }
 
@@ -118,8 +115,8 @@ void SetNames(TIME_ZONE_INFORMATION& information, const std::string& zone, const
         standard = clocks.mStandardName;
         daylight = clocks.mDaylightName;
     }
-    CopyOut(WideFromSystem(standard), information.StandardName, std::size(information.StandardName));
-    CopyOut(WideFromSystem(daylight), information.DaylightName, std::size(information.DaylightName));
+    CopyOut(text::FromUtf8(standard), information.StandardName, std::size(information.StandardName));
+    CopyOut(text::FromUtf8(daylight), information.DaylightName, std::size(information.DaylightName));
 }
 
 LONG Minutes(long seconds)

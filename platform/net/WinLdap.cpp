@@ -3,7 +3,7 @@
 #include "platform/net/LdapSession.h"
 #include "platform/net/LdapText.h"
 
-#include "foundation/Utf16.h"
+#include "text/Unicode.h"
 
 #include <rpcdce.h>
 #include <winber.h>
@@ -69,7 +69,7 @@ LDAP* NewSession(const wchar_t* host, ULONG port, bool tls)
 
 Secret SecretOf(const unsigned short* units, ULONG length)
 {
-    std::wstring wide = FromUtf16(reinterpret_cast<const char16_t*>(units), length);
+    std::wstring wide = text::FromUtf16({reinterpret_cast<const char16_t*>(units), length});
     Secret secret{std::wstring_view(wide)};
     explicit_bzero(wide.data(), wide.size() * sizeof(wchar_t));
     return secret;
@@ -77,7 +77,7 @@ Secret SecretOf(const unsigned short* units, ULONG length)
 
 std::string Utf8Of(const unsigned short* units, ULONG length)
 {
-    return ToUtf8(FromUtf16(reinterpret_cast<const char16_t*>(units), length));
+    return ToUtf8(text::FromUtf16({reinterpret_cast<const char16_t*>(units), length}));
 }
 
 // A text for ldap_memfreeW.

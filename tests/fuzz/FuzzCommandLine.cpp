@@ -2,8 +2,8 @@
 // Any arguments, put together to a line and split again: neither crashes, the quotes around a whole argument
 // hold it together, and no character but quotes comes or goes.
 #include "platform/kernel/CommandLine.h"
-#include "platform/kernel/Text.h"
 #include "tests/fuzz/Require.h"
+#include "text/Unicode.h"
 
 static std::wstring WithoutQuotes(std::wstring text)
 {
@@ -13,8 +13,7 @@ static std::wstring WithoutQuotes(std::wstring text)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::wstring text = WideFromSystem(TextOf(data, size));
-    Require(SystemFromWide(text) == TextOf(data, size));
+    const std::wstring text = text::FromUtf8(TextOf(data, size));
     std::vector<std::wstring> arguments(1);
     for (const wchar_t character : text)
         if (character == L'\n')

@@ -37,7 +37,7 @@ static_assert(TOKEN_QUERY == 8 && SecurityImpersonation == 2 && SECURITY_DESCRIP
 static_assert(SECURITY_BUILTIN_DOMAIN_RID == 32 && DOMAIN_ALIAS_RID_ADMINS == 544 && SE_DACL_PRESENT == 4);
 static_assert(GENERIC_READ == 0x80000000 && GENERIC_WRITE == 0x40000000);
 static_assert(GENERIC_EXECUTE == 0x20000000 && GENERIC_ALL == 0x10000000);
-static_assert(CP_ACP == 0 && CP_UTF8 == 65001 && REG_SZ == 1 && LOCALE_CUSTOM_DEFAULT == 0x0C00);
+static_assert(CP_ACP == 0 && REG_SZ == 1 && LOCALE_CUSTOM_DEFAULT == 0x0C00);
 static_assert(NameUnknown == 0 && NameSamCompatible == 2 && NameDisplay == 3);
 
 // clang-format off

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What of the layer shows only from the Linux side: users, signals, open files, names that are no UTF-8.
-#include "platform/kernel/Text.h"
 #include "tests/support/AgentFolder.h"
+#include "text/Unicode.h"
 
 #include <gtest/gtest.h>
 
@@ -41,7 +41,7 @@ TEST(NamedEventOfUsers, NullAccessListOpensItToEveryUser)
     SECURITY_ATTRIBUTES attributes = {sizeof attributes, &descriptor, TRUE};
     const AgentFolder folder;
     const std::wstring name = UniqueName(L"users");
-    const auto openAsNobody = [&] { return folder.Run({"open:" + SystemFromWide(name)}, true).answers; };
+    const auto openAsNobody = [&] { return folder.Run({"open:" + text::ToUtf8(name)}, true).answers; };
     const mode_t old = umask(0077); // has no say in it
     const HANDLE open = CreateEventW(&attributes, FALSE, FALSE, (L"Global\\" + name).c_str());
     umask(old);
@@ -74,7 +74,7 @@ TEST(NamedEventFile, IsThereOnlyWhileTheNameIs)
 TEST(NamedEventFile, KeptLockedBySomebodyHoldsNobodyUpForEver)
 {
     const std::wstring name = UniqueName(L"locked");
-    const std::string path = "/dev/shm/tavo." + SystemFromWide(name);
+    const std::string path = "/dev/shm/tavo." + text::ToUtf8(name);
     const int file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
     struct flock all = {};
     all.l_type = F_WRLCK;
@@ -103,7 +103,7 @@ TEST(ProcessOnLinux, LeavesNoZombieWhenNobodyWaits)
     const std::wstring go = UniqueName(L"go");
     const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, go.c_str());
     // The handles are closed while it runs.
-    const auto running = static_cast<pid_t>(folder.Start({"await:" + SystemFromWide(go) + ":none"}).Id());
+    const auto running = static_cast<pid_t>(folder.Start({"await:" + text::ToUtf8(go) + ":none"}).Id());
     EXPECT_EQ(kill(running, 0), 0);
     SetEvent(event);
     for (int tries = 0; kill(running, 0) == 0 && tries < 600; ++tries)
@@ -160,32 +160,6 @@ TEST(ProcessOnLinux, SaysWhatIsNoProgram)
     EXPECT_EQ(ChildProcess(L"\"\"").Error(), DWORD{ERROR_FILE_NOT_FOUND});
 }
 
-TEST(SystemText, EveryByteSurvivesTheWayThereAndBack)
-{
-    struct Row
-    {
-        const char* bytes;
-        const wchar_t* text;
-    };
-    const Row rows[] = {
-        {"plain", L"plain"},
-        {"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", L"\u00E9\u20AC\U0001F600"},
-        {"a\xE9z", L"a\xDCE9z"},                           // Latin-1
-        {"\xC3", L"\xDCC3"},                               // cut
-        {"\xC0\x80", L"\xDCC0\xDC80"},                     // overlong
-        {"\xE0\x80\x80", L"\xDCE0\xDC80\xDC80"},           // overlong
-        {"\xED\xA0\x80", L"\xDCED\xDCA0\xDC80"},           // a surrogate
-        {"\xED\xB2\x80", L"\xDCED\xDCB2\xDC80"},           // the escape itself
-        {"\xF4\x90\x80\x80", L"\xDCF4\xDC90\xDC80\xDC80"}, // beyond Unicode
-        {"\xFF", L"\xDCFF"},
-    };
-    for (const Row& row : rows)
-    {
-        EXPECT_EQ(WideFromSystem(row.bytes), row.text);
-        EXPECT_EQ(SystemFromWide(row.text), row.bytes);
-    }
-}
-
 TEST(FindFileOnLinux, TellsLinksAndKeepsNamesThatAreNoUtf8)
 {
     const TestFolder testFolder;
@@ -212,9 +186,9 @@ TEST(FindFileOnLinux, TellsLinksAndKeepsNamesThatAreNoUtf8)
     {
         WIN32_FIND_DATAW data = {};
         const HANDLE find = FindFirstFileW((folder.wstring() + L"/" + row.name).c_str(), &data);
-        ASSERT_NE(find, INVALID_HANDLE_VALUE) << SystemFromWide(row.name);
+        ASSERT_NE(find, INVALID_HANDLE_VALUE) << text::ToUtf8(row.name);
         EXPECT_EQ(data.cFileName, std::wstring(row.name));
-        EXPECT_EQ(data.dwFileAttributes, row.attributes) << SystemFromWide(row.name);
+        EXPECT_EQ(data.dwFileAttributes, row.attributes) << text::ToUtf8(row.name);
         EXPECT_EQ(data.dwReserved0, row.tag);
         FindClose(find);
     }

@@ -101,7 +101,7 @@ TEST(Format, ChecksASpecAgainstTheTypeOfItsValue)
         {L"[{0}{1}{0:5s}]",
          {static_cast<const wchar_t*>(nullptr), static_cast<const char*>(nullptr)},
          L"[     ]"},
-        {L"{0:S}", {"\xFF"}, L"\xFFFD"},
+        {L"{0:S}", {"\xFF"}, L"\xDCFF"},
         {L"{0:c}", {-1}, L"-1"},
         {L"{0:03d}|{0:f}", {std::numeric_limits<double>::infinity()}, L"inf|inf"},
         {L"{0:06f}|{1}",

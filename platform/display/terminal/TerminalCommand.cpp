@@ -3,6 +3,7 @@
 
 #include "platform/dialogs/UserInput.h"
 #include "platform/display/LabelOf.h"
+#include "text/FoldCase.h"
 
 #include <algorithm>
 #include <functional>
@@ -24,7 +25,7 @@ std::wstring_view Trim(std::wstring_view text)
 std::wstring Lower(std::wstring_view text)
 {
     std::wstring lower(text);
-    CharLowerBuffW(lower.data(), static_cast<DWORD>(lower.size()));
+    text::FoldCase(lower.data(), lower.size());
     return lower;
 }
 
