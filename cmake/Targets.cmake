@@ -63,7 +63,17 @@ function(tavo_shared name)
   if(WIN32)
     set_target_properties(${name} PROPERTIES PREFIX "" IMPORT_PREFIX "lib"
       ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+    tavo_windows_resource(${name} ${PROJECT_SOURCE_DIR}/resources/Library.rc -DTAVO_FILE=${arg_OUTPUT})
   endif()
+endfunction()
+
+# Links an .rc file into a Windows program or library, compiled with the version and what else is given.
+function(tavo_windows_resource target rc)
+  get_filename_component(dir ${rc} DIRECTORY)
+  file(GLOB parts CONFIGURE_DEPENDS ${dir}/*)
+  target_sources(${target} PRIVATE ${rc})
+  set_source_files_properties(${rc} PROPERTIES OBJECT_DEPENDS "${parts}"
+    COMPILE_OPTIONS "-I${dir};-c65001;-DTAVO_VERSION_MAJOR=${PROJECT_VERSION_MAJOR};-DTAVO_VERSION_MINOR=${PROJECT_VERSION_MINOR};-DTAVO_VERSION_PATCH=${PROJECT_VERSION_PATCH};${ARGN}")
 endfunction()
 
 # Gives a program the resources of an .rc file. For Windows windres links them in. For Linux the same
@@ -71,14 +81,12 @@ endfunction()
 # symbols below (see platform/resource/).
 function(tavo_resources target rc)
   get_filename_component(rc ${rc} ABSOLUTE)
-  get_filename_component(dir ${rc} DIRECTORY)
-  file(GLOB parts CONFIGURE_DEPENDS ${dir}/*)
   if(WIN32)
-    target_sources(${target} PRIVATE ${rc})
-    set_source_files_properties(${rc} PROPERTIES OBJECT_DEPENDS "${parts}"
-      COMPILE_OPTIONS "-I${dir};-c65001;-DTAVO_VERSION_MAJOR=${PROJECT_VERSION_MAJOR};-DTAVO_VERSION_MINOR=${PROJECT_VERSION_MINOR};-DTAVO_VERSION_PATCH=${PROJECT_VERSION_PATCH}")
+    tavo_windows_resource(${target} ${rc})
     return()
   endif()
+  get_filename_component(dir ${rc} DIRECTORY)
+  file(GLOB parts CONFIGURE_DEPENDS ${dir}/*)
   find_program(WINDRES x86_64-w64-mingw32-windres REQUIRED)
   set(res ${CMAKE_CURRENT_BINARY_DIR}/${target}.res)
   add_custom_command(OUTPUT ${res}
