@@ -11,10 +11,10 @@ if(WIN32)
 endif()
 
 # Not /usr/bin/7za, a script around this program.
-find_program(TAVO_ARCHIVER NAMES 7za PATHS /usr/lib/p7zip /usr/libexec/p7zip NO_DEFAULT_PATH)
+find_program(TAVO_ARCHIVER NAMES 7za PATHS /usr/lib/p7zip /usr/lib/7zip /usr/libexec/p7zip NO_DEFAULT_PATH)
 if(TAVO_ARCHIVER)
   add_custom_command(OUTPUT ${archiver} COMMAND ${CMAKE_COMMAND} -E copy ${TAVO_ARCHIVER} ${archiver}
-    DEPENDS ${TAVO_ARCHIVER})
+    DEPENDS ${TAVO_ARCHIVER} VERBATIM)
   add_custom_target(archiver DEPENDS ${archiver})
 else()
   message(WARNING "No archiver for the program folder: 7za of the package p7zip-full is not there. "

@@ -89,12 +89,15 @@ function(tavo_resources target rc)
   file(GLOB parts CONFIGURE_DEPENDS ${dir}/*)
   find_program(WINDRES x86_64-w64-mingw32-windres REQUIRED)
   set(res ${CMAKE_CURRENT_BINARY_DIR}/${target}.res)
+  # windres hands its paths to a shell as they are: none of the folder that the tree lies in.
+  file(RELATIVE_PATH shortDir ${PROJECT_SOURCE_DIR} ${dir})
+  get_filename_component(shortRc ${rc} NAME)
   add_custom_command(OUTPUT ${res}
     COMMAND ${WINDRES} --preprocessor=${CMAKE_C_COMPILER} --preprocessor-arg=-E --preprocessor-arg=-xc
-            --preprocessor-arg=-DRC_INVOKED -c65001 -O res -I${dir} -I${PROJECT_SOURCE_DIR}/platform/include
+            --preprocessor-arg=-DRC_INVOKED -c65001 -O res -I${shortDir} -Iplatform/include
             -DTAVO_VERSION_MAJOR=${PROJECT_VERSION_MAJOR} -DTAVO_VERSION_MINOR=${PROJECT_VERSION_MINOR}
-            -DTAVO_VERSION_PATCH=${PROJECT_VERSION_PATCH} -i ${rc} -o ${res}
-    DEPENDS ${parts} VERBATIM)
+            -DTAVO_VERSION_PATCH=${PROJECT_VERSION_PATCH} -i ${shortDir}/${shortRc} -o ${res}
+    WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} DEPENDS ${parts} VERBATIM)
   set(source ${CMAKE_CURRENT_BINARY_DIR}/${target}Resources.c)
   file(CONFIGURE OUTPUT ${source} CONTENT [=[
 __asm__(".section .rodata\n"
