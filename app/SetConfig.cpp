@@ -7,8 +7,6 @@
 namespace
 {
 
-constexpr unsigned long kAppSetConfig = 4;
-
 void ShowFailure(const ZTString& name)
 {
     constexpr DWORD kSeconds = 60;

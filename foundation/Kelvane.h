@@ -26,7 +26,8 @@ class RequestTarget; // never made by this program: every pointer passed is null
 // --- Configuration ---
 
 // A setting's number. The settings live in one file, Tavo.settings.json in the program folder, which a person
-// may edit; what is not there, or is not of its type, has its default. All are read when the program starts.
+// may edit; what is not there, is not of its type or is out of its range has its default. All are read when
+// the program starts.
 enum eConfigID : int
 {
     eConfigNone = 0,
@@ -36,16 +37,20 @@ enum eConfigID : int
     eConfigLogDirectory = 337,
     // CustomerServiceText: how to reach the people who help; what GetCustServiceInfo gives.
     eConfigCustomerServiceText = 338,
-    // LogLevel: the highest severity that is logged, 0 for no log at all; 2. At once.
+    // LogLevel: the highest severity that is logged, 0 to 2, 0 for no log at all; 2. At once. A change of a
+    // setting is logged whatever it is.
     eConfigLogLevel = 339,
-    // LogSizeLimitKB: the size beyond which a new log is begun, in units of 1024 bytes, 0 for none; 4096. At
-    // once.
+    // LogSizeLimitKB: the size beyond which a new log is begun, in units of 1024 bytes, 4194304 at most, 0
+    // for no limit; 4096. At once.
     eConfigLogSizeLimitKB = 340,
-    // LogFileCount: how many older logs are kept, Tavo.1.log being the latest, 99 at most; 5. At once.
+    // LogFileCount: how many older logs are kept, Tavo.1.log being the latest, kMostOlderLogs at most; 5. At
+    // once.
     eConfigLogFileCount = 341,
-    // RecordLockWaits: not 0 has every wait for a lock recorded; SignalShutdown logs them. 0.
+    // RecordLockWaits: 1 has every wait for a lock recorded; SignalShutdown logs them. 0.
     eConfigRecordLockWaits = 342,
 };
+
+constexpr DWORD kMostOlderLogs = 99;
 
 enum eParamType : int
 {
@@ -54,21 +59,24 @@ enum eParamType : int
     eParamDWord = 13,
 };
 
-// The setting of a name, in any case; when not `byName`, the one whose number the text holds. eConfigNone
-// when there is none.
-KELVANE_EXPORT eConfigID GetConfigID(const wchar_t* name, bool byName);
+// Parameters that are always the same have no name below; each stands with its one value.
+
+// The setting of a name, in any case; eConfigNone when there is none.
+KELVANE_EXPORT eConfigID GetConfigID(const wchar_t* name, bool /* true */);
 KELVANE_EXPORT eParamType GetConfigType(eConfigID id);
 
-// Change a value, for this process and with `save` in the store, too. False, and nothing is changed, when the
-// store cannot be written or the setting is of another type. A stored value has reached the disk; another
-// process that writes another setting at the same moment loses nothing, nor does a crash. `target` is null.
-KELVANE_EXPORT bool SetConfigStr(eConfigID id, const wchar_t* text, bool save, RequestTarget* target);
-KELVANE_EXPORT bool SetConfigDWord(eConfigID id, DWORD number, bool save, RequestTarget* target);
+// Change a value, for this process and in the store. False, nothing changed and the reason in the log, when
+// the setting is of another type, the value is out of its range or the store cannot be written. A stored
+// value has reached the disk; another process that writes another setting at the same moment loses nothing,
+// nor does a crash.
+KELVANE_EXPORT bool SetConfigStr(eConfigID id, const wchar_t* text, bool /* true */,
+                                 RequestTarget* /* null */);
+KELVANE_EXPORT bool SetConfigDWord(eConfigID id, DWORD number, bool /* true */, RequestTarget* /* null */);
 
 // Values are remembered at the first read. This forgets one: the next read gives what the store holds.
 KELVANE_EXPORT void ResetConfigVal(eConfigID id);
-KELVANE_EXPORT ZTString GetConfigStr(eConfigID id, RequestTarget* target);
-KELVANE_EXPORT DWORD GetConfigDWord(eConfigID id, RequestTarget* target);
+KELVANE_EXPORT ZTString GetConfigStr(eConfigID id, RequestTarget* /* null */);
+KELVANE_EXPORT DWORD GetConfigDWord(eConfigID id, RequestTarget* /* null */);
 
 // --- Logging ---
 
@@ -81,8 +89,8 @@ constexpr unsigned char kLogFailure = 1;
 constexpr unsigned char kLogProgress = 2;
 
 KELVANE_EXPORT void _Log(unsigned char severity, const wchar_t* format, const PlaceholderValues& values);
-// A finished text; with `flush` it is on the disk when the call returns.
-KELVANE_EXPORT void LogNF(unsigned char severity, const wchar_t* text, bool flush);
+// A finished text.
+KELVANE_EXPORT void LogNF(unsigned char severity, const wchar_t* text, bool /* false */);
 // A null instance is the program itself.
 KELVANE_EXPORT void LogModuleLoaded(HINSTANCE instance, bool loaded);
 
@@ -92,7 +100,8 @@ KELVANE_EXPORT void LogModuleLoaded(HINSTANCE instance, bool loaded);
 // names the log's directory. `instance` is not needed on these systems and may be null.
 KELVANE_EXPORT void CriticalStartupInit(unsigned long kind, eConfigID logSetting, HINSTANCE instance);
 
-// Which program of the product runs; 4 is a one-shot change of a setting.
+// Which program of the product runs.
+constexpr unsigned long kAppSetConfig = 4; // a one-shot change of a setting
 extern KELVANE_EXPORT unsigned long gRunningApp;
 
 // Thread procedure for _beginthread: waits for SignalShutdown. Nobody waits for the thread.
@@ -180,10 +189,10 @@ KELVANE_EXPORT ZTString GetSystemErrorMessage(DWORD code, eSysErrMsg kind, eMoni
 KELVANE_EXPORT ZTString GetLogDirectory();
 // Size in bytes, 0 for a file that is not there.
 KELVANE_EXPORT std::uint64_t ZTGetFileSize(const wchar_t* path);
-// Writes the text as UTF-8, a byte order mark before it with `mark`. A file that is there is appended to with
-// `append`, replaced with `overwrite`, else left alone (false). `share` lets others open it meanwhile.
-KELVANE_EXPORT bool WriteTextFileAsUTF8(const wchar_t* path, const ZTString& text, bool overwrite, bool share,
-                                        bool append, bool mark);
+// Writes the text as UTF-8 into a new file, for its owner alone, which takes the place of whatever has the
+// name; nothing is written through a link there. For one caller at a time.
+KELVANE_EXPORT bool WriteTextFileAsUTF8(const wchar_t* path, const ZTString& text, bool /* true */,
+                                        bool /* true */, bool /* false */, bool /* false */);
 // Symbolic links and mounted directories, not the placeholders of cloud storage and the like.
 KELVANE_EXPORT bool IsFileOrDirLink(const WIN32_FIND_DATAW& findData);
 // Replaces each character that a file name cannot hold on either system; never leaves a reserved name, one
@@ -206,8 +215,8 @@ private:
     std::string mNarrow;
 };
 
-// Reads decimal digits, or hexadecimal ones after 0x, behind blanks, up to the first character that is none.
-// 0 when there is nothing to read; what is above 0xFFFFFFFF becomes that.
+// Reads a decimal number, or a hexadecimal one after 0x, with blanks around it. Every other text, and a
+// number above 0xFFFFFFFF, gives 0xFFFFFFFF, which no setting takes.
 KELVANE_EXPORT unsigned long wtodw(const wchar_t* text);
 
 // --- The registry of cleanable objects ---

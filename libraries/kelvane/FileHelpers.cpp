@@ -10,16 +10,10 @@ std::uint64_t ZTGetFileSize(const wchar_t* path)
     return error ? 0 : size;
 }
 
-bool WriteTextFileAsUTF8(const wchar_t* path, const ZTString& text, bool overwrite, bool share, bool append,
-                         bool mark)
+bool WriteTextFileAsUTF8(const wchar_t* path, const ZTString& text, bool, bool, bool, bool)
 {
-    using kelvane::WriteMode;
-    const WriteMode mode = append      ? WriteMode::Append
-                           : overwrite ? WriteMode::Replace
-                                       : WriteMode::CreateOnly;
-    const bool marked = mark && !(append && ZTGetFileSize(path) != 0);
-    const std::string bytes = (marked ? "\xEF\xBB\xBF" : "") + kelvane::Narrow(text.AsView());
-    return kelvane::WriteFileText(kelvane::NativePath(kelvane::ViewOf(path)), bytes, mode, share);
+    return kelvane::WritePrivateFile(kelvane::NativePath(kelvane::ViewOf(path)),
+                                     kelvane::Narrow(text.AsView()));
 }
 
 bool IsFileOrDirLink(const WIN32_FIND_DATAW& findData)

@@ -18,30 +18,34 @@ namespace kelvane
 // that are none (see GetCommandLineW of the layer).
 std::filesystem::path NativePath(std::wstring_view path);
 
-// `directory` as a full path with a separator behind it; a relative one lies in the program folder.
+// `directory` as a full path with a separator at its end; a relative one lies in the program folder.
 ZTString FullDirectory(const ZTString& directory);
 
 // Makes the directory and those above it where they are missing. Others may not look into it.
 void MakePrivateDirectory(const std::filesystem::path& directory);
 
-// Excludes other processes, and other threads of this one, that lock the same directory. It leaves nothing in
-// the directory and ends with the process.
-class DirectoryLock
+// Excludes other processes, and other threads of this one, that lock the same path. A file lies there while
+// the lock is held; only its owner may open it, so that nobody holds up an account of more rights. The lock
+// ends with the process, and a file that a killed one leaves is in nobody's way.
+class FileLock
 {
 public:
-    DirectoryLock(const std::filesystem::path& directory, std::chrono::milliseconds patience);
-    ~DirectoryLock();
-    DirectoryLock(const DirectoryLock&) = delete;
-    DirectoryLock& operator=(const DirectoryLock&) = delete;
+    FileLock(const std::filesystem::path& path, std::chrono::milliseconds patience);
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
 
+    // False when somebody else kept it for too long, or the file cannot be made.
     bool IsHeld() const;
 
 private:
+    std::filesystem::path mPath;
     std::intptr_t mHandle;
 };
 
 // A file that grows at its end only, whoever writes: each Append is one write of the system, so lines of
-// several processes never mix. A new file may be read by its owner and its group.
+// several processes never mix. A new file may be read by its owner and its group. What is not a plain file,
+// or has a second name somewhere, is not opened.
 class AppendFile
 {
 public:
@@ -51,9 +55,7 @@ public:
     AppendFile& operator=(const AppendFile&) = delete;
 
     bool IsOpen() const;
-    std::uint64_t Size() const;
-    // `flush` waits until the disk has it.
-    bool Append(std::string_view bytes, bool flush);
+    bool Append(std::string_view bytes);
 
 private:
     std::intptr_t mHandle;
@@ -66,18 +68,15 @@ struct FileContent
 };
 FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit);
 
-// Puts a new content in a file's place. Whatever happens, a power failure included, the file then holds the
-// old content or the new one; what failed leaves nothing behind. A file that the user may not write is
-// refused. For one caller at a time (see DirectoryLock).
-bool ReplaceWholeFile(const std::filesystem::path& path, std::string_view text);
+// Both write a new file beside `path`, which is then renamed: what lay there, a link for instance, is not
+// written through. What fails leaves nothing behind. For one caller at a time.
 
-// How WriteTextFile treats a file that is there.
-enum class WriteMode
-{
-    CreateOnly, // fails
-    Replace,
-    Append,
-};
-bool WriteFileText(const std::filesystem::path& path, std::string_view text, WriteMode mode, bool share);
+// Whatever happens, a power failure included, the file then holds the old content or the new one. It keeps
+// its owner and its mode; one that the user may not write is refused. Empty when done, else the system's
+// text.
+ZTString ReplaceWholeFile(const std::filesystem::path& path, std::string_view text);
+
+// The file is for its owner alone.
+bool WritePrivateFile(const std::filesystem::path& path, std::string_view text);
 
 } // namespace kelvane

@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <system_error>
 #include <thread>
+#include <utility>
 
 namespace kelvane
 {
@@ -20,6 +22,7 @@ namespace
 constexpr mode_t kLogMode = 0640;
 constexpr mode_t kLogDirectoryMode = 0750;
 constexpr mode_t kSettingsMode = 0644;
+constexpr mode_t kPrivateMode = 0600;
 
 class Descriptor
 {
@@ -31,6 +34,7 @@ public:
 
     bool IsOpen() const { return mDescriptor >= 0; }
     int Get() const { return mDescriptor; }
+    int Release() { return std::exchange(mDescriptor, -1); }
     bool Close()
     {
         const bool good = mDescriptor < 0 || close(mDescriptor) == 0;
@@ -56,23 +60,65 @@ bool WriteAll(int descriptor, std::string_view bytes)
     return true;
 }
 
+std::filesystem::path WithEnding(std::filesystem::path path, const char* ending)
+{
+    path += ending;
+    return path;
+}
+
 // Owner and mode of the file that is replaced; a new one has those of its maker.
 void TakeOver(int descriptor, const struct stat& old)
 {
-    // Only root may give a file away; the mode follows, since a change of the owner may clear bits of it.
+    // Only root may give a file away.
     if (fchown(descriptor, old.st_uid, old.st_gid) != 0)
         errno = 0;
-    fchmod(descriptor, old.st_mode & 07777);
+    fchmod(descriptor, old.st_mode & 0777);
 }
 
-bool WriteDurably(const std::filesystem::path& path, std::string_view text, const struct stat* old)
+// Puts a new file in the place of `path`; it takes after `old`, where there is one.
+bool PutInPlace(const std::filesystem::path& path, std::string_view text, mode_t mode, const struct stat* old)
 {
-    Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kSettingsMode));
+    const std::filesystem::path fresh = WithEnding(path, ".new");
+    unlink(fresh.c_str()); // of a writer that was killed
+    Descriptor file(open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     if (!file.IsOpen())
         return false;
     if (old != nullptr)
         TakeOver(file.Get(), *old);
-    return WriteAll(file.Get(), text) && fsync(file.Get()) == 0 && file.Close();
+    if (WriteAll(file.Get(), text) && fsync(file.Get()) == 0 && file.Close() &&
+        rename(fresh.c_str(), path.c_str()) == 0)
+        return true;
+    const int error = errno;
+    unlink(fresh.c_str());
+    errno = error;
+    return false;
+}
+
+// Whether the path still leads to this file.
+bool IsNameOf(const std::filesystem::path& path, int descriptor)
+{
+    struct stat named
+    {
+    };
+    struct stat opened
+    {
+    };
+    return lstat(path.c_str(), &named) == 0 && fstat(descriptor, &opened) == 0 &&
+           named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+}
+
+// A file under the path alone, or one that was just removed. With a second name it may be anybody's.
+bool IsPlainFile(int descriptor)
+{
+    struct stat status
+    {
+    };
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink <= 1;
+}
+
+ZTString LastErrorText()
+{
+    return Widen(std::system_category().message(errno));
 }
 
 bool FlushDirectory(const std::filesystem::path& directory)
@@ -116,42 +162,52 @@ void MakePrivateDirectory(const std::filesystem::path& directory)
     mkdir(directory.c_str(), kLogDirectoryMode);
 }
 
-DirectoryLock::DirectoryLock(const std::filesystem::path& directory, std::chrono::milliseconds patience)
-    : mHandle(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds patience)
+    : mPath(path), mHandle(-1)
 {
-    // Not by a blocking call: whoever can read the directory could then hold us up for ever.
+    // Not by a blocking call: a process that is stopped would hold us up for ever.
     const auto deadline = std::chrono::steady_clock::now() + patience;
-    while (mHandle >= 0 && flock(static_cast<int>(mHandle), LOCK_EX | LOCK_NB) != 0)
+    while (true)
     {
-        if ((errno != EWOULDBLOCK && errno != EINTR) || std::chrono::steady_clock::now() >= deadline)
+        Descriptor file(
+            open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, kPrivateMode));
+        if (!file.IsOpen())
+            return;
+        const bool locked = flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
+        // Its last holder removes it, perhaps after we have opened it.
+        if (locked && IsNameOf(path, file.Get()))
         {
-            close(static_cast<int>(mHandle));
-            mHandle = -1;
+            mHandle = file.Release();
+            return;
         }
-        else
-        {
+        if (std::chrono::steady_clock::now() >= deadline)
+            return;
+        if (!locked)
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        }
     }
 }
 
-DirectoryLock::~DirectoryLock()
+FileLock::~FileLock()
 {
-    if (IsHeld())
-        close(static_cast<int>(mHandle));
+    if (!IsHeld())
+        return;
+    unlink(mPath.c_str());
+    close(static_cast<int>(mHandle));
 }
 
-bool DirectoryLock::IsHeld() const
+bool FileLock::IsHeld() const
 {
     return mHandle >= 0;
 }
 
 // A link in the file's place is not followed: the log of an administrator is no way to other files. Nor does
 // a pipe there hold anyone up.
-AppendFile::AppendFile(const std::filesystem::path& path)
-    : mHandle(
-          open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, kLogMode))
+AppendFile::AppendFile(const std::filesystem::path& path) : mHandle(-1)
 {
+    Descriptor file(
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, kLogMode));
+    if (file.IsOpen() && IsPlainFile(file.Get()))
+        mHandle = file.Release();
 }
 
 AppendFile::~AppendFile()
@@ -165,22 +221,13 @@ bool AppendFile::IsOpen() const
     return mHandle >= 0;
 }
 
-std::uint64_t AppendFile::Size() const
+bool AppendFile::Append(std::string_view bytes)
 {
-    struct stat status
-    {
-    };
-    return fstat(static_cast<int>(mHandle), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
-}
-
-bool AppendFile::Append(std::string_view bytes, bool flush)
-{
-    const int descriptor = static_cast<int>(mHandle);
     ssize_t written;
     do
-        written = write(descriptor, bytes.data(), bytes.size());
+        written = write(static_cast<int>(mHandle), bytes.data(), bytes.size());
     while (written < 0 && errno == EINTR);
-    return written == static_cast<ssize_t>(bytes.size()) && (!flush || fdatasync(descriptor) == 0);
+    return written == static_cast<ssize_t>(bytes.size());
 }
 
 FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)
@@ -202,32 +249,23 @@ FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)
     }
 }
 
-bool ReplaceWholeFile(const std::filesystem::path& path, std::string_view text)
+ZTString ReplaceWholeFile(const std::filesystem::path& path, std::string_view text)
 {
     // Renaming asks for rights on the directory alone.
     struct stat old
     {
     };
     const bool exists = stat(path.c_str(), &old) == 0;
-    if (exists && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
-        return false;
-
-    std::filesystem::path fresh = path;
-    fresh += ".new";
-    unlink(fresh.c_str()); // of a writer that was killed
-    if (!WriteDurably(fresh, text, exists ? &old : nullptr) || rename(fresh.c_str(), path.c_str()) != 0)
-    {
-        unlink(fresh.c_str());
-        return false;
-    }
-    return FlushDirectory(path.parent_path());
+    if ((exists && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) ||
+        !PutInPlace(path, text, kSettingsMode, exists ? &old : nullptr) ||
+        !FlushDirectory(path.parent_path()))
+        return LastErrorText();
+    return {};
 }
 
-bool WriteFileText(const std::filesystem::path& path, std::string_view text, WriteMode mode, bool)
+bool WritePrivateFile(const std::filesystem::path& path, std::string_view text)
 {
-    const int how = mode == WriteMode::Append ? O_APPEND : mode == WriteMode::Replace ? O_TRUNC : O_EXCL;
-    Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | how, 0666));
-    return file.IsOpen() && WriteAll(file.Get(), text) && file.Close();
+    return PutInPlace(path, text, kPrivateMode, nullptr);
 }
 
 } // namespace kelvane

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "libraries/kelvane/Files.h"
 
-#include "libraries/kelvane/Text.h"
-#include "text/FoldCase.h"
+#include "foundation/Kelvane.h"
 
 namespace kelvane
 {
@@ -25,9 +24,10 @@ bool IsPassing(DWORD error)
     return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_ACCESS_DENIED;
 }
 
-HANDLE Open(const std::filesystem::path& path, DWORD access, DWORD share, DWORD disposition)
+HANDLE Open(const std::filesystem::path& path, DWORD access, DWORD share, DWORD disposition,
+            DWORD flags = FILE_ATTRIBUTE_NORMAL)
 {
-    return CreateFileW(path.c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    return CreateFileW(path.c_str(), access, share, nullptr, disposition, flags, nullptr);
 }
 
 bool WriteAll(HANDLE file, std::string_view bytes)
@@ -41,16 +41,6 @@ bool WriteAll(HANDLE file, std::string_view bytes)
         bytes.remove_prefix(written);
     }
     return true;
-}
-
-bool WriteDurably(const std::filesystem::path& path, std::string_view text)
-{
-    const HANDLE file = Open(path, GENERIC_WRITE, 0, CREATE_ALWAYS);
-    if (file == INVALID_HANDLE_VALUE)
-        return false;
-    const bool written = WriteAll(file, text) && FlushFileBuffers(file);
-    CloseHandle(file);
-    return written;
 }
 
 bool MayWrite(const std::filesystem::path& path)
@@ -72,6 +62,25 @@ bool MoveOver(const std::filesystem::path& from, const std::filesystem::path& to
         Sleep(kRetryMs);
     }
     return true;
+}
+
+bool PutInPlace(const std::filesystem::path& path, std::string_view text)
+{
+    std::filesystem::path fresh = path;
+    fresh += L".new";
+    DeleteFileW(fresh.c_str()); // of a writer that was killed
+    const HANDLE file = Open(fresh, GENERIC_WRITE, 0, CREATE_NEW);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    const bool written = WriteAll(file, text) && FlushFileBuffers(file);
+    DWORD error = GetLastError();
+    CloseHandle(file);
+    if (written && MoveOver(fresh, path))
+        return true;
+    error = written ? GetLastError() : error;
+    DeleteFileW(fresh.c_str());
+    SetLastError(error);
+    return false;
 }
 
 } // namespace
@@ -98,39 +107,27 @@ void MakePrivateDirectory(const std::filesystem::path& directory)
     std::filesystem::create_directories(directory.parent_path(), ignored);
 }
 
-// A mutex named after the directory.
-DirectoryLock::DirectoryLock(const std::filesystem::path& directory, std::chrono::milliseconds patience)
-    : mHandle(0)
+// The system removes the file with its handle. Until then it lets nobody open it.
+FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds patience)
+    : mPath(path), mHandle(0)
 {
-    std::wstring folded = directory;
-    text::FoldCase(folded.data(), folded.size());
-    ZTString name;
-    name.Format(L"Global\\Tavo_Directory_{0}", CRC64(folded.data(), folded.size() * sizeof(wchar_t)));
-
-    // A null access list: a process of another user has the same right to wait.
-    SECURITY_DESCRIPTOR descriptor;
-    InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
-    SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
-    SECURITY_ATTRIBUTES attributes{sizeof(attributes), &descriptor, FALSE};
-    const HANDLE mutex = CreateMutexW(&attributes, FALSE, name);
-    if (mutex == nullptr)
-        return;
-    const DWORD result = WaitForSingleObject(mutex, static_cast<DWORD>(patience.count()));
-    if (result == WAIT_OBJECT_0 || result == WAIT_ABANDONED)
-        mHandle = reinterpret_cast<std::intptr_t>(mutex);
-    else
-        CloseHandle(mutex);
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    HANDLE file;
+    while ((file = Open(path, GENERIC_WRITE | DELETE, 0, OPEN_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE)) ==
+               INVALID_HANDLE_VALUE &&
+           IsPassing(GetLastError()) && std::chrono::steady_clock::now() < deadline)
+        Sleep(1);
+    if (file != INVALID_HANDLE_VALUE)
+        mHandle = reinterpret_cast<std::intptr_t>(file);
 }
 
-DirectoryLock::~DirectoryLock()
+FileLock::~FileLock()
 {
-    if (!IsHeld())
-        return;
-    ReleaseMutex(ToHandle(mHandle));
-    CloseHandle(ToHandle(mHandle));
+    if (IsHeld())
+        CloseHandle(ToHandle(mHandle));
 }
 
-bool DirectoryLock::IsHeld() const
+bool FileLock::IsHeld() const
 {
     return mHandle != 0;
 }
@@ -152,17 +149,11 @@ bool AppendFile::IsOpen() const
     return ToHandle(mHandle) != INVALID_HANDLE_VALUE;
 }
 
-std::uint64_t AppendFile::Size() const
-{
-    LARGE_INTEGER size{};
-    return GetFileSizeEx(ToHandle(mHandle), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
-}
-
-bool AppendFile::Append(std::string_view bytes, bool flush)
+bool AppendFile::Append(std::string_view bytes)
 {
     DWORD written = 0;
     return WriteFile(ToHandle(mHandle), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-           written == bytes.size() && (!flush || FlushFileBuffers(ToHandle(mHandle)));
+           written == bytes.size();
 }
 
 FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)
@@ -189,30 +180,17 @@ FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)
     return {false, std::move(text)};
 }
 
-bool ReplaceWholeFile(const std::filesystem::path& path, std::string_view text)
+ZTString ReplaceWholeFile(const std::filesystem::path& path, std::string_view text)
 {
-    if (!MayWrite(path))
-        return false;
-    std::filesystem::path fresh = path;
-    fresh += L".new";
-    if (WriteDurably(fresh, text) && MoveOver(fresh, path))
-        return true;
-    DeleteFileW(fresh.c_str());
-    return false;
+    if (MayWrite(path) && PutInPlace(path, text))
+        return {};
+    return GetSystemErrorMessage(GetLastError(), eSysErrMsgPlain, eMonitorNone, false);
 }
 
-bool WriteFileText(const std::filesystem::path& path, std::string_view text, WriteMode mode, bool share)
+// The access list is inherited from the directory.
+bool WritePrivateFile(const std::filesystem::path& path, std::string_view text)
 {
-    const DWORD access = mode == WriteMode::Append ? FILE_APPEND_DATA : GENERIC_WRITE;
-    const DWORD disposition = mode == WriteMode::Append    ? OPEN_ALWAYS
-                              : mode == WriteMode::Replace ? CREATE_ALWAYS
-                                                           : CREATE_NEW;
-    const HANDLE file = Open(path, access, share ? FILE_SHARE_READ | FILE_SHARE_WRITE : 0, disposition);
-    if (file == INVALID_HANDLE_VALUE)
-        return false;
-    const bool written = WriteAll(file, text);
-    CloseHandle(file);
-    return written;
+    return PutInPlace(path, text);
 }
 
 } // namespace kelvane

@@ -19,7 +19,6 @@ namespace kelvane
 namespace
 {
 
-constexpr DWORD kMostOlderFiles = 99;
 constexpr std::size_t kLongestThreadName = 64;
 
 std::atomic<int> gDirectorySetting{eConfigLogDirectory};
@@ -79,12 +78,12 @@ void TellTrouble()
 void Rotate(const std::filesystem::path& directory, std::uint64_t fullSize)
 {
     std::error_code error;
-    const DirectoryLock lock(directory, std::chrono::milliseconds(0));
+    const FileLock lock(directory / "Tavo.log.lock", std::chrono::milliseconds(0));
     if (!lock.IsHeld() || std::filesystem::file_size(LogFile(directory, 0), error) < fullSize || error)
         return;
 
-    const DWORD kept = std::min(GetConfigDWord(eConfigLogFileCount, nullptr), kMostOlderFiles);
-    for (DWORD age = kMostOlderFiles; age > kept; --age)
+    const DWORD kept = GetConfigDWord(eConfigLogFileCount, nullptr);
+    for (DWORD age = kMostOlderLogs; age > kept; --age)
         std::filesystem::remove(LogFile(directory, age), error);
     if (kept == 0)
     {
@@ -99,7 +98,7 @@ void Rotate(const std::filesystem::path& directory, std::uint64_t fullSize)
         std::filesystem::rename(LogFile(directory, age - 1), LogFile(directory, age), error);
 }
 
-bool Write(const std::filesystem::path& directory, const std::string& line, bool flush)
+bool Write(const std::filesystem::path& directory, const std::string& line)
 {
     const std::filesystem::path path = LogFile(directory, 0);
     const std::uint64_t limit = std::uint64_t{GetConfigDWord(eConfigLogSizeLimitKB, nullptr)} * 1024;
@@ -111,16 +110,16 @@ bool Write(const std::filesystem::path& directory, const std::string& line, bool
             Rotate(directory, size);
     }
     AppendFile file(path);
-    return file.IsOpen() && file.Append(line, flush);
+    return file.IsOpen() && file.Append(line);
 }
 
 // A line that the disk had no room for leaves its beginning behind; the next one then starts a line of its
 // own.
-void WriteLine(const std::string& line, bool flush)
+void WriteLine(const std::string& line)
 {
     const std::filesystem::path directory = NativePath(GetLogDirectory().AsView());
     const std::string whole = gLineTorn.exchange(false) ? "\n" + line : line;
-    if (!Write(directory, whole, flush))
+    if (!Write(directory, whole))
     {
         gLineTorn = true;
         TellTrouble();
@@ -167,10 +166,11 @@ ZTString GetLogDirectory()
     return result;
 }
 
-void LogNF(unsigned char severity, const wchar_t* text, bool flush)
+void LogNF(unsigned char severity, const wchar_t* text, bool)
 {
-    if (severity <= GetConfigDWord(eConfigLogLevel, nullptr))
-        WriteLine(LineOf(severity, ViewOf(text)), flush);
+    // How a change of a setting went is told also where the change itself silences the log.
+    if (gRunningApp == kAppSetConfig || severity <= GetConfigDWord(eConfigLogLevel, nullptr))
+        WriteLine(LineOf(severity, ViewOf(text)));
 }
 
 void _Log(unsigned char severity, const wchar_t* format, const PlaceholderValues& values)

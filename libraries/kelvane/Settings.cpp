@@ -21,17 +21,18 @@ struct Setting
     eParamType type;
     const char* defaultText;
     std::uint32_t defaultNumber;
+    std::uint32_t most; // of a number; the least is 0
 };
 
 // What each means stands at its id.
 constexpr std::array<Setting, 6> kCatalogue{{
-    {eConfigLogDirectory, L"LogDirectory", eParamString, "Logs", 0},
+    {eConfigLogDirectory, L"LogDirectory", eParamString, "Logs", 0, 0},
     {eConfigCustomerServiceText, L"CustomerServiceText", eParamString,
-     "Customer service: https://support.zt.example", 0},
-    {eConfigLogLevel, L"LogLevel", eParamDWord, nullptr, kLogProgress},
-    {eConfigLogSizeLimitKB, L"LogSizeLimitKB", eParamDWord, nullptr, 4096},
-    {eConfigLogFileCount, L"LogFileCount", eParamDWord, nullptr, 5},
-    {eConfigRecordLockWaits, L"RecordLockWaits", eParamDWord, nullptr, 0},
+     "Customer service: https://support.zt.example", 0, 0},
+    {eConfigLogLevel, L"LogLevel", eParamDWord, nullptr, kLogProgress, kLogProgress},
+    {eConfigLogSizeLimitKB, L"LogSizeLimitKB", eParamDWord, nullptr, 4096, 4'194'304},
+    {eConfigLogFileCount, L"LogFileCount", eParamDWord, nullptr, 5, kMostOlderLogs},
+    {eConfigRecordLockWaits, L"RecordLockWaits", eParamDWord, nullptr, 0, 1},
 }};
 
 // What this process knows already, never destroyed: static objects log at the very end.
@@ -65,6 +66,23 @@ SettingValue DefaultOf(const Setting& setting)
     return setting.defaultNumber;
 }
 
+// What a refusal tells of the values that the setting can have.
+ZTString WhatItTakes(const Setting& setting)
+{
+    if (setting.type == eParamString)
+        return L"it takes a text";
+    return _StrFormat(L"it takes a number from 0 to {0:u}", {setting.most});
+}
+
+// Empty when the setting can have the value.
+ZTString WhyUnfit(const Setting& setting, const SettingValue& value)
+{
+    const std::uint32_t* number = std::get_if<std::uint32_t>(&value);
+    const bool fits =
+        setting.type == eParamString ? number == nullptr : number != nullptr && *number <= setting.most;
+    return fits ? ZTString() : WhatItTakes(setting);
+}
+
 void Remember(eConfigID id, const SettingValue& value)
 {
     const std::lock_guard lock(Known().guard);
@@ -79,37 +97,43 @@ SettingValue Read(const Setting& setting)
         if (known != Known().values.end())
             return known->second;
     }
-    const SettingValue fallback = DefaultOf(setting);
     const kelvane::FoundSetting found = kelvane::ReadStoredSetting(kelvane::Narrow(setting.name));
-    const bool good = found.finding == Finding::Value && found.value.index() == fallback.index();
-    const SettingValue& value = good ? found.value : fallback;
+    const ZTString unfit =
+        found.finding == Finding::Value ? WhyUnfit(setting, found.value) : WhatItTakes(setting);
+    const SettingValue value = unfit.IsEmpty() ? found.value : DefaultOf(setting);
     Remember(setting.id, value);
-    if (!good && found.finding != Finding::Absent)
-        _Log(kLogFailure, L"The stored {0:s} is not of its type: the default holds", {setting.name.data()});
+    if (!unfit.IsEmpty() && found.finding != Finding::Absent)
+        _Log(kLogFailure, L"The default of {0:s} holds, not what is stored: {1:s}",
+             {setting.name.data(), unfit});
     return value;
 }
 
-bool Store(eConfigID id, eParamType type, const SettingValue& value, bool save)
+bool Store(eConfigID id, const SettingValue& value)
 {
     const Setting* setting = Find(id);
-    if (setting == nullptr || setting->type != type ||
-        (save && !kelvane::WriteStoredSetting(kelvane::Narrow(setting->name), value)))
+    if (setting == nullptr)
         return false;
-    Remember(id, value);
-    return true;
+    ZTString refusal = WhyUnfit(*setting, value);
+    if (refusal.IsEmpty())
+        refusal = kelvane::WriteStoredSetting(kelvane::Narrow(setting->name), value);
+    if (refusal.IsEmpty())
+    {
+        Remember(id, value);
+        return true;
+    }
+    _Log(kLogFailure, L"{0:s} is not changed: {1:s}", {setting->name.data(), refusal});
+    return false;
 }
 
 } // namespace
 
-eConfigID GetConfigID(const wchar_t* name, bool byName)
+eConfigID GetConfigID(const wchar_t* name, bool)
 {
     const std::wstring_view wanted = kelvane::ViewOf(name);
     const auto* found =
-        byName
-            ? std::ranges::find_if(kCatalogue, [wanted](const Setting& setting)
-                                   { return std::ranges::equal(setting.name, wanted, {}, Folded, Folded); })
-            : Find(static_cast<eConfigID>(wtodw(name)));
-    return found != nullptr && found != kCatalogue.end() ? found->id : eConfigNone;
+        std::ranges::find_if(kCatalogue, [wanted](const Setting& setting)
+                             { return std::ranges::equal(setting.name, wanted, {}, Folded, Folded); });
+    return found != kCatalogue.end() ? found->id : eConfigNone;
 }
 
 eParamType GetConfigType(eConfigID id)
@@ -118,16 +142,19 @@ eParamType GetConfigType(eConfigID id)
     return setting != nullptr ? setting->type : eParamUnknown;
 }
 
-bool SetConfigStr(eConfigID id, const wchar_t* text, bool save, RequestTarget*)
+bool SetConfigStr(eConfigID id, const wchar_t* text, bool, RequestTarget*)
 {
     // A text that the file's encoding cannot hold would come back as another one.
     const std::string narrow = kelvane::Narrow(kelvane::ViewOf(text));
-    return kelvane::Widen(narrow) == ZTString(text) && Store(id, eParamString, narrow, save);
+    if (kelvane::Widen(narrow) == ZTString(text))
+        return Store(id, narrow);
+    _Log(kLogFailure, L"A setting is not changed: its text holds half a character", {});
+    return false;
 }
 
-bool SetConfigDWord(eConfigID id, DWORD number, bool save, RequestTarget*)
+bool SetConfigDWord(eConfigID id, DWORD number, bool, RequestTarget*)
 {
-    return Store(id, eParamDWord, std::uint32_t{number}, save);
+    return Store(id, std::uint32_t{number});
 }
 
 void ResetConfigVal(eConfigID id)

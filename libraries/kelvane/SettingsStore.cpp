@@ -11,8 +11,9 @@ namespace kelvane
 namespace
 {
 
-constexpr std::size_t kLongestFile = 1U << 20;
-constexpr std::chrono::seconds kPatience{30};
+constexpr std::size_t kLongestFile = 1U << 20; // for reading and writing alike
+constexpr std::chrono::seconds kPatience{10};
+constexpr std::chrono::milliseconds kMoment{100};
 
 // Replacing a file replaces a link to it, so a link in its place (an installed program folder has one) is
 // followed by hand, to a file that may not be there yet.
@@ -35,6 +36,12 @@ const std::filesystem::path& StorePath()
     static const auto& path = *new std::filesystem::path(
         BehindLinks(NativePath(GetPathInAppFolder(L"Tavo.settings.json").AsView())));
     return path;
+}
+
+// It lies beside the file, where whoever may change the settings may make it.
+std::filesystem::path LockPath()
+{
+    return StorePath().parent_path() / "Tavo.settings.lock";
 }
 
 // Once in a process, since every read meets the same trouble. Told before it is logged: logging reads
@@ -79,24 +86,29 @@ FoundSetting FindIn(const FileContent& content, std::string_view name)
     return {Finding::Absent, {}};
 }
 
-// `aside` tells what became of a file that was broken.
-bool WriteLocked(std::string_view name, const SettingValue& value, std::optional<std::string>& aside)
+// Empty when it is written, else why it is not. `aside` tells what became of a file that was broken.
+ZTString WriteLocked(std::string_view name, const SettingValue& value, std::optional<std::string>& aside)
 {
-    const DirectoryLock lock(StorePath().parent_path(), kPatience);
+    const FileLock lock(LockPath(), kPatience);
     if (!lock.IsHeld())
-        return false;
+        return L"Tavo.settings.lock cannot be had: another process holds it, or this user may not make it";
     const FileContent content = ReadWholeFile(StorePath(), kLongestFile);
     if (!content.text && !content.missing)
-        return false;
+        return L"Tavo.settings.json cannot be read";
     std::optional<std::string> text = WithSetting(content.text.value_or("{}"), name, value);
     if (!text)
     {
         aside = SetAside();
         if (aside->empty())
-            return false;
+            return L"Tavo.settings.json cannot be understood";
         text = WithSetting("{}", name, value);
     }
-    return text == content.text || ReplaceWholeFile(StorePath(), *text);
+    if (text == content.text)
+        return {};
+    if (text->size() > kLongestFile)
+        return _StrFormat(L"Tavo.settings.json would become larger than {0:u} bytes", {kLongestFile});
+    const ZTString error = ReplaceWholeFile(StorePath(), *text);
+    return error.IsEmpty() ? error : _StrFormat(L"Tavo.settings.json cannot be written: {0:s}", {error});
 }
 
 } // namespace
@@ -110,25 +122,24 @@ FoundSetting ReadStoredSetting(std::string_view name)
     std::string aside;
     {
         // Perhaps another process has mended it by now.
-        const DirectoryLock lock(StorePath().parent_path(), kPatience);
+        const FileLock lock(LockPath(), kMoment);
         found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
         if (found.finding != Finding::Broken)
             return found;
-        if (!lock.IsHeld())
-            return {Finding::Absent, {}};
-        aside = SetAside();
+        if (lock.IsHeld())
+            aside = SetAside();
     }
     TellSetAside(aside);
     return {Finding::Absent, {}};
 }
 
-bool WriteStoredSetting(std::string_view name, const SettingValue& value)
+ZTString WriteStoredSetting(std::string_view name, const SettingValue& value)
 {
     std::optional<std::string> aside;
-    const bool written = WriteLocked(name, value, aside);
+    const ZTString refusal = WriteLocked(name, value, aside);
     if (aside)
         TellSetAside(*aside);
-    return written;
+    return refusal;
 }
 
 } // namespace kelvane

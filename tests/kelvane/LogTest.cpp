@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/AgentFolder.h"
+#include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,9 +10,7 @@
 #include <sstream>
 #include <thread>
 
-using testing::AllOf;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
 
 namespace
@@ -79,14 +78,6 @@ TEST(Log, ATextIsOneLineWhateverItHolds)
     }
 }
 
-TEST(Log, NamesTheProgramAsALoadedModule)
-{
-    const AgentFolder folder;
-    folder.Run({"module"});
-    EXPECT_THAT(folder.Log(),
-                AllOf(HasSubstr("Module loaded: "), EndsWith(folder.Agent().filename().string() + "\n")));
-}
-
 TEST(Log, ServesStaticObjectsBeforeMainAndAfterIt)
 {
     const AgentFolder folder;
@@ -96,9 +87,8 @@ TEST(Log, ServesStaticObjectsBeforeMainAndAfterIt)
 
 TEST(Log, WritesWhatTheLevelAllows)
 {
-    const std::vector<std::string> logged[] = {
-        {}, {"failure: f"}, {"failure: f", "progress: p"}, {"failure: f", "progress: p"}};
-    for (int level = 0; level < 4; ++level)
+    const std::vector<std::string> logged[] = {{}, {"failure: f"}, {"failure: f", "progress: p"}};
+    for (int level = 0; level < 3; ++level)
     {
         const AgentFolder folder;
         folder.Run({"set:LogLevel:" + std::to_string(level), "log:1:f", "log:2:p"});
@@ -144,7 +134,7 @@ TEST(Log, KeepsAsManyOlderFilesAsTheSettingSays)
 
 TEST(Log, LosesAndMixesNoLineOfProcessesThatWriteAndRotateAtOnce)
 {
-    if (sizeof(wchar_t) == 2)
+    if (RunsOnWindows())
         GTEST_SKIP()
             << "Wine looks for the end of a file and then writes there, where Windows appends in one step";
     constexpr int kProcesses = 8;
@@ -166,7 +156,10 @@ TEST(Log, LosesAndMixesNoLineOfProcessesThatWriteAndRotateAtOnce)
         if (!name.ends_with(".log"))
             continue;
         ++files;
-        for (const std::string& line : Lines(folder.Read("Logs/" + name)))
+        const std::string text = folder.Read("Logs/" + name);
+        EXPECT_TRUE(name == "Tavo.log" || text.size() > 8 * 1024 - 100)
+            << name << " was full when it was moved";
+        for (const std::string& line : Lines(text))
         {
             EXPECT_TRUE(std::regex_match(line, whole)) << name << ": " << line;
             ++seen[Rest(line)];

@@ -80,11 +80,11 @@ ZTString Show(eConfigID id)
     return Number(GetConfigDWord(id, nullptr));
 }
 
-bool Set(eConfigID id, const ZTString& value, bool save)
+bool Set(eConfigID id, const ZTString& value)
 {
     return GetConfigType(id) == eParamString
-               ? SetConfigStr(id, value, save, nullptr)
-               : SetConfigDWord(id, static_cast<DWORD>(wtodw(value)), save, nullptr);
+               ? SetConfigStr(id, value, true, nullptr)
+               : SetConfigDWord(id, static_cast<DWORD>(wtodw(value)), true, nullptr);
 }
 
 void LogMany(const ZTString& name, unsigned long count)
@@ -116,8 +116,8 @@ void Do(const std::string& step)
     const eConfigID id = GetConfigID(words[1], true);
     if (verb == L"init")
         CriticalStartupInit(2, eConfigLogDirectory, nullptr);
-    else if (verb == L"set" || verb == L"try")
-        Answer(Set(id, words[2], verb == L"set") ? L"true" : L"false");
+    else if (verb == L"set")
+        Answer(Set(id, words[2]) ? L"true" : L"false");
     else if (verb == L"get")
         Answer(Show(id));
     else if (verb == L"reset")
@@ -133,11 +133,11 @@ void Do(const std::string& step)
             [&words]
             {
                 ThreadInit(words[1]);
-                LogNF(kLogProgress, words[2], true);
+                LogNF(kLogProgress, words[2], false);
             })
             .join();
-    else if (verb == L"module")
-        LogModuleLoaded(nullptr, true);
+    else if (verb == L"shell" && std::system(StrConverter(words[1])) != 0)
+        Answer(L"failed: " + words[1]);
     else if (verb == L"directory")
         Answer(GetLogDirectory());
     else if (verb == L"wait")
@@ -155,7 +155,7 @@ void Do(const std::string& step)
         Await(words[1], words[2]);
     else if (verb == L"exit")
         std::exit(static_cast<int>(wtodw(words[1])));
-    else if (verb != L"statics")
+    else if (verb != L"statics" && verb != L"shell")
         Answer(L"unknown step " + verb);
 }
 
