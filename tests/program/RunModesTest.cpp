@@ -314,7 +314,7 @@ TEST(Console, RunsBesideTheThreadThatListensForTheShutdown)
         for (const auto& process : fs::directory_iterator("/proc"))
             if (fs::read_symlink(process.path() / "exe", gone) == folder.Program())
                 for (const auto& thread : fs::directory_iterator(process.path() / "task", gone))
-                    if (ReadFile(thread.path() / "comm") == "GUIListenForSh\n")
+                    if (ReadFile(thread.path() / "comm") == "GUIListenForShu\n")
                         return true;
         return false;
     };
