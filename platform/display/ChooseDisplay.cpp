@@ -2,6 +2,7 @@
 // How the display is chosen: Qt's windows where DISPLAY or WAYLAND_DISPLAY is set, the module loads and a
 // display server answers; otherwise the terminal.
 #include "platform/dialogs/Display.h"
+#include "platform/display/Module.h"
 #include "platform/display/none/NoDisplay.h"
 #include "platform/display/terminal/TerminalDisplay.h"
 
@@ -9,7 +10,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 
 namespace platform
 {
@@ -28,24 +28,12 @@ bool IsSet(const char* variable)
     return value != nullptr && *value != '\0';
 }
 
-// The module lies beside this library.
-std::string ModulePath()
-{
-    Dl_info info{};
-    dladdr(reinterpret_cast<const void*>(&UseDisplay), &info);
-    const std::string library = info.dli_fname != nullptr ? info.dli_fname : "";
-    return library.substr(0, library.rfind('/') + 1) + "libtavoqt.so";
-}
-
 std::unique_ptr<Display> MakeQtDisplay()
 {
-    void* const module = dlopen(ModulePath().c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (module == nullptr)
-    {
+    const auto factory =
+        reinterpret_cast<DisplayFactory>(FindInModule("libtavoqt.so", kDisplayFactoryName));
+    if (factory == nullptr)
         std::fprintf(stderr, "No windows can be shown: %s\n", dlerror());
-        return nullptr;
-    }
-    const auto factory = reinterpret_cast<DisplayFactory>(dlsym(module, kDisplayFactoryName));
     return std::unique_ptr<Display>(factory != nullptr ? factory() : nullptr);
 }
 

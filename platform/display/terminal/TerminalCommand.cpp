@@ -6,12 +6,8 @@
 #include "text/FoldCase.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace platform
-{
-
-namespace
 {
 
 std::wstring_view Trim(std::wstring_view text)
@@ -27,25 +23,6 @@ std::wstring Lower(std::wstring_view text)
     std::wstring lower(text);
     text::FoldCase(lower.data(), lower.size());
     return lower;
-}
-
-// The place of a name in a list: equal in any case, or the only one that begins so; -1 when there is none.
-int FindName(const std::vector<std::wstring>& names, std::wstring_view wanted)
-{
-    const std::wstring name = Lower(wanted);
-    int found = -1;
-    bool isUnique = !name.empty();
-    for (std::size_t i = 0; i < names.size(); ++i)
-    {
-        const std::wstring candidate = Lower(names[i]);
-        if (candidate == name)
-            return static_cast<int>(i);
-        if (!candidate.starts_with(name))
-            continue;
-        isUnique = isUnique && found == -1;
-        found = static_cast<int>(i);
-    }
-    return isUnique ? found : -1;
 }
 
 std::wstring NameOf(const Window& control)
@@ -104,6 +81,28 @@ std::wstring Join(const std::vector<std::wstring>& names)
     return joined;
 }
 
+namespace
+{
+
+// The place of a name in a list: equal in any case, or the only one that begins so; -1 when there is none.
+int FindName(const std::vector<std::wstring>& names, std::wstring_view wanted)
+{
+    const std::wstring name = Lower(wanted);
+    int found = -1;
+    bool isUnique = !name.empty();
+    for (std::size_t i = 0; i < names.size(); ++i)
+    {
+        const std::wstring candidate = Lower(names[i]);
+        if (candidate == name)
+            return static_cast<int>(i);
+        if (!candidate.starts_with(name))
+            continue;
+        isUnique = isUnique && found == -1;
+        found = static_cast<int>(i);
+    }
+    return isUnique ? found : -1;
+}
+
 // By id, or by name.
 Window* FindOne(const std::vector<Window*>& controls, std::wstring_view wanted)
 {
@@ -138,6 +137,8 @@ std::wstring Choose(Window& box, std::wstring_view value)
     return L"";
 }
 
+} // namespace
+
 std::wstring Fill(Window& control, std::wstring_view value)
 {
     switch (control.kind)
@@ -151,8 +152,6 @@ std::wstring Fill(Window& control, std::wstring_view value)
         return L"";
     }
 }
-
-} // namespace
 
 std::wstring PlainCaption(std::wstring_view caption)
 {
@@ -179,15 +178,18 @@ bool IsField(const Window& control)
             control.kind == WindowKind::CheckBox);
 }
 
+std::wstring ValueOf(const Window& control)
+{
+    if (control.kind == WindowKind::CheckBox)
+        return control.check == BST_CHECKED ? L"on" : L"off";
+    if (control.kind == WindowKind::ComboBox)
+        return control.selection >= 0 ? control.items[static_cast<std::size_t>(control.selection)].text : L"";
+    return control.text;
+}
+
 std::wstring DescribeField(const Window& control)
 {
-    std::wstring value = control.text;
-    if (control.kind == WindowKind::CheckBox)
-        value = control.check == BST_CHECKED ? L"on" : L"off";
-    else if (control.kind == WindowKind::ComboBox)
-        value =
-            control.selection >= 0 ? control.items[static_cast<std::size_t>(control.selection)].text : L"";
-    return NameOf(control) + L": " + value;
+    return NameOf(control) + L": " + ValueOf(control);
 }
 
 std::wstring DescribeFieldAndChoice(const Window& control)

@@ -2,7 +2,6 @@
 #include "platform/display/terminal/TerminalDisplay.h"
 
 #include "platform/display/terminal/TerminalCommand.h"
-#include "platform/display/terminal/TerminalStreams.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -18,22 +17,32 @@ namespace platform
 namespace
 {
 
-// How often a process in the background looks whether it has come to the front.
-constexpr std::chrono::milliseconds kForegroundCheck{500};
+// True when what a field shows has changed.
+bool ChangesField(const Window& field, Change change)
+{
+    switch (change)
+    {
+    case Change::Text:
+    case Change::TextAppended:
+    case Change::Check:
+        return true;
+    case Change::Selection:
+        return field.kind == WindowKind::ComboBox;
+    default:
+        return false;
+    }
+}
 
-class TerminalDisplay : public Display
+// For lines from a pipe or a file, or with output that nobody at a terminal sees.
+class ScriptDisplay : public TerminalDisplay
 {
 public:
-    ~TerminalDisplay() override { close(mWakeUp); }
-
     void Show(Window& dialog) override
     {
         Introduce(dialog);
         for (const auto& control : dialog.children)
             if (IsField(*control))
                 mOutput.WriteLine(DescribeFieldAndChoice(*control));
-            else if (dialog.dialog->isMessageBox && control->kind == WindowKind::Label)
-                mOutput.WriteLine(control->text);
         // A script knows its buttons; in the journal of an unattended run they would be noise.
         if (dialog.dialog->isMessageBox || mInput.IsTerminal())
             if (const std::wstring buttons = DescribeButtons(dialog); !buttons.empty())
@@ -41,21 +50,6 @@ public:
     }
 
     void Hide(Window&) override { mInput.Reopen(); }
-    void Forget(Window& dialog) override { dialog.shown = nullptr; }
-
-    void Refresh(Window& window, Change change, std::size_t oldLength) override
-    {
-        if (window.dialog || !window.visible)
-            return;
-        if (IsLog(window))
-            AddToLog(window, change, oldLength);
-        else if (DialogOf(window).visible && IsField(window) && ChangesField(window, change))
-            mOutput.WriteLine(DescribeField(window));
-    }
-
-    void Focus(Window&) override {}
-    void ScrollLines(Window&, long) override {}
-    void Update(Window&) override {}
 
     void Wait(std::chrono::milliseconds time) override
     {
@@ -63,96 +57,105 @@ public:
             return;
         const bool isListening = TopUsableDialog() != nullptr;
         const bool canRead = isListening && mInput.CanRead();
-        if (canRead && time.count() != 0 && mHasPrompt)
-            mOutput.ShowPrompt();
         if (isListening && !canRead && mInput.IsTerminal())
             time = time == kForever ? kForegroundCheck : std::min(time, kForegroundCheck);
-
-        std::array<pollfd, 2> streams = {{{mWakeUp, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}}};
-        const auto milliseconds =
-            time == kForever ? -1 : static_cast<int>(std::min<long>(time.count(), INT_MAX));
-        poll(streams.data(), canRead ? 2 : 1, milliseconds);
-        if (streams[0].revents != 0)
-        {
-            eventfd_t count = 0;
-            eventfd_read(mWakeUp, &count);
-        }
-        if (streams[1].revents != 0)
-        {
-            mInput.Read();
-            ObeyNextLine();
-        }
+        if (!WaitForInput(time, canRead))
+            return;
+        mInput.Read();
+        ObeyNextLine();
     }
-
-    void Wake() override { eventfd_write(mWakeUp, 1); }
 
     bool InputHasEnded() const override { return mInput.HasEnded(); }
 
+protected:
+    void WriteLog(std::wstring_view part) override { mOutput.WritePart(part); }
+    void WriteLine(std::wstring_view line) override { mOutput.WriteLine(line); }
+    std::wstring Describe(const Window& field) const override { return DescribeField(field); }
+
 private:
-    // The caption stands before all else that the dialog has to say.
-    void Introduce(Window& dialog)
-    {
-        if (dialog.shown == nullptr)
-            mOutput.WriteLine(dialog.text);
-        dialog.shown = this;
-    }
-
-    void AddToLog(Window& log, Change change, std::size_t oldLength)
-    {
-        if (change != Change::Text && change != Change::TextAppended)
-            return;
-        Introduce(DialogOf(log));
-        mOutput.WritePart(std::wstring_view(log.text).substr(change == Change::TextAppended ? oldLength : 0));
-    }
-
-    // True when what a field shows has changed.
-    static bool ChangesField(const Window& field, Change change)
-    {
-        switch (change)
-        {
-        case Change::Text:
-        case Change::TextAppended:
-        case Change::Check:
-            return true;
-        case Change::Selection:
-            return field.kind == WindowKind::ComboBox;
-        default:
-            return false;
-        }
-    }
-
-    static Window* TopUsableDialog()
-    {
-        Window* const top = TopDialog();
-        return top != nullptr && top->visible && top->enabled ? top : nullptr;
-    }
-
     bool ObeyNextLine()
     {
         Window* const dialog = TopUsableDialog();
         if (dialog == nullptr)
             return false;
-        const std::optional<std::wstring> line = mInput.TakeLine();
+        std::optional<std::wstring> line = mInput.TakeLine();
         if (!line)
             return false;
-        mOutput.LeavePrompt();
-        if (const std::wstring answer = Obey(*dialog, *line); !answer.empty())
+        const bool isText = line->find(TerminalEncoding::kUnreadable) == std::wstring::npos;
+        const std::wstring answer = isText ? Obey(*dialog, *line) : mEncoding.Refusal();
+        if (!answer.empty())
             mOutput.WriteLine(answer);
+        Wipe(*line);
         return true;
     }
 
-    const TerminalEncoding mEncoding;
-    TerminalOutput mOutput{mEncoding};
     TerminalInput mInput{mEncoding};
-    const bool mHasPrompt = mInput.IsTerminal() && isatty(STDOUT_FILENO) != 0;
-    const int mWakeUp = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
 };
 
 } // namespace
 
+TerminalDisplay::TerminalDisplay() : mWakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+TerminalDisplay::~TerminalDisplay()
+{
+    close(mWakeUp);
+}
+
+void TerminalDisplay::Wake()
+{
+    eventfd_write(mWakeUp, 1);
+}
+
+void TerminalDisplay::Introduce(Window& dialog)
+{
+    if (dialog.shown == nullptr)
+        WriteLine(dialog.text);
+    dialog.shown = this;
+    if (dialog.dialog->isMessageBox)
+        for (const auto& control : dialog.children)
+            if (control->kind == WindowKind::Label)
+                WriteLine(control->text);
+}
+
+void TerminalDisplay::Refresh(Window& window, Change change, std::size_t oldLength)
+{
+    if (window.dialog || !window.visible)
+        return;
+    if (!IsLog(window))
+    {
+        if (DialogOf(window).visible && IsField(window) && ChangesField(window, change))
+            WriteLine(Describe(window));
+    }
+    else if (change == Change::Text || change == Change::TextAppended)
+    {
+        Introduce(DialogOf(window));
+        WriteLog(std::wstring_view(window.text).substr(change == Change::TextAppended ? oldLength : 0));
+    }
+}
+
+Window* TerminalDisplay::TopUsableDialog()
+{
+    Window* const top = TopDialog();
+    return top != nullptr && top->visible && top->enabled ? top : nullptr;
+}
+
+bool TerminalDisplay::WaitForInput(std::chrono::milliseconds time, bool canRead)
+{
+    std::array<pollfd, 2> streams = {{{mWakeUp, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}}};
+    const auto milliseconds = time == kForever ? -1 : static_cast<int>(std::min<long>(time.count(), INT_MAX));
+    poll(streams.data(), canRead ? 2 : 1, milliseconds);
+    if (streams[0].revents != 0)
+    {
+        eventfd_t count = 0;
+        eventfd_read(mWakeUp, &count);
+    }
+    return streams[1].revents != 0;
+}
+
 std::unique_ptr<Display> MakeTerminalDisplay()
 {
-    return std::make_unique<TerminalDisplay>();
+    const bool isPerson = isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
+    return isPerson ? MakePersonDisplay() : std::make_unique<ScriptDisplay>();
 }
 
 } // namespace platform

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/terminal/TerminalStreams.h"
 
+#include "text/Unicode.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 
 namespace platform
 {
@@ -15,8 +19,6 @@ namespace platform
 namespace
 {
 
-constexpr std::string_view kPrompt = "> ";
-constexpr std::string_view kWipedPrompt = "\r  \r";
 constexpr std::size_t kLongestLine = std::size_t{64} << 20; // bytes; a longer one is taken in pieces
 
 // A descriptor that was closed when the program started would be given to the next file that is opened, and
@@ -36,9 +38,10 @@ TerminalOutput::TerminalOutput(const TerminalEncoding& encoding) : mEncoding(enc
     signal(SIGPIPE, SIG_IGN);
 }
 
+// What cannot be written is lost; the next text is tried again.
 void TerminalOutput::Write(std::string_view bytes)
 {
-    while (!bytes.empty() && !mIsGone)
+    while (!bytes.empty())
     {
         const ssize_t written = write(STDOUT_FILENO, bytes.data(), bytes.size());
         if (written >= 0)
@@ -49,15 +52,8 @@ void TerminalOutput::Write(std::string_view bytes)
             poll(&ready, 1, -1);
         }
         else if (errno != EINTR)
-            mIsGone = true;
+            return;
     }
-}
-
-void TerminalOutput::ClearPrompt()
-{
-    if (mPromptStands)
-        Write(kWipedPrompt);
-    mPromptStands = false;
 }
 
 void TerminalOutput::WritePart(std::wstring_view text)
@@ -65,14 +61,12 @@ void TerminalOutput::WritePart(std::wstring_view text)
     const std::wstring harmless = mHarmless.Next(text);
     if (harmless.empty())
         return;
-    ClearPrompt();
     Write(mEncoding.Encode(harmless));
     mAtLineStart = harmless.back() == L'\n';
 }
 
 void TerminalOutput::WriteLine(std::wstring_view text)
 {
-    ClearPrompt();
     std::string line = mAtLineStart ? "" : "\n";
     line += mEncoding.Encode(HarmlessText().Next(text));
     line += '\n';
@@ -80,17 +74,19 @@ void TerminalOutput::WriteLine(std::wstring_view text)
     mAtLineStart = true;
 }
 
-void TerminalOutput::ShowPrompt()
+void TerminalOutput::EndLine()
 {
-    if (mPromptStands)
-        return;
-    Write(mAtLineStart ? "" : "\n");
-    Write(kPrompt);
+    if (!mAtLineStart)
+        Write("\n");
     mAtLineStart = true;
-    mPromptStands = true;
 }
 
-TerminalInput::TerminalInput(const TerminalEncoding& encoding)
+void TerminalOutput::Draw(std::string_view utf8)
+{
+    Write(mEncoding.Encode(text::FromUtf8(utf8)));
+}
+
+TerminalInput::TerminalInput(TerminalEncoding& encoding)
     : mEncoding(encoding), mIsTerminal(isatty(STDIN_FILENO) != 0)
 {
 }
@@ -103,17 +99,35 @@ std::optional<std::wstring> TerminalInput::TakeLine()
     if (!isWhole && (mBytes.empty() || (!mEnded && mBytes.size() < kLongestLine)))
         return std::nullopt;
     mSearched = 0;
-    std::string line = mBytes.substr(0, end);
-    mBytes.erase(0, isWhole ? end + 1 : end);
-    if (!line.empty() && line.back() == '\r')
-        line.pop_back();
-    return mEncoding.Decode(line);
+    const std::size_t length = isWhole ? end : mBytes.size();
+    std::string_view line = std::string_view(mBytes).substr(0, length);
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    std::wstring text = mEncoding.Decode(line, true);
+    const std::size_t taken = isWhole ? length + 1 : length;
+    std::copy(mBytes.begin() + static_cast<std::ptrdiff_t>(taken), mBytes.end(), mBytes.begin());
+    explicit_bzero(mBytes.data() + mBytes.size() - taken, taken);
+    mBytes.resize(mBytes.size() - taken);
+    return text;
 }
 
 bool TerminalInput::CanRead() const
 {
-    // Reading a terminal from the background would stop the process.
-    return !mEnded && (!mIsTerminal || tcgetpgrp(STDIN_FILENO) == getpgrp());
+    return !mEnded && (!mIsTerminal || IsInForeground());
+}
+
+// A line may hold a password: no memory that is given back holds it.
+void TerminalInput::Append(std::string_view bytes)
+{
+    if (mBytes.size() + bytes.size() > mBytes.capacity())
+    {
+        std::string larger;
+        larger.reserve(2 * (mBytes.size() + bytes.size()));
+        larger = mBytes;
+        mBytes.swap(larger);
+        Wipe(larger);
+    }
+    mBytes += bytes;
 }
 
 void TerminalInput::Read()
@@ -121,9 +135,17 @@ void TerminalInput::Read()
     std::array<char, 65536> buffer; // what a pipe holds
     const ssize_t count = read(STDIN_FILENO, buffer.data(), buffer.size());
     if (count > 0)
-        mBytes.append(buffer.data(), static_cast<std::size_t>(count));
+    {
+        Append({buffer.data(), static_cast<std::size_t>(count)});
+        explicit_bzero(buffer.data(), static_cast<std::size_t>(count));
+    }
     else if (count == 0 || (errno != EINTR && errno != EAGAIN))
         mEnded = true;
+}
+
+bool IsInForeground()
+{
+    return tcgetpgrp(STDIN_FILENO) == getpgrp();
 }
 
 } // namespace platform

@@ -4,8 +4,9 @@
 
 #include "platform/display/terminal/TerminalText.h"
 
-#include <chrono>
 #include <optional>
+#include <string>
+#include <string_view>
 
 namespace platform
 {
@@ -19,26 +20,27 @@ public:
     void WritePart(std::wstring_view text);
     // Text on a line of its own.
     void WriteLine(std::wstring_view text);
-    // The prompt stands until something else is written; `ShowPrompt` does nothing while it stands.
-    void ShowPrompt();
-    // The person has ended the line with the prompt.
-    void LeavePrompt() { mPromptStands = false; }
+    // Ends the line that stands open, if one does.
+    void EndLine();
+
+    // UTF-8 with sequences for the terminal, as it is.
+    void Draw(std::string_view utf8);
 
 private:
     void Write(std::string_view bytes);
-    void ClearPrompt();
 
     const TerminalEncoding& mEncoding;
     HarmlessText mHarmless;
     bool mAtLineStart = true;
-    bool mPromptStands = false;
-    bool mIsGone = false; // nobody reads any more
 };
 
 class TerminalInput
 {
 public:
-    explicit TerminalInput(const TerminalEncoding& encoding);
+    explicit TerminalInput(TerminalEncoding& encoding);
+    ~TerminalInput() { Wipe(mBytes); }
+    TerminalInput(const TerminalInput&) = delete;
+    TerminalInput& operator=(const TerminalInput&) = delete;
 
     // The next line that has been read, without its end; nothing when there is none yet. The last line needs
     // no end.
@@ -57,11 +59,16 @@ public:
     bool IsTerminal() const { return mIsTerminal; }
 
 private:
-    const TerminalEncoding& mEncoding;
+    void Append(std::string_view bytes);
+
+    TerminalEncoding& mEncoding;
     const bool mIsTerminal;
     std::string mBytes;
     std::size_t mSearched = 0; // so many of them hold no line's end
     bool mEnded = false;
 };
+
+// False in the background, where reading a terminal, or setting its modes, would stop the process.
+bool IsInForeground();
 
 } // namespace platform

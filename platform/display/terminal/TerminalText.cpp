@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/terminal/TerminalText.h"
 
-#include <langinfo.h>
+#include "platform/kernel/Locale.h"
+#include "text/SafeToShow.h"
+#include "text/Unicode.h"
 
-#include <array>
-#include <cerrno>
+#include <unicode/ucnv.h>
+
+#include <cstring>
 
 namespace platform
 {
@@ -12,44 +15,12 @@ namespace platform
 namespace
 {
 
-constexpr const char* kWide = "WCHAR_T";
-constexpr const char* kPlainest = "ASCII";
-const iconv_t kNoConverter = reinterpret_cast<iconv_t>(-1);
-
-void AppendHarmless(std::wstring& text, wchar_t character)
+template <typename Text>
+void Overwrite(Text& text)
 {
-    const bool isControl =
-        (character < 0x20 && character != L'\n' && character != L'\t') || character == 0x7F;
-    const bool isC1Control = character >= 0x80 && character < 0xA0;
-    if (isControl)
-    {
-        text += L'^';
-        text += static_cast<wchar_t>(character ^ 0x40);
-    }
-    else
-        text += isC1Control ? L'?' : character;
-}
-
-// Converts all of the input; `stepOver` is called for a unit that cannot be converted and moves the input on.
-template <typename StepOver>
-std::string Convert(iconv_t converter, std::string_view bytes, StepOver stepOver)
-{
-    std::string converted;
-    std::array<char, 4096> buffer;
-    iconv(converter, nullptr, nullptr, nullptr, nullptr);
-    char* in = const_cast<char*>(bytes.data());
-    std::size_t inLeft = bytes.size();
-    while (inLeft > 0)
-    {
-        char* out = buffer.data();
-        std::size_t outLeft = buffer.size();
-        const std::size_t result = iconv(converter, &in, &inLeft, &out, &outLeft);
-        const int error = errno;
-        converted.append(buffer.data(), buffer.size() - outLeft);
-        if (result == static_cast<std::size_t>(-1) && error != E2BIG)
-            stepOver(converted, in, inLeft);
-    }
-    return converted;
+    text.resize(text.capacity());
+    explicit_bzero(text.data(), text.size() * sizeof(text[0]));
+    text.clear();
 }
 
 } // namespace
@@ -61,65 +32,67 @@ std::wstring HarmlessText::Next(std::wstring_view part)
     for (const wchar_t character : part)
     {
         if (mReturnWaits && character != L'\n')
-            AppendHarmless(text, L'\r');
+            text += L'\r';
         mReturnWaits = character == L'\r';
         if (!mReturnWaits)
-            AppendHarmless(text, character);
+            text += character;
     }
-    return text;
+    return text::SafeToShow(text, L"\n\t");
 }
 
-TerminalEncoding::TerminalEncoding() : mLocale(newlocale(LC_CTYPE_MASK, "", nullptr))
+TerminalEncoding::TerminalEncoding()
+    : mCharset(UserCharset()), mIsUtf8(ucnv_compareNames(mCharset.c_str(), "UTF-8") == 0)
 {
-    // An unknown locale leaves the plainest encoding.
-    if (mLocale == nullptr)
-        mLocale = newlocale(LC_CTYPE_MASK, "C", nullptr);
-    const std::string name = nl_langinfo_l(CODESET, mLocale);
-    mEncoder = iconv_open((name + "//TRANSLIT").c_str(), kWide);
-    if (mEncoder == kNoConverter)
-        mEncoder = iconv_open(kPlainest, kWide);
-    mDecoder = iconv_open(kWide, name.c_str());
-    if (mDecoder == kNoConverter)
-        mDecoder = iconv_open(kWide, kPlainest);
+    UErrorCode error = U_ZERO_ERROR;
+    mDecoder.reset(ucnv_open(mCharset.c_str(), &error));
+    error = U_ZERO_ERROR;
+    if (mDecoder == nullptr)
+        mDecoder.reset(ucnv_open("US-ASCII", &error));
 }
 
-TerminalEncoding::~TerminalEncoding()
+void TerminalEncoding::Close::operator()(UConverter* converter) const
 {
-    iconv_close(mEncoder);
-    iconv_close(mDecoder);
-    freelocale(mLocale);
+    ucnv_close(converter);
 }
 
 std::string TerminalEncoding::Encode(std::wstring_view text) const
 {
-    // The similar characters are those of the calling thread's locale.
-    const locale_t former = uselocale(mLocale);
-    std::string encoded =
-        Convert(mEncoder, {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)},
-                [](std::string& converted, char*& in, std::size_t& inLeft)
-                {
-                    converted += '?';
-                    in += sizeof(wchar_t);
-                    inLeft -= sizeof(wchar_t);
-                });
-    uselocale(former);
-    return encoded;
+    if (mIsUtf8 || text.empty())
+        return text::ToUtf8(text);
+    const int length = static_cast<int>(text.size());
+    const int size = WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_ACP, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
+    return bytes;
 }
 
-std::wstring TerminalEncoding::Decode(std::string_view bytes) const
+std::wstring TerminalEncoding::Decode(std::string_view bytes, bool isEnd)
 {
-    static constexpr wchar_t kUnreadable = 0xFFFD;
-    const std::string decoded =
-        Convert(mDecoder, bytes,
-                [](std::string& converted, char*& in, std::size_t& inLeft)
-                {
-                    converted.append(reinterpret_cast<const char*>(&kUnreadable), sizeof(kUnreadable));
-                    ++in;
-                    --inLeft;
-                });
-    std::wstring text(decoded.size() / sizeof(wchar_t), L'\0');
-    decoded.copy(reinterpret_cast<char*>(text.data()), decoded.size());
+    constexpr std::size_t kMostWaiting = 16; // of a character begun before
+    std::u16string units(bytes.size() + kMostWaiting, u'\0');
+    UErrorCode error = U_ZERO_ERROR;
+    const char* in = bytes.data();
+    char16_t* out = units.data();
+    ucnv_toUnicode(mDecoder.get(), &out, out + units.size(), &in, in + bytes.size(), nullptr,
+                   static_cast<UBool>(isEnd), &error);
+    std::wstring text = text::FromUtf16({units.data(), static_cast<std::size_t>(out - units.data())});
+    Overwrite(units);
     return text;
+}
+
+std::wstring TerminalEncoding::Refusal() const
+{
+    return L"Not taken: that line is not text in " + text::FromUtf8(mCharset) + L". LANG says what it is.";
+}
+
+void Wipe(std::string& text)
+{
+    Overwrite(text);
+}
+
+void Wipe(std::wstring& text)
+{
+    Overwrite(text);
 }
 
 } // namespace platform

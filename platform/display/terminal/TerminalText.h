@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: MIT
-// Text between the program and a terminal: in the terminal's own encoding, which is that of the user's
-// locale, and harmless.
+// Text between the program and a terminal: in the terminal's own encoding, and harmless.
 #pragma once
 
-#include <clocale>
+#include <memory>
 #include <string>
 #include <string_view>
 
-#include <iconv.h>
+struct UConverter;
 
 namespace platform
 {
 
-// Turns "\r\n" into "\n" and shows every control character but "\n" and tab as printable text, so that
-// nothing in a text can command a terminal. A "\r" at the end of one part waits for the next.
+// Turns "\r\n" into "\n" and lets nothing through that commands a terminal. A "\r" at the end of one part
+// waits for the next.
 class HarmlessText
 {
 public:
@@ -23,23 +22,35 @@ private:
     bool mReturnWaits = false;
 };
 
+// The character set is that of the user's locale, see UserCharset.
 class TerminalEncoding
 {
 public:
     TerminalEncoding();
-    ~TerminalEncoding();
-    TerminalEncoding(const TerminalEncoding&) = delete;
-    TerminalEncoding& operator=(const TerminalEncoding&) = delete;
 
-    // A character that the encoding lacks is written with similar ones, or as '?'.
+    // A character that the set lacks is written as '?'.
     std::string Encode(std::wstring_view text) const;
-    // What cannot be read becomes U+FFFD.
-    std::wstring Decode(std::string_view bytes) const;
+
+    // What cannot be read becomes kUnreadable. The bytes of a character that are not all there wait for the
+    // next call, unless this is the end.
+    std::wstring Decode(std::string_view bytes, bool isEnd);
+    static constexpr wchar_t kUnreadable = 0xFFFD;
+
+    // For a line that holds kUnreadable: nothing is done with it.
+    std::wstring Refusal() const;
 
 private:
-    locale_t mLocale;
-    iconv_t mEncoder;
-    iconv_t mDecoder;
+    struct Close
+    {
+        void operator()(UConverter* converter) const;
+    };
+    std::string mCharset;
+    bool mIsUtf8;
+    std::unique_ptr<UConverter, Close> mDecoder;
 };
+
+// Overwrites what a text holds, since it may be a password, and empties it.
+void Wipe(std::string& text);
+void Wipe(std::wstring& text);
 
 } // namespace platform

@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: MIT
+// A person at a terminal: keys are pressed, and what is then seen is compared.
+#include "platform/dialogs/Display.h"
+#include "platform/display/terminal/UploadProgress.h"
+#include "tests/display/TerminalScreen.h"
+#include "tests/support/ProgramFolder.h"
+#include "tests/dialogs/ScriptedDialog.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <thread>
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+namespace
+{
+
+std::string Start(const ProgramFolder& folder)
+{
+    return folder.Program().string();
+}
+
+// What the terminal says about itself after the program's end.
+std::string ThenItsEcho(const std::string& line)
+{
+    return line + "; stty -a | grep -ow -e '-*echo' -e '-*icanon'";
+}
+
+// A test of this program as what runs in a terminal: its dialogs, and nothing else.
+std::string Scene(const std::string& name)
+{
+    return std::filesystem::read_symlink("/proc/self/exe").string() +
+           " --gtest_also_run_disabled_tests --gtest_brief=1 --gtest_filter=Scene.DISABLED_" + name;
+}
+
+void AddLine(HWND dialog, const std::wstring& text)
+{
+    const HWND log = GetDlgItem(dialog, IDC_LOG);
+    SetWindowTextW(log, (TextOf(log) + text + L"\r\n").c_str());
+}
+
+} // namespace
+
+// Asks for a password and says what it was.
+TEST(Scene, DISABLED_Password)
+{
+    ASSERT_TRUE(platform::UseDisplay(platform::DisplayKind::Terminal));
+    ScriptedDialog script;
+    script.serve = [](HWND dialog, UINT message, WPARAM wParam, LPARAM)
+    {
+        if (message == WM_INITDIALOG)
+            SetWindowTextW(GetDlgItem(dialog, -1), L"Password:");
+        if (message == WM_COMMAND && LOWORD(wParam) == IDC_PUSH)
+            AddLine(dialog, L"It was (" + TextOf(GetDlgItem(dialog, IDC_LINE)) + L")");
+        if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL)
+            EndDialog(dialog, 0);
+        return false;
+    };
+    script.Run();
+}
+
+TEST(Scene, DISABLED_Upload)
+{
+    ASSERT_TRUE(platform::UseDisplay(platform::DisplayKind::Terminal));
+    InDialog(
+        [](HWND dialog)
+        {
+            for (int percent = 1; percent <= 100; ++percent)
+            {
+                AddLine(dialog, L"[5ms] FTP_LOG: " + std::to_wstring(percent) + L"% done, " +
+                                    std::to_wstring(percent * 100000) + L" sent");
+                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            }
+            AddLine(dialog, L"[6ms] FTP_LOG: Successfully sent logs to Support");
+        });
+}
+
+TEST(PersonAtATerminal, IsAskedBoxByBoxAndToldWhatCloses)
+{
+    const ProgramFolder folder;
+    const TerminalScreen screen(ThenItsEcho(Start(folder)));
+    screen.WaitFor("\n>");
+    // Typed faster than it is asked for.
+    for (const char* line : {"ldap", "  127.0.0.1 ", "1", "", "\u00fc\u20ac admin", "secret", "3", "show",
+                             "port", "x", "OK", "", "2", "Cancel"})
+        screen.Enter(line);
+    EXPECT_EQ(screen.WaitFor("is closed.", "> ldap"), "> ldap\n"
+                                                      "DiagnosticsDlg\n"
+                                                      "LDAP Server:   127.0.0.1\n"
+                                                      "Port [389]: 1\n"
+                                                      "Domain:\n"
+                                                      "Username: \u00fc\u20ac admin\n"
+                                                      "Password (not shown):\n"
+                                                      "Authentication:\n"
+                                                      "  0  Try all\n"
+                                                      "  1  Simple bind - SSL\n"
+                                                      "  2  Simple bind - plain text\n"
+                                                      "  3  NTLM\n"
+                                                      "  4  Digest\n"
+                                                      "  5  DPA\n"
+                                                      "  6  Negotiate\n"
+                                                      "Authentication [Try all]: 3\n"
+                                                      "OK, Cancel, or a box to change [OK]: show\n"
+                                                      "DiagnosticsDlg\n"
+                                                      "LDAP Server: 127.0.0.1\n"
+                                                      "Port: 1\n"
+                                                      "Domain:\n"
+                                                      "Username: \u00fc\u20ac admin\n"
+                                                      "Password: ......\n"
+                                                      "Authentication: NTLM\n"
+                                                      "Press: OK, Cancel\n"
+                                                      "OK, Cancel, or a box to change [OK]: port\n"
+                                                      "Port [1]: x\n"
+                                                      "OK, Cancel, or a box to change [OK]: OK\n"
+                                                      "Tavo\n"
+                                                      "Please enter a positive integer.\n"
+                                                      "OK [OK]:\n"
+                                                      "Port [x]: 2\n"
+                                                      "OK, Cancel, or a box to change [OK]: Cancel\n"
+                                                      "DiagnosticsDlg is closed.\n"
+                                                      ">");
+    // Nothing is kept, and what a box holds goes into the test without the blanks around it.
+    screen.Enter("LDAP");
+    screen.Enter("Port=1");
+    for (const char* line : {" localhost", "", "", "", "NT", ""})
+        screen.Enter(line);
+    EXPECT_THAT(screen.WaitFor("END TEST", "> LDAP"),
+                AllOf(HasSubstr("LDAP Server: Port=1\nLDAP Server:  localhost\n"),
+                      HasSubstr(" Server: localhost\n")));
+    screen.Enter("quit");
+    EXPECT_THAT(screen.WaitFor("icanon"), EndsWith("> quit\nZT Diagnostics is closed.\nicanon\necho"));
+}
+
+TEST(PersonAtATerminal, NeverSeesAPassword)
+{
+    const ProgramFolder folder;
+    const TerminalScreen screen(Start(folder));
+    screen.WaitFor("\n>");
+    for (const char* line :
+         {"LDAP", "dc", "", "", "admin", "s3cret", "", "Password=s3cret", "show", "Cancel"})
+        screen.Enter(line);
+    screen.WaitFor("is closed");
+    screen.Press("Up Up Up Up Up Up");
+    screen.WaitFor("> LDAP", "is closed");
+    screen.Press("C-u C-d");
+    screen.WaitFor("ZT Diagnostics is closed");
+    EXPECT_THAT(screen.Recorded() + folder.Log(),
+                AllOf(HasSubstr("Password: ......"), Not(HasSubstr("s3cret"))));
+}
+
+TEST(PersonAtATerminal, TypesEveryCharacterOfAPasswordAndNoOther)
+{
+    for (const char* terminal : {"xterm-256color", "dumb", "from-elsewhere"})
+    {
+        const TerminalScreen screen(Scene("Password"), std::string("TERM=") + terminal);
+        screen.WaitFor("not shown");
+        screen.Type(" p\u00e4s;=sx");
+        screen.Press("BSpace Left Tab Home F5 Up");
+        screen.Enter("w ");
+        screen.Enter("");
+        screen.Enter("");
+        screen.Enter("Push");
+        EXPECT_THAT(screen.WaitFor("It was"), HasSubstr("It was ( p\u00e4s;=sw )"));
+        EXPECT_EQ(screen.Recorded().find("s;"), screen.Recorded().rfind("s;")) << screen.Recorded();
+        screen.Press("C-d");
+    }
+}
+
+TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
+{
+    const ProgramFolder folder;
+    const TerminalScreen screen(Start(folder));
+    screen.WaitFor("\n>");
+    screen.Type("elp");
+    screen.Press("Home F5 h End PageUp Enter");
+    screen.Enter("ldpa");
+    screen.Enter("xyzzy");
+    screen.Enter("o");
+    screen.Type("sUp");
+    screen.Press("Tab C-u");
+    screen.Type("crc6");
+    screen.Press("Tab Enter");
+    screen.Enter(" two blanks ");
+    screen.Type("o");
+    screen.Press("Tab");
+    screen.Type("f");
+    screen.Press("Tab Enter Enter");
+    screen.Enter("hex=1");
+    screen.Enter("input");
+    screen.Press("Up Up Enter");
+    screen.Press("C-d");
+    EXPECT_THAT(screen.WaitFor("Dialog is closed", "> help"),
+                StartsWith("> help\n"
+                           "Press: Close, LDAP ..., FTP Logs to Support, CRC64\n"
+                           "A name, or any part of it that no other has, presses a button.\n"
+                           "show: what the boxes hold. quit: ends the program. Ctrl-D: closes this dialog.\n"
+                           "Tab completes a name, the arrow keys bring back what was typed.\n"
+                           "> ldpa\n"
+                           "Not understood, but near \"LDAP ...\": help lists what can be pressed.\n"
+                           "> xyzzy\n"
+                           "Not understood: help lists what can be pressed.\n"
+                           "> o\n"
+                           "Which one: Close, FTP Logs to Support?\n"
+                           "> CRC64\n"
+                           "Dialog\n"
+                           "Input:  two blanks\n"
+                           "on, off\n"
+                           "Wide characters (on, off) [on]: off\n"
+                           "Wide characters: off\n"
+                           "OK, Cancel, Get CRC64, or a box to change [Get CRC64]:\n"
+                           "CRC64: 9378702243592935650\n"
+                           "CRC64 Hex: 8227D800038418E2\n"
+                           "OK, Cancel, Get CRC64, or a box to change [OK]: hex=1\n"
+                           "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: input\n"
+                           "Input [ two blanks ]: hex=1\n"
+                           "OK, Cancel, Get CRC64, or a box to change [Get CRC64]:\n"
+                           "Dialog is closed."));
+}
+
+TEST(PersonAtATerminal, SeesFailuresInRedUnlessNoColourIsWanted)
+{
+    const ProgramFolder folder;
+    for (const char* wish : {"NO_COLOR=", "NO_COLOR=1", "TERM=vt100"})
+    {
+        const TerminalScreen screen(Start(folder), wish);
+        screen.WaitFor("\n>");
+        for (const char* line : {"LDAP", "127.0.0.1", "1", "", "", "", "3", ""})
+            screen.Enter(line);
+        screen.WaitFor("END TEST");
+        const std::string red = "\x1b[31m";
+        const bool isColoured = screen.SeenInColour().find(red) != std::string::npos;
+        EXPECT_EQ(isColoured, std::string(wish) == "NO_COLOR=") << wish;
+        EXPECT_EQ(screen.Recorded().find(red) != std::string::npos, isColoured);
+    }
+}
+
+TEST(PersonAtATerminal, SeesHowFarAnUploadIsInOneLine)
+{
+    const TerminalScreen screen(Scene("Upload"));
+    EXPECT_THAT(screen.WaitFor(" left"),
+                testing::ContainsRegex("FTP_LOG: [0-9]+% done, [0-9]+00000 sent, [0-9.]+ MB/s, "
+                                       "0:0[0-9] left"));
+    EXPECT_THAT(screen.WaitFor("Successfully", "Controls\n"),
+                testing::MatchesRegex("Controls\n[^%]*FTP_LOG: 100% done, 10000000 sent, [0-9.]+ MB/s\n"
+                                      "[^%]*Successfully[^%]*"));
+    // A terminal whose cursor cannot be moved has the lines as they are.
+    const TerminalScreen plain(Scene("Upload"), "TERM=dumb");
+    EXPECT_THAT(plain.WaitFor("Successfully"),
+                HasSubstr("98% done, 9800000 sent\n[5ms] FTP_LOG: 99% done, 9900000 sent\n"));
+}
+
+TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
+{
+    const ProgramFolder folder;
+    for (const char* signal : {"INT", "TERM", "HUP", "QUIT", "SEGV", "ABRT"})
+    {
+        const TerminalScreen screen(ThenItsEcho("trap : INT QUIT; " + Start(folder)));
+        screen.WaitFor("\n>");
+        screen.Type("half a line");
+        screen.WaitFor("half");
+        std::system(("pkill -" + std::string(signal) + " -f '^" + Start(folder) + "'").c_str());
+        EXPECT_THAT(screen.WaitFor("echo", "half"), EndsWith("icanon\necho")) << signal;
+    }
+    const TerminalScreen screen("bash --norc");
+    screen.Enter(Start(folder));
+    screen.WaitFor("\n>");
+    screen.Type("hel");
+    screen.Press("C-z");
+    screen.WaitFor("Stopped");
+    screen.Enter("stty -a | grep -ow -e '-*echo'");
+    screen.WaitFor("\necho\n", "Stopped");
+    screen.Enter("fg");
+    screen.WaitFor("> hel", "fg");
+    screen.Enter("p");
+    screen.WaitFor("> help\nPress:", "fg");
+    screen.Enter("quit");
+    screen.WaitFor("is closed", "fg");
+}
+
+TEST(PersonAtATerminal, IsServedWithoutTheEditorsLibrary)
+{
+    const ProgramFolder folder;
+    std::filesystem::remove(folder.Path() / "libtavoedit.so");
+    const TerminalScreen screen(ThenItsEcho(Start(folder)));
+    screen.WaitFor("\n>");
+    for (const char* line : {"ldap", "dc", "", "", "", "s3cret", "", "show", "Cancel", "quit"})
+        screen.Enter(line);
+    EXPECT_THAT(screen.WaitFor("icanon"), AllOf(HasSubstr("Password: ......"), EndsWith("icanon\necho")));
+    EXPECT_THAT(screen.Recorded(), Not(HasSubstr("s3cret")));
+}
+
+TEST(UploadProgress, ReckonsRateAndTimeFromTheLinesBefore)
+{
+    struct Case
+    {
+        const wchar_t* line;
+        int milliseconds; // since the first
+        const wchar_t* shown;
+    };
+    const Case cases[] = {
+        {L"1% done, 1000 sent\r\n", 0, L"1% done, 1000 sent"},
+        {L"[1ms] FTP_LOG: 10% done, 10000 sent\r\n", 1000,
+         L"[1ms] FTP_LOG: 10% done, 10000 sent, 9 KB/s, 0:10 left"},
+        {L"10% done, 10000000 sent\r\n", 1000, L"10% done, 10000000 sent, 10.0 MB/s, 0:09 left"},
+        {L"50% done, 50000 sent\r\n", 7200000, L"50% done, 50000 sent, 0 KB/s, 2:02:27 left"},
+        {L"100% done, 101000 sent\r\n", 1000, L"100% done, 101000 sent, 100 KB/s"},
+        {L"2% done, 900 sent\r\n", 2000, L"2% done, 900 sent"}, // a new attempt
+    };
+    const platform::UploadProgress::Clock::time_point start{std::chrono::seconds(1)};
+    for (const Case& row : cases)
+    {
+        platform::UploadProgress progress;
+        progress.Describe(cases[0].line, start);
+        EXPECT_EQ(progress.Describe(row.line, start + std::chrono::milliseconds(row.milliseconds)),
+                  row.shown);
+    }
+    EXPECT_EQ(platform::UploadProgress().Describe(L"50% of it", start), std::nullopt);
+}
