@@ -30,8 +30,7 @@ bool IsSet(const char* variable)
 
 std::unique_ptr<Display> MakeQtDisplay()
 {
-    const auto factory =
-        reinterpret_cast<DisplayFactory>(FindInModule("libtavoqt.so", kDisplayFactoryName));
+    const auto factory = reinterpret_cast<DisplayFactory>(FindInModule("libtavoqt.so", kDisplayFactoryName));
     if (factory == nullptr)
         std::fprintf(stderr, "No windows can be shown: %s\n", dlerror());
     return std::unique_ptr<Display>(factory != nullptr ? factory() : nullptr);

@@ -5,8 +5,8 @@
 namespace platform
 {
 
-// What a module, a file beside the layer's own library, exports under a name. Null when there is none; dlerror(3)
-// says why.
+// What a module, a file beside the layer's own library, exports under a name. Null when there is none;
+// dlerror(3) says why.
 void* FindInModule(const char* file, const char* name);
 
 } // namespace platform

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/terminal/TerminalConversation.h"
 
-#include "platform/display/terminal/TerminalCommand.h"
 #include "platform/dialogs/UserInput.h"
+#include "platform/display/terminal/TerminalCommand.h"
 
 #include <algorithm>
 #include <numeric>
