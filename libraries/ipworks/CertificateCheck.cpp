@@ -71,8 +71,11 @@ bool CertificateCheck::Decide(X509_STORE_CTX* chain)
     if (!IsFor(certificate, mJob.host))
         problem += (problem.empty() ? "" : "; ") + std::string("it is not for ") + mJob.host;
 
-    mRefused = !mEvents.Approve(block, NameText(X509_get_subject_name(certificate)),
-                                NameText(X509_get_issuer_name(certificate)), problem);
+    const std::string subject = NameText(X509_get_subject_name(certificate));
+    const std::string issuer = NameText(X509_get_issuer_name(certificate));
+    mFinding = problem.empty() ? "; the certificate proves the server: " + subject + ", issued by " + issuer
+                               : "; the certificate does not prove the server (" + problem + "): " + subject;
+    mRefused = !mEvents.Approve(block, subject, issuer, problem);
     if (!mRefused)
         mApproved = block;
     return !mRefused;

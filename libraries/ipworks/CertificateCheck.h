@@ -18,6 +18,10 @@ public:
     // Whether the owner said no.
     bool Refused() const { return mRefused; }
 
+    // Whether the latest certificate proves who the server is, to be said after "The connection is
+    // encrypted".
+    const std::string& Finding() const { return mFinding; }
+
 private:
     static int Verify(struct x509_store_ctx_st* chain, void* self);
     bool Decide(struct x509_store_ctx_st* chain);
@@ -26,4 +30,5 @@ private:
     UploadEvents& mEvents;
     std::string mApproved; // the data connection shows the same certificate again: it is asked about once
     bool mRefused = false;
+    std::string mFinding;
 };

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The upload on libcurl. It drives the protocol; what is ours is the reading of its dialogue (which answer
-// belongs to which step), the rule for a stalled transfer, and naming what went wrong.
+// belongs to which step), the server's last word when a transfer breaks, the rule for a stalled transfer, and
+// naming what went wrong.
 #include "libraries/ipworks/CertificateCheck.h"
 #include "libraries/ipworks/LocalFile.h"
 #include "libraries/ipworks/Sockets.h"
 #include "libraries/ipworks/Upload.h"
 
 #include <curl/curl.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <openssl/ssl.h>
 
 #include <memory>
 
@@ -17,11 +16,13 @@ namespace
 {
 
 using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
 
 constexpr long kConnectSeconds = 60; // to connect and to log in
 constexpr long kKeepAliveSeconds = 30;
-constexpr std::chrono::milliseconds kLastWordWait{1000};
-constexpr std::chrono::milliseconds kDrainInterval{20};
+constexpr milliseconds kLastWordWait{1000};
+constexpr std::size_t kLongestLastWord = 65536;
+constexpr milliseconds kDrainInterval{20};
 
 struct CurlDeleter
 {
@@ -39,12 +40,28 @@ bool InitialiseOnce()
     return done;
 }
 
+// The certificate check works on OpenSSL's own objects.
+bool HasOpenSsl()
+{
+    const char* library = curl_version_info(CURLVERSION_NOW)->ssl_version;
+    return library != nullptr && std::string_view(library).substr(0, 8) == "OpenSSL/";
+}
+
 // From 7.87.0 on and before 8.0.0 the file would go out in plain text on a connection that the server opened
 // (https://github.com/curl/curl/issues/10666).
 bool ForgetsToEncrypt()
 {
     const unsigned version = curl_version_info(CURLVERSION_NOW)->version_num;
     return version >= 0x075700 && version < 0x080000;
+}
+
+// Bytes received, 0 when none are there yet, -1 when none will come.
+int ReceiveTls(SSL* tls, char* buffer, int capacity)
+{
+    const int length = SSL_read(tls, buffer, capacity);
+    if (length > 0)
+        return length;
+    return SSL_get_error(tls, length) == SSL_ERROR_WANT_READ ? 0 : -1;
 }
 
 class CurlUpload
@@ -59,6 +76,8 @@ public:
 
 private:
     bool Prepare();
+    template <class Value>
+    void Set(CURLoption option, Value value);
     UploadResult Judge(CURLcode code) const;
 
     // What libcurl calls.
@@ -71,6 +90,7 @@ private:
 
     void Command(std::string_view line);
     void Answer(std::string_view line);
+    bool IsSending() const { return mAwaitsEnd && !mFileEnded; }
     void ReadLastWord();
     bool Stop(int code, std::string_view text);
     void Moved() { mMovedAt = Clock::now(); }
@@ -83,18 +103,22 @@ private:
     CertificateCheck mCertificate;
     CurlHandle mCurl;
     CurlList mCommands;
+    UploadResult mUnusable; // why this libcurl cannot be used
     char mProblem[CURL_ERROR_SIZE] = {};
+    bool mProblemIsOld = false; // it was there before a command that came after it
 
     // Sockets, owned by libcurl: the control connection, known from the greeting on, and the latest two
     // that were made. Once there is a data connection, it is the latest.
-    int mControl = -1;
-    int mLatest = -1;
-    int mBeforeLatest = -1;
+    curl_socket_t mControl = CURL_SOCKET_BAD;
+    curl_socket_t mLatest = CURL_SOCKET_BAD;
+    curl_socket_t mBeforeLatest = CURL_SOCKET_BAD;
     bool mSecured = false; // the control connection is encrypted
-    bool mLeaves = false;  // all is over: the answer to QUIT tells nothing of the upload
+    bool mLeaves = false;  // QUIT is sent
     int mAnswer = 0;       // number of the answer to the latest command, and its line
     std::string mAnswerLine;
     bool mAwaitsEnd = false; // the transfer has begun and the server has not said how it ended
+    bool mFileEnded = false; // all bytes are with the server's system
+    bool mConfirmed = false; // the server has said that it has them
     UploadResult mStopped;   // why a callback ended the transfer
     std::int64_t mSent = 0;
     std::int64_t mArrived = 0; // bytes that the server's system has acknowledged
@@ -107,6 +131,8 @@ UploadResult CurlUpload::Run()
         return {kIPWorksOtherFailure, "The transfer library cannot be started."};
     if (!Prepare())
         return {kIPWorksOtherFailure, "Out of memory."};
+    if (mUnusable.code != kIPWorksOk)
+        return mUnusable;
 
     mEvents.Status(kIPWorksConnecting, "Connecting to " + mJob.host + ":" + std::to_string(mJob.port));
     const BrokenPipeBlock block;
@@ -122,6 +148,16 @@ UploadResult CurlUpload::Run()
     mCurl.reset();
     mEvents.Status(kIPWorksDisconnected, "Disconnected");
     return result;
+}
+
+template <class Value>
+void CurlUpload::Set(CURLoption option, Value value)
+{
+    const CURLcode code = curl_easy_setopt(mCurl.get(), option, value);
+    if (code != CURLE_OK && mUnusable.code == kIPWorksOk)
+        mUnusable = {kIPWorksOtherFailure, "The transfer library cannot be used: " +
+                                               std::string(curl_easy_option_by_id(option)->name) + ": " +
+                                               curl_easy_strerror(code)};
 }
 
 bool CurlUpload::Prepare()
@@ -140,57 +176,60 @@ bool CurlUpload::Prepare()
     const std::string url = "ftp://" + (isAddress6 ? "[" + mJob.host + "]" : mJob.host) + ":" +
                             std::to_string(mJob.port) + "/" + name.get();
 
-    curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
-    curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "ftp");
-    curl_easy_setopt(curl, CURLOPT_PROXY, "");
-    curl_easy_setopt(curl, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-    curl_easy_setopt(curl, CURLOPT_USERNAME, mJob.user.c_str());
-    curl_easy_setopt(curl, CURLOPT_PASSWORD, mJob.password.c_str());
-    curl_easy_setopt(curl, CURLOPT_QUOTE, mCommands.get());
-    curl_easy_setopt(curl, CURLOPT_UPLOAD, 1L);
-    curl_easy_setopt(curl, CURLOPT_FTP_SKIP_PASV_IP, 1L);
+    if (!HasOpenSsl())
+        mUnusable = {kIPWorksOtherFailure, "The transfer library was built without OpenSSL."};
+    Set(CURLOPT_URL, url.c_str());
+    Set(CURLOPT_PROTOCOLS_STR, "ftp");
+    Set(CURLOPT_PROXY, "");
+    Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
+    Set(CURLOPT_USERNAME, mJob.user.c_str());
+    Set(CURLOPT_PASSWORD, mJob.password.c_str());
+    Set(CURLOPT_QUOTE, mCommands.get());
+    Set(CURLOPT_UPLOAD, 1L);
+    Set(CURLOPT_FTP_SKIP_PASV_IP, 1L);
     if (!mJob.passive)
-        curl_easy_setopt(curl, CURLOPT_FTPPORT, "-"); // the address that the control connection has
+        Set(CURLOPT_FTPPORT, "-"); // the address that the control connection has
 
     // The certificate is judged by the owner, in our own check.
-    curl_easy_setopt(curl, CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_TRY));
-    curl_easy_setopt(curl, CURLOPT_FTPSSLAUTH, static_cast<long>(CURLFTPAUTH_TLS));
-    curl_easy_setopt(curl, CURLOPT_SSL_VERIFYPEER, 0L);
-    curl_easy_setopt(curl, CURLOPT_SSL_VERIFYHOST, 0L);
-    curl_easy_setopt(curl, CURLOPT_SSL_CTX_FUNCTION, &CurlUpload::OnTls);
-    curl_easy_setopt(curl, CURLOPT_SSL_CTX_DATA, this);
+    Set(CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_TRY));
+    Set(CURLOPT_FTPSSLAUTH, static_cast<long>(CURLFTPAUTH_TLS));
+    Set(CURLOPT_SSL_VERIFYPEER, 0L);
+    Set(CURLOPT_SSL_VERIFYHOST, 0L);
+    Set(CURLOPT_SSL_CTX_FUNCTION, &CurlUpload::OnTls);
+    Set(CURLOPT_SSL_CTX_DATA, this);
 
     const long stallSeconds = static_cast<long>(mJob.stallLimit.count());
-    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
-    curl_easy_setopt(curl, CURLOPT_SERVER_RESPONSE_TIMEOUT, stallSeconds);
-    curl_easy_setopt(curl, CURLOPT_ACCEPTTIMEOUT_MS, stallSeconds * 1000L);
-    curl_easy_setopt(curl, CURLOPT_TCP_KEEPALIVE, 1L);
-    curl_easy_setopt(curl, CURLOPT_TCP_KEEPIDLE, kKeepAliveSeconds);
-    curl_easy_setopt(curl, CURLOPT_TCP_KEEPINTVL, kKeepAliveSeconds);
+    Set(CURLOPT_NOSIGNAL, 1L);
+    Set(CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
+    Set(CURLOPT_SERVER_RESPONSE_TIMEOUT, stallSeconds);
+    Set(CURLOPT_ACCEPTTIMEOUT_MS, stallSeconds * 1000L);
+    Set(CURLOPT_TCP_KEEPALIVE, 1L);
+    Set(CURLOPT_TCP_KEEPIDLE, kKeepAliveSeconds);
+    Set(CURLOPT_TCP_KEEPINTVL, kKeepAliveSeconds);
     // Ends the connection within the call, so that its last commands are under the same rules as all others.
-    curl_easy_setopt(curl, CURLOPT_FORBID_REUSE, 1L);
+    Set(CURLOPT_FORBID_REUSE, 1L);
 
-    curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, mProblem);
-    curl_easy_setopt(curl, CURLOPT_VERBOSE, 1L);
-    curl_easy_setopt(curl, CURLOPT_DEBUGFUNCTION, &CurlUpload::OnDebug);
-    curl_easy_setopt(curl, CURLOPT_DEBUGDATA, this);
-    curl_easy_setopt(curl, CURLOPT_READFUNCTION, &CurlUpload::OnRead);
-    curl_easy_setopt(curl, CURLOPT_READDATA, this);
-    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
-    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, &CurlUpload::OnProgress);
-    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, this);
-    curl_easy_setopt(curl, CURLOPT_SOCKOPTFUNCTION, &CurlUpload::OnSocket);
-    curl_easy_setopt(curl, CURLOPT_SOCKOPTDATA, this);
-    curl_easy_setopt(curl, CURLOPT_CLOSESOCKETFUNCTION, &CurlUpload::OnCloseSocket);
-    curl_easy_setopt(curl, CURLOPT_CLOSESOCKETDATA, this);
+    Set(CURLOPT_ERRORBUFFER, mProblem);
+    Set(CURLOPT_VERBOSE, 1L);
+    Set(CURLOPT_DEBUGFUNCTION, &CurlUpload::OnDebug);
+    Set(CURLOPT_DEBUGDATA, this);
+    Set(CURLOPT_READFUNCTION, &CurlUpload::OnRead);
+    Set(CURLOPT_READDATA, this);
+    Set(CURLOPT_NOPROGRESS, 0L);
+    Set(CURLOPT_XFERINFOFUNCTION, &CurlUpload::OnProgress);
+    Set(CURLOPT_XFERINFODATA, this);
+    Set(CURLOPT_SOCKOPTFUNCTION, &CurlUpload::OnSocket);
+    Set(CURLOPT_SOCKOPTDATA, this);
+    Set(CURLOPT_CLOSESOCKETFUNCTION, &CurlUpload::OnCloseSocket);
+    Set(CURLOPT_CLOSESOCKETDATA, this);
     return true;
 }
 
-// What went wrong, in the order of who knows best: we ourselves, the server, the library.
+// The server's word decides, and after that whoever knows best what went wrong: we ourselves, the server, the
+// library.
 UploadResult CurlUpload::Judge(CURLcode code) const
 {
-    if (code == CURLE_OK)
+    if (mConfirmed)
         return {};
     if (mStopped.code != kIPWorksOk)
         return mStopped;
@@ -199,9 +238,15 @@ UploadResult CurlUpload::Judge(CURLcode code) const
     if (mAnswer >= 400)
         return {mAnswer, mAnswerLine};
 
+    if (mAnswer == 226 || mAnswer == 250)
+        return {kIPWorksConnectionLost,
+                "The server ended the transfer before the end of the file: " + mAnswerLine};
+    if (code == CURLE_ABORTED_BY_CALLBACK)
+        return {kIPWorksConnectionLost, "The server ended the connection before the end of the file."};
+
     // In direct mode libcurl 7.88 leaves a message about the listening socket there, before anything has
     // failed.
-    const std::string text = mJob.passive && mProblem[0] != '\0' ? mProblem : curl_easy_strerror(code);
+    const std::string text = mProblem[0] == '\0' || mProblemIsOld ? curl_easy_strerror(code) : mProblem;
     switch (code)
     {
     case CURLE_COULDNT_RESOLVE_HOST:
@@ -250,9 +295,14 @@ void CurlUpload::Command(std::string_view line)
     if (mAnswer == 234 && !mSecured)
     {
         mSecured = true;
-        mEvents.Status(kIPWorksSecured, "The connection is encrypted");
+        mEvents.Status(kIPWorksSecured, "The connection is encrypted" + mCertificate.Finding());
     }
-    mLeaves = line.substr(0, 4) == "QUIT";
+    const std::string_view verb = line.substr(0, 4);
+    if (verb == "USER" && !mSecured)
+        mEvents.Status(kIPWorksReadable,
+                       "The server offers no encryption: password and file can be read on their way");
+    mProblemIsOld = mProblem[0] != '\0';
+    mLeaves = verb == "QUIT";
     if (!mLeaves)
         mAnswer = 0;
     mEvents.Command(line);
@@ -262,11 +312,12 @@ void CurlUpload::Answer(std::string_view line)
 {
     mEvents.Answer(line);
     const int number = AnswerNumber(line);
-    if (number == 0 || mLeaves)
+    // After QUIT, an answer that belongs to the transfer may still come.
+    if (number == 0 || (mLeaves && (!mAwaitsEnd || number == 221)))
         return;
     mAnswer = number;
     mAnswerLine = line;
-    if (number == 220 && mControl < 0)
+    if (number == 220 && mControl == CURL_SOCKET_BAD)
     {
         mControl = mLatest; // attempts at other addresses are closed by now
         mEvents.Status(kIPWorksConnected, "Connected to " + mJob.host);
@@ -281,7 +332,8 @@ void CurlUpload::Answer(std::string_view line)
     else if (mAwaitsEnd)
     {
         mAwaitsEnd = false;
-        if (number == 226 || number == 250)
+        mConfirmed = mFileEnded && (number == 226 || number == 250);
+        if (mConfirmed)
             mEvents.Status(kIPWorksConfirmed, "The server has received " + mJob.remoteFile);
     }
 }
@@ -292,7 +344,9 @@ std::size_t CurlUpload::OnRead(char* buffer, std::size_t size, std::size_t count
     const std::int64_t bytes = upload.mFile.Read(buffer, static_cast<std::int64_t>(size * count));
     if (bytes < 0)
         upload.Stop(kIPWorksLocalFileFailed, "The local file cannot be read to its end.");
-    const bool goesOn = bytes > 0 || (bytes == 0 && upload.Drain());
+    else if (bytes == 0)
+        upload.mFileEnded = upload.Drain();
+    const bool goesOn = bytes > 0 || upload.mFileEnded;
     return goesOn ? static_cast<std::size_t>(bytes) : CURL_READFUNC_ABORT;
 }
 
@@ -301,7 +355,9 @@ int CurlUpload::OnProgress(void* self, curl_off_t, curl_off_t, curl_off_t, curl_
     CurlUpload& upload = *static_cast<CurlUpload*>(self);
     upload.mSent = sent;
     upload.mEvents.Progress(sent, upload.mFile.Size());
-    return upload.HasStalled() ? 1 : 0;
+    // A server that speaks while it is sent a file takes no more of it.
+    const bool isInterrupted = upload.IsSending() && IsReadable(upload.mControl, milliseconds(0));
+    return isInterrupted || upload.HasStalled() ? 1 : 0;
 }
 
 CURLcode CurlUpload::OnTls(CURL*, void* sslContext, void* self)
@@ -328,29 +384,41 @@ int CurlUpload::OnSocket(void* self, curl_socket_t socket, curlsocktype purpose)
 int CurlUpload::OnCloseSocket(void* self, curl_socket_t socket)
 {
     CurlUpload& upload = *static_cast<CurlUpload*>(self);
-    if (socket == upload.mControl)
-        upload.ReadLastWord();
     if (socket == upload.mLatest)
+    {
+        if (socket != upload.mControl)
+            upload.ReadLastWord();
         upload.mLatest = upload.mBeforeLatest;
-    return close(socket);
+    }
+    return CloseSocket(socket);
 }
 
-// A server that breaks a transfer off says why, but libcurl hears it no more once the data connection has
-// failed. An encrypted answer stays unread.
+// A server that breaks a transfer off says why, but libcurl does not listen any more once the data connection
+// has failed.
 void CurlUpload::ReadLastWord()
 {
-    if (!mAwaitsEnd || mSecured || mStopped.code != kIPWorksOk)
-        return;
-    pollfd control{mControl, POLLIN, 0};
-    char answer[1024];
-    if (poll(&control, 1, static_cast<int>(kLastWordWait.count())) != 1)
-        return;
-    const ssize_t length = recv(mControl, answer, sizeof answer, MSG_DONTWAIT);
-    std::string_view rest(answer, length > 0 ? static_cast<std::size_t>(length) : 0);
-    for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n'))
+    curl_tlssessioninfo* session = nullptr;
+    curl_easy_getinfo(mCurl.get(), CURLINFO_TLS_SSL_PTR, &session);
+    SSL* const tls = mSecured && session != nullptr ? static_cast<SSL*>(session->internals) : nullptr;
+    if (mSecured && (tls == nullptr || SSL_set_rfd(tls, static_cast<int>(mControl)) != 1))
+        return; // libcurl's own way of reading is open to libcurl alone
+
+    const Clock::time_point end = Clock::now() + kLastWordWait;
+    std::string heard;
+    while (IsSending() && mStopped.code == kIPWorksOk && heard.size() < kLongestLastWord)
     {
-        Answer(rest.substr(0, end + 1));
-        rest.remove_prefix(end + 1);
+        const milliseconds left = std::chrono::ceil<milliseconds>(end - Clock::now());
+        char piece[1024];
+        const int length =
+            tls != nullptr ? ReceiveTls(tls, piece, sizeof piece) : Receive(mControl, piece, sizeof piece);
+        if (length < 0 || left.count() <= 0 || (length == 0 && !IsReadable(mControl, left)))
+            return;
+        heard.append(piece, static_cast<std::size_t>(length));
+        for (std::size_t at = heard.find('\n'); at != std::string::npos; at = heard.find('\n'))
+        {
+            Answer(heard.substr(0, at + 1));
+            heard.erase(0, at + 1);
+        }
     }
 }
 
@@ -378,17 +446,12 @@ bool CurlUpload::HasStalled()
 }
 
 // Waits until the server's system has everything, since libcurl's time for the last answer begins then.
-// False when the connection stalls meanwhile.
+// False when that cannot be: the connection stalls or breaks, or the server takes no more.
 bool CurlUpload::Drain()
 {
     while (UnacknowledgedBytes(mLatest) > 0)
-    {
-        if (HasStalled())
+        if (HasStalled() || IsReadable(mControl, milliseconds(0)) || IsBroken(mLatest, kDrainInterval))
             return false;
-        pollfd data{mLatest, 0, 0};
-        if (poll(&data, 1, static_cast<int>(kDrainInterval.count())) > 0)
-            return true; // broken: libcurl finds out how
-    }
     return true;
 }
 

@@ -52,11 +52,12 @@ enum IPWorksState : int
 {
     kIPWorksConnecting = 1,
     kIPWorksConnected = 2,
-    kIPWorksSecured = 3,
+    kIPWorksSecured = 3, // encrypted; the description says whether the certificate proves who the server is
     kIPWorksLoggedIn = 4,
     kIPWorksSending = 5,
     kIPWorksConfirmed = 6, // the server has the whole file
     kIPWorksDisconnected = 7,
+    kIPWorksReadable = 8, // the server offers no encryption; the log-in follows all the same
 };
 
 // Results. 0 is success; codes from 100 to 599 are the server's own answer.
@@ -66,7 +67,7 @@ enum IPWorksResult : int
     kIPWorksBadHandle = 1001,
     kIPWorksUnknownId = 1002, // property, method or configuration
     kIPWorksBadValue = 1003,
-    kIPWorksLocalFileFailed = 1004, // missing or unreadable
+    kIPWorksLocalFileFailed = 1004, // missing, unreadable, or not a plain file of this account's own
     kIPWorksHostNotFound = 1005,
     kIPWorksConnectFailed = 1006,  // control or data connection
     kIPWorksSecurityFailed = 1007, // handshake failed, or certificate not approved

@@ -3,12 +3,26 @@
 
 #include <linux/sockios.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+
+namespace
+{
+
+bool Poll(int socket, short events, std::chrono::milliseconds limit)
+{
+    pollfd one{socket, events, 0};
+    return poll(&one, 1, std::max(0, static_cast<int>(limit.count()))) > 0;
+}
+
+} // namespace
 
 BrokenPipeBlock::BrokenPipeBlock()
 {
@@ -28,7 +42,7 @@ BrokenPipeBlock::~BrokenPipeBlock()
     pthread_sigmask(SIG_SETMASK, &mBefore, nullptr);
 }
 
-bool SamePeer(int left, int right)
+bool SamePeer(curl_socket_t left, curl_socket_t right)
 {
     sockaddr_storage a{};
     sockaddr_storage b{};
@@ -45,8 +59,31 @@ bool SamePeer(int left, int right)
                        &reinterpret_cast<sockaddr_in6*>(&b)->sin6_addr, sizeof(in6_addr)) == 0;
 }
 
-int UnacknowledgedBytes(int socket)
+int UnacknowledgedBytes(curl_socket_t socket)
 {
     int bytes = 0;
     return socket >= 0 && ioctl(socket, SIOCOUTQ, &bytes) == 0 ? bytes : 0;
+}
+
+bool IsReadable(curl_socket_t socket, std::chrono::milliseconds limit)
+{
+    return Poll(socket, POLLIN, limit);
+}
+
+bool IsBroken(curl_socket_t socket, std::chrono::milliseconds limit)
+{
+    return Poll(socket, 0, limit);
+}
+
+int Receive(curl_socket_t socket, char* buffer, int capacity)
+{
+    const ssize_t length = recv(socket, buffer, static_cast<std::size_t>(capacity), MSG_DONTWAIT);
+    if (length > 0)
+        return static_cast<int>(length);
+    return length < 0 && (errno == EAGAIN || errno == EINTR) ? 0 : -1;
+}
+
+int CloseSocket(curl_socket_t socket)
+{
+    return close(socket);
 }

@@ -2,7 +2,10 @@
 // What the system tells of sockets that a library owns.
 #pragma once
 
+#include <chrono>
 #include <csignal>
+
+#include <curl/curl.h>
 
 // While it lives, a write to a connection that the other side has closed does not end the process: libcurl
 // leaves the signal alone when it is told to use none, and the TLS library writes without MSG_NOSIGNAL. For
@@ -21,7 +24,18 @@ private:
 };
 
 // Whether two connections lead to one address. True also when `left` has ended again: it will get nothing.
-bool SamePeer(int left, int right);
+bool SamePeer(curl_socket_t left, curl_socket_t right);
 
 // Bytes that our own system has taken and the other side's has not acknowledged yet; 0 for no socket.
-int UnacknowledgedBytes(int socket);
+int UnacknowledgedBytes(curl_socket_t socket);
+
+// Wait for at most that long, not at all for a limit below 1 ms. Readable is also a connection that has
+// ended.
+bool IsReadable(curl_socket_t socket, std::chrono::milliseconds limit);
+bool IsBroken(curl_socket_t socket, std::chrono::milliseconds limit);
+
+// Bytes received, 0 when none are there yet, -1 when none will come.
+int Receive(curl_socket_t socket, char* buffer, int capacity);
+
+// 0, or a system's error code.
+int CloseSocket(curl_socket_t socket);

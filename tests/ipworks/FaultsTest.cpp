@@ -73,6 +73,26 @@ const std::vector<Fault> kFaults = {
      Moved::eNothing,
      false},
     {"NameRefused", {.answers = {{"STOR", "553 Not this name.\r\n"}}}, 553, "553 Not this name."},
+    {"ReasonInThreeSegments",
+     {.breakAt = kHalf, .farewell = "552-No"s + kPause + " room.\r\n552 " + kPause + "Quota.\r\n"},
+     552,
+     "552 Quota.",
+     Moved::eSome},
+    {"ReasonWhileNothingMoves",
+     {.breakAt = kHalf, .breakAnswer = "552 Quota.\r\n", .atBreak = Break::eStall},
+     552,
+     "552 Quota.",
+     Moved::eSome},
+    {"CalledCompleteWhileNothingMoves",
+     {.breakAt = kHalf, .breakAnswer = "226 Received.\r\n", .atBreak = Break::eStall},
+     kIPWorksConnectionLost,
+     "1009 The server ended the transfer before the end of the file: 226 Received.",
+     Moved::eSome},
+    {"ConfirmedWhenNobodyWaitsAnyMore",
+     {.farewellAfter = std::chrono::milliseconds(3000)},
+     0,
+     "",
+     Moved::eAll},
     {"DataResetAtOnce", {.breakAt = 0, .farewell = "426 Broken.\r\n"}, 426, "426 Broken."},
     {"DataResetAtHalf", {.breakAt = kHalf, .farewell = "426 Broken.\r\n"}, 426, "426 Broken.", Moved::eSome},
     {"DataClosedAtHalfAndCalledComplete",
@@ -145,7 +165,8 @@ TEST_P(FaultTest, GivesItsResultAndNoMore)
 {
     const Fault& fault = GetParam();
     const std::size_t size = fault.moved == Moved::eSome ? kLarge : kSmall;
-    const bool isSilent = fault.code == kIPWorksStalled || fault.script.answers.contains("QUIT");
+    const bool isSilent = fault.code == kIPWorksStalled || fault.script.answers.contains("QUIT") ||
+                          fault.script.atBreak == Break::eStall || fault.script.farewellAfter.count() > 0;
     const WineCall call{isSilent && RunsOnWindows()};
     Recorder recorder(fault.script, std::string(size, 'x'));
     recorder.SetNumber(kIPWorksPassive, fault.passive ? 1 : 0);
@@ -164,6 +185,9 @@ TEST_P(FaultTest, GivesItsResultAndNoMore)
     EXPECT_EQ(fault.moved, sent == 0 ? Moved::eNothing : sent < size ? Moved::eSome : Moved::eAll) << sent;
     EXPECT_EQ(fault.moved == Moved::eAll, sent != 0 && recorder.progress.back().percent == 100);
 
+    // What the console says of the end is true.
+    EXPECT_EQ(fault.code == 0, testing::Matches(testing::Contains(
+                                   "status 6 The server has received archive.zip"))(recorder.events));
     // One error for a failed upload, none for a good one; the start comes first and the end last.
     const std::string error = "error " + std::to_string(result) + " " + recorder.LastError();
     EXPECT_EQ(fault.code == 0 ? std::vector<std::string>{} : std::vector<std::string>{error},
@@ -183,15 +207,21 @@ TEST_P(FaultTest, GivesItsResultAndNoMore)
 
 INSTANTIATE_TEST_SUITE_P(Faults, FaultTest, testing::ValuesIn(kFaults), testing::PrintToStringParamName());
 
-TEST(Upload, HostThatCannotBeFoundAndPortThatIsClosed)
+TEST(Upload, HostThatCannotBeFoundAndPortThatIsClosedAreNamedInBothModes)
 {
     Recorder recorder;
-    recorder.Config("RemotePort=" + std::to_string(TcpListener(0).Port()));
-    EXPECT_EQ(kIPWorksConnectFailed, recorder.Upload());
-    EXPECT_THAT(recorder.LastError(), testing::StartsWith("1006 "));
-    recorder.SetText(kIPWorksRemoteHost, "nowhere.invalid");
-    EXPECT_EQ(kIPWorksHostNotFound, recorder.Upload());
-    EXPECT_THAT(recorder.LastError(), testing::ContainsRegex("1005 .*nowhere.invalid"));
+    const std::string port = std::to_string(TcpListener(0).Port());
+    recorder.Config("RemotePort=" + port);
+    for (const int passive : {1, 0})
+    {
+        recorder.SetNumber(kIPWorksPassive, passive);
+        recorder.SetText(kIPWorksRemoteHost, "127.0.0.1");
+        EXPECT_EQ(kIPWorksConnectFailed, recorder.Upload());
+        EXPECT_THAT(recorder.LastError(), testing::ContainsRegex("^1006 .*127.0.0.1 port " + port));
+        recorder.SetText(kIPWorksRemoteHost, "nowhere.invalid");
+        EXPECT_EQ(kIPWorksHostNotFound, recorder.Upload());
+        EXPECT_THAT(recorder.LastError(), testing::ContainsRegex("^1005 .*nowhere.invalid"));
+    }
     EXPECT_TRUE(recorder.progress.empty());
 }
 

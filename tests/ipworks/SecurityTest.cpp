@@ -28,7 +28,10 @@ TEST(Security, BothConnectionsAreEncryptedAndTheCertificateIsAskedAboutOnce)
     EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
     EXPECT_TRUE(content == recorder.server.Uploaded());
     EXPECT_THAT(recorder.server.Commands(), testing::Contains("PROT P"));
-    EXPECT_THAT(recorder.events, testing::Contains("status 3 The connection is encrypted"));
+    EXPECT_THAT(
+        recorder.events,
+        testing::Contains("status 3 The connection is encrypted; the certificate does not prove the server "
+                          "(self-signed certificate): CN = 127.0.0.1"));
     EXPECT_EQ(tls.Certificate(), recorder.certificate);
     EXPECT_EQ("CN = 127.0.0.1", recorder.subject);
     EXPECT_EQ("CN = 127.0.0.1", recorder.issuer);
@@ -65,18 +68,28 @@ TEST(Security, CertificateThatIsExpiredAndOfAnotherHostEndsTheUploadBeforeTheLog
 TEST(Security, HandshakeThatFailsEndsTheUploadInsteadOfGoingOnInPlainText)
 {
     Recorder recorder({.secure = NoHandshake});
-    EXPECT_EQ(kIPWorksSecurityFailed, recorder.Upload());
-    EXPECT_THAT(recorder.server.Commands(), ElementsAre("AUTH TLS"));
+    for (const int passive : {1, 0})
+    {
+        recorder.SetNumber(kIPWorksPassive, passive);
+        EXPECT_EQ(kIPWorksSecurityFailed, recorder.Upload());
+        EXPECT_THAT(recorder.LastError(), HasSubstr("wrong version number"));
+    }
+    EXPECT_THAT(recorder.server.Commands(), ElementsAre("AUTH TLS", "AUTH TLS"));
 }
 
 // The library writes to a connection that is gone: the signal must not end the process.
-TEST(Security, EncryptedDataConnectionThatBreaksIsAnErrorLikeAnyOther)
+TEST(Security, EncryptedTransferThatBreaksBringsTheServersReason)
 {
     const TlsServer tls("127.0.0.1", 10);
-    FtpScript script = Secured(tls);
-    script.breakAt = kMiddle;
-    script.farewell = "426 Broken.\r\n";
-    Recorder recorder(script, std::string(30000000, 'x'));
-    EXPECT_NE(0, recorder.Upload());
-    EXPECT_GT(recorder.progress.back().bytes, 0);
+    for (const auto atBreak : {FtpScript::Break::eReset, FtpScript::Break::eClose, FtpScript::Break::eStall})
+    {
+        FtpScript script = Secured(tls);
+        script.breakAt = kMiddle;
+        script.atBreak = atBreak;
+        (atBreak == FtpScript::Break::eStall ? script.breakAnswer : script.farewell) = "552 Quota.\r\n";
+        Recorder recorder(script, std::string(30000000, 'x'));
+        EXPECT_EQ(552, recorder.Upload());
+        EXPECT_EQ("552 Quota.", recorder.LastError());
+        EXPECT_GT(recorder.progress.back().bytes, 0);
+    }
 }

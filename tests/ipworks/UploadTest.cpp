@@ -8,6 +8,7 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
+namespace fs = std::filesystem;
 
 namespace
 {
@@ -40,11 +41,13 @@ TEST(Upload, PassiveBringsTheFileAndTellsOfEveryStep)
     EXPECT_EQ("", recorder.LastError());
     ExpectTrueProgress(recorder, 300000);
 
-    EXPECT_THAT(recorder.Of("status"),
-                ElementsAre("status 1 Connecting to 127.0.0.1:" + std::to_string(recorder.server.Port()),
-                            "status 2 Connected to 127.0.0.1", "status 4 Logged in as zt-ftp",
-                            "status 5 Sending archive.zip", "status 6 The server has received archive.zip",
-                            "status 7 Disconnected"));
+    EXPECT_THAT(
+        recorder.Of("status"),
+        ElementsAre("status 1 Connecting to 127.0.0.1:" + std::to_string(recorder.server.Port()),
+                    "status 2 Connected to 127.0.0.1",
+                    "status 8 The server offers no encryption: password and file can be read on their way",
+                    "status 4 Logged in as zt-ftp", "status 5 Sending archive.zip",
+                    "status 6 The server has received archive.zip", "status 7 Disconnected"));
     EXPECT_EQ("started archive.zip", recorder.events.front());
     EXPECT_EQ("ended 0", recorder.events.back());
     EXPECT_THAT(recorder.Of("<"), testing::Contains("< 226 Received."));
@@ -105,17 +108,32 @@ TEST(Upload, EmptyFileIsConfirmedAndReportsNoByte)
     EXPECT_EQ(100, recorder.progress[0].percent);
 }
 
-TEST(Upload, FileThatCannotBeOpenedFailsWithoutAConnection)
+TEST(Upload, FileThatIsMissingOrNotOurOwnFailsWithoutAConnection)
 {
     Recorder recorder;
-    for (const auto& path : {recorder.Directory() / "missing.zip", recorder.Directory()})
+    const fs::path& folder = recorder.Directory();
+    const fs::path secret = folder / "secret";
+    WriteFile(secret, "secret");
+    std::vector<std::pair<fs::path, std::string>> rows = {{folder / "missing", ""}, {folder, ""}};
+    if (!RunsOnWindows())
+    {
+        fs::create_symlink(secret, folder / "link");
+        fs::create_hard_link(secret, folder / "second");
+        WriteFile(folder / "others", "theirs");
+        if (chown((folder / "others").c_str(), 1, 1) == 0)
+            rows.emplace_back(folder / "others", "It belongs to another account.");
+        rows.insert(rows.end(), {{folder / "link", "It is a link."},
+                                 {folder / "second", "It has a second name elsewhere."},
+                                 {"/dev/null", "It is not a plain file."}});
+    }
+    for (const auto& [path, problem] : rows)
     {
         recorder.SetLocalFile(path);
         EXPECT_EQ(kIPWorksLocalFileFailed, recorder.Upload());
-        EXPECT_THAT(recorder.LastError(), StartsWith("1004 Cannot open the local file: "));
+        EXPECT_THAT(recorder.LastError(), StartsWith("1004 Cannot open the local file: " + problem));
     }
     EXPECT_TRUE(recorder.server.Commands().empty());
-    EXPECT_THAT(recorder.Of("error"), testing::SizeIs(2));
+    EXPECT_THAT(recorder.Of("error"), testing::SizeIs(rows.size()));
 }
 
 // The size at the start counts: what a writer adds meanwhile is not sent, and what it takes away is no error.

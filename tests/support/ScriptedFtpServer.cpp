@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <optional>
 
 namespace
@@ -152,6 +153,7 @@ private:
             }
         }
         data.reset();
+        std::this_thread::sleep_for(mScript.farewellAfter);
         return Say(mScript.farewell);
     }
 
@@ -187,6 +189,13 @@ private:
             {
             }
             return false;
+        }
+        if (const std::size_t pause = answer.find(kPause); pause != std::string::npos)
+        {
+            if (!mControl->Send(answer.substr(0, pause)))
+                return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            return Say(answer.substr(pause + std::strlen(kPause)));
         }
         if (!mScript.inSingleBytes)
             return mControl->Send(answer);

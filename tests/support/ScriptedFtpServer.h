@@ -6,6 +6,7 @@
 #include "tests/support/TcpStream.h"
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -17,6 +18,8 @@
 constexpr const char* kHangUp = "(hang up)";
 // An answer that never comes.
 constexpr const char* kSilence = "(silence)";
+// Within an answer: what follows is a segment of its own, 20 ms later.
+constexpr const char* kPause = "(pause)";
 
 struct FtpScript
 {
@@ -39,8 +42,9 @@ struct FtpScript
 
     std::int64_t bytesPerSecond = 0; // 0: as fast as can be
 
-    // What the server says when the data connection has ended.
+    // What the server says when the data connection has ended, and how long after that.
     std::string farewell = "226 Received.\r\n";
+    std::chrono::milliseconds farewellAfter{0};
 
     // Makes a secure stream of a plain one, null when the handshake fails; without it AUTH is refused.
     std::function<std::unique_ptr<Stream>(std::unique_ptr<TcpStream>)> secure{};
