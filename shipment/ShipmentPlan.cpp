@@ -8,6 +8,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace
@@ -30,6 +31,18 @@ bool IsWalked(const WIN32_FIND_DATAW& entry)
 {
     const std::wstring_view name = entry.cFileName;
     return name != L"." && name != L".." && !IsFileOrDirLink(entry);
+}
+
+// The name with "?" for each half of a surrogate pair, which the list's UTF-8 cannot hold.
+ZTString ListedName(std::wstring name)
+{
+    const auto isHalf = [&name](std::size_t at, wchar_t first) { return (name[at] & ~0x3FF) == first; };
+    for (std::size_t i = 0; i < name.size(); ++i)
+        if (isHalf(i, 0xD800) && i + 1 < name.size() && isHalf(i + 1, 0xDC00))
+            ++i;
+        else if (isHalf(i, 0xD800) || isHalf(i, 0xDC00))
+            name[i] = L'?';
+    return name.c_str();
 }
 
 } // namespace
@@ -68,7 +81,7 @@ std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff)
             if (!IsDirectory(entry))
             {
                 if (FILETIMEToTimeT(entry.ftLastWriteTime) < cutOff)
-                    names.insert(entry.cFileName);
+                    names.insert(ListedName(entry.cFileName));
             }
             else if (IsWalked(entry))
                 waiting.push_back(current + entry.cFileName);

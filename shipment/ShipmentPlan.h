@@ -16,7 +16,8 @@ constexpr const wchar_t* kIgnoreListName = L"uploadIgnoreList.txt";
 ZTString ArchiveName(const wchar_t* wanted);
 
 // Bare names of the files below `directory` whose last write lies before `cutOff`, in seconds since 1970.
-// Links to directories are not followed, and a directory that cannot be listed is passed over.
+// Links to directories are not followed, and a directory that cannot be listed is passed over. In a name,
+// what is not text stands as "?", which the archiver takes for any one character.
 std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff);
 
 // Packs everything in the working directory but the names of the ignore list, if there are any.

@@ -163,7 +163,8 @@ public:
     posix_spawnattr_t mAttributes;
 };
 
-// Starts it and gives its id, or 0 with an errno value.
+// Starts it and gives its id, or 0 with an errno value. What it makes is for its account alone: the mask of
+// the whole process is changed for that moment.
 pid_t Spawn(const std::string& program, const std::vector<std::wstring>& words, const SpawnSettings& settings,
             int& error)
 {
@@ -172,9 +173,12 @@ pid_t Spawn(const std::string& program, const std::vector<std::wstring>& words, 
     std::vector<char*> pointers(words.size() + 1); // null at the end
     std::ranges::transform(arguments, pointers.begin(),
                            [](std::string& argument) { return argument.data(); });
+    signal(SIGCHLD, SIG_DFL); // a parent that ignored it left us that, and then no exit code is kept
     pid_t id = 0;
+    const mode_t mask = umask(S_IRWXG | S_IRWXO);
     error = posix_spawn(&id, program.c_str(), &settings.mActions, &settings.mAttributes, pointers.data(),
                         environ);
+    umask(mask);
     return error == 0 ? id : 0;
 }
 

@@ -19,8 +19,6 @@ constexpr std::size_t kSmall = 100000;
 constexpr std::size_t kLarge = 30000000;
 constexpr std::int64_t kHalf = 4000000; // the system takes some more on its own, but not the rest
 
-using Break = FtpScript::Break;
-
 enum class Moved
 {
     eNothing,
@@ -48,24 +46,9 @@ const std::vector<Fault> kFaults = {
     {"NoRoomAtTheGreeting", {.greeting = "421 Too many users.\r\n"}, 421, "421 Too many users."},
     {"HangUpAtTheGreeting", {.greeting = kHangUp}, kIPWorksConnectionLost},
     {"StallAtTheGreeting", {.greeting = kSilence}, kIPWorksStalled, "2 seconds"},
-    {"LoginRefused",
-     {.answers = {{"PASS", "530-No.\r\n530 User zt-ftp cannot log in with Kesto-42.\r\n"}}},
-     530,
-     "530 User zt-ftp cannot log in with ****."},
-    {"HangUpAtTheLogin", {.answers = {{"PASS", kHangUp}}}, kIPWorksConnectionLost},
-    {"PassiveRefused",
-     {.answers = {{"EPSV", "500 No.\r\n"}, {"PASV", "502 No passive.\r\n"}}},
-     502,
-     "502 No passive."},
     {"PassiveAnswerIsNonsense",
      {.answers = {{"EPSV", "500 No.\r\n"}, {"PASV", "227 Come in (somewhere).\r\n"}}},
      kIPWorksUnexpectedAnswer},
-    {"DirectRefused",
-     {.answers = {{"EPRT", "500 No.\r\n"}, {"PORT", "501 No direct.\r\n"}}},
-     501,
-     "501 No direct.",
-     Moved::eNothing,
-     false},
     {"DirectNeverComes",
      {.answers = {{"EPRT", "200 Noted.\r\n"}, {"STOR", kSilence}}},
      kIPWorksStalled,
@@ -79,12 +62,12 @@ const std::vector<Fault> kFaults = {
      "552 Quota.",
      Moved::eSome},
     {"ReasonWhileNothingMoves",
-     {.breakAt = kHalf, .breakAnswer = "552 Quota.\r\n", .atBreak = Break::eStall},
+     {.breakAt = kHalf, .breakAnswer = "552 Quota.\r\n", .atBreak = "stall"},
      552,
      "552 Quota.",
      Moved::eSome},
     {"CalledCompleteWhileNothingMoves",
-     {.breakAt = kHalf, .breakAnswer = "226 Received.\r\n", .atBreak = Break::eStall},
+     {.breakAt = kHalf, .breakAnswer = "226 Received.\r\n", .atBreak = "stall"},
      kIPWorksConnectionLost,
      "1009 The server ended the transfer before the end of the file: 226 Received.",
      Moved::eSome},
@@ -94,28 +77,17 @@ const std::vector<Fault> kFaults = {
      "",
      Moved::eAll},
     {"DataResetAtOnce", {.breakAt = 0, .farewell = "426 Broken.\r\n"}, 426, "426 Broken."},
-    {"DataResetAtHalf", {.breakAt = kHalf, .farewell = "426 Broken.\r\n"}, 426, "426 Broken.", Moved::eSome},
     {"DataClosedAtHalfAndCalledComplete",
-     {.breakAt = kHalf, .atBreak = Break::eClose},
+     {.breakAt = kHalf, .atBreak = "close"},
      kIPWorksConnectionLost,
      "",
      Moved::eSome},
-    {"HangUpAtHalf", {.breakAt = kHalf, .atBreak = Break::eHangUp}, kIPWorksConnectionLost, "", Moved::eSome},
-    {"QuotaAtHalf", {.breakAt = kHalf, .breakAnswer = "552 Quota.\r\n"}, 552, "552 Quota.", Moved::eSome},
-    {"StallAtHalf", {.breakAt = kHalf, .atBreak = Break::eStall}, kIPWorksStalled, "2 seconds", Moved::eSome},
-    {"RefusalAfterTheLastByte", {.farewell = "451 Disk gone.\r\n"}, 451, "451 Disk gone.", Moved::eAll},
+    {"StallAtHalf", {.breakAt = kHalf, .atBreak = "stall"}, kIPWorksStalled, "2 seconds", Moved::eSome},
     {"HangUpAfterTheLastByte", {.farewell = kHangUp}, kIPWorksConnectionLost, "", Moved::eAll},
     {"StallAfterTheLastByte", {.farewell = kSilence}, kIPWorksStalled, "2 seconds", Moved::eAll},
     {"AnswersInSingleBytes", {.inSingleBytes = true}, 0, "", Moved::eAll},
     {"SilentGoodbye", {.answers = {{"QUIT", kSilence}}}, 0, "", Moved::eAll},
     // WinINet takes no line of that length, and reads byte by byte on: to its end, or until time runs out.
-    {"GreetingOf20KB",
-     {.greeting = "220 " + std::string(20000, 'x') + "\r\n"},
-     RunsOnWindows() ? kIPWorksStalled : 0,
-     "",
-     RunsOnWindows() ? Moved::eNothing : Moved::eAll,
-     true,
-     RunsOnWindows() ? kIPWorksUnexpectedAnswer : 0},
     {"GreetingOf10MB",
      {.greeting = "220 " + std::string(10000000, 'x') + "\r\n"},
      RunsOnWindows() ? kIPWorksStalled : kIPWorksConnectionLost,
@@ -132,11 +104,6 @@ const std::vector<Fault> kFaults = {
               lines += "220-More.\r\n";
           return lines + "220 Ready.\r\n";
       }()},
-     0,
-     "",
-     Moved::eAll},
-    {"AnswersForATerminal",
-     {.answers = {{"PWD", "257 \"/\" \x1B[2J\x1B]0;title\x07\0\x9B\x33\x31m\xC2\x9B\x33\x32m.\r\n"s}}},
      0,
      "",
      Moved::eAll},
@@ -166,7 +133,7 @@ TEST_P(FaultTest, GivesItsResultAndNoMore)
     const Fault& fault = GetParam();
     const std::size_t size = fault.moved == Moved::eSome ? kLarge : kSmall;
     const bool isSilent = fault.code == kIPWorksStalled || fault.script.answers.contains("QUIT") ||
-                          fault.script.atBreak == Break::eStall || fault.script.farewellAfter.count() > 0;
+                          fault.script.atBreak == "stall" || fault.script.farewellAfter.count() > 0;
     const WineCall call{isSilent && RunsOnWindows()};
     Recorder recorder(fault.script, std::string(size, 'x'));
     recorder.SetNumber(kIPWorksPassive, fault.passive ? 1 : 0);
@@ -210,7 +177,7 @@ INSTANTIATE_TEST_SUITE_P(Faults, FaultTest, testing::ValuesIn(kFaults), testing:
 TEST(Upload, HostThatCannotBeFoundAndPortThatIsClosedAreNamedInBothModes)
 {
     Recorder recorder;
-    const std::string port = std::to_string(TcpListener(0).Port());
+    const std::string port = std::to_string(ScriptedFtpServer({}).Port());
     recorder.Config("RemotePort=" + port);
     for (const int passive : {1, 0})
     {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Explicit TLS: used when the server offers it, with the owner's word on the certificate.
 #include "tests/ipworks/Recorder.h"
-#include "tests/support/TlsStream.h"
 
 #include <gmock/gmock.h>
 
@@ -11,20 +10,15 @@ using testing::HasSubstr;
 namespace
 {
 
+constexpr const char* kHost = "127.0.0.1";
 constexpr std::int64_t kMiddle = 4000000;
-
-FtpScript Secured(const TlsServer& tls)
-{
-    return {.secure = [&tls](std::unique_ptr<TcpStream> plain) { return tls.Accept(std::move(plain)); }};
-}
 
 } // namespace
 
 TEST(Security, BothConnectionsAreEncryptedAndTheCertificateIsAskedAboutOnce)
 {
     const std::string content = RandomBytes(3000000);
-    const TlsServer tls("127.0.0.1", 10);
-    Recorder recorder(Secured(tls), content);
+    Recorder recorder({.certificate = kHost}, content);
     EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
     EXPECT_TRUE(content == recorder.server.Uploaded());
     EXPECT_THAT(recorder.server.Commands(), testing::Contains("PROT P"));
@@ -32,7 +26,7 @@ TEST(Security, BothConnectionsAreEncryptedAndTheCertificateIsAskedAboutOnce)
         recorder.events,
         testing::Contains("status 3 The connection is encrypted; the certificate does not prove the server "
                           "(self-signed certificate): CN = 127.0.0.1"));
-    EXPECT_EQ(tls.Certificate(), recorder.certificate);
+    EXPECT_EQ(recorder.server.Certificate(), recorder.certificate);
     EXPECT_EQ("CN = 127.0.0.1", recorder.subject);
     EXPECT_EQ("CN = 127.0.0.1", recorder.issuer);
     EXPECT_THAT(recorder.Of("approve"), ElementsAre("approve self-signed certificate"));
@@ -42,8 +36,7 @@ TEST(Security, BothConnectionsAreEncryptedAndTheCertificateIsAskedAboutOnce)
 TEST(Security, DirectModeIsEncryptedOrRefused)
 {
     const std::string content = RandomBytes(3000000);
-    const TlsServer tls("127.0.0.1", 10);
-    Recorder recorder(Secured(tls), content);
+    Recorder recorder({.certificate = kHost}, content);
     recorder.SetNumber(kIPWorksPassive, 0);
     const int result = recorder.Upload();
     EXPECT_TRUE(result == 0 || result == kIPWorksSecurityFailed) << recorder.LastError();
@@ -53,8 +46,7 @@ TEST(Security, DirectModeIsEncryptedOrRefused)
 
 TEST(Security, CertificateThatIsExpiredAndOfAnotherHostEndsTheUploadBeforeTheLoginUnlessApproved)
 {
-    const TlsServer tls("elsewhere.example", -1);
-    Recorder recorder(Secured(tls));
+    Recorder recorder({.certificate = "elsewhere.example"});
     recorder.approves = false;
     EXPECT_EQ(kIPWorksSecurityFailed, recorder.Upload());
     EXPECT_EQ("1007 The server's certificate was not approved.", recorder.LastError());
@@ -67,7 +59,7 @@ TEST(Security, CertificateThatIsExpiredAndOfAnotherHostEndsTheUploadBeforeTheLog
 
 TEST(Security, HandshakeThatFailsEndsTheUploadInsteadOfGoingOnInPlainText)
 {
-    Recorder recorder({.secure = NoHandshake});
+    Recorder recorder({.certificate = "none"});
     for (const int passive : {1, 0})
     {
         recorder.SetNumber(kIPWorksPassive, passive);
@@ -80,13 +72,10 @@ TEST(Security, HandshakeThatFailsEndsTheUploadInsteadOfGoingOnInPlainText)
 // The library writes to a connection that is gone: the signal must not end the process.
 TEST(Security, EncryptedTransferThatBreaksBringsTheServersReason)
 {
-    const TlsServer tls("127.0.0.1", 10);
-    for (const auto atBreak : {FtpScript::Break::eReset, FtpScript::Break::eClose, FtpScript::Break::eStall})
+    for (const std::string atBreak : {"reset", "close", "stall"})
     {
-        FtpScript script = Secured(tls);
-        script.breakAt = kMiddle;
-        script.atBreak = atBreak;
-        (atBreak == FtpScript::Break::eStall ? script.breakAnswer : script.farewell) = "552 Quota.\r\n";
+        FtpScript script{.breakAt = kMiddle, .atBreak = atBreak, .certificate = kHost};
+        (atBreak == "stall" ? script.breakAnswer : script.farewell) = "552 Quota.\r\n";
         Recorder recorder(script, std::string(30000000, 'x'));
         EXPECT_EQ(552, recorder.Upload());
         EXPECT_EQ("552 Quota.", recorder.LastError());

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "shipment/Ftp.h"
-#include "shipment/ZTFtp.h"
 
 #include <gtest/gtest.h>
 
@@ -107,19 +106,4 @@ TEST(FTPEventSink, GivesEachEventItsRecordAndItsResultBack)
     for (const int unknown : {0, 10})
         EXPECT_EQ(0, FTPEventSink(static_cast<FTP*>(&ftp), unknown, 0, nullptr, nullptr));
     EXPECT_EQ("", ftp.noted);
-}
-
-TEST(ZTFTP, ApprovesWhateverItIsAskedAndCountsWithoutALine)
-{
-    ZTFTP ftp;
-    FTPApprovalEvent approval{nullptr, 0, "", "", "expired", 0, 0};
-    EXPECT_EQ(0, ftp.OnApproval(&approval));
-    EXPECT_EQ(1, approval.decision);
-
-    // The figure starts as 0, so the first event with 0 makes no line, but it counts.
-    FTPProgressEvent progress{0, 12, 0, "", 0, 0};
-    EXPECT_EQ(0, ftp.bytesSent);
-    EXPECT_EQ(0, ftp.OnProgress(&progress));
-    EXPECT_EQ(12, ftp.bytesSent);
-    EXPECT_EQ(0, gLastFTPPercent);
 }

@@ -92,11 +92,11 @@ std::vector<std::string> Verdicts(const ProgramOutcome& outcome)
     return found;
 }
 
-std::vector<std::string> NothingPacked(const std::string& exitCode)
+std::vector<std::string> NothingPacked(const std::string& exitCode, const std::string& problem)
 {
-    const std::string missing = "1004 Cannot open the local file: No such file or directory";
-    return {"Compression finished.  Exit Code: " + exitCode, "Error - " + missing, kDirect,
-            "Error - " + missing, "Log FTP failed with: " + missing};
+    const std::string error = "1004 Cannot open the local file: " + problem;
+    return {"Compression finished.  Exit Code: " + exitCode, "Error - " + error, kDirect, "Error - " + error,
+            "Log FTP failed with: " + error};
 }
 
 fs::path Unpack(const fs::path& archive, int expected)

@@ -24,8 +24,9 @@ std::vector<std::string> Verdicts(const ProgramOutcome& outcome);
 // Two of them.
 const std::string kDirect = "Passive upload failed - trying direct";
 const std::string kSent = "Successfully sent logs to Support";
-// All of them when the archiver has made no archive.
-std::vector<std::string> NothingPacked(const std::string& exitCode);
+// All of them when the archiver has made no archive that can be sent.
+std::vector<std::string> NothingPacked(const std::string& exitCode,
+                                       const std::string& problem = "No such file or directory");
 
 class ShipmentTest : public testing::Test
 {

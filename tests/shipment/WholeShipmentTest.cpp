@@ -59,6 +59,10 @@ std::map<std::string, std::string> MakeTree(const fs::path& root)
         WriteFile(root / "fresh" / ("new " + name), name);
         fresh["fresh/new " + name] = name;
     }
+    // No UTF-8, which the list is.
+    const std::string latin = "gr\xFC\xDF-\xC3\xA4.log";
+    WriteFile(root / latin, "old");
+    MakeOld(root / latin);
     return fresh;
 }
 
@@ -112,7 +116,7 @@ TEST_F(WholeShipment, BringsEveryFreshFileAndNothingElse)
 
     const std::string logs = Logs().string() + "/";
     const std::vector<std::string> lines = ShipmentLines(outcome);
-    const std::size_t compression = 3 + kFolders * kFilesInEach / 4 + kOddNames.size();
+    const std::size_t compression = 4 + kFolders * kFilesInEach / 4 + kOddNames.size();
     ASSERT_GT(lines.size(), compression);
     EXPECT_THAT(std::vector<std::string>(lines.begin(), lines.begin() + 3),
                 ElementsAre("Sending logs in: " + logs,
@@ -124,8 +128,9 @@ TEST_F(WholeShipment, BringsEveryFreshFileAndNothingElse)
                     "Please wait...", "Compression finished.  Exit Code: 0", "Beginning upload",
                     "Connecting to " TAVO_SUPPORT_HOST ":21", "220 (vsFTPd 3.0.3)",
                     "Connected to " TAVO_SUPPORT_HOST, "AUTH TLS", "530 Please login with USER and PASS.",
-                    "AUTH SSL", "530 Please login with USER and PASS.", "USER zt-ftp",
-                    "331 Please specify the password.", "PASS ****", "230 Login successful.",
+                    "AUTH SSL", "530 Please login with USER and PASS.",
+                    "The server offers no encryption: password and file can be read on their way",
+                    "USER zt-ftp", "331 Please specify the password.", "PASS ****", "230 Login successful.",
                     "Logged in as zt-ftp", "PWD",
                     "257 \"" + server.Directory().string() + "\" is the current directory", "OPTS UTF8 ON",
                     "200 Always in UTF8 mode.", "EPSV",

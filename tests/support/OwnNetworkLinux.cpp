@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/OwnNetwork.h"
 
-#include "tests/support/TcpStream.h"
-
 #include <crypt.h>
 #include <net/if.h>
+#include <netinet/in.h>
 #include <sched.h>
 #include <signal.h>
 #include <sys/ioctl.h>
@@ -46,6 +45,18 @@ bool RaiseLoopback()
     const bool done = ioctl(socket, SIOCSIFFLAGS, &request) == 0;
     close(socket);
     return done;
+}
+
+bool Answers(std::uint16_t port)
+{
+    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const bool does = connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(socket);
+    return does;
 }
 
 } // namespace
@@ -108,7 +119,7 @@ RealFtpServer::RealFtpServer(const std::string& user, const std::string& passwor
         std::perror("vsftpd");
         _exit(127);
     }
-    for (int i = 0; i < 250 && TcpStream::Connect(kFtpPort) == nullptr; ++i)
+    for (int i = 0; i < 250 && !Answers(kFtpPort); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
 }
 

@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
 // An FTP server on loopback that follows a script: each row of a table of faults is one script. It serves
-// one connection after the other and keeps the whole dialogue and what was uploaded.
+// one connection after the other and keeps the whole dialogue and what was uploaded. The server itself is the
+// script ftp-server, a process of its own on both systems.
 #pragma once
 
-#include "tests/support/TcpStream.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TestFolder.h"
 
-#include <atomic>
 #include <chrono>
-#include <functional>
+#include <cstdint>
 #include <map>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 // An answer that ends the control connection without a word.
@@ -32,13 +31,9 @@ struct FtpScript
     // At this byte of an upload: the answer, if any, goes out, then what is to happen happens.
     std::int64_t breakAt = -1;
     std::string breakAnswer{};
-    enum class Break
-    {
-        eReset,  // the data connection is reset; `farewell` follows
-        eClose,  // the data connection is closed in order, the rest unread; `farewell` follows
-        eHangUp, // both connections go
-        eStall,  // nothing more is read or said
-    } atBreak = Break::eReset;
+    // "reset": the data connection is reset; `farewell` follows. "close": it is closed in order, the rest
+    // unread; `farewell` follows. "hang up": both connections go. "stall": nothing more is read or said.
+    std::string atBreak = "reset";
 
     std::int64_t bytesPerSecond = 0; // 0: as fast as can be
 
@@ -46,41 +41,28 @@ struct FtpScript
     std::string farewell = "226 Received.\r\n";
     std::chrono::milliseconds farewellAfter{0};
 
-    // Makes a secure stream of a plain one, null when the handshake fails; without it AUTH is refused.
-    std::function<std::unique_ptr<Stream>(std::unique_ptr<TcpStream>)> secure{};
+    // With one, the server offers TLS: a file of certificates/, or "none" for one that knows no handshake.
+    std::string certificate{};
 };
 
 class ScriptedFtpServer
 {
 public:
-    explicit ScriptedFtpServer(FtpScript script, std::uint16_t port = 0);
+    // Port 0 takes a free one. A port that cannot be had ends the test program with a message.
+    explicit ScriptedFtpServer(const FtpScript& script, std::uint16_t port = 0);
     ~ScriptedFtpServer();
     ScriptedFtpServer(const ScriptedFtpServer&) = delete;
     ScriptedFtpServer& operator=(const ScriptedFtpServer&) = delete;
 
-    std::uint16_t Port() const { return mListener.Port(); }
+    std::uint16_t Port() const { return mPort; }
 
     // All commands so far, and the bytes and the name of the latest upload.
-    std::vector<std::string> Commands() const { return Guarded(mCommands); }
-    std::string Uploaded() const { return Guarded(mUploaded); }
-    std::string UploadedName() const { return Guarded(mUploadedName); }
+    std::vector<std::string> Commands() const;
+    std::string Uploaded() const { return mFolder.Read("uploaded"); }
+    std::string UploadedName() const { return mFolder.Read("name"); }
+    std::string Certificate() const { return mFolder.Read("certificate"); } // DER, once it has been shown
 
 private:
-    class Session;
-    void Serve();
-    template <class T>
-    T Guarded(const T& value) const
-    {
-        const std::lock_guard lock(mMutex);
-        return value;
-    }
-
-    const FtpScript mScript;
-    TcpListener mListener;
-    std::atomic<bool> mEnd{false};
-    mutable std::mutex mMutex; // guards the three below
-    std::vector<std::string> mCommands;
-    std::string mUploaded;
-    std::string mUploadedName;
-    std::thread mThread;
+    TestFolder mFolder;
+    std::uint16_t mPort = 0;
 };
