@@ -3,6 +3,7 @@
 
 #include "foundation/DateValue.h"
 #include "foundation/Kelvane.h"
+#include "text/Unicode.h"
 
 #include <time.h>
 
@@ -34,15 +35,17 @@ bool IsWalked(const WIN32_FIND_DATAW& entry)
 }
 
 // The name with "?" for each half of a surrogate pair, which the list's UTF-8 cannot hold.
-ZTString ListedName(std::wstring name)
+ZTString ListedName(std::wstring_view name)
 {
-    const auto isHalf = [&name](std::size_t at, wchar_t first) { return (name[at] & ~0x3FF) == first; };
-    for (std::size_t i = 0; i < name.size(); ++i)
-        if (isHalf(i, 0xD800) && i + 1 < name.size() && isHalf(i + 1, 0xDC00))
-            ++i;
-        else if (isHalf(i, 0xD800) || isHalf(i, 0xDC00))
-            name[i] = L'?';
-    return name.c_str();
+    std::wstring listed;
+    while (!name.empty())
+    {
+        const std::wstring_view before = name;
+        const char32_t point = text::TakePoint(name);
+        const bool isHalf = point >= 0xD800 && point <= 0xDFFF;
+        listed += isHalf ? L"?" : before.substr(0, before.size() - name.size());
+    }
+    return listed.c_str();
 }
 
 } // namespace

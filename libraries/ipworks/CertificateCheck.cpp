@@ -42,7 +42,7 @@ bool IsFor(X509* certificate, const std::string& host)
 void CertificateCheck::Attach(void* sslContext)
 {
     SSL_CTX* context = static_cast<SSL_CTX*>(sslContext);
-    SSL_CTX_set_default_verify_paths(context);
+    TrustSystemAuthorities(context);
     SSL_CTX_set_verify(context, SSL_VERIFY_PEER, nullptr);
     SSL_CTX_set_cert_verify_callback(context, &CertificateCheck::Verify, this);
 }

@@ -5,6 +5,9 @@
 
 #include "libraries/ipworks/Upload.h"
 
+// Takes the system's own authorities, and no file that is named at build time, into a context's store.
+void TrustSystemAuthorities(struct ssl_ctx_st* context);
+
 class CertificateCheck
 {
 public:

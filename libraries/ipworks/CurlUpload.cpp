@@ -90,7 +90,8 @@ private:
 
     void Command(std::string_view line);
     void Answer(std::string_view line);
-    bool IsSending() const { return mAwaitsEnd && !mFileEnded; }
+    bool IsSending() const { return mAwaitsEnd && !mFileEnded && !mCutShort; }
+    bool IsInterrupted() const { return IsSending() && IsReadable(mControl, milliseconds(0)); }
     void ReadLastWord();
     bool Stop(int code, std::string_view text);
     void Moved() { mMovedAt = Clock::now(); }
@@ -118,6 +119,7 @@ private:
     std::string mAnswerLine;
     bool mAwaitsEnd = false; // the transfer has begun and the server has not said how it ended
     bool mFileEnded = false; // all bytes are with the server's system
+    bool mCutShort = false;  // the server took no more: libcurl was told that the file is at its end
     bool mConfirmed = false; // the server has said that it has them
     UploadResult mStopped;   // why a callback ended the transfer
     std::int64_t mSent = 0;
@@ -135,9 +137,9 @@ UploadResult CurlUpload::Run()
         return mUnusable;
 
     mEvents.Status(kIPWorksConnecting, "Connecting to " + mJob.host + ":" + std::to_string(mJob.port));
-    const BrokenPipeBlock block;
     Moved();
-    const CURLcode code = curl_easy_perform(mCurl.get());
+    CURLcode code = CURLE_OK;
+    CallWithoutBrokenPipes([&] { code = curl_easy_perform(mCurl.get()); });
 
     curl_off_t sent = 0;
     curl_easy_getinfo(mCurl.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
@@ -341,6 +343,13 @@ void CurlUpload::Answer(std::string_view line)
 std::size_t CurlUpload::OnRead(char* buffer, std::size_t size, std::size_t count, void* self)
 {
     CurlUpload& upload = *static_cast<CurlUpload*>(self);
+    // What a server says to a connection that it has ended before the first byte, libcurl may have read
+    // already.
+    if (upload.IsInterrupted() || (upload.mSent == 0 && IsBroken(upload.mLatest, milliseconds(0))))
+    {
+        upload.mCutShort = true;
+        return 0;
+    }
     const std::int64_t bytes = upload.mFile.Read(buffer, static_cast<std::int64_t>(size * count));
     if (bytes < 0)
         upload.Stop(kIPWorksLocalFileFailed, "The local file cannot be read to its end.");
@@ -356,8 +365,7 @@ int CurlUpload::OnProgress(void* self, curl_off_t, curl_off_t, curl_off_t, curl_
     upload.mSent = sent;
     upload.mEvents.Progress(sent, upload.mFile.Size());
     // A server that speaks while it is sent a file takes no more of it.
-    const bool isInterrupted = upload.IsSending() && IsReadable(upload.mControl, milliseconds(0));
-    return isInterrupted || upload.HasStalled() ? 1 : 0;
+    return upload.IsInterrupted() || upload.HasStalled() ? 1 : 0;
 }
 
 CURLcode CurlUpload::OnTls(CURL*, void* sslContext, void* self)
@@ -441,7 +449,8 @@ bool CurlUpload::HasStalled()
     }
     if (Clock::now() - mMovedAt < mJob.stallLimit)
         return false;
-    Stop(kIPWorksStalled, "No byte moved for " + std::to_string(mJob.stallLimit.count()) + " seconds.");
+    if (!mLeaves) // then all is known
+        Stop(kIPWorksStalled, "No byte moved for " + std::to_string(mJob.stallLimit.count()) + " seconds.");
     return true;
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "libraries/ipworks/LocalFile.h"
 
-#include "libraries/ipworks/NativePath.h"
+#include "text/Unicode.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,7 +13,7 @@
 LocalFile::File LocalFile::OpenOwn(const std::wstring& path, std::int64_t& size, std::string& problem)
 {
     // Without waiting, should it be a pipe.
-    const int descriptor = open(NativePath(path).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    const int descriptor = open(text::ToUtf8(path).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     struct stat status = {};
     if (descriptor < 0 || fstat(descriptor, &status) != 0)
         problem = errno == ELOOP ? "It is a link." : std::generic_category().message(errno);

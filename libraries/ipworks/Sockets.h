@@ -3,30 +3,20 @@
 #pragma once
 
 #include <chrono>
-#include <csignal>
+#include <functional>
 
 #include <curl/curl.h>
 
-// While it lives, a write to a connection that the other side has closed does not end the process: libcurl
-// leaves the signal alone when it is told to use none, and the TLS library writes without MSG_NOSIGNAL. For
-// the calling thread alone.
-class BrokenPipeBlock
-{
-public:
-    BrokenPipeBlock();
-    ~BrokenPipeBlock();
-    BrokenPipeBlock(const BrokenPipeBlock&) = delete;
-    BrokenPipeBlock& operator=(const BrokenPipeBlock&) = delete;
-
-private:
-    sigset_t mPipe{};
-    sigset_t mBefore{};
-};
+// Makes a call in which a write to a connection that the other side has closed does not end the process:
+// libcurl leaves the signal alone when it is told to use none, and the TLS library writes without
+// MSG_NOSIGNAL. For the calling thread alone.
+void CallWithoutBrokenPipes(const std::function<void()>& call);
 
 // Whether two connections lead to one address. True also when `left` has ended again: it will get nothing.
 bool SamePeer(curl_socket_t left, curl_socket_t right);
 
-// Bytes that our own system has taken and the other side's has not acknowledged yet; 0 for no socket.
+// Bytes that our own system has taken and the other side's has not acknowledged yet; 0 for no socket. On
+// Windows those alone that are on their way, without what waits to be sent, and 0 before Windows 10.
 int UnacknowledgedBytes(curl_socket_t socket);
 
 // Wait for at most that long, not at all for a limit below 1 ms. Readable is also a connection that has

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <ctime>
 
@@ -24,22 +25,21 @@ bool Poll(int socket, short events, std::chrono::milliseconds limit)
 
 } // namespace
 
-BrokenPipeBlock::BrokenPipeBlock()
+void CallWithoutBrokenPipes(const std::function<void()>& call)
 {
-    sigemptyset(&mPipe);
-    sigaddset(&mPipe, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &mPipe, &mBefore);
-}
-
-BrokenPipeBlock::~BrokenPipeBlock()
-{
-    if (sigismember(&mBefore, SIGPIPE) == 1)
+    sigset_t pipe;
+    sigset_t before;
+    sigemptyset(&pipe);
+    sigaddset(&pipe, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &pipe, &before);
+    call();
+    if (sigismember(&before, SIGPIPE) == 1)
         return;
     const timespec now{};
-    while (sigtimedwait(&mPipe, nullptr, &now) > 0)
+    while (sigtimedwait(&pipe, nullptr, &now) > 0)
     {
     }
-    pthread_sigmask(SIG_SETMASK, &mBefore, nullptr);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 bool SamePeer(curl_socket_t left, curl_socket_t right)
