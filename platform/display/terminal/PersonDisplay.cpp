@@ -36,33 +36,6 @@ constexpr std::string_view kRed = "\x1b[31m";
 constexpr std::string_view kUsualColour = "\x1b[0m";
 constexpr std::string_view kToTheLineAbove = "\x1b[A\r\x1b[K";
 
-// The keys of a line, less those that move: what a person who saw nothing takes to have typed.
-std::wstring TypedText(std::wstring_view keys)
-{
-    constexpr wchar_t kEscape = L'\x1b';
-    std::wstring text;
-    while (!keys.empty())
-    {
-        const wchar_t key = keys.front();
-        keys.remove_prefix(1);
-        if (key == kEscape && (keys.starts_with(L'[') || keys.starts_with(L'O')))
-        {
-            // ECMA-48: parameters up to a final character.
-            keys.remove_prefix(1);
-            while (!keys.empty() && (keys.front() < L'@' || keys.front() > L'~'))
-                keys.remove_prefix(1);
-            keys.remove_prefix(keys.empty() ? 0 : 1);
-        }
-        else if ((key == L'\x7f' || key == L'\b') && !text.empty())
-            text.pop_back();
-        else if (key == L'\x15') // Ctrl-U
-            text.clear();
-        else if (key >= L' ' && key != L'\x7f')
-            text += key;
-    }
-    return text;
-}
-
 bool IsFailure(std::wstring_view line)
 {
     constexpr std::array<std::wstring_view, 4> kSigns = {L"failed", L"Failed", L"Error - ", L"Err="};

@@ -208,20 +208,20 @@ std::wstring DescribeButtons(const Window& dialog)
 
 std::wstring Obey(const Window& dialog, std::wstring_view line)
 {
-    const std::wstring_view command = Trim(line);
-    if (command.empty())
-        return L"";
-    if (Window* const button = FindOne(Select(dialog, CanPress), command))
-    {
-        UserClicked(*button);
-        return L"";
-    }
+    // What comes after the sign may be a password, of which no copy is made.
     const std::size_t equals = line.find(L'=');
+    const bool fills = equals != std::wstring_view::npos;
+    const std::wstring_view name = Trim(line.substr(0, equals));
+    if (name.empty() && !fills)
+        return L"";
     const std::vector<Window*> fields = Select(dialog, CanFill);
-    if (equals != std::wstring_view::npos)
+    Window* const control = FindOne(fills ? fields : Select(dialog, CanPress), name);
+    if (control != nullptr && fills)
+        return Fill(*control, line.substr(equals + 1));
+    if (control != nullptr)
     {
-        if (Window* const field = FindOne(fields, Trim(line.substr(0, equals))))
-            return Fill(*field, line.substr(equals + 1));
+        UserClicked(*control);
+        return L"";
     }
     std::wstring answer = L"Not understood. " + DescribeButtons(dialog);
     if (!fields.empty())

@@ -145,11 +145,11 @@ std::wstring ShowBoxes(const Window& dialog)
 bool MeansCommand(const Window& dialog, std::wstring_view line)
 {
     const std::size_t equals = line.find(L'=');
+    const bool fills = equals != std::wstring_view::npos;
     const std::wstring name = Lower(Trim(line.substr(0, equals)));
-    const std::vector<Window*> controls =
-        Select(dialog, equals == std::wstring_view::npos ? CanPress : CanFill);
-    return IsWord(line) || std::ranges::any_of(controls, [&name](const Window* control)
-                                               { return Lower(NameOf(*control)) == name; });
+    return (IsWord(name) && !fills) ||
+           std::ranges::any_of(Select(dialog, fills ? CanFill : CanPress),
+                               [&name](const Window* control) { return Lower(NameOf(*control)) == name; });
 }
 
 std::vector<std::wstring> ValuesOf(const Window& box)
@@ -296,27 +296,29 @@ std::wstring Conversation::Answer(Window& dialog, std::wstring_view line)
 
 std::wstring Conversation::Obey(const Window& dialog, std::wstring_view line)
 {
-    const std::wstring_view command = Trim(line);
-    if (command.empty())
+    // What comes after the sign may be a password, of which no copy is made.
+    const std::size_t equals = line.find(L'=');
+    const bool fills = equals != std::wstring_view::npos;
+    const std::wstring_view name = Trim(line.substr(0, equals));
+    if (name.empty() && !fills)
     {
         if (Window* const offered = Offered(dialog))
             Press(*offered);
         return L"";
     }
-    if (IsWord(command))
-        return Say(dialog, Lower(command));
+    if (IsWord(name) && !fills)
+        return Say(dialog, Lower(name));
 
-    const std::size_t equals = line.find(L'=');
     std::vector<Window*> controls = Select(dialog, CanFill);
-    if (equals == std::wstring_view::npos)
+    if (!fills)
         std::ranges::copy(Select(dialog, CanPress), std::back_inserter(controls));
-    const std::vector<Window*> meant = Meant(controls, Trim(line.substr(0, equals)));
+    const std::vector<Window*> meant = Meant(controls, name);
     if (meant.size() > 1)
         return L"Which one: " + Join(NamesOf(meant)) + L"?";
     if (meant.empty())
-        return NotUnderstood(dialog, command);
+        return NotUnderstood(dialog, name);
     Window& control = *meant.front();
-    if (equals != std::wstring_view::npos && !BeginsSecret(dialog, line))
+    if (fills && !BeginsSecret(dialog, line))
         return FillBox(control, line.substr(equals + 1));
     if (CanPress(control))
         Press(control);

@@ -47,7 +47,9 @@ void Handle(int number, void (*handler)(int), int flags)
 void End(int number)
 {
     gbIsEnding = true;
-    GiveBack();
+    // The shell's prompt begins a line of its own.
+    if (gbIsChanged && write(STDOUT_FILENO, "\n", 1) == 1)
+        GiveBack();
     raise(number); // the default again, see SA_RESETHAND
 }
 

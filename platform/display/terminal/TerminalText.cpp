@@ -85,6 +85,32 @@ std::wstring TerminalEncoding::Refusal() const
     return L"Not taken: that line is not text in " + text::FromUtf8(mCharset) + L". LANG says what it is.";
 }
 
+std::wstring TypedText(std::wstring_view keys)
+{
+    constexpr wchar_t kEscape = L'\x1b';
+    std::wstring text;
+    while (!keys.empty())
+    {
+        const wchar_t key = keys.front();
+        keys.remove_prefix(1);
+        if (key == kEscape && (keys.starts_with(L'[') || keys.starts_with(L'O')))
+        {
+            // ECMA-48: parameters up to a final character.
+            keys.remove_prefix(1);
+            while (!keys.empty() && (keys.front() < L'@' || keys.front() > L'~'))
+                keys.remove_prefix(1);
+            keys.remove_prefix(keys.empty() ? 0 : 1);
+        }
+        else if ((key == L'\x7f' || key == L'\b') && !text.empty())
+            text.pop_back();
+        else if (key == L'\x15') // Ctrl-U
+            text.clear();
+        else if (key >= L' ' && key != L'\x7f')
+            text += key;
+    }
+    return text;
+}
+
 void Wipe(std::string& text)
 {
     Overwrite(text);

@@ -49,6 +49,9 @@ private:
     std::unique_ptr<UConverter, Close> mDecoder;
 };
 
+// What the keys of a line that is not shown have typed: those that move the cursor mean nothing there.
+std::wstring TypedText(std::wstring_view keys);
+
 // Overwrites what a text holds, since it may be a password, and empties it.
 void Wipe(std::string& text);
 void Wipe(std::wstring& text);
