@@ -7,7 +7,7 @@
 #include "foundation/Oriska.h"
 #include "framework/afxwin.h"
 
-#include <winldap.h>
+struct ldap; // a session of the LDAP client
 
 // Starts a shipment (OnFtpLogs); both parameters are 0.
 constexpr UINT WM_FTP_LOGS = WM_USER + 1;
@@ -52,7 +52,7 @@ private:
     // running and this dialog has been ended.
     bool StartUnattendedShipment();
 
-    void WalkLdapTree(LDAP* session); // ldap/
+    void WalkLdapTree(ldap* session); // ldap/
 
     HICON mIcon; // shared, not destroyed
     ZTString mOutputText;

@@ -3,27 +3,6 @@
 
 #include "resources/resource.h"
 
-namespace
-{
-
-struct MethodItem
-{
-    const wchar_t* text;
-    eLDAPAuthMethod method;
-};
-
-constexpr MethodItem kMethodItems[] = {
-    {L"Try all", eLDAPAuthTryAll},
-    {L"Simple bind - SSL", eLDAPAuthSimpleSSL},
-    {L"Simple bind - plain text", eLDAPAuthSimplePlain},
-    {L"NTLM", eLDAPAuthNTLM},
-    {L"Digest", eLDAPAuthDigest},
-    {L"DPA", eLDAPAuthDPA},
-    {L"Negotiate", eLDAPAuthNegotiate},
-};
-
-} // namespace
-
 IMPLEMENT_DYNAMIC(LDAPCreds, CDialog)
 
 BEGIN_MESSAGE_MAP(LDAPCreds, CDialog)
@@ -44,8 +23,9 @@ void LDAPCreds::DoDataExchange(CDataExchange* pDX)
 BOOL LDAPCreds::OnInitDialog()
 {
     CDialog::OnInitDialog();
-    for (const MethodItem& item : kMethodItems)
-        mAuthCombo.SetItemData(mAuthCombo.AddString(item.text), item.method);
+    mAuthCombo.SetItemData(mAuthCombo.AddString(L"Try all"), eLDAPAuthTryAll);
+    for (const LdapMethod& method : kLdapMethods)
+        mAuthCombo.SetItemData(mAuthCombo.AddString(method.text), method.number);
     mAuthCombo.SetCurSel(0);
     return 1;
 }

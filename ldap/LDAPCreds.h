@@ -5,18 +5,7 @@
 
 #include "foundation/Oriska.h"
 #include "framework/afxwin.h"
-
-// How to log on. The numbers are the item data of the dialog's combo box; 2 belongs to none.
-enum eLDAPAuthMethod : DWORD
-{
-    eLDAPAuthTryAll = 0, // all the others in turn
-    eLDAPAuthSimpleSSL = 1,
-    eLDAPAuthNTLM = 3,
-    eLDAPAuthDigest = 4,
-    eLDAPAuthDPA = 5,
-    eLDAPAuthSimplePlain = 6,
-    eLDAPAuthNegotiate = 7,
-};
+#include "ldap/LdapMethods.h"
 
 class LDAPCreds : public CDialog
 {

@@ -17,23 +17,6 @@ namespace
 constexpr LONG kConnectSeconds = 15;
 constexpr ULONG kSearchSeconds = 15;
 constexpr ULONG kVersion3 = 3;
-constexpr ULONG kSimpleBind = 0;
-
-struct Method
-{
-    eLDAPAuthMethod number;
-    ULONG bind; // LDAP_AUTH_..., or kSimpleBind
-    const wchar_t* beginText;
-};
-
-constexpr Method kMethods[] = {
-    {eLDAPAuthSimpleSSL, kSimpleBind, L"ldap_simple_bind_s begin ..."},
-    {eLDAPAuthNTLM, LDAP_AUTH_NTLM, L"ldap_bind_s(NTLM) begin ..."},
-    {eLDAPAuthDigest, LDAP_AUTH_DIGEST, L"ldap_bind_s(Digest) begin ..."},
-    {eLDAPAuthDPA, LDAP_AUTH_DPA, L"ldap_bind_s(DPA) begin ..."},
-    {eLDAPAuthSimplePlain, kSimpleBind, L"ldap_bind_s(plain text) begin ..."},
-    {eLDAPAuthNegotiate, LDAP_AUTH_NEGOTIATE, L"ldap_bind_s(negotiate) begin ..."},
-};
 
 struct Unbind
 {
@@ -78,10 +61,10 @@ private:
     SEC_WINNT_AUTH_IDENTITY_W mIdentity{};
 };
 
-Session OpenSession(DWORD method, const LDAPCreds& creds, const LdapConsole& append)
+Session OpenSession(const LdapMethod& method, const LDAPCreds& creds, const LdapConsole& append)
 {
     Session session;
-    if (method == eLDAPAuthSimpleSSL)
+    if (method.number == eLDAPAuthSimpleSSL)
     {
         append(L"ldap_sslinit begin ... ");
         session.reset(
@@ -122,11 +105,10 @@ bool Connect(LDAP* session, const LDAPCreds& creds, const LdapConsole& append)
     return false;
 }
 
-bool Bind(LDAP* session, DWORD number, const LDAPCreds& creds, const LdapConsole& append)
+bool Bind(LDAP* session, const LdapMethod& method, const LDAPCreds& creds, const LdapConsole& append)
 {
-    const Method& method = *std::ranges::find(kMethods, number, &Method::number);
     append(method.beginText);
-    const ULONG result = method.bind == kSimpleBind
+    const ULONG result = method.bind == 0
                              ? ldap_simple_bind_sW(session, LdapText(creds.mUser), LdapText(creds.mPassword))
                              : ldap_bind_sW(session, nullptr, BindIdentity(creds).Get(), method.bind);
     append(LdapResultLine(result));
@@ -138,16 +120,18 @@ bool Bind(LDAP* session, DWORD number, const LDAPCreds& creds, const LdapConsole
 }
 
 // In the order in which they are tried.
-std::vector<DWORD> Attempts(DWORD method)
+std::vector<LdapMethod> Attempts(DWORD number)
 {
-    if (method != eLDAPAuthTryAll)
-        return {method};
-    return {eLDAPAuthSimpleSSL, eLDAPAuthNTLM,      eLDAPAuthDigest,
-            eLDAPAuthDPA,       eLDAPAuthNegotiate, eLDAPAuthSimplePlain};
+    std::vector<LdapMethod> attempts;
+    for (const LdapMethod& method : kLdapMethods)
+        if (number == eLDAPAuthTryAll || number == method.number)
+            attempts.push_back(method);
+    std::ranges::sort(attempts, {}, &LdapMethod::turn);
+    return attempts;
 }
 
 // From the session to the bind and, where that succeeds, the walk. True when it did.
-bool TryMethod(DWORD method, const LDAPCreds& creds, const LdapConsole& append,
+bool TryMethod(const LdapMethod& method, const LDAPCreds& creds, const LdapConsole& append,
                const std::function<void(LDAP*)>& walk)
 {
     append(L"\r\n");
@@ -185,7 +169,7 @@ void TestLdapServer(const LDAPCreds& creds, const LdapConsole& append, const std
     append(_StrFormat(L"Server: {0:s}\r\n", {creds.mServer}));
     append(_StrFormat(L"Domain: {0:s}\r\n", {creds.mDomain}));
     append(_StrFormat(L"User: {0:s}\r\n", {creds.mUser}));
-    for (const DWORD method : Attempts(creds.mAuthMethod))
+    for (const LdapMethod& method : Attempts(creds.mAuthMethod))
         if (TryMethod(method, creds, append, walk))
             break;
     append(L"END TEST\r\n");

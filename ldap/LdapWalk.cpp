@@ -19,17 +19,13 @@ struct FreeResult
     void operator()(LDAPMessage* result) const { ldap_msgfree(result); }
 };
 
-struct FreeValues
-{
-    void operator()(PWCHAR* values) const { ldap_value_freeW(values); }
-};
-
 std::vector<ZTString> ReadValues(LDAP* session, LDAPMessage* entry, PWCHAR name)
 {
-    const std::unique_ptr<PWCHAR, FreeValues> values(ldap_get_valuesW(session, entry, name));
+    PWCHAR* const values = ldap_get_valuesW(session, entry, name);
     std::vector<ZTString> texts;
-    for (const PWCHAR* value = values.get(); value != nullptr && *value != nullptr; ++value)
+    for (const PWCHAR* value = values; value != nullptr && *value != nullptr; ++value)
         texts.emplace_back(*value);
+    ldap_value_freeW(values); // null included
     return texts;
 }
 
@@ -60,7 +56,7 @@ void Search(LDAP* session, ZTString& namingContext, const LdapConsole& append)
     LDAPMessage* found = nullptr;
     const ULONG error = ldap_search_sW(session, LdapText(base), root ? LDAP_SCOPE_BASE : LDAP_SCOPE_ONELEVEL,
                                        LdapText(kFilter), attributes, 0, &found);
-    const std::unique_ptr<LDAPMessage, FreeResult> result(found);
+    std::unique_ptr<LDAPMessage, FreeResult> result(found);
     append(LdapResultLine(error));
     if (error != 0)
     {
@@ -68,7 +64,9 @@ void Search(LDAP* session, ZTString& namingContext, const LdapConsole& append)
                           {error, ldap_err2stringW(error), base}));
         return;
     }
-    append(_StrFormat(L"Got {0:d} objects back\r\n", {VisitEntries(session, found, root, namingContext)}));
+    const int objects = VisitEntries(session, found, root, namingContext);
+    result.reset(); // before the append, which serves messages
+    append(_StrFormat(L"Got {0:d} objects back\r\n", {objects}));
 }
 
 } // namespace

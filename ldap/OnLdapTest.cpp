@@ -13,7 +13,7 @@ void CTavoDlg::OnLdapTest()
         [this](LDAP* session) { WalkLdapTree(session); });
 }
 
-void CTavoDlg::WalkLdapTree(LDAP* session)
+void CTavoDlg::WalkLdapTree(ldap* session)
 {
     ::WalkLdapTree(
         session, [this](const wchar_t* text) { AppendLine(text); });

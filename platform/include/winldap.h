@@ -26,20 +26,6 @@ using PWCHAR = wchar_t*;
 #define LDAP_PORT 389
 #define LDAP_SSL_PORT 636
 
-enum LDAP_RETCODE
-{
-    LDAP_SUCCESS = 0x00,
-    LDAP_AUTH_METHOD_NOT_SUPPORTED = 0x07,
-    LDAP_INVALID_CREDENTIALS = 0x31,
-    LDAP_SERVER_DOWN = 0x51,
-    LDAP_LOCAL_ERROR = 0x52,
-    LDAP_DECODING_ERROR = 0x54,
-    LDAP_TIMEOUT = 0x55,
-    LDAP_AUTH_UNKNOWN = 0x56,
-    LDAP_PARAM_ERROR = 0x59,
-    LDAP_NO_MEMORY = 0x5a
-};
-
 #define LDAP_AUTH_OTHERKIND 0x86U
 #define LDAP_AUTH_NEGOTIATE (LDAP_AUTH_OTHERKIND | 0x0400U)
 #define LDAP_AUTH_NTLM (LDAP_AUTH_OTHERKIND | 0x1000U)
@@ -62,9 +48,9 @@ enum LDAP_RETCODE
 
 extern "C"
 {
-    // Neither call touches the network. `host` is a list of names or addresses, parted by blanks, each with
-    // a port of its own behind a colon if need be; an IPv6 address with a port stands in brackets. Null with
-    // LDAP_PARAM_ERROR when a port in it is none.
+    // Neither call touches the network. `host` is a list of names or addresses, separated by blanks, each
+    // with a port of its own after a colon if need be; an IPv6 address with a port stands in brackets. Null
+    // with 0x59 (parameter error) when a port in it is not one, or a URL stands in a name's place.
     PLATFORM_EXPORT LDAP* ldap_initW(const PWCHAR host, ULONG port);
     // Speaks TLS from the first byte when `secure` is not 0; the server's certificate must be good for the
     // name in `host` by the machine's trust store.
@@ -90,7 +76,8 @@ extern "C"
     // of it, without control characters. Such a text lasts until the thread's next failed call.
     PLATFORM_EXPORT PWCHAR ldap_err2stringW(ULONG code);
 
-    // A result is a chain of messages; what is no entry has no attributes.
+    // A result is a chain of messages, of at most 64 MB, each of at most 16 MB; what is larger fails with
+    // 0x46 (results too large) and loses the connection. A message that is not an entry has no attributes.
     PLATFORM_EXPORT ULONG ldap_search_sW(LDAP* session, const PWCHAR base, ULONG scope, const PWCHAR filter,
                                          PWCHAR attributes[], ULONG namesOnly, LDAPMessage** result);
     PLATFORM_EXPORT LDAPMessage* ldap_next_entry(LDAP* session, LDAPMessage* entry)
@@ -98,6 +85,8 @@ extern "C"
     PLATFORM_EXPORT ULONG ldap_msgfree(LDAPMessage* result) WLDAP32_SYMBOL(ldap_msgfree);
     PLATFORM_EXPORT PWCHAR ldap_first_attributeW(LDAP* session, LDAPMessage* entry, BerElement** position);
     PLATFORM_EXPORT PWCHAR ldap_next_attributeW(LDAP* session, LDAPMessage* entry, BerElement* position);
+    // The values of the attribute that one of the two calls above gave last. Null for any other, and where
+    // they cannot be read.
     PLATFORM_EXPORT PWCHAR* ldap_get_valuesW(LDAP* session, LDAPMessage* entry, const PWCHAR attribute);
     PLATFORM_EXPORT ULONG ldap_value_freeW(PWCHAR* values);
     PLATFORM_EXPORT void ldap_memfreeW(PWCHAR block);

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapFault.h"
 
-#include "platform/net/LdapText.h"
+#include "text/SafeToShow.h"
+#include "text/Unicode.h"
 
 #include <winldap.h>
 
 #include <algorithm>
 #include <iterator>
+
+namespace platform
+{
 
 namespace
 {
@@ -17,7 +21,7 @@ struct CodeText
     const wchar_t* text;
 };
 
-// As the Windows client names them.
+// As the Windows client names them: all its codes.
 constexpr CodeText kTexts[] = {
     {0x00, L"Success"},
     {0x01, L"Operations Error"},
@@ -89,9 +93,25 @@ const wchar_t* TextOf(ULONG code)
     return entry != std::end(kTexts) ? entry->text : L"Unknown Error";
 }
 
+constexpr std::size_t kLongestCause = 400; // characters
+
+// One line with single blanks in it.
+std::wstring Shown(const std::string& cause)
+{
+    std::wstring shown;
+    for (const wchar_t character : text::SafeToShow(text::FromUtf8(cause)))
+        if (character != L' ' || (!shown.empty() && shown.back() != L' '))
+            shown += character;
+    if (shown.ends_with(L' '))
+        shown.pop_back();
+    if (shown.size() > kLongestCause)
+        shown.replace(kLongestCause, std::wstring::npos, L"...");
+    return shown;
+}
+
 struct LastFault
 {
-    ULONG code = LDAP_SUCCESS;
+    ULONG code = eLdapSuccess;
     std::wstring text;
 };
 thread_local LastFault gLastFault;
@@ -101,10 +121,10 @@ thread_local LastFault gLastFault;
 std::uint32_t RememberFault(const LdapFault& fault)
 {
     if (!fault)
-        return LDAP_SUCCESS;
+        return eLdapSuccess;
     gLastFault.code = fault.code;
     gLastFault.text.clear();
-    const std::wstring cause = SafeToPrint(fault.cause);
+    const std::wstring cause = Shown(fault.cause);
     if (!cause.empty())
         gLastFault.text = std::wstring(TextOf(fault.code)) + L": " + cause;
     return fault.code;
@@ -116,14 +136,16 @@ std::uint32_t WindowsCode(int libraryCode)
     return static_cast<std::uint32_t>(libraryCode < 0 ? 0x50 - libraryCode : libraryCode);
 }
 
+} // namespace platform
+
 ULONG LdapGetLastError()
 {
-    return gLastFault.code;
+    return platform::gLastFault.code;
 }
 
 PWCHAR ldap_err2stringW(ULONG code)
 {
-    if (code == gLastFault.code && !gLastFault.text.empty())
-        return gLastFault.text.data();
-    return const_cast<PWCHAR>(TextOf(code));
+    if (code == platform::gLastFault.code && !platform::gLastFault.text.empty())
+        return platform::gLastFault.text.data();
+    return const_cast<PWCHAR>(platform::TextOf(code));
 }

@@ -4,22 +4,19 @@
 #include "platform/net/RunWithin.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdint>
+#include <cctype>
 #include <cstring>
+#include <optional>
 
 #include <gssapi/gssapi_ext.h>
 #include <gssapi/gssapi_krb5.h>
+#include <krb5.h>
+
+namespace platform
+{
 
 namespace
 {
-
-// In Windows' numbers; the header of OpenLDAP's library has other ones.
-constexpr std::uint32_t kInvalidCredentials = 0x31;
-constexpr std::uint32_t kLocalError = 0x52;
-constexpr std::uint32_t kAuthUnknown = 0x56;
-
-constexpr std::size_t kLongestPlain = 65'536; // wrapped in one token, in bytes
 
 constexpr OM_uint32 kProtected =
     GSS_C_MUTUAL_FLAG | GSS_C_REPLAY_FLAG | GSS_C_SEQUENCE_FLAG | GSS_C_INTEG_FLAG | GSS_C_CONF_FLAG;
@@ -50,6 +47,7 @@ struct GssBuffer
     ~GssBuffer()
     {
         OM_uint32 minor = 0;
+        explicit_bzero(data.value, data.length);
         gss_release_buffer(&minor, &data);
     }
     std::string_view View() const { return {static_cast<const char*>(data.value), data.length}; }
@@ -84,10 +82,10 @@ LdapFault FaultOf(OM_uint32 major, OM_uint32 minor, gss_OID mechanism)
 {
     const auto code = static_cast<krb5_error_code>(minor);
     const bool isWrongPassword = code == KRB5KDC_ERR_PREAUTH_FAILED || code == KRB5KRB_AP_ERR_BAD_INTEGRITY;
-    return {isWrongPassword ? kInvalidCredentials : kLocalError, StatusText(major, minor, mechanism)};
+    return {isWrongPassword ? eLdapInvalidCredentials : eLdapLocalError, StatusText(major, minor, mechanism)};
 }
 
-GssName ImportName(const std::string& text, gss_OID type)
+GssName ImportName(const std::string& text, const gss_OID type)
 {
     OM_uint32 minor = 0;
     gss_buffer_desc buffer = BufferOf(text);
@@ -110,11 +108,10 @@ bool IsInstalled(const gss_OID_desc& mechanism)
 }
 
 // A credential of `mechanism` from a name and a password; a SPNEGO one that will offer `inner` alone.
-GssCredential AcquireCredential(const std::string& user, const Secret& password, gss_OID mechanism,
-                                gss_OID inner, LdapFault& fault)
+GssCredential AcquireCredential(const GssName& name, const Secret& password, gss_OID mechanism, gss_OID inner,
+                                LdapFault& fault)
 {
     OM_uint32 minor = 0;
-    const GssName name = ImportName(user, GSS_C_NT_USER_NAME);
     gss_buffer_desc secret = BufferOf(password.Text());
     gss_OID_set_desc wanted = {1, mechanism};
     gss_cred_id_t credential = GSS_C_NO_CREDENTIAL;
@@ -132,24 +129,85 @@ GssCredential AcquireCredential(const std::string& user, const Secret& password,
     return nullptr;
 }
 
-// A name of Kerberos in text form: what parts its components is escaped inside of them.
+// A name of Kerberos in text form: what separates its components is escaped inside of them.
 std::string Escaped(const std::string& component)
 {
     std::string text;
     for (const char character : component)
     {
-        if (std::strchr("/@\\", character) != nullptr && character != '\0')
+        if (character != '\0' && std::strchr("/@\\", character) != nullptr)
             text += '\\';
         text += character;
     }
     return text;
 }
 
+std::string Upper(std::string text)
+{
+    std::ranges::transform(text, text.begin(),
+                           [](unsigned char character)
+                           { return static_cast<char>(std::toupper(character)); });
+    return text;
+}
+
+// The realms of this machine's set-up for a host: the one that is configured for it, and the default.
+std::vector<std::string> ConfiguredRealms(const std::string& host)
+{
+    krb5_context context = nullptr;
+    if (krb5_init_context(&context) != 0)
+        return {};
+    std::vector<std::string> realms;
+    char** mapped = nullptr;
+    if (krb5_get_host_realm(context, host.c_str(), &mapped) == 0)
+    {
+        realms.emplace_back(mapped[0]);
+        krb5_free_host_realm(context, mapped);
+    }
+    char* usual = nullptr;
+    if (krb5_get_default_realm(context, &usual) == 0)
+    {
+        realms.emplace_back(usual);
+        krb5_free_default_realm(context, usual);
+    }
+    krb5_free_context(context);
+    return realms;
+}
+
 } // namespace
 
-GssContext::GssContext(GssCredential credential, gss_OID mechanism, gss_name_t target)
-    : mCredential(std::move(credential)), mMechanism(mechanism), mTarget(target),
-      mWanted(mechanism == &kSpnego ? kProtected : 0)
+std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity& identity, const std::string& host,
+                                          const std::string& serverRealm)
+{
+    const std::size_t at = identity.user.find('@');
+    const std::string name = Escaped(identity.user.substr(0, at));
+    std::vector<std::string> realms;
+    std::vector<KerberosUser> users;
+    if (identity.domain.find('.') != std::string::npos) // a name of DNS, as realms are
+        realms = {Upper(identity.domain)};
+    else if (identity.domain.empty() && at != std::string::npos)
+    {
+        const std::string suffix = identity.user.substr(at + 1);
+        realms = {Upper(suffix)};
+        if (!serverRealm.empty() && serverRealm != realms[0])
+            users.push_back({name + "@" + Escaped(suffix) + "@" + serverRealm, true});
+    }
+    else
+    {
+        realms = ConfiguredRealms(host);
+        // A domain's short name says nothing to anybody but its own controllers.
+        realms.insert(identity.domain.empty() ? realms.end() : realms.begin(), serverRealm);
+    }
+    for (const std::string& realm : realms)
+    {
+        KerberosUser user = {name + "@" + realm};
+        if (!realm.empty() && std::ranges::find(users, user) == users.end())
+            users.push_back(std::move(user));
+    }
+    return users;
+}
+
+GssContext::GssContext(GssCredential credential, gss_OID mechanism, gss_name_t target, OM_uint32 wanted)
+    : mCredential(std::move(credential)), mMechanism(mechanism), mTarget(target), mWanted(wanted)
 {
 }
 
@@ -160,71 +218,41 @@ GssContext::~GssContext()
     gss_release_name(&minor, &mTarget);
 }
 
-std::unique_ptr<GssContext> GssContext::MakeWithin(Deadline deadline, std::function<void(Making&)> make,
-                                                   LdapFault& fault)
-{
-    auto outcome = RunWithin(deadline,
-                             [make = std::move(make)]
-                             {
-                                 Making making;
-                                 make(making);
-                                 return making;
-                             });
-    if (!outcome)
-    {
-        fault = {kLocalError, "the ticket server gave no answer in time"};
-        return nullptr;
-    }
-    fault = outcome->fault;
-    return std::move(outcome->context);
-}
-
-std::unique_ptr<GssContext> GssContext::Ntlm(const LdapIdentity& identity, const std::string& host, bool bare,
-                                             Deadline deadline, LdapFault& fault)
+std::unique_ptr<GssContext> GssContext::Ntlm(const LdapIdentity& identity, const std::string& host,
+                                             bool protects, LdapFault& fault)
 {
     if (!IsInstalled(kNtlm))
     {
-        fault = {kAuthUnknown, "NTLM is not installed on this machine (package gss-ntlmssp)"};
+        fault = {eLdapAuthUnknown, "NTLM is not installed on this machine (package gss-ntlmssp)"};
         return nullptr;
     }
-    if (identity.user.empty())
-    {
-        fault = {kInvalidCredentials, "no user name was given"};
+    const std::size_t at = identity.domain.empty() ? identity.user.find('@') : std::string::npos;
+    const std::string domain = at != std::string::npos ? identity.user.substr(at + 1) : identity.domain;
+    const std::string name = identity.user.substr(0, at);
+    GssCredential credential =
+        AcquireCredential(ImportName(domain.empty() ? name : domain + "\\" + name, GSS_C_NT_USER_NAME),
+                          identity.password, &kNtlm, nullptr, fault);
+    if (credential == nullptr)
         return nullptr;
-    }
-    const std::size_t at = identity.user.find('@');
-    const std::string domain =
-        identity.domain.empty() && at != std::string::npos ? identity.user.substr(at + 1) : identity.domain;
-    const std::string name = identity.user.substr(0, identity.domain.empty() ? at : std::string::npos);
-    const std::string user = domain.empty() ? name : domain + "\\" + name;
-    // SPNEGO's credential is made of one of each mechanism, for which Kerberos asks its servers, too.
-    return MakeWithin(
-        deadline,
-        [user, password = identity.password, host, bare](Making& making)
-        {
-            const gss_OID mechanism = bare ? &kNtlm : &kSpnego;
-            GssCredential credential =
-                AcquireCredential(user, password, mechanism, bare ? nullptr : &kNtlm, making.fault);
-            if (!credential)
-                return;
-            GssName target = ImportName("ldap@" + host, GSS_C_NT_HOSTBASED_SERVICE);
-            making.context.reset(new GssContext(std::move(credential), mechanism, target.release()));
-        },
-        fault);
+    GssName target = ImportName("ldap@" + host, GSS_C_NT_HOSTBASED_SERVICE);
+    return std::unique_ptr<GssContext>(
+        new GssContext(std::move(credential), &kNtlm, target.release(), protects ? kProtected : 0));
 }
 
-std::unique_ptr<GssContext> GssContext::WithTicket(const std::string& user, const Secret& password,
+std::unique_ptr<GssContext> GssContext::WithTicket(const KerberosUser& user, const Secret& password,
                                                    const std::string& target, gss_OID mechanism,
                                                    LdapFault& fault)
 {
-    GssCredential credential =
-        AcquireCredential(user, password, mechanism, mechanism == &kSpnego ? &kKerberos : nullptr, fault);
-    if (!credential)
+    GssCredential credential = AcquireCredential(
+        ImportName(user.name, user.isEnterprise ? GSS_KRB5_NT_ENTERPRISE_NAME : GSS_C_NT_USER_NAME), password,
+        mechanism, mechanism == &kSpnego ? &kKerberos : nullptr, fault);
+    if (credential == nullptr)
         return nullptr;
     const auto make = [&]
     {
         GssName name = ImportName(target, const_cast<gss_OID>(GSS_KRB5_NT_PRINCIPAL_NAME));
-        return std::unique_ptr<GssContext>(new GssContext(std::move(credential), mechanism, name.release()));
+        return std::unique_ptr<GssContext>(
+            new GssContext(std::move(credential), mechanism, name.release(), kProtected));
     };
     const std::unique_ptr<GssContext> first = make();
     std::string token;
@@ -233,22 +261,33 @@ std::unique_ptr<GssContext> GssContext::WithTicket(const std::string& user, cons
     return fault ? nullptr : make();
 }
 
-std::unique_ptr<GssContext> GssContext::Kerberos(const LdapIdentity& identity, const std::string& realm,
+std::unique_ptr<GssContext> GssContext::Kerberos(const KerberosUser& user, const Secret& password,
                                                  const std::string& host, Deadline deadline, LdapFault& fault)
 {
+    struct Outcome
+    {
+        std::unique_ptr<GssContext> context;
+        LdapFault fault;
+    };
     // The realm of the target is left open: the servers of the user's realm refer to the right one.
-    const std::string target = "ldap/" + Escaped(host) + "@";
-    const std::string user = Escaped(identity.user.substr(0, identity.user.find('@'))) + "@" + realm;
-    return MakeWithin(
-        deadline,
-        [target, user, password = identity.password](Making& making)
-        {
-            // SPNEGO does not tell why there is no ticket: Kerberos itself is asked first.
-            making.context = WithTicket(user, password, target, &kKerberos, making.fault);
-            if (!making.fault)
-                making.context = WithTicket(user, password, target, &kSpnego, making.fault);
-        },
-        fault);
+    std::optional<Outcome> outcome =
+        RunWithin(deadline,
+                  [user, password, target = "ldap/" + Escaped(host) + "@"]
+                  {
+                      Outcome made;
+                      // SPNEGO does not tell why there is no ticket: Kerberos itself is asked first.
+                      for (const gss_OID mechanism : {&kKerberos, &kSpnego})
+                          if (!made.fault)
+                              made.context = WithTicket(user, password, target, mechanism, made.fault);
+                      return made;
+                  });
+    if (!outcome)
+    {
+        fault = {eLdapLocalError, "the ticket server gave no answer in time"};
+        return nullptr;
+    }
+    fault = outcome->fault;
+    return std::move(outcome->context);
 }
 
 LdapFault GssContext::Step(const std::string& token, std::string& reply)
@@ -271,7 +310,7 @@ bool GssContext::Wrap(std::string_view plain, std::string& token)
     OM_uint32 minor = 0;
     gss_buffer_desc input = BufferOf(plain);
     GssBuffer output;
-    const int seal = (mFlags & GSS_C_CONF_FLAG) ? 1 : 0;
+    const int seal = (mFlags & GSS_C_CONF_FLAG) != 0 ? 1 : 0;
     if (gss_wrap(&minor, mContext, seal, GSS_C_QOP_DEFAULT, &input, nullptr, &output.data) != GSS_S_COMPLETE)
         return false;
     token = output.View();
@@ -289,86 +328,4 @@ bool GssContext::Unwrap(std::string_view token, std::string& plain)
     return true;
 }
 
-void GssLayer::Attach(Sockbuf* buffer)
-{
-    static Sockbuf_IO io = {Setup, nullptr, Control, Read, Write, nullptr};
-    ber_sockbuf_add_io(buffer, &io, LBER_SBIOD_LEVEL_APPLICATION, this);
-}
-
-GssLayer& GssLayer::Of(Sockbuf_IO_Desc* layer)
-{
-    return *static_cast<GssLayer*>(layer->sbiod_pvt);
-}
-
-int GssLayer::Setup(Sockbuf_IO_Desc* layer, void* self)
-{
-    layer->sbiod_pvt = self;
-    return 0;
-}
-
-int GssLayer::Control(Sockbuf_IO_Desc* layer, int option, void* argument)
-{
-    const GssLayer& self = Of(layer);
-    if (option == LBER_SB_OPT_DATA_READY && (self.mPlainAt < self.mPlain.size() || self.mIncoming.HasNext()))
-        return 1;
-    return LBER_SBIOD_CTRL_NEXT(layer, option, argument);
-}
-
-ber_slen_t GssLayer::Read(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length)
-{
-    GssLayer& self = Of(layer);
-    while (self.mPlainAt == self.mPlain.size())
-    {
-        std::string token;
-        if (self.mIncoming.Next(token))
-        {
-            self.mPlainAt = 0;
-            if (!self.mContext->Unwrap(token, self.mPlain))
-            {
-                errno = EPROTO;
-                return -1;
-            }
-            continue;
-        }
-        char raw[16384];
-        const ber_slen_t got = LBER_SBIOD_READ_NEXT(layer, raw, sizeof(raw));
-        if (got <= 0)
-            return got;
-        if (!self.mIncoming.Append({raw, static_cast<std::size_t>(got)}))
-        {
-            errno = EPROTO;
-            return -1;
-        }
-    }
-    const std::size_t count = std::min<std::size_t>(length, self.mPlain.size() - self.mPlainAt);
-    std::memcpy(bytes, self.mPlain.data() + self.mPlainAt, count);
-    self.mPlainAt += count;
-    return static_cast<ber_slen_t>(count);
-}
-
-ber_slen_t GssLayer::Write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length)
-{
-    GssLayer& self = Of(layer);
-    // After a refusal for now the same bytes come again: what they became must go out first.
-    if (self.mOutgoing.empty())
-    {
-        const std::string_view plain(static_cast<const char*>(bytes),
-                                     std::min<std::size_t>(length, kLongestPlain));
-        std::string token;
-        if (!self.mContext->Wrap(plain, token))
-        {
-            errno = EPROTO;
-            return -1;
-        }
-        self.mOutgoing = GssFrames::Frame(token);
-        self.mOutgoingPlain = plain.size();
-    }
-    while (!self.mOutgoing.empty())
-    {
-        const ber_slen_t put = LBER_SBIOD_WRITE_NEXT(layer, self.mOutgoing.data(), self.mOutgoing.size());
-        if (put <= 0)
-            return put;
-        self.mOutgoing.erase(0, static_cast<std::size_t>(put));
-    }
-    return static_cast<ber_slen_t>(self.mOutgoingPlain);
-}
+} // namespace platform

@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: MIT
-// Log-on by GSSAPI as directory servers of the Windows kind expect it: Kerberos or NTLM, inside SPNEGO or
-// bare, and the signing and sealing of what follows. The target's name is taken as it was typed: no look-up
+// Log-on by GSSAPI as directory servers of the Windows kind expect it: Kerberos inside SPNEGO or
+// NTLM, and the signing and sealing of what follows. The target's name is taken as it was typed: no look-up
 // has a say in it.
 #pragma once
 
-#include "platform/net/GssFrames.h"
 #include "platform/net/LdapSession.h"
 
-#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <gssapi/gssapi.h>
-#include <lber.h>
+
+namespace platform
+{
 
 struct FreeGssCredential
 {
@@ -25,16 +27,33 @@ struct FreeGssCredential
 };
 using GssCredential = std::unique_ptr<gss_cred_id_t, FreeGssCredential>;
 
+// Who is to get a ticket, as Kerberos names users.
+struct KerberosUser
+{
+    std::string
+        name; // "user@REALM", or "user@suffix@REALM" where the realm's servers know what suffix that is
+    bool isEnterprise = false; // the second form
+
+    bool operator==(const KerberosUser&) const = default;
+};
+
+// The users that an identity may stand for, in the order in which they are tried. `serverRealm` is the realm
+// that the server at `host` says it belongs to, or empty.
+std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity& identity, const std::string& host,
+                                          const std::string& serverRealm);
+
 // One exchange of tokens.
 class GssContext
 {
 public:
-    // NTLM for the identity; `bare` is without SPNEGO around it. `fault` when it cannot be had here.
-    static std::unique_ptr<GssContext> Ntlm(const LdapIdentity& identity, const std::string& host, bool bare,
-                                            Deadline deadline, LdapFault& fault);
+    // NTLM for the identity, without SPNEGO around it: a credential for that would make Kerberos ask its
+    // servers. This asks none. `protects`: what follows is to be signed and sealed. Null with `fault` when
+    // NTLM cannot be had here.
+    static std::unique_ptr<GssContext> Ntlm(const LdapIdentity& identity, const std::string& host,
+                                            bool protects, LdapFault& fault);
     // Kerberos inside SPNEGO. Asks the realm's servers for a ticket for the host; null with their answer in
     // `fault` when there is none.
-    static std::unique_ptr<GssContext> Kerberos(const LdapIdentity& identity, const std::string& realm,
+    static std::unique_ptr<GssContext> Kerberos(const KerberosUser& user, const Secret& password,
                                                 const std::string& host, Deadline deadline, LdapFault& fault);
     ~GssContext();
     GssContext(const GssContext&) = delete;
@@ -50,51 +69,20 @@ public:
     bool Unwrap(std::string_view token, std::string& plain);
 
 private:
-    struct Making
-    {
-        std::unique_ptr<GssContext> context;
-        LdapFault fault;
-    };
-
-    // What `make` makes, or null when that takes too long, since it asks servers.
-    static std::unique_ptr<GssContext> MakeWithin(Deadline deadline, std::function<void(Making&)> make,
-                                                  LdapFault& fault);
     // A new exchange with Kerberos whose ticket is at hand: a first token is made and dropped, which fetches
     // the ticket into the credential's own memory.
-    static std::unique_ptr<GssContext> WithTicket(const std::string& user, const Secret& password,
+    static std::unique_ptr<GssContext> WithTicket(const KerberosUser& user, const Secret& password,
                                                   const std::string& target, gss_OID mechanism,
                                                   LdapFault& fault);
-    GssContext(GssCredential credential, gss_OID mechanism, gss_name_t target);
+    GssContext(GssCredential credential, gss_OID mechanism, gss_name_t target, OM_uint32 wanted);
 
     GssCredential mCredential;
     gss_OID mMechanism;
     gss_name_t mTarget;
     gss_ctx_id_t mContext = GSS_C_NO_CONTEXT;
-    OM_uint32 mWanted;    // nothing for bare NTLM, after which servers take plain messages
+    OM_uint32 mWanted;
     OM_uint32 mFlags = 0; // agreed with the server
     bool mComplete = false;
 };
 
-// The layer of a session's buffer that protects all that passes after a bind.
-class GssLayer
-{
-public:
-    explicit GssLayer(std::unique_ptr<GssContext> context) : mContext(std::move(context)) {}
-
-    // The buffer must not outlive the layer.
-    void Attach(Sockbuf* buffer);
-
-private:
-    static GssLayer& Of(Sockbuf_IO_Desc* layer);
-    static int Setup(Sockbuf_IO_Desc* layer, void* self);
-    static int Control(Sockbuf_IO_Desc* layer, int option, void* argument);
-    static ber_slen_t Read(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length);
-    static ber_slen_t Write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length);
-
-    std::unique_ptr<GssContext> mContext;
-    GssFrames mIncoming;
-    std::string mPlain; // unwrapped, from mPlainAt on not yet read
-    std::size_t mPlainAt = 0;
-    std::string mOutgoing;          // wrapped, not yet written
-    std::size_t mOutgoingPlain = 0; // bytes of the caller's that mOutgoing stands for
-};
+} // namespace platform

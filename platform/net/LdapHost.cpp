@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapHost.h"
 
-#include "platform/net/LdapText.h"
 #include "platform/net/RunWithin.h"
-
-#include <winldap.h>
 
 #include <algorithm>
 #include <array>
@@ -18,6 +15,9 @@
 #include <sys/socket.h>
 #include <unicode/uidna.h>
 #include <unistd.h>
+
+namespace platform
+{
 
 namespace
 {
@@ -53,7 +53,7 @@ Resolution Resolve(const LdapHost& host)
 
 LdapFault Down(const std::string& cause)
 {
-    return {LDAP_SERVER_DOWN, cause};
+    return {eLdapServerDown, cause};
 }
 
 LdapFault DownBySystem(int error)
@@ -120,22 +120,22 @@ std::optional<std::uint16_t> ParsePort(std::string_view text)
 std::optional<LdapHost> ParseHost(std::string_view text, std::uint16_t defaultPort)
 {
     std::string_view name = text;
-    std::string_view behind; // the name
+    std::string_view rest; // after the name
     if (text.starts_with('['))
     {
         const std::size_t end = text.find(']');
         if (end == std::string_view::npos)
             return std::nullopt;
         name = text.substr(1, end - 1);
-        behind = text.substr(end + 1);
+        rest = text.substr(end + 1);
     }
     else if (std::ranges::count(text, ':') == 1)
     {
         name = text.substr(0, text.find(':'));
-        behind = text.substr(name.size());
+        rest = text.substr(name.size());
     }
     const std::optional<std::uint16_t> port =
-        behind.empty() ? defaultPort : (behind[0] == ':' ? ParsePort(behind.substr(1)) : std::nullopt);
+        rest.empty() ? defaultPort : (rest[0] == ':' ? ParsePort(rest.substr(1)) : std::nullopt);
     if (!port)
         return std::nullopt;
     return LdapHost{AsciiName(name), *port};
@@ -143,23 +143,25 @@ std::optional<LdapHost> ParseHost(std::string_view text, std::uint16_t defaultPo
 
 } // namespace
 
-std::optional<std::vector<LdapHost>> ParseHosts(std::string_view text, std::uint32_t port)
+LdapFault ParseHosts(std::string_view text, std::uint32_t port, std::vector<LdapHost>& hosts)
 {
+    const LdapFault wrongPort = {eLdapParameterError, "the port is no number from 1 to 65535"};
     if (port == 0 || port > 0xFFFF)
-        return std::nullopt;
-    std::vector<LdapHost> hosts;
+        return wrongPort;
+    if (text.find("://") != std::string_view::npos)
+        return {eLdapParameterError, "the server's name is wanted, not a URL"};
     while (!text.empty())
     {
         const std::string_view word = text.substr(0, text.find(' '));
         text.remove_prefix(std::min(word.size() + 1, text.size()));
         if (word.empty())
             continue;
-        const std::optional<LdapHost> host = ParseHost(word, static_cast<std::uint16_t>(port));
+        std::optional<LdapHost> host = ParseHost(word, static_cast<std::uint16_t>(port));
         if (!host)
-            return std::nullopt;
-        hosts.push_back(*host);
+            return wrongPort;
+        hosts.push_back(std::move(*host));
     }
-    return hosts;
+    return {};
 }
 
 bool IsAddress(const std::string& name)
@@ -177,8 +179,10 @@ bool WaitForSocket(int socket, short events, Deadline deadline)
     while (true)
     {
         const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now()).count();
+        if (left <= 0)
+            return false;
         pollfd entry{socket, events, 0};
-        const int ready = poll(&entry, 1, static_cast<int>(std::clamp<long>(left, 0, 3'600'000)));
+        const int ready = poll(&entry, 1, static_cast<int>(std::min<long>(left, 3'600'000)));
         if (ready > 0)
             return true;
         if (ready == 0 || errno != EINTR)
@@ -213,3 +217,12 @@ LdapFault ConnectTo(const LdapHost& host, Deadline deadline, int& socket)
     }
     return fault;
 }
+
+std::string CauseText(std::string text)
+{
+    if (text.size() > 1 && text[0] >= 'A' && text[0] <= 'Z' && text[1] >= 'a' && text[1] <= 'z')
+        text[0] = static_cast<char>(text[0] - 'A' + 'a');
+    return text;
+}
+
+} // namespace platform

@@ -11,6 +11,9 @@
 #include <string_view>
 #include <vector>
 
+namespace platform
+{
+
 using Deadline = std::chrono::steady_clock::time_point;
 
 struct LdapHost
@@ -21,9 +24,10 @@ struct LdapHost
     bool operator==(const LdapHost&) const = default;
 };
 
-// The hosts of a list that is parted by blanks; `port` is for those that name none. Nothing when a port is
-// no number from 1 to 65535 or a bracket stands alone.
-std::optional<std::vector<LdapHost>> ParseHosts(std::string_view text, std::uint32_t port);
+// Reads a list of hosts that are separated by blanks; `port` is for those that name none. A parameter error
+// with its cause when a port is not a number from 1 to 65535, a bracket stands alone or a URL stands in a
+// name's place.
+LdapFault ParseHosts(std::string_view text, std::uint32_t port, std::vector<LdapHost>& hosts);
 
 // True for an IPv4 or IPv6 address, with or without a zone.
 bool IsAddress(const std::string& name);
@@ -34,3 +38,9 @@ LdapFault ConnectTo(const LdapHost& host, Deadline deadline, int& socket);
 
 // Waits until the socket can be read or written (POLLIN, POLLOUT). False when time runs out.
 bool WaitForSocket(int socket, short events, Deadline deadline);
+
+// The system's words for an error as they stand after a colon: without a capital letter in front, unless an
+// abbreviation begins with it.
+std::string CauseText(std::string text);
+
+} // namespace platform

@@ -1,69 +1,185 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapMessageLayer.h"
 
+#include "platform/net/BerReader.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
+#include <cstdint>
+#include <new>
+#include <optional>
+
+namespace platform
+{
 
 namespace
 {
 
 // Above the library's own layers, of which the log-on's protection is the highest.
 constexpr int kLevel = LBER_SBIOD_LEVEL_APPLICATION + 1;
-constexpr std::size_t kReadAhead = 16'384; // bytes
+
+constexpr unsigned char kSequence = 0x30; // what each message begins with
+constexpr unsigned char kTlsAlert = 0x15;
+constexpr unsigned char kTlsHandshake = 0x16;
+constexpr unsigned char kTlsMajor = 0x03;
+constexpr ber_tag_t kExtendedResponse = 0x78;
+constexpr ber_tag_t kResponseName = 0x8a;
+constexpr std::string_view kDisconnection = "1.3.6.1.4.1.1466.20036"; // RFC 4511, 4.4.1
+
+// In bytes.
+constexpr std::size_t kReadAhead = 16'384;
+constexpr std::size_t kLongestMessage = 16U << 20U;
+constexpr std::size_t kLargestAnswer = 64U << 20U;
+constexpr std::size_t kLibraryOverhead = 256; // of OpenLDAP's library for each message that it keeps
+
+constexpr std::size_t kNotAMessage = SIZE_MAX;
+
+// The size of the message that begins here, its head included; 0 while the head is not whole.
+std::size_t MessageSize(std::string_view bytes)
+{
+    constexpr std::size_t kMostLengthBytes = 4;
+    if (!bytes.empty() && static_cast<unsigned char>(bytes[0]) != kSequence)
+        return kNotAMessage;
+    if (bytes.size() < 2)
+        return 0;
+    const auto first = static_cast<unsigned char>(bytes[1]);
+    if (first < 0x80)
+        return 2U + first;
+    const std::size_t count = first & 0x7fU;
+    if (count == 0 || count > kMostLengthBytes)
+        return kNotAMessage;
+    if (bytes.size() < 2 + count)
+        return 0;
+    std::size_t length = 0;
+    for (const char byte : bytes.substr(2, count))
+        length = length << 8U | static_cast<unsigned char>(byte);
+    return 2 + count + length;
+}
+
+// The result in a notice of disconnection; nothing for any other message. It is a copy, since the reader puts
+// an end after each text.
+std::optional<LdapFault> ReadDisconnection(std::string message)
+{
+    const BerReader reader = ReaderOf(message);
+    ber_int_t number = 0;
+    ber_int_t code = 0;
+    ber_len_t length = 0;
+    berval name{};
+    berval text{};
+    if (ber_scanf(reader.get(), "{i", &number) == LBER_ERROR ||
+        ber_peek_tag(reader.get(), &length) != kExtendedResponse ||
+        ber_scanf(reader.get(), "{emm", &code, &name, &text) == LBER_ERROR)
+        return std::nullopt;
+    for (ber_tag_t tag = ber_peek_tag(reader.get(), &length); tag != LBER_ERROR;
+         tag = ber_peek_tag(reader.get(), &length))
+    {
+        if (ber_scanf(reader.get(), "m", &name) == LBER_ERROR)
+            return std::nullopt;
+        if (tag == kResponseName && ViewOf(name) == kDisconnection)
+            return LdapFault{static_cast<std::uint32_t>(code), std::string(ViewOf(text))};
+    }
+    return std::nullopt;
+}
 
 } // namespace
 
 void LdapMessageLayer::Attach(Sockbuf* buffer)
 {
-    static Sockbuf_IO io = {Setup, nullptr, Control, Read, Write, nullptr};
-    ber_sockbuf_add_io(buffer, &io, kLevel, this);
+    LdapLayer::Attach(buffer, kLevel);
 }
 
-LdapMessageLayer& LdapMessageLayer::Of(Sockbuf_IO_Desc* layer)
+ber_slen_t LdapMessageLayer::Read(char* bytes, std::size_t length)
 {
-    return *static_cast<LdapMessageLayer*>(layer->sbiod_pvt);
-}
-
-int LdapMessageLayer::Setup(Sockbuf_IO_Desc* layer, void* self)
-{
-    layer->sbiod_pvt = self;
-    return 0;
-}
-
-int LdapMessageLayer::Control(Sockbuf_IO_Desc* layer, int option, void* argument)
-{
-    const LdapMessages& messages = Of(layer).mMessages;
-    if (option == LBER_SB_OPT_DATA_READY && (!messages.Ready().empty() || messages.Ending()))
-        return 1;
-    return LBER_SBIOD_CTRL_NEXT(layer, option, argument);
-}
-
-ber_slen_t LdapMessageLayer::Read(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length)
-{
-    LdapMessages& messages = Of(layer).mMessages;
-    while (messages.Ready().empty())
+    while (mRead == mReady)
     {
-        if (messages.Ending())
+        if (mEnding)
         {
             errno = EPROTO;
             return -1;
         }
-        std::array<char, kReadAhead> raw;
-        const ber_slen_t got = LBER_SBIOD_READ_NEXT(layer, raw.data(), raw.size());
-        if (got <= 0)
-            return got;
-        messages.Append({raw.data(), static_cast<std::size_t>(got)});
+        try
+        {
+            const ber_slen_t got = Fill();
+            mIsDrained = got <= 0;
+            if (mIsDrained)
+                return got;
+        }
+        catch (const std::bad_alloc&) // the library above knows no exceptions
+        {
+            mEnding = {eLdapNoMemory, {}};
+        }
     }
-    const std::string_view ready = messages.Ready();
-    const std::size_t count = std::min<std::size_t>(length, ready.size());
-    std::memcpy(bytes, ready.data(), count);
-    messages.Drop(count);
+    const std::size_t count = std::min(length, mReady - mRead);
+    mBytes.copy(bytes, count, mRead);
+    mRead += count;
     return static_cast<ber_slen_t>(count);
 }
 
-ber_slen_t LdapMessageLayer::Write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length)
+ber_slen_t LdapMessageLayer::Fill()
 {
-    return LBER_SBIOD_WRITE_NEXT(layer, bytes, length);
+    const std::size_t before = mReady;
+    TakeMessage();
+    if (mReady > before || mEnding)
+        return 1;
+    mBytes.erase(0, mRead);
+    mRead = mReady = 0;
+    if (mBytes.capacity() > kReadAhead && mBytes.size() < kReadAhead)
+        mBytes.shrink_to_fit(); // a long message was here
+    std::array<char, kReadAhead> raw;
+    const ber_slen_t got = ReadBelow(raw.data(), raw.size());
+    if (got > 0)
+        mBytes.append(raw.data(), static_cast<std::size_t>(got));
+    return got;
 }
+
+void LdapMessageLayer::TakeMessage()
+{
+    const std::string_view rest = std::string_view(mBytes).substr(mReady);
+    const std::size_t size = MessageSize(rest);
+    if (size == kNotAMessage)
+    {
+        const auto first = static_cast<unsigned char>(rest[0]);
+        const bool tls = !mHasBegun && (first == kTlsAlert || first == kTlsHandshake) &&
+                         (rest.size() < 2 || rest[1] == kTlsMajor);
+        mEnding = {eLdapDecodingError,
+                   tls ? "the server speaks TLS on this port" : "the server's answer is no LDAP message"};
+    }
+    else if (size > kLongestMessage)
+        mEnding = {eLdapResultsTooLarge, "the server sent a message of more than 16 MB"};
+    else if (size == 0 || rest.size() < size)
+        mBytes.reserve(mReady + size + kReadAhead);
+    else
+        Judge(rest.substr(0, size));
+}
+
+void LdapMessageLayer::Judge(std::string_view message)
+{
+    const BerReader reader = ReaderOf(message);
+    ber_int_t number = 0;
+    if (ber_scanf(reader.get(), "{i", &number) == LBER_ERROR)
+    {
+        mEnding = {eLdapDecodingError, "the server's answer is no LDAP message"};
+        return;
+    }
+    mHasBegun = true;
+    mReady += message.size();
+    if (number != 0)
+    {
+        mTaken += message.size() + kLibraryOverhead;
+        if (mTaken > kLargestAnswer)
+            mEnding = {eLdapResultsTooLarge, "the server sent more than 64 MB"};
+    }
+    else
+    {
+        if (std::optional<LdapFault> disconnection = ReadDisconnection(std::string(message)))
+        {
+            mEnding = std::move(*disconnection);
+            if (!mEnding)
+                mEnding.code = eLdapServerDown; // a notice of success disconnects all the same
+        }
+        mRead = mReady; // anything else is advice
+    }
+}
+
+} // namespace platform

@@ -1,26 +1,50 @@
 // SPDX-License-Identifier: MIT
-// The uppermost layer of a session's buffer: what the library reads passes through LdapMessages.
+// The uppermost layer of a session's buffer: it hands OpenLDAP's library whole messages and ends the stream
+// at what is not LDAP or takes too much memory. What nobody asked for never reaches the library, which keeps
+// no words of it and does not outlive every form of it.
 #pragma once
 
-#include "platform/net/LdapMessages.h"
+#include "platform/net/LdapFault.h"
+#include "platform/net/LdapLayer.h"
 
-#include <lber.h>
+#include <string>
+#include <string_view>
 
-class LdapMessageLayer
+namespace platform
+{
+
+class LdapMessageLayer : public LdapLayer
 {
 public:
-    // The buffer must not outlive the layer.
     void Attach(Sockbuf* buffer);
 
-    // See LdapMessages.
-    const LdapFault& Ending() const { return mMessages.Ending(); }
+    // From now on the messages of another answer come, which may take 64 MB.
+    void BeginAnswer() { mTaken = 0; }
+    // The memory that it takes, in bytes.
+    std::size_t Taken() const { return mTaken; }
+
+    // Why no more messages come: the server's notice of disconnection, bytes that are not LDAP, too many of
+    // them, or too little memory. Success while more may come.
+    const LdapFault& Ending() const { return mEnding; }
+
+protected:
+    ber_slen_t Read(char* bytes, std::size_t length) override;
+    ber_slen_t Write(const char* bytes, std::size_t length) override { return WriteBelow(bytes, length); }
+    bool HasReady() const override { return !mIsDrained; }
 
 private:
-    static LdapMessageLayer& Of(Sockbuf_IO_Desc* layer);
-    static int Setup(Sockbuf_IO_Desc* layer, void* self);
-    static int Control(Sockbuf_IO_Desc* layer, int option, void* argument);
-    static ber_slen_t Read(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length);
-    static ber_slen_t Write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t length);
+    // Reads what has come and takes the next whole message from it. Gives what Read gives when there is none.
+    ber_slen_t Fill();
+    void TakeMessage();
+    void Judge(std::string_view message);
 
-    LdapMessages mMessages;
+    std::string mBytes;
+    std::size_t mRead = 0;  // of mBytes, by the library
+    std::size_t mReady = 0; // of mBytes, for the library
+    std::size_t mTaken = 0;
+    bool mIsDrained = true; // nothing more can be read for now
+    bool mHasBegun = false; // a message has come
+    LdapFault mEnding;
 };
+
+} // namespace platform

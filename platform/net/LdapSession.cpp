@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapSession.h"
 
+#include "platform/net/BerReader.h"
+#include "platform/net/GssLayer.h"
+#include "platform/net/LdapChannel.h"
 #include "platform/net/LdapGss.h"
 #include "platform/net/LdapMessageLayer.h"
+#include "platform/net/RunWithin.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
@@ -15,6 +20,9 @@
 #include <openldap.h>
 #include <resolv.h>
 #include <sasl/sasl.h>
+
+namespace platform
+{
 
 namespace
 {
@@ -35,34 +43,48 @@ constexpr seconds kTicketLimit{7};
 constexpr int kFewMessages = 32;
 constexpr microseconds kPause{1000};
 
-constexpr const char* kNoMessage = "the server's answer is no LDAP message";
+// In bytes: what an answer and the texts that are handed out of one of its entries may take together, what
+// each text takes beside its characters, with what a caller keeps of it, and the longest text.
+constexpr std::size_t kMostMemory = 80U << 20U;
+constexpr std::size_t kTextOverhead = 128;
+constexpr std::size_t kLongestText = 1U << 20U;
+
 constexpr const char* kSpnegoName = "GSS-SPNEGO";
 constexpr const char* kNtlmName = "NTLM";
+
+// Set where the library was refused memory, which it does not always tell.
+thread_local bool gbMemoryRefused = false;
+
+void* Noted(void* block)
+{
+    gbMemoryRefused = gbMemoryRefused || block == nullptr;
+    return block;
+}
 
 // The library's memory holds passwords: whatever it gives back is overwritten.
 void WipeAndFree(void* block, void*)
 {
-    if (block)
+    if (block != nullptr)
         explicit_bzero(block, malloc_usable_size(block));
     std::free(block);
 }
 
 void* Allocate(ber_len_t size, void*)
 {
-    return std::malloc(size);
+    return Noted(std::malloc(size));
 }
 
 void* AllocateZeroed(ber_len_t count, ber_len_t size, void*)
 {
-    return std::calloc(count, size);
+    return Noted(std::calloc(count, size));
 }
 
 void* Reallocate(void* block, ber_len_t size, void*)
 {
-    if (block && malloc_usable_size(block) >= size)
+    if (block != nullptr && malloc_usable_size(block) >= size)
         return block;
-    void* larger = std::malloc(size);
-    if (larger && block)
+    void* larger = Allocate(size, nullptr);
+    if (larger != nullptr && block != nullptr)
     {
         std::memcpy(larger, block, malloc_usable_size(block));
         WipeAndFree(block, nullptr);
@@ -102,7 +124,7 @@ std::string UrlOf(const LdapHost& host)
     {
         constexpr char kDigits[] = "0123456789ABCDEF";
         const auto byte = static_cast<unsigned char>(character);
-        if (std::isalnum(byte) || std::strchr("-._:", character))
+        if (std::isalnum(byte) || std::strchr("-._:", character) != nullptr)
             url += character;
         else
             (url += '%').append({kDigits[byte >> 4], kDigits[byte & 15]});
@@ -112,16 +134,9 @@ std::string UrlOf(const LdapHost& host)
     return "ldap://" + url + ":" + std::to_string(host.port);
 }
 
-timeval TimeLeft(Deadline deadline)
-{
-    const auto left =
-        std::max<long>(0, std::chrono::duration_cast<microseconds>(deadline - Clock::now()).count());
-    return {left / 1'000'000, left % 1'000'000};
-}
-
 std::string TakeText(char* text)
 {
-    std::string result = text ? text : "";
+    std::string result = text != nullptr ? text : "";
     ldap_memfree(text);
     return result;
 }
@@ -150,8 +165,8 @@ int AnswerDigest(LDAP*, unsigned, void* defaults, void* questions)
             answer = identity.password.Text().c_str();
             break;
         case SASL_CB_GETREALM:
-            answer = identity.domain.empty() && question->defresult ? question->defresult
-                                                                    : identity.domain.c_str();
+            answer = identity.domain.empty() && question->defresult != nullptr ? question->defresult
+                                                                               : identity.domain.c_str();
             break;
         default: // on whose behalf: one's own
             break;
@@ -162,31 +177,11 @@ int AnswerDigest(LDAP*, unsigned, void* defaults, void* questions)
     return LDAP_SUCCESS;
 }
 
-std::string Upper(std::string text)
-{
-    std::ranges::transform(text, text.begin(),
-                           [](unsigned char character)
-                           { return static_cast<char>(std::toupper(character)); });
-    return text;
-}
-
-// The realm to ask for a ticket: the domain or the user name's own when it is a name of DNS, otherwise the
-// one that the server says it belongs to.
-std::string RealmFor(const LdapIdentity& identity, const std::string& serverRealm)
-{
-    const std::size_t at = identity.user.find('@');
-    if (identity.domain.find('.') != std::string::npos)
-        return Upper(identity.domain);
-    if (identity.domain.empty() && at != std::string::npos)
-        return Upper(identity.user.substr(at + 1));
-    return serverRealm;
-}
-
 } // namespace
 
-void LdapSession::FreeMessage::operator()(ldapmsg* message) const
+void LdapSession::FreeMessages::operator()(ldapmsg* messages) const
 {
-    ldap_msgfree(message);
+    ldap_msgfree(messages);
 }
 
 LdapSession::LdapSession(std::vector<LdapHost> hosts, bool tls)
@@ -196,13 +191,15 @@ LdapSession::LdapSession(std::vector<LdapHost> hosts, bool tls)
 
 LdapSession::~LdapSession()
 {
-    if (mHandle)
-        ldap_unbind_ext(mHandle, nullptr, nullptr);
+    if (mHandle == nullptr)
+        return;
+    mChannel->SetDeadline(Clock::now());
+    ldap_unbind_ext(mHandle, nullptr, nullptr);
 }
 
 LdapFault LdapSession::Connect(microseconds limit)
 {
-    LdapFault fault = {WindowsCode(LDAP_SERVER_DOWN), "no server name was given"};
+    LdapFault fault = {eLdapServerDown, "no server name was given"};
     const Deadline deadline = Clock::now() + limit;
     auto waiting = static_cast<long>(mHosts.size());
     for (const LdapHost& host : mHosts)
@@ -218,7 +215,7 @@ LdapFault LdapSession::Connect(microseconds limit)
 LdapFault LdapSession::ConnectTo(const LdapHost& host, Deadline deadline)
 {
     int socket = -1;
-    LdapFault fault = ::ConnectTo(host, deadline, socket);
+    LdapFault fault = platform::ConnectTo(host, deadline, socket);
     if (fault)
         return fault;
     auto channel = std::make_unique<LdapChannel>(socket);
@@ -261,56 +258,67 @@ LdapFault LdapSession::ConnectTo(const LdapHost& host, Deadline deadline)
     return {};
 }
 
-LdapFault LdapSession::Ready() const
+LdapFault LdapSession::Begin(Deadline deadline)
 {
     if (mLost)
         return *mLost;
-    if (!mHandle)
-        return {WindowsCode(LDAP_SERVER_DOWN), "the session is not connected"};
+    if (mHandle == nullptr)
+        return {eLdapServerDown, "the session is not connected"};
+    gbMemoryRefused = false;
+    mChannel->SetDeadline(deadline);
+    mMessages->BeginAnswer();
     return {};
 }
 
-LdapFault LdapSession::LibraryFault(int code)
+LdapFault LdapSession::LibraryFault(int libraryCode)
 {
-    if (code != LDAP_SERVER_DOWN)
-        return {WindowsCode(code), DiagnosticOf(mHandle)};
-    mLost = mMessages->Ending() ? mMessages->Ending() : mChannel->Ending();
-    if (!*mLost)
-        mLost = {WindowsCode(LDAP_DECODING_ERROR), kNoMessage};
-    return *mLost;
+    const std::uint32_t code = WindowsCode(libraryCode);
+    if (code == eLdapServerDown)
+    {
+        mLost = mMessages->Ending() ? mMessages->Ending() : mChannel->Ending();
+        if (!*mLost)
+            mLost = {eLdapDecodingError, "the server's answer is no LDAP message"};
+        if (gbMemoryRefused)
+            mLost = {eLdapNoMemory, {}};
+        return *mLost;
+    }
+    return {gbMemoryRefused ? eLdapNoMemory : code, DiagnosticOf(mHandle)};
 }
 
-LdapFault LdapSession::Await(int request, Deadline deadline, Message& answer, microseconds pause)
+LdapFault LdapSession::Await(int request, int all, Deadline deadline, Messages& answer)
 {
-    timeval left{};
-    LDAPMessage* message = nullptr;
-    int kind = 0;
-    if (pause > pause.zero())
-        kind = ldap_result(mHandle, request, LDAP_MSG_ONE, &left, &message);
-    if (kind == 0)
+    Sockbuf* buffer = nullptr;
+    ldap_get_option(mHandle, LDAP_OPT_SOCKBUF, &buffer);
+    for (int count = 0; Clock::now() < deadline; ++count)
     {
-        std::this_thread::sleep_for(pause);
-        left = TimeLeft(deadline);
-        kind = ldap_result(mHandle, request, LDAP_MSG_ONE, &left, &message);
+        timeval now{};
+        LDAPMessage* messages = nullptr;
+        const int kind = ldap_result(mHandle, request, all, &now, &messages);
+        answer.reset(messages);
+        if (kind > 0)
+            return {};
+        if (kind < 0)
+        {
+            int code = LDAP_SUCCESS;
+            ldap_get_option(mHandle, LDAP_OPT_RESULT_CODE, &code);
+            return LibraryFault(code);
+        }
+        if (ber_sockbuf_ctrl(buffer, LBER_SB_OPT_DATA_READY, nullptr) > 0)
+            continue;
+        if (count > kFewMessages)
+            std::this_thread::sleep_for(kPause);
+        mChannel->WaitForMore();
     }
-    answer.reset(message);
-    if (kind > 0)
-        return {};
-    if (kind == 0)
-    {
-        ldap_abandon_ext(mHandle, request, nullptr, nullptr);
-        return {WindowsCode(LDAP_TIMEOUT), "the server gave no complete answer in time"};
-    }
-    int code = LDAP_SERVER_DOWN;
-    ldap_get_option(mHandle, LDAP_OPT_RESULT_CODE, &code);
-    return LibraryFault(code);
+    ldap_abandon_ext(mHandle, request, nullptr, nullptr);
+    ldap_msgdelete(mHandle, request);
+    return {eLdapTimeout, "the server gave no complete answer in time"};
 }
 
-LdapFault LdapSession::AwaitBind(int request, Deadline deadline, Message& answer)
+LdapFault LdapSession::AwaitBind(int request, Deadline deadline, Messages& answer)
 {
-    LdapFault fault = Await(request, deadline, answer);
+    LdapFault fault = Await(request, LDAP_MSG_ONE, deadline, answer);
     if (!fault && ldap_msgtype(answer.get()) != LDAP_RES_BIND)
-        fault = {WindowsCode(LDAP_DECODING_ERROR), "the server answered another question"};
+        fault = {eLdapDecodingError, "the server answered another question"};
     return fault;
 }
 
@@ -321,7 +329,7 @@ LdapFault LdapSession::ResultOf(ldapmsg* answer) const
     char** referrals = nullptr;
     const int parsed = ldap_parse_result(mHandle, answer, &code, nullptr, &text, &referrals, nullptr, 0);
     LdapFault fault = {WindowsCode(parsed == LDAP_SUCCESS ? code : parsed), TakeText(text)};
-    if (code == LDAP_REFERRAL && referrals && referrals[0] && fault.cause.empty())
+    if (fault.code == eLdapReferral && referrals != nullptr && referrals[0] != nullptr && fault.cause.empty())
         fault.cause = referrals[0];
     ldap_memvfree(reinterpret_cast<void**>(referrals));
     return fault;
@@ -329,7 +337,8 @@ LdapFault LdapSession::ResultOf(ldapmsg* answer) const
 
 LdapFault LdapSession::BindSimple(const std::string& name, const Secret& password)
 {
-    if (LdapFault fault = Ready())
+    const Deadline deadline = Clock::now() + kCallLimit;
+    if (LdapFault fault = Begin(deadline))
         return fault;
     berval credentials = {password.Text().size(), const_cast<char*>(password.Text().data())};
     int request = 0;
@@ -337,21 +346,21 @@ LdapFault LdapSession::BindSimple(const std::string& name, const Secret& passwor
         ldap_sasl_bind(mHandle, name.c_str(), LDAP_SASL_SIMPLE, &credentials, nullptr, nullptr, &request);
     if (sent != LDAP_SUCCESS)
         return LibraryFault(sent);
-    Message answer;
-    LdapFault fault = AwaitBind(request, Clock::now() + kCallLimit, answer);
+    Messages answer;
+    LdapFault fault = AwaitBind(request, deadline, answer);
     return fault ? fault : ResultOf(answer.get());
 }
 
 LdapFault LdapSession::BindDigest(const LdapIdentity& identity)
 {
-    if (LdapFault fault = Ready())
+    const Deadline deadline = Clock::now() + kCallLimit;
+    if (LdapFault fault = Begin(deadline))
         return fault;
     if (identity.user.empty())
-        return {WindowsCode(LDAP_INVALID_CREDENTIALS), "no user name was given"};
-    const Deadline deadline = Clock::now() + kCallLimit;
+        return {eLdapInvalidCredentials, "no user name was given"};
     const char* mechanism = nullptr;
     int request = 0;
-    Message answer;
+    Messages answer;
     while (true)
     {
         const int result = ldap_sasl_interactive_bind(
@@ -359,10 +368,10 @@ LdapFault LdapSession::BindDigest(const LdapIdentity& identity)
             const_cast<LdapIdentity*>(&identity), answer.get(), &mechanism, &request);
         if (result == LDAP_SUCCESS)
             return {};
-        if (result == LDAP_AUTH_UNKNOWN && !mechanism)
-            return {WindowsCode(result),
-                    "DIGEST-MD5 is not installed on this machine (package libsasl2-modules)"};
-        if (result != LDAP_SASL_BIND_IN_PROGRESS)
+        const std::uint32_t code = WindowsCode(result);
+        if (code == eLdapAuthUnknown && mechanism == nullptr)
+            return {code, "DIGEST-MD5 is not installed on this machine (package libsasl2-modules)"};
+        if (code != eLdapSaslBindInProgress)
             return LibraryFault(result);
         if (LdapFault fault = AwaitBind(request, deadline, answer))
             return fault;
@@ -372,56 +381,87 @@ LdapFault LdapSession::BindDigest(const LdapIdentity& identity)
 LdapFault LdapSession::ReadTraits(Deadline deadline, ServerTraits& traits)
 {
     const char* const attributes[] = {"supportedSASLMechanisms", "ldapServiceName", nullptr};
-    LdapResult result;
+    Messages result;
     LdapFault fault =
         SearchUntil(deadline, "", LDAP_SCOPE_BASE, "(objectClass=*)", attributes, false, result);
-    if (result.IsEmpty())
+    if (result == nullptr)
         return fault;
-    const auto valuesOf = [&](const char* attribute)
-    { return ValuesOf(result.First(), attribute).value_or(std::vector<std::string_view>()); };
-    for (const std::string_view mechanism : valuesOf(attributes[0]))
-        traits.mechanisms.emplace_back(mechanism);
-    // "example.com:server$@EXAMPLE.COM"
-    for (const std::string_view service : valuesOf(attributes[1]))
-        traits.realm = service.substr(std::min(service.rfind('@'), service.size() - 1) + 1);
+    berelement* position = nullptr;
+    std::string name;
+    std::vector<std::string_view> values;
+    for (bool has = FirstAttribute(result.get(), position, name); has;
+         has = NextAttribute(result.get(), position, name))
+    {
+        if (!Values(result.get(), name, values) || values.empty())
+            continue;
+        if (strcasecmp(name.c_str(), attributes[0]) == 0)
+            traits.knowsNtlm = std::ranges::find(values, kNtlmName) != values.end();
+        else if (strcasecmp(name.c_str(), attributes[1]) == 0) // "example.com:server$@EXAMPLE.COM"
+            traits.realm = values.back().substr(values.back().rfind('@') + 1);
+    }
+    FreePosition(position);
     return fault;
+}
+
+std::unique_ptr<GssContext> LdapSession::FindTicket(const LdapIdentity& identity,
+                                                    const std::string& serverRealm, Deadline deadline,
+                                                    LdapFault& fault) const
+{
+    std::optional<std::vector<KerberosUser>> users =
+        RunWithin(deadline, [=, host = mHost] { return KerberosUsersOf(identity, host, serverRealm); });
+    if (!users)
+        fault = {eLdapLocalError, "Kerberos: the ticket server gave no answer in time"};
+    else if (users->empty())
+        fault = {eLdapLocalError, "Kerberos: no realm is known for this server"};
+    auto waiting = static_cast<long>(users ? users->size() : 0);
+    for (const KerberosUser& user : users.value_or(std::vector<KerberosUser>()))
+    {
+        LdapFault said;
+        const Deadline turn = Clock::now() + (deadline - Clock::now()) / waiting--;
+        std::unique_ptr<GssContext> context =
+            GssContext::Kerberos(user, identity.password, mHost, turn, said);
+        if (context != nullptr)
+            return context;
+        fault = {said.code, fault.cause + (fault.cause.empty() ? "Kerberos: " : "; ") + said.cause};
+        if (said.code == eLdapInvalidCredentials)
+            break;
+    }
+    return nullptr;
 }
 
 LdapFault LdapSession::BindGss(const LdapIdentity& identity, GssMethod method)
 {
-    if (LdapFault fault = Ready())
-        return fault;
     const Deadline deadline = Clock::now() + kCallLimit;
+    if (LdapFault fault = Begin(deadline))
+        return fault;
+    if (identity.user.empty())
+        return {eLdapInvalidCredentials, "no user name was given"};
+    if (identity.password.IsEmpty())
+        return {eLdapInvalidCredentials, "no password was given"};
     ServerTraits traits;
     LdapFault fault = ReadTraits(deadline, traits);
-    if (mLost || fault.code == WindowsCode(LDAP_TIMEOUT))
+    if (mLost || fault.code == eLdapTimeout)
         return fault;
 
-    std::string noTicket;
-    if (method == GssMethod::Negotiate && !identity.user.empty() && !IsAddress(mHost))
+    LdapFault noTicket;
+    if (method == GssMethod::Negotiate && !IsAddress(mHost))
     {
-        const std::string realm = RealmFor(identity, traits.realm);
-        LdapFault ticketFault;
-        if (!realm.empty())
-        {
-            auto context = GssContext::Kerberos(identity, realm, mHost,
-                                                std::min(deadline, Clock::now() + kTicketLimit), ticketFault);
-            if (context)
-                return ExchangeGss(std::move(context), kSpnegoName, deadline);
-            noTicket = "Kerberos: " + ticketFault.cause;
-            // With NTLM the controller would count a second wrong password, and lock the user out sooner.
-            if (ticketFault.code == WindowsCode(LDAP_INVALID_CREDENTIALS))
-                return {ticketFault.code, noTicket};
-        }
+        auto context =
+            FindTicket(identity, traits.realm, std::min(deadline, Clock::now() + kTicketLimit), noTicket);
+        if (context != nullptr)
+            return ExchangeGss(std::move(context), kSpnegoName, deadline);
+        // With NTLM the controller would count a second wrong password, and lock the user out sooner.
+        if (noTicket.code == eLdapInvalidCredentials)
+            return noTicket;
     }
-    // Servers of the Windows kind want NTLM inside SPNEGO, others by its own name.
-    const bool bare = method == GssMethod::Ntlm && traits.realm.empty() &&
-                      std::ranges::find(traits.mechanisms, kNtlmName) != traits.mechanisms.end();
-    auto context = GssContext::Ntlm(identity, mHost, bare, deadline, fault);
-    if (context)
-        fault = ExchangeGss(std::move(context), bare ? kNtlmName : kSpnegoName, deadline);
-    if (fault && !noTicket.empty())
-        fault.cause += (fault.cause.empty() ? "" : "; ") + noTicket;
+    // Servers of the Windows kind take NTLM in SPNEGO's place and protect what follows; others that list it
+    // by its own name do neither.
+    const bool byName = method == GssMethod::Ntlm && traits.realm.empty() && traits.knowsNtlm;
+    auto context = GssContext::Ntlm(identity, mHost, !byName, fault);
+    if (context != nullptr)
+        fault = ExchangeGss(std::move(context), byName ? kNtlmName : kSpnegoName, deadline);
+    if (fault && noTicket)
+        fault.cause += (fault.cause.empty() ? "" : "; ") + noTicket.cause;
     return fault;
 }
 
@@ -442,15 +482,15 @@ LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const ch
         const int sent = ldap_sasl_bind(mHandle, "", mechanism, &credentials, nullptr, nullptr, &request);
         if (sent != LDAP_SUCCESS)
             return LibraryFault(sent);
-        Message answer;
+        Messages answer;
         if (LdapFault fault = AwaitBind(request, deadline, answer))
             return fault;
         LdapFault result = ResultOf(answer.get());
-        if (result && result.code != LDAP_SASL_BIND_IN_PROGRESS)
+        if (result && result.code != eLdapSaslBindInProgress)
             return result;
         berval* token = nullptr;
         ldap_parse_sasl_bind_result(mHandle, answer.get(), &token, 0);
-        incoming = token ? std::string(token->bv_val, token->bv_len) : std::string();
+        incoming = token != nullptr ? std::string(token->bv_val, token->bv_len) : std::string();
         ber_bvfree(token);
         if (!result)
             break;
@@ -463,7 +503,7 @@ LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const ch
             return fault;
     }
     if (!context->IsComplete())
-        return {WindowsCode(LDAP_LOCAL_ERROR), "the server ended the log-on too early"};
+        return {eLdapLocalError, "the server ended the log-on too early"};
     if (context->Protects())
     {
         Sockbuf* buffer = nullptr;
@@ -475,21 +515,17 @@ LdapFault LdapSession::ExchangeGss(std::unique_ptr<GssContext> context, const ch
 }
 
 LdapFault LdapSession::Search(const std::string& base, int scope, const std::string& filter,
-                              const char* const* attributes, bool namesOnly, LdapResult& result)
+                              const char* const* attributes, bool namesOnly, Messages& result)
 {
-    if (LdapFault fault = Ready())
+    const Deadline deadline = Clock::now() + mTimeLimit + kGrace;
+    if (LdapFault fault = Begin(deadline))
         return fault;
-    LdapResult found;
-    LdapFault fault =
-        SearchUntil(Clock::now() + mTimeLimit + kGrace, base, scope, filter, attributes, namesOnly, found);
-    if (!fault)
-        result = std::move(found);
-    return fault;
+    return SearchUntil(deadline, base, scope, filter, attributes, namesOnly, result);
 }
 
 LdapFault LdapSession::SearchUntil(Deadline deadline, const std::string& base, int scope,
                                    const std::string& filter, const char* const* attributes, bool namesOnly,
-                                   LdapResult& result)
+                                   Messages& result)
 {
     const auto serverLimit = std::chrono::ceil<seconds>(deadline - Clock::now() - kGrace).count();
     timeval limit = {std::max<long>(1, serverLimit), 0};
@@ -499,34 +535,65 @@ LdapFault LdapSession::SearchUntil(Deadline deadline, const std::string& base, i
                         namesOnly, nullptr, nullptr, &limit, LDAP_NO_LIMIT, &request);
     if (sent != LDAP_SUCCESS)
         return LibraryFault(sent);
-    for (int count = 0;; ++count)
-    {
-        Message message;
-        const microseconds pause = count < kFewMessages ? microseconds(0) : kPause;
-        if (LdapFault fault = Await(request, deadline, message, pause))
-            return fault;
-        Keep(message.get(), result);
-        if (ldap_msgtype(message.get()) == LDAP_RES_SEARCH_RESULT)
-            return ResultOf(message.get());
-    }
+    Messages found;
+    LdapFault fault = Await(request, LDAP_MSG_ALL, deadline, found);
+    if (!fault)
+        fault = ResultOf(found.get());
+    if (!fault)
+        result = std::move(found);
+    return fault;
 }
 
-void LdapSession::Keep(ldapmsg* message, LdapResult& result) const
+ldapmsg* LdapSession::NextEntry(ldapmsg* entry) const
 {
-    // The first message stands for the result, whatever it is.
-    if (ldap_msgtype(message) != LDAP_RES_SEARCH_ENTRY)
-    {
-        if (result.IsEmpty())
-            result.Add({});
-        return;
-    }
-    BerElement* attributes = nullptr;
-    berval name{};
-    berval first{};
-    ber_len_t length = 0;
-    const bool read = ldap_get_dn_ber(mHandle, message, &attributes, &name) == LDAP_SUCCESS &&
-                      ber_get_option(attributes, LBER_OPT_BER_REMAINING_BYTES, &length) == LBER_OPT_SUCCESS &&
-                      ber_skip_raw(attributes, &first) != LBER_DEFAULT;
-    result.Add(read ? std::string_view(first.bv_val, length) : std::string_view());
-    ber_free(attributes, 0);
+    return ldap_next_entry(mHandle, entry);
 }
+
+bool LdapSession::FirstAttribute(ldapmsg* entry, berelement*& position, std::string& name)
+{
+    berval entryName{};
+    mEntry = entry;
+    mGiven = 0;
+    return ldap_msgtype(entry) == LDAP_RES_SEARCH_ENTRY &&
+           ldap_get_dn_ber(mHandle, entry, &position, &entryName) == LDAP_SUCCESS &&
+           NextAttribute(entry, position, name);
+}
+
+bool LdapSession::NextAttribute(ldapmsg* entry, berelement* position, std::string& name)
+{
+    berval text{};
+    berval set{};
+    if (entry != mEntry || position == nullptr || ber_scanf(position, "{m", &text) == LBER_ERROR)
+        return false;
+    mValues = ber_scanf(position, "m", &set) != LBER_ERROR ? ViewOf(set) : std::string_view();
+    mName = name = ViewOf(text);
+    return Give(mName);
+}
+
+bool LdapSession::Values(ldapmsg* entry, std::string_view name, std::vector<std::string_view>& values)
+{
+    values.clear();
+    if (entry != mEntry || name != mName || mValues.data() == nullptr)
+        return false;
+    const BerReader set = ReaderOf(mValues);
+    for (berval value{}; ber_skip_element(set.get(), &value) != LBER_DEFAULT;)
+    {
+        if (!Give(ViewOf(value)))
+            return false;
+        values.push_back(ViewOf(value));
+    }
+    return true;
+}
+
+bool LdapSession::Give(std::string_view text)
+{
+    mGiven += text.size() * sizeof(wchar_t) + kTextOverhead;
+    return text.size() <= kLongestText && mGiven + mMessages->Taken() <= kMostMemory;
+}
+
+void LdapSession::FreePosition(berelement* position)
+{
+    ber_free(position, 0);
+}
+
+} // namespace platform

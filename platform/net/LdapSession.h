@@ -3,20 +3,26 @@
 // by its time. A session that has lost its server stays lost; nothing is connected a second time.
 #pragma once
 
-#include "platform/net/LdapChannel.h"
-#include "platform/net/LdapResult.h"
-#include "platform/net/LdapText.h"
+#include "platform/net/LdapHost.h"
+#include "platform/net/Secret.h"
 
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Tags that OpenLDAP's header and ours have in common.
 struct ldap;
 struct ldapmsg;
+struct berelement;
+
+namespace platform
+{
+
 class GssContext;
 class GssLayer;
+class LdapChannel;
 class LdapMessageLayer;
 
 // Who binds, in UTF-8; the only credentials that a bind ever uses.
@@ -51,41 +57,56 @@ public:
     LdapFault BindDigest(const LdapIdentity& identity);
     LdapFault BindGss(const LdapIdentity& identity, GssMethod method);
 
-    // The attributes end with a null. The result is empty when the search failed.
+    struct FreeMessages
+    {
+        void operator()(ldapmsg* messages) const;
+    };
+    // A chain of messages as the library keeps it.
+    using Messages = std::unique_ptr<ldapmsg, FreeMessages>;
+
+    // The attributes end with a null. The result is empty when the search failed; else it ends with the
+    // message that says so, which is the first one where there is no entry.
     LdapFault Search(const std::string& base, int scope, const std::string& filter,
-                     const char* const* attributes, bool namesOnly, LdapResult& result);
+                     const char* const* attributes, bool namesOnly, Messages& result);
+    ldapmsg* NextEntry(ldapmsg* entry) const;
+
+    // The attributes of a message, of which only entries have any. Each of these gives false at the end, and
+    // where the rest cannot be read or takes too much memory: a text of more than 1 MB, or more of them than
+    // fit into 80 MB beside the answer. `position` is the caller's, who hands it to FreePosition.
+    bool FirstAttribute(ldapmsg* entry, berelement*& position, std::string& name);
+    bool NextAttribute(ldapmsg* entry, berelement* position, std::string& name);
+    static void FreePosition(berelement* position);
+    // The values of the attribute that was given last, in the server's order; they last as long as their
+    // message.
+    bool Values(ldapmsg* entry, std::string_view name, std::vector<std::string_view>& values);
 
 private:
-    struct FreeMessage
-    {
-        void operator()(ldapmsg* message) const;
-    };
-    using Message = std::unique_ptr<ldapmsg, FreeMessage>;
-
     // What a server tells of itself to everybody.
     struct ServerTraits
     {
-        std::vector<std::string> mechanisms;
+        bool knowsNtlm = false;
         std::string realm; // of Kerberos
     };
 
     LdapFault ConnectTo(const LdapHost& host, Deadline deadline);
-    LdapFault Ready() const;
-    // The next message that answers a request, or why there is none. When it has not come yet, more are let
-    // come for so long.
-    LdapFault Await(int request, Deadline deadline, Message& answer,
-                    std::chrono::microseconds pause = std::chrono::microseconds(0));
-    LdapFault AwaitBind(int request, Deadline deadline, Message& answer);
+    // Before each call that asks the server.
+    LdapFault Begin(Deadline deadline);
+    // Waits for the first message that answers a request, or for `all` of them.
+    LdapFault Await(int request, int all, Deadline deadline, Messages& answer);
+    LdapFault AwaitBind(int request, Deadline deadline, Messages& answer);
     // The result that an answer bears, with the server's words.
     LdapFault ResultOf(ldapmsg* answer) const;
-    // The fault behind a call of the library that failed with `code`.
-    LdapFault LibraryFault(int code);
+    // The fault of a call of the library that failed with `libraryCode`.
+    LdapFault LibraryFault(int libraryCode);
     LdapFault SearchUntil(Deadline deadline, const std::string& base, int scope, const std::string& filter,
-                          const char* const* attributes, bool namesOnly, LdapResult& result);
-    // Keeps what the caller of a search may ask for of one of its messages.
-    void Keep(ldapmsg* message, LdapResult& result) const;
+                          const char* const* attributes, bool namesOnly, Messages& result);
     LdapFault ReadTraits(Deadline deadline, ServerTraits& traits);
+    // The first ticket that can be had, or null with all that was said in `fault`.
+    std::unique_ptr<GssContext> FindTicket(const LdapIdentity& identity, const std::string& serverRealm,
+                                           Deadline deadline, LdapFault& fault) const;
     LdapFault ExchangeGss(std::unique_ptr<GssContext> context, const char* mechanism, Deadline deadline);
+    // Counts a text that is handed out; false when the entry has given too much.
+    bool Give(std::string_view text);
 
     std::vector<LdapHost> mHosts;
     bool mTls;
@@ -97,4 +118,12 @@ private:
     std::unique_ptr<LdapChannel> mChannel;
     ldap* mHandle = nullptr;
     std::optional<LdapFault> mLost;
+
+    // The attribute that was given last.
+    ldapmsg* mEntry = nullptr;
+    std::string mName;
+    std::string_view mValues;
+    std::size_t mGiven = 0; // memory for the texts of mEntry, in bytes
 };
+
+} // namespace platform

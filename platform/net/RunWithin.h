@@ -8,6 +8,9 @@
 #include <thread>
 #include <utility>
 
+namespace platform
+{
+
 // The result of `call`, made on a thread of its own, or nothing when time runs out; the thread then goes on
 // by itself, so `call` must own all that it uses. Throws std::system_error when there is no thread to be had.
 template <typename Call>
@@ -20,3 +23,5 @@ auto RunWithin(std::chrono::steady_clock::time_point deadline, Call call) -> std
         return std::nullopt;
     return result.get();
 }
+
+} // namespace platform

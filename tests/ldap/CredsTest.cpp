@@ -13,7 +13,6 @@ namespace
 {
 
 constexpr UINT WM_STEP = WM_USER + 1;
-constexpr int kMessageBoxText = 0xFFFF; // the id of a message box's text
 
 class OpenCreds : public LDAPCreds
 {
@@ -97,31 +96,6 @@ TEST(LdapCreds, GiveTheirCallerWhatTheDialogHoldsUnlessItIsCancelled)
         for (const auto& [id, member] : kTexts)
             EXPECT_EQ(std::wstring(creds.*member), test.result == IDOK ? typed(id) : L"") << id;
     }
-}
-
-TEST(LdapCreds, RefuseAPortThatIsNoNumberAndStayInItsBox)
-{
-    OpenCreds creds;
-    creds.mStep = [&creds](WPARAM step)
-    {
-        if (step == 1)
-        {
-            EXPECT_EQ(TextOf(::GetDlgItem(TopWindow(), kMessageBoxText)),
-                      L"Please enter a positive integer.");
-            SendMessageW(TopWindow(), WM_COMMAND, IDOK, 0);
-            return;
-        }
-        SetWindowTextW(creds.Control(IDC_PORT), L"ldap");
-        SetFocus(creds.Control(IDOK));
-        PostMessageW(creds.m_hWnd, WM_STEP, 1, 0); // inside the message box
-        SendMessageW(creds.m_hWnd, WM_COMMAND, IDOK, 0);
-        EXPECT_TRUE(IsShown(creds.m_hWnd));
-        EXPECT_EQ(FocusedControl(), creds.Control(IDC_PORT));
-        SetWindowTextW(creds.Control(IDC_PORT), L"636");
-        PressKey(creds.m_hWnd, IDC_PORT, VK_RETURN);
-    };
-    EXPECT_EQ(creds.DoModal(), IDOK);
-    EXPECT_EQ(creds.mPort, 636U);
 }
 
 } // namespace

@@ -14,6 +14,7 @@ namespace
 {
 
 const std::string kController = "dc1.tavo.example";
+const std::string kDirectory = "directory.tavo.example";
 const std::string kWrongNtlm =
     "8009030C: LdapErr: DSID-0C0904DC, comment: AcceptSecurityContext error, data 52e, v1db1";
 const std::string kWrongSimple =
@@ -47,10 +48,11 @@ std::ptrdiff_t WrongPasswords()
 }
 
 // The test's text. How many objects the last context has differs from one controller to the next.
-std::string Tested(const LdapAnswers& answers)
+std::string Tested(const LdapAnswers& answers, bool hasDefaultRealm)
 {
     static const std::regex many("Got ([2-9]|[1-9][0-9]+) objects");
-    return std::regex_replace(RunLdapTest(answers), many, "Got many objects");
+    const char* const file = hasDefaultRealm ? std::getenv("TAVO_KRB5_CONFIG") : "/dev/null";
+    return std::regex_replace(RunLdapTest(answers, {{"KRB5_CONFIG", file}}), many, "Got many objects");
 }
 
 TEST(Domain, IsTestedAsTheDialogSays)
@@ -60,7 +62,7 @@ TEST(Domain, IsTestedAsTheDialogSays)
     const std::string full = "alice@tavo.example";
     const std::string walk = Walked("many");
     const auto as = [](const std::string& port, const std::string& domain, const std::string& user,
-                       const std::string& password, const LdapMethod& method,
+                       const std::string& password, const TypedMethod& method,
                        const std::string& server = kController)
     { return LdapAnswers{server, port, domain, user, password, method}; };
     struct Case
@@ -69,6 +71,7 @@ TEST(Domain, IsTestedAsTheDialogSays)
         std::string outcome;
         std::string logOn{}; // where one is made
         std::ptrdiff_t wrongPasswords = 0;
+        bool hasDefaultRealm = false;
     };
     const Case kCases[] = {
         {as("389", "TAVO", "alice", right, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
@@ -99,13 +102,29 @@ TEST(Domain, IsTestedAsTheDialogSays)
              Refused(kDpa, 0x07) + Refused(kNegotiate, 0x31, "Kerberos: Preauthentication failed") +
              Refused(kSimplePlain, 0x08, "BindSimple: Transport encryption required."),
          "", 3},
+        // Each method asks once, whatever Kerberos might ask on its own account; a simple bind needs a whole
+        // name.
+        {as("0", "", "alice", "wrong", kTryAll),
+         Refused(kSimpleSsl, 0x31, kWrongSimple) + Refused(kNtlm, 0x31, kWrongNtlm) +
+             Refused(kDigest, 0x01,
+                     "SASL: Failed to start authentication system: NT_STATUS_INVALID_PARAMETER") +
+             Refused(kDpa, 0x07) + Refused(kNegotiate, 0x31, "Kerberos: Preauthentication failed") +
+             Refused(kSimplePlain, 0x08, "BindSimple: Transport encryption required."),
+         "", 2, true},
+        {as("389", "TAVO", "alice", "", kNegotiate), Refused(kNegotiate, 0x31, "no password was given")},
+        // A name that does not say which realm it belongs to.
+        {as("389", "", "carol@corp.example", right, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
+        // A server that names no realm: the machine's set-up does.
+        {as("3389", "", "alice", right, kNegotiate, kDirectory), Bound(kNegotiate) + walk, "", 0, true},
+        {as("3389", "", "alice", "wrong", kNegotiate, kDirectory),
+         Refused(kNegotiate, 0x31, "Kerberos: Preauthentication failed"), "", 1, true},
     };
-    for (const auto& [answers, outcome, logOn, wrongPasswords] : kCases)
+    for (const auto& [answers, outcome, logOn, wrongPasswords, hasDefaultRealm] : kCases)
     {
         SCOPED_TRACE(answers.method.text + (" as " + answers.user) + " at " + answers.server + ":" +
                      answers.port);
         const std::ptrdiff_t before = WrongPasswords();
-        EXPECT_EQ(Tested(answers), Framed(answers, outcome));
+        EXPECT_EQ(Tested(answers, hasDefaultRealm), Framed(answers, outcome));
         EXPECT_EQ(WrongPasswords() - before, wrongPasswords);
         if (!logOn.empty())
             EXPECT_EQ(LastLogOn(), logOn);

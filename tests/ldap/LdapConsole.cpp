@@ -49,19 +49,19 @@ std::string ResultText(unsigned code)
     return text.data();
 }
 
-std::string Begun(const LdapMethod& method)
+std::string Begun(const TypedMethod& method)
 {
     return "\n" + std::string(method.number == eLDAPAuthSimpleSSL ? "ldap_sslinit" : "ldap_init") +
            " begin ... end\n";
 }
 
-std::string Opened(const LdapMethod& method)
+std::string Opened(const TypedMethod& method)
 {
     return Begun(method) + "Set TCP keep alive - " + ResultText(RunsOnWindows() ? kWineKeepAlive : 0) +
            "Set no follow referrals - " + ResultText(0) + "ldap_connect(" + kServerMark + ") begin ...";
 }
 
-std::string BindText(const LdapMethod& method)
+std::string BindText(const TypedMethod& method)
 {
     return Opened(method) + ResultText(0) + "Set protocol ver=3 - " + ResultText(0) +
            "Set timeout (15 sec) - " + ResultText(0) + method.call + " begin ...";
@@ -133,12 +133,12 @@ std::string Framed(const LdapAnswers& answers, const std::string& attempts)
            std::regex_replace(attempts, std::regex(kServerMark), answers.server) + "END TEST\n";
 }
 
-std::string NoSession(const LdapMethod& method)
+std::string NoSession(const TypedMethod& method)
 {
     return Begun(method) + "LDAP: Failed to initialize LDAP session.  Err=0, Success\n";
 }
 
-std::string NotConnected(const LdapMethod& method, const std::string& cause)
+std::string NotConnected(const TypedMethod& method, const std::string& cause)
 {
     // Wine's client says that it is connected, and connects for the bind.
     if (RunsOnWindows())
@@ -147,12 +147,12 @@ std::string NotConnected(const LdapMethod& method, const std::string& cause)
            ".  Err=81, " + CodeText(0x51, cause);
 }
 
-std::string Refused(const LdapMethod& method, unsigned code, const std::string& cause)
+std::string Refused(const TypedMethod& method, unsigned code, const std::string& cause)
 {
     return BindText(method) + ResultText(code) + CodeText(code, cause);
 }
 
-std::string Bound(const LdapMethod& method)
+std::string Bound(const TypedMethod& method)
 {
     return BindText(method) + ResultText(0);
 }

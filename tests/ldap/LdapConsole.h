@@ -10,20 +10,20 @@
 #include <vector>
 
 // The combo box's text, its number, and what the console calls the bind.
-struct LdapMethod
+struct TypedMethod
 {
     const char* text;
     eLDAPAuthMethod number;
     const char* call;
 };
-inline constexpr LdapMethod kTryAll{"Try all", eLDAPAuthTryAll, ""};
-inline constexpr LdapMethod kSimpleSsl{"Simple bind - SSL", eLDAPAuthSimpleSSL, "ldap_simple_bind_s"};
-inline constexpr LdapMethod kSimplePlain{"Simple bind - plain text", eLDAPAuthSimplePlain,
-                                         "ldap_bind_s(plain text)"};
-inline constexpr LdapMethod kNtlm{"NTLM", eLDAPAuthNTLM, "ldap_bind_s(NTLM)"};
-inline constexpr LdapMethod kDigest{"Digest", eLDAPAuthDigest, "ldap_bind_s(Digest)"};
-inline constexpr LdapMethod kDpa{"DPA", eLDAPAuthDPA, "ldap_bind_s(DPA)"};
-inline constexpr LdapMethod kNegotiate{"Negotiate", eLDAPAuthNegotiate, "ldap_bind_s(negotiate)"};
+inline constexpr TypedMethod kTryAll{"Try all", eLDAPAuthTryAll, ""};
+inline constexpr TypedMethod kSimpleSsl{"Simple bind - SSL", eLDAPAuthSimpleSSL, "ldap_simple_bind_s"};
+inline constexpr TypedMethod kSimplePlain{"Simple bind - plain text", eLDAPAuthSimplePlain,
+                                          "ldap_bind_s(plain text)"};
+inline constexpr TypedMethod kNtlm{"NTLM", eLDAPAuthNTLM, "ldap_bind_s(NTLM)"};
+inline constexpr TypedMethod kDigest{"Digest", eLDAPAuthDigest, "ldap_bind_s(Digest)"};
+inline constexpr TypedMethod kDpa{"DPA", eLDAPAuthDPA, "ldap_bind_s(DPA)"};
+inline constexpr TypedMethod kNegotiate{"Negotiate", eLDAPAuthNegotiate, "ldap_bind_s(negotiate)"};
 
 struct LdapAnswers
 {
@@ -32,7 +32,7 @@ struct LdapAnswers
     std::string domain;
     std::string user;
     std::string password;
-    LdapMethod method;
+    TypedMethod method;
     std::string button = "OK";
 };
 
@@ -51,10 +51,10 @@ std::string RunLdapCalls(const LdapAnswers& answers);
 std::string Framed(const LdapAnswers& answers, const std::string& attempts);
 
 // One attempt each; `cause` is what stands behind the code's text where the client tells it.
-std::string NoSession(const LdapMethod& method);
-std::string NotConnected(const LdapMethod& method, const std::string& cause);
-std::string Refused(const LdapMethod& method, unsigned code, const std::string& cause = {});
-std::string Bound(const LdapMethod& method);
+std::string NoSession(const TypedMethod& method);
+std::string NotConnected(const TypedMethod& method, const std::string& cause);
+std::string Refused(const TypedMethod& method, unsigned code, const std::string& cause = {});
+std::string Bound(const TypedMethod& method);
 
 // The walk after a bind: one root entry, and what the second search gave.
 std::string Walked(const std::string& children);

@@ -166,16 +166,9 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
          L"Server Down: the server closed the connection"},
         {"garbage", Case::Bind, Bytes("HTTP/1.1 400 Bad Request\r\n\r\n", 28), 0x54,
          L"Decoding Error: the server's answer is no LDAP message"},
-        {"TLS", Case::Bind, Bytes("\x15\x03\x01\x00\x02\x02\x46", 7), 0x54,
-         L"Decoding Error: the server speaks TLS on this port"},
-        {"a length of 2^31", Case::Bind, Bytes("\x30\x84\x80\x00\x00\x00", 6), 0x54,
-         L"Decoding Error: the server's answer is no LDAP message"},
         {"a referral", Case::Bind,
          BindResult(0x0a, "", BerElementOf(0xa3, BerText("ldap://127.0.0.1:1/dc=elsewhere"))), 0x0a,
          L"Referral: ldap://127.0.0.1:1/dc=elsewhere"},
-        {"a hostile text", Case::Bind, BindResult(0x31, "no\r\n\x1b[1mlog-on\xff"), 0x31,
-         L"Invalid Credentials: no [1mlog-on\uFFFD"},
-        {"a code that is none", Case::Bind, BindResult(0x7e), 0x7e, L"Unknown Error"},
         {"an answer of another kind", Case::Bind,
          Answer([](Connection& peer) { peer.SendMessage(Connection::Result(kSearchDone, 0)); }), 0x54,
          L"Decoding Error: the server answered another question"},
@@ -475,7 +468,7 @@ TEST(LdapNegotiate, IsNotHeldUpByASilentNameServer)
             connection.ReadRequest();
             connection.SendMessage(Connection::Result(kSearchDone, 0));
             if (connection.ReadRequest())
-                connection.SendMessage(Connection::Result(kBindResponse, LDAP_INVALID_CREDENTIALS));
+                connection.SendMessage(Connection::Result(kBindResponse, 0x31));
         });
     const Session session(peer.Port(), L"localhost");
     ASSERT_EQ(session.Connect(), 0u);

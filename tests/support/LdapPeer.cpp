@@ -73,15 +73,16 @@ bool LdapPeer::Connection::ReadRequest()
     return true;
 }
 
-void LdapPeer::Connection::Send(const std::string& bytes) const
+bool LdapPeer::Connection::Send(const std::string& bytes) const
 {
     for (std::size_t at = 0; at < bytes.size();)
     {
         const ssize_t put = send(mSocket, bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
         if (put <= 0)
-            return;
+            return false;
         at += static_cast<std::size_t>(put);
     }
+    return true;
 }
 
 std::string LdapPeer::Connection::Message(const std::string& operation) const
@@ -118,11 +119,12 @@ bool LdapPeer::Connection::AcceptBind()
     return true;
 }
 
-LdapPeer::LdapPeer(std::function<void(Connection&)> script)
+LdapPeer::LdapPeer(std::function<void(Connection&)> script, std::uint16_t port)
     : mListener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
 {
     sockaddr_in address{};
     address.sin_family = AF_INET;
+    address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof(address);
     if (bind(mListener, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(mListener, 1) != 0 ||

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An LDAP server that does what a test tells it, right or wrong: one connection on a free port of the
+// An LDAP server that does what a test tells it, right or wrong: one connection at the
 // loopback, served by a thread that runs the script.
 #pragma once
 
@@ -24,7 +24,8 @@ public:
 
         // Waits for a whole request and remembers its number. False when the client has gone.
         bool ReadRequest();
-        void Send(const std::string& bytes) const;
+        // False when the client has gone.
+        bool Send(const std::string& bytes) const;
 
         // Answers to the last request.
         void SendMessage(const std::string& operation) const { Send(Message(operation)); }
@@ -43,7 +44,8 @@ public:
         std::uint8_t mNumber = 0; // of the last request; our clients do not count further
     };
 
-    explicit LdapPeer(std::function<void(Connection&)> script);
+    // On a free port, or on the one that is given, in a network of the test's own.
+    explicit LdapPeer(std::function<void(Connection&)> script, std::uint16_t port = 0);
     // Waits for the script; the connection is closed when it ends.
     ~LdapPeer();
     LdapPeer(const LdapPeer&) = delete;

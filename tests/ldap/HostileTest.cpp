@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+// What servers that send without end or measure cost the program that ships: its time, and its memory.
+#include "tests/ldap/LdapConsole.h"
+#include "tests/support/LdapPeer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include <sys/resource.h>
+
+namespace
+{
+
+using Connection = LdapPeer::Connection;
+using Script = std::function<void(Connection&)>;
+
+constexpr unsigned char kSearchDone = 0x65;
+constexpr unsigned char kSearchReference = 0x73;
+constexpr unsigned char kExtendedResponse = 0x78;
+constexpr int kForever = 1'000'000'000;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kIsMeasured = false;
+#else
+constexpr bool kIsMeasured = true;
+#endif
+// A search may take 15 s, and a second more; the rest is the start of a program on a loaded machine.
+constexpr std::chrono::seconds kLimit{20};
+constexpr long kMostMemory = 200 * 1024; // KiB
+
+// Sends a message many times over, until the client has gone.
+void SendMany(const Connection& peer, const std::string& message, int count)
+{
+    std::string block;
+    int inBlock = 0;
+    for (; inBlock == 0 || (block.size() < 1U << 20U && inBlock < count); ++inBlock)
+        block += message;
+    for (int sent = 0; sent < count && peer.Send(block); sent += inBlock)
+        ;
+}
+
+Script AtBind(const std::function<void(Connection&)>& answer)
+{
+    return [=](Connection& peer)
+    {
+        const Connection unasked = peer;
+        peer.ReadRequest();
+        answer(peer);
+        SendMany(unasked, unasked.Message(Connection::Result(kExtendedResponse, 0)), kForever);
+    };
+}
+
+Script AtSearch(const std::function<std::string()>& operation, int count)
+{
+    return [=](Connection& peer)
+    {
+        peer.AcceptBind();
+        peer.ReadRequest();
+        SendMany(peer, peer.Message(operation()), count);
+        peer.SendMessage(Connection::Result(kSearchDone, 0));
+        peer.ReadRequest();
+    };
+}
+
+Script Entries(const std::function<std::vector<Connection::Attribute>()>& attributes, int count)
+{
+    return AtSearch([=] { return Connection::Entry("cn=any", attributes()); }, count);
+}
+
+std::string Mega(std::size_t count)
+{
+    return std::string(count << 20U, 'x');
+}
+
+std::vector<Connection::Attribute> Attributes(int count)
+{
+    std::vector<Connection::Attribute> attributes;
+    for (int i = 0; i < count; ++i)
+        attributes.push_back({std::to_string(i), {}});
+    return attributes;
+}
+
+TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
+{
+    struct Case
+    {
+        const char* what;
+        Script script;
+        const char* told;
+    };
+    constexpr const char* kTooMuch =
+        "(00000046)\nLDAP:GetChildNodes failed with 70, Results Too Large: the server "
+        "sent more than 64 MB at []\n";
+    const Case kCases[] = {
+        {"messages that nobody asked for", AtBind([](Connection&) {}),
+         "failed (00000055)\nTimeout: the server gave no complete answer in time\n"},
+        {"an answer of 60 MB",
+         AtBind([](Connection& peer) { peer.Send(std::string("\x30\x84\x03\xc0\x00\x00\x02\x01\x01", 9)); }),
+         "failed (00000046)\nResults Too Large: the server sent a message of more than 16 MB\n"},
+        {"entries", Entries([] { return Attributes(1); }, kForever), kTooMuch},
+        {"large entries",
+         Entries(
+             [] {
+                 return std::vector<Connection::Attribute>{{"a", {Mega(1)}}};
+             },
+             kForever),
+         kTooMuch},
+        {"referrals",
+         AtSearch([] { return BerElementOf(kSearchReference, BerText("ldap://elsewhere.example/")); },
+                  kForever),
+         kTooMuch},
+        {"the largest values",
+         Entries(
+             [] {
+                 return std::vector<Connection::Attribute>{
+                     {"namingContexts", std::vector<std::string>(15, Mega(1))}};
+             },
+             4),
+         "Got 4 objects back\n"},
+        {"attributes", Entries([] { return Attributes(1'000'000); }, 4), "Got 4 objects back\n"},
+        {"values",
+         Entries(
+             [] {
+                 return std::vector<Connection::Attribute>{{"a", std::vector<std::string>(7'000'000)}};
+             },
+             4),
+         "Got 4 objects back\n"},
+    };
+    for (const Case& test : kCases)
+    {
+        SCOPED_TRACE(test.what);
+        const LdapPeer peer(test.script);
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_THAT(
+            RunLdapTest({"127.0.0.1", std::to_string(peer.Port()), "", "cn=any", "any", kSimplePlain}),
+            testing::HasSubstr(test.told));
+        const auto taken = std::chrono::steady_clock::now() - start;
+        rusage largest{}; // of the programs that have ended
+        getrusage(RUSAGE_CHILDREN, &largest);
+        if (kIsMeasured)
+        {
+            EXPECT_LE(taken, kLimit);
+            EXPECT_LE(largest.ru_maxrss, kMostMemory);
+        }
+        std::printf("%s: %.1f s, %ld KiB\n", test.what, std::chrono::duration<double>(taken).count(),
+                    largest.ru_maxrss);
+    }
+}
+
+} // namespace
