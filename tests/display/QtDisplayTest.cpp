@@ -347,6 +347,17 @@ TEST_F(QtDisplay, CloseBoxCancelsAndWithoutOneClosingIsIgnored)
     EXPECT_EQ(Use(IDD_CONSOLE, {close, [] { Press(Qt::Key_Return); }}), IDOK);
 }
 
+TEST_F(QtDisplay, NoOtherButtonIsPressedWhenThePressedOneIsDisabled)
+{
+    const Step disable = []
+    {
+        WidgetOf(IDC_FTP_LOGS).setFocus();
+        EnableWindow(ControlOf(IDC_FTP_LOGS), FALSE);
+        Press(Qt::Key_Space);
+    };
+    EXPECT_EQ(Use(IDD_CONSOLE, {disable, kEscape}), IDCANCEL);
+}
+
 TEST_F(QtDisplay, DialogOnTopKeepsItsOwnerFromInput)
 {
     const Step openAnother = []

@@ -293,6 +293,9 @@ void RefreshControl(const Window& control, Change change, std::size_t oldLength)
             RefreshReadOnly(control);
         return;
     case Change::Enabled:
+        // Nothing has the keyboard then; Qt would give it to the next control.
+        if (!control.enabled && widget.window()->focusWidget() == &widget)
+            widget.window()->setFocus();
         return widget.setEnabled(control.enabled);
     case Change::Visible:
         return widget.setVisible(control.visible);
