@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "console/TavoDlg.h"
 #include "ldap/LdapTest.h"
+#include "ldap/Secrecy.h"
 
 void CTavoDlg::OnLdapTest()
 {
+    KeepMemoryToOurselves();
     LDAPCreds creds(this);
     if (creds.DoModal() != IDOK)
         return;
@@ -11,6 +13,7 @@ void CTavoDlg::OnLdapTest()
     TestLdapServer(
         creds, [this](const wchar_t* text) { AppendLine(text); },
         [this](LDAP* session) { WalkLdapTree(session); });
+    Wipe(creds.mPassword);
 }
 
 void CTavoDlg::WalkLdapTree(ldap* session)

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+// Keeps what is typed into the credentials dialog out of what others may read of this process.
+#pragma once
+
+#include "foundation/Oriska.h"
+
+// From now on a crash leaves no image of the process's memory, and no other process of the account may read
+// it.
+void KeepMemoryToOurselves();
+
+// Overwrites a text where it lies.
+void Wipe(ZTString& text);
