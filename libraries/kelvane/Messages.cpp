@@ -7,9 +7,9 @@
 namespace
 {
 
-// A handler that shows a line pumps in turn, so a thousand posted lines would stack a thousand handlers.
-// Beyond this depth a pump leaves the waiting messages to the pumps that it runs inside of, in the same
-// order.
+// A handler that shows a line pumps in turn, so a thousand posted lines would stack a thousand handlers. At
+// this depth a pump serves what was posted and paints, and leaves what a person does to the pumps that it
+// runs inside of; a pump inside that one leaves all of it, in the same order.
 constexpr int kMostNestedPumps = 16;
 thread_local int tNestedPumps = 0;
 
@@ -44,11 +44,13 @@ bool ServeMessage(MSG& message)
 
 void PumpMessages(HWND, DWORD)
 {
-    if (tNestedPumps == kMostNestedPumps)
+    if (tNestedPumps > kMostNestedPumps)
         return;
+    const UINT what =
+        tNestedPumps < kMostNestedPumps ? PM_REMOVE : PM_REMOVE | PM_QS_POSTMESSAGE | PM_QS_PAINT;
     const NestedPump nested;
     MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) && ServeMessage(message))
+    while (PeekMessageW(&message, nullptr, 0, 0, what) && ServeMessage(message))
     {
     }
 }

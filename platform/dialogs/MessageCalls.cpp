@@ -30,7 +30,8 @@ BOOL PeekMessageW(LPMSG message, [[maybe_unused]] HWND window, [[maybe_unused]] 
                   [[maybe_unused]] UINT last, UINT remove)
 {
     assert(window == nullptr && first == 0 && last == 0);
-    return IsWindowsThread() && TheQueue().Next(*message, (remove & PM_REMOVE) != 0);
+    const bool input = (remove & (PM_QS_POSTMESSAGE | PM_QS_PAINT)) == 0;
+    return IsWindowsThread() && TheQueue().Next(*message, (remove & PM_REMOVE) != 0, input);
 }
 
 // Keys reach the windows as what they do; there is nothing to translate.

@@ -79,19 +79,19 @@ bool MessageQueue::NextInput(MSG& message, bool remove)
     return false;
 }
 
-bool MessageQueue::Next(MSG& message, bool remove)
+bool MessageQueue::Next(MSG& message, bool remove, bool input)
 {
-    if (NextPosted(message, remove) || NextInput(message, remove))
+    if (NextPosted(message, remove) || (input && NextInput(message, remove)))
         return true;
     mDisplay->Wait(std::chrono::milliseconds(0));
-    if (NextPosted(message, remove) || NextInput(message, remove))
+    if (NextPosted(message, remove) || (input && NextInput(message, remove)))
         return true;
     if (const HWND unpainted = FindUnpainted())
     {
         message = MakeMessage(unpainted, WM_PAINT, 0, 0);
         return true;
     }
-    return mDisplay->InputHasEnded() && CancelTopDialog() && NextPosted(message, remove);
+    return input && mDisplay->InputHasEnded() && CancelTopDialog() && NextPosted(message, remove);
 }
 
 void MessageQueue::Wait(Clock::time_point deadline)

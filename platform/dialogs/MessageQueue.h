@@ -32,8 +32,9 @@ public:
     // What a person did. It comes behind all posted messages, whenever those were posted.
     void AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-    // Takes the next message, or only looks at it; false when there is none now.
-    bool Next(MSG& message, bool remove);
+    // Takes the next message, or only looks at it; false when there is none now. Without `input`, what a
+    // person did stays, the end of the input too.
+    bool Next(MSG& message, bool remove, bool input = true);
 
     // Returns once something may have come, not necessarily a message, or at the deadline.
     void Wait(Clock::time_point deadline);

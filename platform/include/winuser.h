@@ -127,6 +127,8 @@
 
 #define PM_NOREMOVE 0
 #define PM_REMOVE 1
+#define PM_QS_POSTMESSAGE 0x00980000
+#define PM_QS_PAINT 0x00200000
 
 #define GA_ROOT 2
 #define GWL_STYLE (-16)
@@ -193,7 +195,8 @@ extern "C"
 
     // Messages. Posted ones come first, in the order of posting, then WM_QUIT, then what the person did, then
     // WM_PAINT.
-    // Any thread may post. PeekMessageW takes no filter: window, first and last are 0. It gives FALSE on
+    // Any thread may post. PeekMessageW takes no filter: window, first and last are 0; but
+    // with both PM_QS_ values what a person does stays for a later call. It gives FALSE on
     // any other thread than the windows'.
     PLATFORM_EXPORT LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     PLATFORM_EXPORT BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The console's output routine and the lines that are posted to it, in the very dialog that ships: behind the
+// The console's output routine and the lines that are posted to it, in the very dialog that ships: after the
 // report that it opens with.
 #include "app/CmdLineParser.h"
 #include "console/TavoDlg.h"
@@ -17,7 +17,8 @@ namespace
 {
 
 constexpr int kEnded = 7;
-constexpr DWORD kMinute = 60000; // in ms
+constexpr UINT WM_DEEP = WM_USER + 3; // has OpenConsole do something that takes long
+constexpr DWORD kMinute = 60000;      // in ms
 
 // Open until `onOpen` has run, or longer if that has posted something to be served.
 class OpenConsole : public CTavoDlg
@@ -36,6 +37,8 @@ public:
     }
     INT_PTR Result() const { return mResult; }
 
+    std::wstring mDeepAnswer; // what WM_DEEP had written when its handler ended
+
 protected:
     BOOL OnInitDialog() override
     {
@@ -46,10 +49,25 @@ protected:
     }
 
 private:
+    LRESULT OnDeep(WPARAM, LPARAM)
+    {
+        const std::size_t before = WrittenWithoutTimes().size();
+        for (const wchar_t* line : {L"from a thread\r\n", L"and another\r\n"})
+            PostMessageW(gConsoleWnd, WM_FTP_LINE, 0, reinterpret_cast<LPARAM>(_wcsdup(line)));
+        AppendLine(L"deep\r\n");
+        mDeepAnswer = WrittenWithoutTimes().substr(before);
+        return 0;
+    }
+    DECLARE_MESSAGE_MAP()
+
     std::function<void(OpenConsole&)> mOnOpen;
     std::size_t mReportLength = 0;
     INT_PTR mResult;
 };
+
+BEGIN_MESSAGE_MAP(OpenConsole, CTavoDlg)
+ON_MESSAGE(WM_DEEP, OnDeep)
+END_MESSAGE_MAP()
 
 TEST(Console, PutsTheTimeBeforeEachTextAndAddsNoLineEnd)
 {
@@ -100,6 +118,21 @@ TEST(Console, ShowsPostedLinesInTheirOrderHoweverDeepTheyNest)
             }
             open.AppendLine(L"first\r\n");
             EXPECT_EQ(open.WrittenWithoutTimes(), expected);
+            open.EndDialog(kEnded);
+        });
+}
+
+// A click in the innermost full pump starts a long test, for one: its lines and its window must live on.
+TEST(Console, ServesPostedLinesInAHandlerAtTheDepthWherePumpsEnd)
+{
+    OpenConsole(
+        [](OpenConsole& open)
+        {
+            for (int number = 0; number < 15; ++number)
+                PostMessageW(gConsoleWnd, WM_FTP_LINE, 0, reinterpret_cast<LPARAM>(_wcsdup(L"nested\r\n")));
+            PostMessageW(gConsoleWnd, WM_DEEP, 0, 0);
+            open.AppendLine(L"first\r\n");
+            EXPECT_EQ(open.mDeepAnswer, L"[] deep\r\n[] from a thread\r\n[] and another\r\n");
             open.EndDialog(kEnded);
         });
 }

@@ -87,6 +87,22 @@ TEST(Input, IsDroppedWhenItsControlCannotTakeItAnyMore)
         << "the dialog was disabled under another one";
 }
 
+TEST(Input, StaysWhereOnlyPostedMessagesAndPaintingAreAskedFor)
+{
+    EXPECT_THAT(
+        CommandsAfter(
+            [](HWND dialog)
+            {
+                UserClicked(ControlOfTop(IDC_PUSH));
+                PostMessageW(dialog, WM_NOTE, 0, 0);
+                MSG message;
+                while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_POSTMESSAGE | PM_QS_PAINT))
+                    DispatchMessageW(&message);
+                PostMessageW(dialog, WM_NOTE, 0, 0);
+            }),
+        ElementsAre(0, 0, IDC_PUSH, IDCANCEL));
+}
+
 TEST(Painting, MinimisedDialogIsAskedToPaintAndItsIconReachesTheDisplay)
 {
     bool isIconic = false;
