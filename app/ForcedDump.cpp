@@ -2,6 +2,7 @@
 #include "app/RunModes.h"
 
 #include "app/CmdLineParser.h"
+#include "foundation/EndOfRun.h"
 #include "foundation/OpenAccess.h"
 #include "foundation/Veld.h"
 
@@ -24,6 +25,14 @@ bool ConfirmForcedDump()
                L"Confirm Forced Dump", MB_YESNO) == IDYES;
 }
 
+void SetForAWhile(HANDLE event)
+{
+    const AtEndOfRun reset([event] { ResetEvent(event); });
+    SetEvent(event);
+    Sleep(kSignalMilliseconds);
+    ResetEvent(event);
+}
+
 } // namespace
 
 const wchar_t* RunForcedDump()
@@ -35,9 +44,7 @@ const wchar_t* RunForcedDump()
     const HANDLE event = CreateEventW(OpenAccessAttributes(), TRUE, FALSE, FORCE_CORE_EVENT);
     if (event != nullptr)
     {
-        SetEvent(event);
-        Sleep(kSignalMilliseconds);
-        ResetEvent(event);
+        SetForAWhile(event);
         CloseHandle(event);
         if (!silent)
             MessageBoxW(

@@ -2,6 +2,7 @@
 #include "app/RunModes.h"
 
 #include "app/CmdLineParser.h"
+#include "foundation/EndOfRun.h"
 #include "foundation/Kelvane.h"
 
 namespace
@@ -17,7 +18,10 @@ void ShowFailure(const ZTString& name)
 
 void SetString(eConfigID id, const ZTString& name, const ZTString& value)
 {
-    SetConfigStr(id, value, true, nullptr);
+    {
+        const EndOfRunWaits wait; // for the store to be whole
+        SetConfigStr(id, value, true, nullptr);
+    }
     ResetConfigVal(id);
     if (GetConfigStr(id, nullptr) == value)
     {
@@ -30,7 +34,10 @@ void SetString(eConfigID id, const ZTString& name, const ZTString& value)
 
 void SetNumber(eConfigID id, const ZTString& name, DWORD number)
 {
-    SetConfigDWord(id, number, true, nullptr);
+    {
+        const EndOfRunWaits wait;
+        SetConfigDWord(id, number, true, nullptr);
+    }
     ResetConfigVal(id);
     if (GetConfigDWord(id, nullptr) == number)
     {

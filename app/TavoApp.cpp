@@ -4,6 +4,7 @@
 #include "app/AdministratorTest.h"
 #include "app/CmdLineParser.h"
 #include "app/RunModes.h"
+#include "app/WatchForEnd.h"
 #include "console/TavoDlg.h"
 #include "foundation/Kelvane.h"
 #include "foundation/Veld.h"
@@ -43,6 +44,7 @@ CTavoApp::CTavoApp() : CWinApp(nullptr)
 BOOL CTavoApp::InitInstance()
 {
     CWinApp::InitInstance();
+    WatchForEnd();
     const ZTString cmdLine = GetCommandLineW();
     gCmdLineParser.Parse(cmdLine);
 

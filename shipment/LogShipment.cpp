@@ -3,6 +3,7 @@
 // behind.
 #include "app/CmdLineParser.h"
 #include "console/TavoDlg.h"
+#include "foundation/EndOfRun.h"
 #include "foundation/Kelvane.h"
 #include "shipment/FtpUpload.h"
 #include "shipment/PackingLimit.h"
@@ -39,15 +40,19 @@ bool WriteIgnoreList(CTavoDlg& console, const ZTString& listPath)
 {
     const std::set<ZTString> names = OldFileNames(GetLogDirectory(), _time64(nullptr) - kOldestAge);
     const ZTString text = GetStringFromSet(names, L"\r\n");
-    WriteTextFileAsUTF8(listPath, text, true, true, false, false);
+    {
+        const EndOfRunWaits wait;
+        WriteTextFileAsUTF8(listPath, text, true, true, false, false);
+    }
     if (names.empty())
         return false;
     console.AppendLine(_StrFormat(L"FTP_LOG: Ignoring:\r\n{0}\r\n", {text}));
     return true;
 }
 
-// The archiver's process, or null after a line that says why it could not be started.
-Handle StartArchiver(CTavoDlg& console, const ZTString& commandLine)
+// The archiver's process, or null after a line that says why it could not be started. `running` is the
+// process, too, for an end of the run.
+Handle StartArchiver(CTavoDlg& console, const ZTString& commandLine, HANDLE& running)
 {
     console.AppendLine(_StrFormat(L"FTP_LOG: Starting compression via: [{0}]\r\n", {commandLine}));
     console.AppendLine(L"FTP_LOG: Please wait...\r\n");
@@ -58,8 +63,13 @@ Handle StartArchiver(CTavoDlg& console, const ZTString& commandLine)
     startup.wShowWindow = SW_HIDE;
     PROCESS_INFORMATION process{};
     ZTString buffer = commandLine;
-    if (!CreateProcessW(nullptr, buffer.GetBuffer(buffer.GetLength()), nullptr, nullptr, TRUE, 0, nullptr,
-                        GetLogDirectory(), &startup, &process))
+    {
+        const EndOfRunWaits wait;
+        if (CreateProcessW(nullptr, buffer.GetBuffer(buffer.GetLength()), nullptr, nullptr, TRUE, 0, nullptr,
+                           GetLogDirectory(), &startup, &process))
+            running = process.hProcess;
+    }
+    if (running == nullptr)
     {
         const ZTString error = SystemErrorText(GetLastError());
         console.AppendLine(
@@ -91,7 +101,16 @@ bool WaitForArchiver(CTavoDlg& console, HANDLE archiver)
 
 bool PackLogs(CTavoDlg& console, const ZTString& commandLine)
 {
-    const Handle archiver = StartArchiver(console, commandLine);
+    Handle archiver;
+    HANDLE running = nullptr;
+    const AtEndOfRun kill(
+        [&running]
+        {
+            constexpr DWORD kPatience = 500;
+            TerminateProcess(running, 1);
+            WaitForSingleObject(running, kPatience);
+        });
+    archiver = StartArchiver(console, commandLine, running);
     return archiver && WaitForArchiver(console, archiver.get());
 }
 
@@ -130,6 +149,13 @@ LRESULT CTavoDlg::OnFtpLogs(WPARAM, LPARAM)
     AppendLine(_StrFormat(L"FTP_LOG: Sending logs in: {0}\r\n", {GetLogDirectory()}));
     AppendLine(_StrFormat(L"FTP_LOG: Sending logs to support as: {0}\r\n", {archivePath}));
 
+    const AtEndOfRun leaveNothing(
+        [archivePath, listPath]
+        {
+            DeleteFileW(archivePath);
+            DeleteFileW(archivePath + L".tmp"); // the archiver's, until the archive is whole
+            DeleteFileW(listPath);
+        });
     // What an interrupted shipment left behind.
     DeleteFileW(archivePath);
     DeleteFileW(listPath);

@@ -84,7 +84,10 @@ TEST(OldFileNames, ExactlyTheCutOffIsNotOld)
     const TestFolder logs;
     MakeFile(logs.Path() / "file.log", kCutOff);
     WIN32_FIND_DATAW entry{};
-    FindClose(FindFirstFileW((logs.Path() / "file.log").wstring().c_str(), &entry));
+    const HANDLE find = FindFirstFileW((logs.Path() / "*").wstring().c_str(), &entry);
+    while (std::wstring(entry.cFileName) != L"file.log" && FindNextFileW(find, &entry))
+        ;
+    FindClose(find);
     const std::int64_t written = FILETIMEToTimeT(entry.ftLastWriteTime);
     EXPECT_NEAR(static_cast<double>(kCutOff), static_cast<double>(written), 2);
     EXPECT_STREQ(L"", OldNames(logs.Path(), written));

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,6 +22,7 @@ struct ProgramOutcome
     int exitCode = -1;
     std::string console; // UTF-8, "\n" line ends: what the user saw, boxes and dialogs included
     std::string errors;  // standard error; Linux only
+    double secondsAfterSignal = 0;
 };
 
 // A start of the program, with what its user does.
@@ -36,6 +38,11 @@ struct ProgramStart
     // What the console must say before the user does anything. On Windows it must also stand still by then;
     // in the terminal the input does not end after it.
     std::string awaited{};
+    // Linux only: the signal is sent once this holds of the console's text so far; the input does not end
+    // before.
+    int signal = 0;
+    std::function<bool(const std::string& console)> signalWhen{};
+    std::vector<int> ignoredSignals{}; // from the start
 };
 
 class ProgramFolder

@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <map>
@@ -80,8 +81,11 @@ bool Drain(int end, std::string& text)
 }
 
 // Gives the input when what it waits for is there.
-void DrainBoth(Pipe& output, Pipe& errors, Pipe& input, const ProgramStart& start, ProgramOutcome& outcome)
+void DrainBoth(pid_t child, Pipe& output, Pipe& errors, Pipe& input, const ProgramStart& start,
+               ProgramOutcome& outcome)
 {
+    bool signalWaits = start.signal != 0;
+    std::chrono::steady_clock::time_point signalled;
     const auto deadline = std::chrono::steady_clock::now() + start.limit;
     std::string text;
     for (const std::string& line : start.input)
@@ -94,19 +98,31 @@ void DrainBoth(Pipe& output, Pipe& errors, Pipe& input, const ProgramStart& star
             given = true;
             // What fits a pipe cannot block; a program that is gone already takes nothing.
             [[maybe_unused]] const ssize_t taken = write(input.mEnds[1], text.data(), text.size());
-            if (start.awaited.empty())
+            if (start.awaited.empty() && !signalWaits)
+                input.CloseWrite();
+        }
+        if (signalWaits && start.signalWhen(outcome.console))
+        {
+            signalWaits = false;
+            signalled = std::chrono::steady_clock::now();
+            kill(child, start.signal);
+            if (std::ranges::count(start.ignoredSignals, start.signal) != 0)
                 input.CloseWrite();
         }
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
         pollfd ends[] = {{output.mEnds[0], POLLIN, 0}, {errors.mEnds[0], POLLIN, 0}};
-        if (left.count() <= 0 || poll(ends, 2, static_cast<int>(left.count())) <= 0)
+        constexpr int kLook = 20; // ms
+        if (left.count() <= 0 ||
+            (poll(ends, 2, signalWaits ? kLook : static_cast<int>(left.count())) <= 0 && !signalWaits))
             return;
         if (ends[0].revents != 0 && !Drain(output.mEnds[0], outcome.console))
             output.CloseRead();
         if (ends[1].revents != 0 && !Drain(errors.mEnds[0], outcome.errors))
             errors.CloseRead();
     }
+    outcome.secondsAfterSignal =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - signalled).count();
 }
 
 } // namespace
@@ -133,6 +149,8 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
     const pid_t child = fork();
     if (child == 0)
     {
+        for (const int number : start.ignoredSignals)
+            signal(number, SIG_IGN);
         // Allocates nothing: a thread that has stayed behind may hold the allocator's lock.
         dup2(input.mEnds[0], STDIN_FILENO);
         dup2(output.mEnds[1], STDOUT_FILENO);
@@ -148,7 +166,7 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
     signal(SIGPIPE, SIG_IGN);
 
     ProgramOutcome outcome;
-    DrainBoth(output, errors, input, start, outcome);
+    DrainBoth(child, output, errors, input, start, outcome);
     outcome.ended = output.mEnds[0] < 0 && errors.mEnds[0] < 0;
     if (!outcome.ended)
         kill(child, SIGKILL);

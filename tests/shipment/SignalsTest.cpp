@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+// The program that ships, ended by a signal in each of its states.
+#include "foundation/Veld.h"
+#include "tests/shipment/ShipmentRun.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/LdapPeer.h"
+#include "tests/support/ScriptedFtpServer.h"
+
+#include <gmock/gmock.h>
+
+#include <sys/stat.h>
+
+#include <csignal>
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+namespace
+{
+
+// Whether somebody holds the name, and the event is set.
+bool IsSet(const wchar_t* name, bool& held)
+{
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, name);
+    held = GetLastError() == ERROR_ALREADY_EXISTS;
+    const bool isSet = WaitForSingleObject(event, 0) == WAIT_OBJECT_0;
+    CloseHandle(event);
+    return isSet;
+}
+
+bool IsFree(const wchar_t* name)
+{
+    bool held = false;
+    return !IsSet(name, held) && !held;
+}
+
+std::function<bool(const std::string&)> Shows(const std::string& text)
+{
+    return [text](const std::string& console) { return console.find(text) != std::string::npos; };
+}
+
+class Signals : public ShipmentTest
+{
+protected:
+    // Sends each of the signals to a program in the state that `start` brings about.
+    void ExpectOrderlyEndBySignals(const std::string& state, ProgramStart start)
+    {
+        for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        {
+            SCOPED_TRACE(state + ", signal " + std::to_string(number));
+            fs::remove(Logs() / "Tavo.log");
+            start.signal = number;
+            const ProgramOutcome outcome = folder.Run(start);
+            ASSERT_TRUE(outcome.ended) << outcome.console;
+            EXPECT_EQ(outcome.exitCode, 128 + number) << outcome.console;
+            EXPECT_LT(outcome.secondsAfterSignal, 2.0);
+            EXPECT_THAT(folder.Log(), HasSubstr(number == SIGINT    ? ": ended by SIGINT\n"
+                                                : number == SIGTERM ? ": ended by SIGTERM\n"
+                                                                    : ": ended by SIGHUP\n"));
+            for (const auto& entry : fs::directory_iterator(Logs()))
+                EXPECT_THAT(entry.path().filename(), testing::AnyOf("Tavo.log", "old.log", "big.log"));
+            EXPECT_TRUE(IsFree(L"Global\\Tavo_FTP"));
+            EXPECT_TRUE(IsFree(FORCE_CORE_EVENT));
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(Signals, EndARunInOrderInEachOfItsStates)
+{
+    WriteFile(Logs() / "old.log", "old");
+    MakeOld(Logs() / "old.log");
+    WriteFile(Logs() / "big.log", RandomBytes(3000000));
+
+    ProgramStart start;
+    start.signalWhen = Shows("System default locale");
+    ExpectOrderlyEndBySignals("console", start);
+
+    start.arguments = {"-FORCE_DEBUG_DUMP"};
+    start.signalWhen = Shows("Are you sure");
+    ExpectOrderlyEndBySignals("box", start);
+
+    start.arguments = {"-FORCE_DEBUG_DUMP_SILENT"};
+    bool held = false;
+    start.signalWhen = [&held](const std::string&) { return IsSet(FORCE_CORE_EVENT, held); };
+    ExpectOrderlyEndBySignals("forced dump", start);
+
+    LdapPeer silent(
+        [](LdapPeer::Connection& connection)
+        {
+            connection.ReadRequest();
+            Sleep(60'000);
+        });
+    start.arguments = {};
+    start.input = {"LDAP ...", "LDAP Server=127.0.0.1", "Port=" + std::to_string(silent.Port()), "OK"};
+    start.signalWhen = Shows("Calling ldap_connect");
+    ExpectOrderlyEndBySignals("LDAP call", start);
+    start.input = {};
+
+    start.arguments = {"-FTP_LOG=case", "-AUTOCLOSE=yes"};
+    const std::string id = (folder.Path() / "archiver").string();
+    ReplaceArchiver("echo half > case.zip; echo half > case.zip.tmp; echo $$ > '" + id + "'; exec sleep 60");
+    start.signalWhen = [&id](const std::string&) { return fs::exists(id) && !ReadFile(id).empty(); };
+    ExpectOrderlyEndBySignals("packing", start);
+    const pid_t archiver = std::stoi(ReadFile(id));
+    for (int tries = 0; kill(archiver, 0) == 0 && tries < 100; ++tries)
+        Sleep(20); // a new parent has to collect it
+    EXPECT_NE(kill(archiver, 0), 0) << "the archiver has ended";
+
+    ReplaceArchiver("exec \"$REAL\" \"$@\"");
+    ScriptedFtpServer server({.breakAt = 1000000, .atBreak = FtpScript::Break::eStall}, kFtpPort);
+    start.signalWhen = Shows("% done, ");
+    ExpectOrderlyEndBySignals("sending", start);
+}
+
+TEST_F(Signals, ThatWereIgnoredFromTheStartStayIgnored)
+{
+    ProgramStart start; // as nohup(1) starts it; then the end of input closes the console
+    start.ignoredSignals = {SIGHUP, SIGCHLD, SIGXFSZ};
+    start.signal = SIGHUP;
+    start.signalWhen = Shows("System default locale");
+    const ProgramOutcome outcome = folder.Run(start);
+    EXPECT_TRUE(outcome.ended);
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.console;
+    EXPECT_THAT(folder.Log(), HasSubstr("finished tavo app"));
+}
+
+// The program runs as root: what its caller's environment names must not be loaded. Whoever opens this one
+// waits.
+TEST_F(Signals, EnvironmentNamesNoCodeToLoad)
+{
+    const fs::path pipe = folder.Path() / "openssl.cnf";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    LdapPeer peer([](LdapPeer::Connection& connection) { connection.ReadRequest(); });
+    ProgramStart start;
+    start.environment = {{"OPENSSL_CONF", pipe.string()}, {"SASL_PATH", pipe.string()}};
+    start.input = {"LDAP ...", "LDAP Server=127.0.0.1", "Port=" + std::to_string(peer.Port()),
+                   "Authentication=SSL", "OK"};
+    start.limit = std::chrono::seconds(20);
+    const ProgramOutcome outcome = folder.Run(start);
+    EXPECT_TRUE(outcome.ended);
+    EXPECT_THAT(outcome.console, HasSubstr("END TEST"));
+}
