@@ -158,7 +158,7 @@ public:
 // --- User and report ---
 
 KELVANE_EXPORT ZTString GetLocalComputerName();
-// NameUnknown gives the account's bare name; the others are those of GetUserNameExW.
+// The account's bare name; `format` is NameUnknown.
 KELVANE_EXPORT ZTString GetUserNameW(EXTENDED_NAME_FORMAT format);
 // The setting CustomerServiceText.
 KELVANE_EXPORT ZTString GetCustServiceInfo();

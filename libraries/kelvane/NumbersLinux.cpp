@@ -26,6 +26,8 @@ std::array<char, ULOC_FULLNAME_CAPACITY> UserLocale()
         {
             UErrorCode status = U_ZERO_ERROR;
             uloc_canonicalize(name, locale.data(), locale.size() - 1, &status); // the last one stays 0
+            // Windows writes ASCII digits by default, whatever the language's own are.
+            uloc_setKeywordValue("numbers", "latn", locale.data(), locale.size() - 1, &status);
             break;
         }
     return locale;

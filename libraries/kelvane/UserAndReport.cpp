@@ -20,13 +20,11 @@ ZTString GetLocalComputerName()
     return GetComputerNameW(name.data(), &size) ? ZTString(name.data()) : ZTString();
 }
 
-ZTString GetUserNameW(EXTENDED_NAME_FORMAT format)
+ZTString GetUserNameW(EXTENDED_NAME_FORMAT)
 {
     Buffer name{};
     DWORD size = kBufferSize;
-    const bool good = format == NameUnknown ? GetUserNameW(name.data(), &size) != 0
-                                            : GetUserNameExW(format, name.data(), &size) != 0;
-    return good ? ZTString(name.data()) : ZTString();
+    return GetUserNameW(name.data(), &size) ? ZTString(name.data()) : ZTString();
 }
 
 ZTString GetCustServiceInfo()

@@ -23,6 +23,11 @@
 
 #define STARTF_USESHOWWINDOW 0x00000001
 
+#define CTRL_C_EVENT 0
+#define CTRL_CLOSE_EVENT 2
+#define CTRL_SHUTDOWN_EVENT 6
+using PHANDLER_ROUTINE = BOOL(WINAPI*)(DWORD event);
+
 #define LMEM_FIXED 0x0000
 #define LMEM_ZEROINIT 0x0040
 #define LPTR (LMEM_FIXED | LMEM_ZEROINIT)
@@ -100,10 +105,10 @@ extern "C"
 
     // --- Events ---
 
-    // A name holds for the whole machine, with "Global\" in front or without, and is gone when the last
-    // holder has closed it or ended, killed or not. Other users may open it when the descriptor has a null
-    // access list; without one only the same user and root. No other backslash in a name
-    // (ERROR_PATH_NOT_FOUND). Setting and resetting an auto-reset event at once may leave its waiter waiting.
+    // Each event has a name, is reset by ResetEvent alone and begins unset. The name holds for the whole
+    // machine, with "Global\" in front or without, and is gone when the last holder has closed it or ended,
+    // killed or not. Other users may open it when the descriptor has a null access list; without one only the
+    // same user and root. No other backslash in a name (ERROR_PATH_NOT_FOUND).
     PLATFORM_EXPORT HANDLE CreateEventW(LPSECURITY_ATTRIBUTES attributes, BOOL manualReset, BOOL initialState,
                                         LPCWSTR name);
     PLATFORM_EXPORT BOOL SetEvent(HANDLE event);
@@ -118,16 +123,25 @@ extern "C"
     // names no directory, relative to the caller's directory otherwise, and nothing is added to it. The rest
     // is split by the rules of the C runtime. The child gets standard input, output and error (null devices
     // with SW_HIDE) and no other open file, and the current environment; the flags are 0.
-    // A path that is no program gives ERROR_ACCESS_DENIED or ERROR_BAD_EXE_FORMAT.
+    // A path that is not a program gives ERROR_ACCESS_DENIED or ERROR_BAD_EXE_FORMAT.
     PLATFORM_EXPORT BOOL CreateProcessW(LPCWSTR application, LPWSTR commandLine,
                                         LPSECURITY_ATTRIBUTES processAttributes,
                                         LPSECURITY_ATTRIBUTES threadAttributes, BOOL inheritHandles,
                                         DWORD flags, LPVOID environment, LPCWSTR currentDirectory,
                                         LPSTARTUPINFOW startup, LPPROCESS_INFORMATION information);
 
+    // The process is killed, whatever the code.
+    PLATFORM_EXPORT BOOL TerminateProcess(HANDLE process, UINT exitCode);
+
     // 128 + the signal's number for a process that a signal ended.
     PLATFORM_EXPORT BOOL GetExitCodeProcess(HANDLE process, LPDWORD exitCode);
     PLATFORM_EXPORT HANDLE GetCurrentProcess();
+
+    // For one handler, added once, before other threads begin. SIGINT is CTRL_C_EVENT, SIGHUP
+    // CTRL_CLOSE_EVENT and SIGTERM CTRL_SHUTDOWN_EVENT; one that the process was started to ignore stays
+    // ignored. The handler runs on a thread of its own, for at most 1.5 s; then the process ends by that very
+    // signal. Another signal meanwhile ends it at once.
+    PLATFORM_EXPORT BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE handler, BOOL add);
     PLATFORM_EXPORT HANDLE GetCurrentThread();
     PLATFORM_EXPORT DWORD GetCurrentThreadId();
     PLATFORM_EXPORT void Sleep(DWORD milliseconds);
@@ -135,7 +149,7 @@ extern "C"
     PLATFORM_EXPORT BOOL OpenThreadToken(HANDLE thread, DWORD access, BOOL openAsSelf, HANDLE* token);
 
     // The program's arguments, quoted as a Windows user would have typed them; works from the first static
-    // constructor on. Bytes that are no UTF-8 read as U+DC80 to U+DCFF, here and in every path.
+    // constructor on. Bytes that are not UTF-8 read as U+DC80 to U+DCFF, here and in every path.
     PLATFORM_EXPORT LPWSTR GetCommandLineW();
 
     PLATFORM_EXPORT BOOL InitializeCriticalSectionAndSpinCount(LPCRITICAL_SECTION section, DWORD spinCount);

@@ -85,10 +85,7 @@ struct FILETIME
 
 #define WINAPI
 #define CALLBACK
-#define APIENTRY
 #define __cdecl
-#define __stdcall
-#define CONST const
 
 #ifndef TRUE
 #define TRUE 1
@@ -102,8 +99,6 @@ struct FILETIME
 #define MAKELONG(low, high)                                                                                  \
     (static_cast<LONG>(static_cast<WORD>(low) | (static_cast<DWORD>(static_cast<WORD>(high)) << 16)))
 #define MAKEWPARAM(low, high) (static_cast<WPARAM>(static_cast<DWORD>(MAKELONG(low, high))))
-#define MAKELPARAM(low, high) (static_cast<LPARAM>(static_cast<DWORD>(MAKELONG(low, high))))
 #define MAKEINTRESOURCEW(id) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(id))))
-#define IS_INTRESOURCE(id) ((reinterpret_cast<ULONG_PTR>(id) >> 16) == 0)
 
 #endif // RC_INVOKED

@@ -18,7 +18,8 @@ extern "C"
                                             LPSTR narrow, int narrowSize, LPCSTR defaultCharacter,
                                             BOOL* usedDefault);
 
-    // The locale of LC_ALL, LC_CTYPE or LANG, the first that is set; 0x0409 for C, POSIX and none.
+    // The locale of LC_ALL, LC_NUMERIC or LANG, the first that is set; 0x0409 for C, POSIX and none, 0x0C00
+    // for one that has no number of its own.
     PLATFORM_EXPORT LCID GetUserDefaultLCID();
     // The locale of /etc/default/locale or /etc/locale.conf.
     PLATFORM_EXPORT LCID GetSystemDefaultLCID();

@@ -11,11 +11,6 @@ using SECURITY_DESCRIPTOR_CONTROL = WORD;
 using LCID = DWORD;
 using LANGID = WORD;
 
-#define GENERIC_READ 0x80000000U
-#define GENERIC_WRITE 0x40000000U
-#define GENERIC_EXECUTE 0x20000000U
-#define GENERIC_ALL 0x10000000U
-
 #define FILE_ATTRIBUTE_DIRECTORY 0x00000010
 #define FILE_ATTRIBUTE_NORMAL 0x00000080
 #define FILE_ATTRIBUTE_REPARSE_POINT 0x00000400
@@ -114,8 +109,5 @@ using PPRIVILEGE_SET = PRIVILEGE_SET*;
 
 enum SECURITY_IMPERSONATION_LEVEL
 {
-    SecurityAnonymous,
-    SecurityIdentification,
-    SecurityImpersonation,
-    SecurityDelegation
+    SecurityImpersonation = 2
 };

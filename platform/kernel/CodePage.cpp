@@ -15,6 +15,8 @@
 #include <string>
 #include <string_view>
 
+using namespace platform;
+
 namespace
 {
 
@@ -61,7 +63,7 @@ template <typename Write>
 void Encode(UConverter& converter, std::wstring_view text, Write write)
 {
     constexpr std::size_t kPiece = 4096;
-    constexpr UChar32 kReplacement = 0xFFFD; // for what is no code point
+    constexpr UChar32 kReplacement = 0xFFFD; // for what is not a code point
     std::array<UChar, 2 * kPiece> units;
     std::array<char, 4 * kPiece> bytes;
     UErrorCode error = U_ZERO_ERROR;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/CommandLine.h"
 
+#include "platform/kernel/Text.h"
 #include "text/Unicode.h"
 #include "winbase.h"
 
-#include <fstream>
-#include <iterator>
+using namespace platform;
 
 namespace
 {
@@ -33,8 +33,7 @@ std::wstring QuoteArgument(std::wstring argument)
 
 std::vector<std::wstring> OwnArguments()
 {
-    std::ifstream file("/proc/self/cmdline", std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    const std::string bytes = ReadWholeFile("/proc/self/cmdline");
     std::vector<std::wstring> arguments;
     for (std::size_t at = 0; at < bytes.size();)
     {
@@ -105,7 +104,7 @@ std::wstring TakeArgument(std::wstring_view& line)
 
 } // namespace
 
-std::wstring JoinCommandLine(const std::vector<std::wstring>& arguments)
+std::wstring platform::JoinCommandLine(const std::vector<std::wstring>& arguments)
 {
     std::wstring line;
     for (const std::wstring& argument : arguments)
@@ -116,7 +115,7 @@ std::wstring JoinCommandLine(const std::vector<std::wstring>& arguments)
     return line;
 }
 
-std::vector<std::wstring> SplitCommandLine(std::wstring_view line)
+std::vector<std::wstring> platform::SplitCommandLine(std::wstring_view line)
 {
     std::vector<std::wstring> words = {TakeProgram(line)};
     for (;;)

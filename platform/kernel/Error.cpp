@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+using namespace platform;
+
 namespace
 {
 
@@ -17,12 +19,12 @@ DWORD GetLastError()
     return gLastError;
 }
 
-void SetLastError(DWORD code)
+void platform::SetLastError(DWORD code)
 {
     gLastError = code;
 }
 
-DWORD ErrorFromErrno(int code)
+DWORD platform::ErrorFromErrno(int code)
 {
     switch (code)
     {
@@ -73,13 +75,13 @@ DWORD ErrorFromErrno(int code)
     }
 }
 
-BOOL FailWith(DWORD code)
+BOOL platform::FailWith(DWORD code)
 {
     SetLastError(code);
     return FALSE;
 }
 
-BOOL FailWithErrno(int code)
+BOOL platform::FailWithErrno(int code)
 {
     return FailWith(ErrorFromErrno(code));
 }

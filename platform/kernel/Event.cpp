@@ -1,112 +1,140 @@
 // SPDX-License-Identifier: MIT
-// Events, alone in the process or shared by name. Either way waiting threads sleep in the kernel on one word
-// (futex(2)), which lies in the object or in the named block.
+// Named events: a set of System V semaphores for each name (semop(2)). The kernel takes a process that ends,
+// killed or not, off the count of holders; no account can shrink what another one uses; where there is no
+// room for a set, making it is what fails.
 #include "platform/kernel/Handle.h"
-#include "platform/kernel/NamedMemory.h"
+#include "text/Unicode.h"
 
-#include <linux/futex.h>
-#include <sys/syscall.h>
+#include <sys/ipc.h>
+#include <sys/sem.h>
 #include <unistd.h>
 
-#include <atomic>
+#include <algorithm>
 #include <cerrno>
-#include <climits>
-#include <cstdint>
+#include <thread>
+
+using namespace platform;
 
 namespace
 {
 
-constexpr std::uint32_t kSignalled = 1; // in mWord; the rest of the word counts the times it was set
-constexpr std::uint32_t kOneSet = 2;
-
-struct EventState
+enum Semaphore : unsigned short
 {
-    std::uint32_t mWord;
-    std::uint32_t mManualReset;
+    kIsSet,
+    kHolders, // a name without any counts as not there
+    kIsGone,  // 1: the last holder has left and removes the set
+    kSemaphores,
 };
 
-// Sleeps while the word holds `expected`. False when the deadline has passed.
-bool SleepOn(std::uint32_t& word, std::uint32_t expected, const Deadline& deadline)
+constexpr short kNow = IPC_NOWAIT;
+constexpr short kUndone = IPC_NOWAIT | SEM_UNDO; // by the kernel when the process ends
+
+// All of the operations at once, or none and an errno.
+template <std::size_t count>
+bool Operate(int set, sembuf (&&operations)[count])
 {
-    timespec until = {};
-    if (deadline)
+    return semop(set, operations, count) == 0;
+}
+
+void SetValue(int set, Semaphore semaphore, int value)
+{
+    union
     {
-        const auto since = deadline->time_since_epoch();
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(since);
-        until.tv_sec = seconds.count();
-        until.tv_nsec = std::chrono::nanoseconds(since - seconds).count();
+        int mValue;
+        void* mPointer;
+    } argument = {value};
+    semctl(set, semaphore, SETVAL, argument);
+}
+
+key_t KeyOf(std::wstring_view name)
+{
+    std::uint32_t hash = 0x811C9DC5; // FNV-1a
+    for (const char byte : "tavo." + text::ToUtf8(name))
+        hash = (hash ^ static_cast<unsigned char>(byte)) * 0x01000193;
+    return static_cast<key_t>(hash == IPC_PRIVATE ? 1 : hash);
+}
+
+// Becomes a holder of the name: its set, or -1 and an errno.
+int HoldSet(key_t key, int mode, bool& existed)
+{
+    constexpr int kTries = 1000; // a ms each; a set that is gone is removed in moments
+    for (int tries = 0; tries < kTries; ++tries)
+    {
+        const int set = semget(key, kSemaphores, IPC_CREAT | mode);
+        if (set == -1)
+            return -1;
+        existed = !Operate(set, {{kIsGone, 0, kNow}, {kHolders, 0, kNow}, {kHolders, 1, kUndone}});
+        if (!existed)
+        {
+            SetValue(set, kIsSet, 0); // what a killed holder left
+            return set;
+        }
+        if (errno == EAGAIN &&
+            Operate(set, {{kIsGone, 0, kNow}, {kHolders, -1, kUndone}, {kHolders, 2, kUndone}}))
+            return set;
+        if (errno != EAGAIN && errno != EIDRM && errno != EINVAL && errno != EINTR)
+            return -1;
+        if (semctl(set, kIsGone, GETVAL) == 1)
+            semctl(set, 0, IPC_RMID); // its last holder was killed at it
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    // FUTEX_WAIT_BITSET takes an absolute time of the monotonic clock, which is steady_clock's.
-    const long result = syscall(SYS_futex, &word, FUTEX_WAIT_BITSET, expected, deadline ? &until : nullptr,
-                                nullptr, FUTEX_BITSET_MATCH_ANY);
-    return result == 0 || errno != ETIMEDOUT;
+    errno = EACCES;
+    return -1;
+}
+
+bool MayRemove(int set)
+{
+    semid_ds status = {};
+    union
+    {
+        semid_ds* mStatus;
+        int mValue;
+    } argument = {&status};
+    const uid_t user = geteuid();
+    return semctl(set, 0, IPC_STAT, argument) == 0 &&
+           (user == status.sem_perm.uid || user == status.sem_perm.cuid);
 }
 
 class Event : public Waitable
 {
 public:
-    explicit Event(const EventState& state) : mOwn(state), mState(&mOwn) {}
-    explicit Event(std::unique_ptr<NamedMemory> shared)
-        : mOwn(), mShared(std::move(shared)), mState(static_cast<EventState*>(mShared->Data()))
+    explicit Event(int set) : mSet(set) {}
+
+    // Another account's set stays, held by nobody.
+    ~Event() override
     {
+        if (MayRemove(mSet) &&
+            Operate(mSet, {{kHolders, -1, kUndone}, {kHolders, 0, kNow}, {kIsGone, 1, kNow}}))
+            semctl(mSet, 0, IPC_RMID);
+        else
+            Operate(mSet, {{kHolders, -1, kUndone}});
     }
 
     bool Wait(Deadline deadline) override
     {
-        return mState->mManualReset != 0 ? WaitManual(deadline) : WaitAuto(deadline);
-    }
-
-    void Set()
-    {
-        std::uint32_t value = Word().load();
-        while ((value & kSignalled) == 0 &&
-               !Word().compare_exchange_weak(value, (value + kOneSet) | kSignalled))
-        {
-        }
-        // Also when it was set already: the waiter that was woken for it may have been killed.
-        syscall(SYS_futex, &mState->mWord, FUTEX_WAKE, mState->mManualReset != 0 ? INT_MAX : 1, nullptr,
-                nullptr, 0);
-    }
-
-    void Reset() { Word().fetch_and(~kSignalled); }
-
-private:
-    std::atomic_ref<std::uint32_t> Word() { return std::atomic_ref(mState->mWord); }
-
-    // One set releases all who waited at that moment, however soon the reset follows: they see its count.
-    bool WaitManual(const Deadline& deadline)
-    {
-        const std::uint32_t start = Word().load();
-        std::uint32_t value = start;
-        while ((value & kSignalled) == 0 && value == start)
-        {
-            if (!SleepOn(mState->mWord, value, deadline))
-                return false;
-            value = Word().load();
-        }
-        return true;
-    }
-
-    bool WaitAuto(const Deadline& deadline)
-    {
+        sembuf whenSet[] = {{kIsSet, -1, 0}, {kIsSet, 1, 0}};
         for (;;)
         {
-            std::uint32_t value = Word().load();
-            if ((value & kSignalled) != 0)
+            timespec rest = {};
+            if (deadline)
             {
-                if (Word().compare_exchange_weak(value, value & ~kSignalled))
-                    return true;
+                using namespace std::chrono;
+                const auto left = std::max(*deadline - steady_clock::now(), steady_clock::duration(0));
+                rest.tv_sec = duration_cast<seconds>(left).count();
+                rest.tv_nsec = duration_cast<nanoseconds>(left % seconds(1)).count();
             }
-            else if (!SleepOn(mState->mWord, value, deadline))
-            {
+            if (semtimedop(mSet, whenSet, std::size(whenSet), deadline ? &rest : nullptr) == 0)
+                return true;
+            if (errno != EINTR)
                 return false;
-            }
         }
     }
 
-    EventState mOwn;
-    std::unique_ptr<NamedMemory> mShared;
-    EventState* mState;
+    void Set() { SetValue(mSet, kIsSet, 1); }
+    void Reset() { SetValue(mSet, kIsSet, 0); }
+
+private:
+    int mSet;
 };
 
 bool HasNullAccessList(const SECURITY_ATTRIBUTES* attributes)
@@ -117,38 +145,30 @@ bool HasNullAccessList(const SECURITY_ATTRIBUTES* attributes)
     return (descriptor->Control & SE_DACL_PRESENT) != 0 && descriptor->Dacl == nullptr;
 }
 
-HANDLE CreateNamedEvent(std::wstring name, NamedMemory::Access access, const EventState& initial)
+} // namespace
+
+HANDLE CreateEventW(LPSECURITY_ATTRIBUTES attributes, BOOL, BOOL initialState, LPCWSTR name)
 {
     constexpr std::wstring_view kGlobal = L"Global\\";
-    if (name.starts_with(kGlobal))
-        name.erase(0, kGlobal.size());
-    if (name.find(L'\\') != std::wstring::npos)
+    std::wstring_view own = name == nullptr ? L"" : name;
+    if (own.starts_with(kGlobal))
+        own.remove_prefix(kGlobal.size());
+    if (own.empty() || initialState || own.find(L'\\') != std::wstring_view::npos)
     {
-        SetLastError(ERROR_PATH_NOT_FOUND);
+        SetLastError(own.empty() || initialState ? ERROR_INVALID_PARAMETER : ERROR_PATH_NOT_FOUND);
         return nullptr;
     }
     bool existed = false;
-    auto memory = NamedMemory::Open(name, access, &initial, sizeof initial, existed);
-    if (memory == nullptr)
+    const int set = HoldSet(KeyOf(own), HasNullAccessList(attributes) ? 0666 : 0600, existed);
+    if (set == -1)
+    {
+        // A limit on sets is not a full disk.
+        FailWith(errno == ENOSPC ? ERROR_NOT_ENOUGH_MEMORY : ErrorFromErrno(errno));
         return nullptr;
-    const HANDLE handle = MakeHandle(std::make_shared<Event>(std::move(memory)));
+    }
+    const HANDLE handle = MakeHandle(std::make_shared<Event>(set));
     SetLastError(existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return handle;
-}
-
-} // namespace
-
-HANDLE CreateEventW(LPSECURITY_ATTRIBUTES attributes, BOOL manualReset, BOOL initialState, LPCWSTR name)
-{
-    const EventState initial = {initialState ? kSignalled : 0, manualReset ? 1U : 0U};
-    if (name != nullptr && *name != L'\0')
-    {
-        const bool everybody = HasNullAccessList(attributes);
-        return CreateNamedEvent(name, everybody ? NamedMemory::Access::Everybody : NamedMemory::Access::Owner,
-                                initial);
-    }
-    SetLastError(ERROR_SUCCESS);
-    return MakeHandle(std::make_shared<Event>(initial));
 }
 
 BOOL SetEvent(HANDLE event)

@@ -10,6 +10,8 @@
 
 #include <cerrno>
 
+using namespace platform;
+
 namespace
 {
 
@@ -20,38 +22,6 @@ FILETIME FileTimeOf(const struct statx_timestamp& time)
 {
     const std::int64_t units = (time.tv_sec + kSecondsTo1970) * 10000000 + time.tv_nsec / 100;
     return {static_cast<DWORD>(units), static_cast<DWORD>(units >> 32)};
-}
-
-// * stands for any characters, ? for one.
-bool Matches(std::wstring_view name, std::wstring_view pattern)
-{
-    std::size_t at = 0;
-    std::size_t in = 0;
-    std::size_t star = std::wstring_view::npos;
-    std::size_t resume = 0;
-    while (at < name.size())
-    {
-        if (in < pattern.size() && pattern[in] == L'*')
-        {
-            star = in++;
-            resume = at;
-        }
-        else if (in < pattern.size() && (pattern[in] == L'?' || pattern[in] == name[at]))
-        {
-            ++in;
-            ++at;
-        }
-        else if (star != std::wstring_view::npos)
-        {
-            in = star + 1; // let the last star take one character more
-            at = ++resume;
-        }
-        else
-        {
-            return false;
-        }
-    }
-    return pattern.find_first_not_of(L'*', in) == std::wstring_view::npos;
 }
 
 bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FIND_DATAW& data)
@@ -92,41 +62,40 @@ bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FI
 class Listing : public HandleObject
 {
 public:
-    Listing(DIR* folder, std::wstring pattern) : mFolder(folder), mPattern(std::move(pattern)) {}
+    explicit Listing(DIR* folder) : mFolder(folder) {}
     ~Listing() override { closedir(mFolder); }
 
-    // False behind the last entry. One that vanishes meanwhile is passed over.
+    // False after the last entry. One that vanishes meanwhile is passed over.
     bool Next(WIN32_FIND_DATAW& data)
     {
         while (const dirent* entry = readdir(mFolder))
-        {
-            const std::wstring name = text::FromUtf8(entry->d_name);
-            if (Matches(name, mPattern) && FillData(dirfd(mFolder), entry->d_name, name, data))
+            if (FillData(dirfd(mFolder), entry->d_name, text::FromUtf8(entry->d_name), data))
                 return true;
-        }
         return false;
     }
 
 private:
     DIR* mFolder;
-    std::wstring mPattern;
 };
 
 } // namespace
 
 HANDLE FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW data)
 {
-    const std::wstring_view path = pattern;
-    const std::size_t name = path.find_last_of(L'/') + 1; // 0 without a separator
-    const std::string folder = name == 0 ? "." : text::ToUtf8(path.substr(0, name));
-    DIR* directory = opendir(folder.c_str());
-    if (directory == nullptr)
+    const std::string path = text::ToUtf8(pattern);
+    if (!path.ends_with("/*"))
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return INVALID_HANDLE_VALUE;
+    }
+    DIR* folder = opendir(path.substr(0, path.size() - 1).c_str());
+    if (folder == nullptr)
     {
         const DWORD error = errno == ENOTDIR ? ERROR_DIRECTORY : ErrorFromErrno(errno);
         SetLastError(error == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : error);
         return INVALID_HANDLE_VALUE;
     }
-    auto listing = std::make_shared<Listing>(directory, std::wstring(path.substr(name)));
+    auto listing = std::make_shared<Listing>(folder);
     if (!listing->Next(*data))
     {
         SetLastError(ERROR_FILE_NOT_FOUND);

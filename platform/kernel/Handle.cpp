@@ -4,6 +4,8 @@
 #include <mutex>
 #include <unordered_map>
 
+using namespace platform;
+
 namespace
 {
 
@@ -23,21 +25,15 @@ Table& TheTable()
     return *table;
 }
 
-// Closes what the program left open, so that names leave no file behind.
 struct CloseAtExit
 {
-    ~CloseAtExit()
-    {
-        Objects objects;
-        const std::scoped_lock lock(TheTable().mMutex);
-        objects.swap(TheTable().mObjects);
-    }
+    ~CloseAtExit() { CloseAllHandles(); }
 };
 const CloseAtExit gCloseAtExit;
 
 } // namespace
 
-HANDLE MakeHandle(std::shared_ptr<HandleObject> object)
+HANDLE platform::MakeHandle(std::shared_ptr<HandleObject> object)
 {
     constexpr ULONG_PTR kStep = 4; // as on Windows, whose handles leave the two low bits to the program
     Table& table = TheTable();
@@ -48,7 +44,7 @@ HANDLE MakeHandle(std::shared_ptr<HandleObject> object)
     return handle;
 }
 
-std::shared_ptr<HandleObject> ObjectOf(HANDLE handle)
+std::shared_ptr<HandleObject> platform::ObjectOf(HANDLE handle)
 {
     Table& table = TheTable();
     const std::scoped_lock lock(table.mMutex);
@@ -56,19 +52,26 @@ std::shared_ptr<HandleObject> ObjectOf(HANDLE handle)
     return found == table.mObjects.end() ? nullptr : found->second;
 }
 
-void ForgetHandle(HANDLE handle)
+void platform::ForgetHandle(HANDLE handle)
 {
     Table& table = TheTable();
-    Objects::node_type node; // destroyed behind the lock: an object may take its time to end
+    Objects::node_type node; // destroyed after the lock is gone: an object may take its time to end
     const std::scoped_lock lock(table.mMutex);
     node = table.mObjects.extract(handle);
 }
 
-Deadline DeadlineIn(DWORD milliseconds)
+Deadline platform::DeadlineIn(DWORD milliseconds)
 {
     if (milliseconds == INFINITE)
         return std::nullopt;
     return std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+}
+
+void platform::CloseAllHandles()
+{
+    Objects objects;
+    const std::scoped_lock lock(TheTable().mMutex);
+    objects.swap(TheTable().mObjects);
 }
 
 BOOL CloseHandle(HANDLE handle)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The process's table of handles. A handle is a number that is never used twice, and each call finds the
-// object behind it by kind, so a handle that is closed, made up or of another kind cannot be mistaken.
+// object that it stands for by kind, so a handle that is closed, made up or of another kind cannot be
+// mistaken.
 #pragma once
 
 #include "platform/kernel/Error.h"
@@ -9,6 +10,9 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+
+namespace platform
+{
 
 class HandleObject
 {
@@ -41,6 +45,9 @@ HANDLE MakeHandle(std::shared_ptr<HandleObject> object);
 std::shared_ptr<HandleObject> ObjectOf(HANDLE handle);
 void ForgetHandle(HANDLE handle);
 
+// Closes what the program left open as the process ends, so that no name stays behind.
+void CloseAllHandles();
+
 // The object of a kind; null and ERROR_INVALID_HANDLE for any other handle.
 template <typename Kind>
 std::shared_ptr<Kind> ObjectOf(HANDLE handle)
@@ -60,3 +67,5 @@ BOOL CloseHandleOf(HANDLE handle)
     ForgetHandle(handle);
     return TRUE;
 }
+
+} // namespace platform

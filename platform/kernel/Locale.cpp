@@ -1,24 +1,28 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/Locale.h"
 
+#include "platform/kernel/Text.h"
+
 #include <langinfo.h>
 #include <locale.h>
 #include <unicode/uloc.h>
 
 #include <array>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
+
+using namespace platform;
 
 namespace
 {
 
 constexpr LCID kEnglishUnitedStates = 0x0409;
-constexpr std::array kVariables = {"LC_ALL", "LC_CTYPE", "LANG"};
+// What numbers look like is what the user's locale means on Windows.
+constexpr std::array kFormatVariables = {"LC_ALL", "LC_NUMERIC", "LANG"};
+constexpr std::array kTextVariables = {"LC_ALL", "LC_CTYPE", "LANG"};
 
-std::string UserLocale()
+std::string UserLocale(const std::array<const char*, 3>& variables)
 {
-    for (const char* variable : kVariables)
+    for (const char* variable : variables)
     {
         const char* value = getenv(variable);
         if (value != nullptr && *value != '\0')
@@ -27,7 +31,15 @@ std::string UserLocale()
     return {};
 }
 
-// The part of a name behind `mark`, up to the next mark.
+std::string SystemLocale()
+{
+    for (const char* path : {"/etc/default/locale", "/etc/locale.conf"})
+        if (const std::string name = LocaleOfFile(ReadWholeFile(path)); !name.empty())
+            return name;
+    return {};
+}
+
+// The part of a name after `mark`, up to the next mark.
 std::string_view PartBehind(std::string_view name, char mark)
 {
     const std::size_t at = name.find(mark);
@@ -37,16 +49,31 @@ std::string_view PartBehind(std::string_view name, char mark)
     return part.substr(0, part.find('@'));
 }
 
-// Some languages have their number by the script that goes without saying: sr_RS is sr_Cyrl_RS there.
+std::string CountryOf(const char* locale)
+{
+    std::array<char, ULOC_COUNTRY_CAPACITY> country = {};
+    UErrorCode error = U_ZERO_ERROR;
+    uloc_getCountry(locale, country.data(), country.size(), &error);
+    return country.data();
+}
+
+// Some languages have their number by the script that goes without saying: sr_RS is sr_Cyrl_RS there. A
+// number that stands for the language alone, as ICU gives it for en_DK, is none: no user's default has it.
 LCID NumberOf(const std::string& locale)
 {
-    std::array<char, ULOC_FULLNAME_CAPACITY> full = {};
+    std::array<char, ULOC_FULLNAME_CAPACITY> full = {}; // the last one of each stays 0
     std::array<char, ULOC_FULLNAME_CAPACITY> numbered = {};
     UErrorCode error = U_ZERO_ERROR;
-    uloc_addLikelySubtags(locale.c_str(), full.data(), full.size(), &error);
-    const LCID id = uloc_getLCID(full.data());
-    uloc_getLocaleForLCID(id, numbered.data(), numbered.size(), &error);
-    return U_SUCCESS(error) && full == numbered ? id : uloc_getLCID(locale.c_str());
+    uloc_addLikelySubtags(locale.c_str(), full.data(), full.size() - 1, &error);
+    LCID id = uloc_getLCID(full.data());
+    uloc_getLocaleForLCID(id, numbered.data(), numbered.size() - 1, &error);
+    if (U_FAILURE(error) || full != numbered)
+    {
+        id = uloc_getLCID(locale.c_str());
+        error = U_ZERO_ERROR;
+        uloc_getLocaleForLCID(id, numbered.data(), numbered.size() - 1, &error);
+    }
+    return U_SUCCESS(error) && CountryOf(numbered.data()) == CountryOf(locale.c_str()) ? id : 0;
 }
 
 bool IsStandardC(std::string_view base)
@@ -56,21 +83,27 @@ bool IsStandardC(std::string_view base)
 
 } // namespace
 
-LCID LcidOfLocale(std::string_view name)
+LCID platform::LcidOfLocale(std::string_view name)
 {
     std::string base(name.substr(0, name.find_first_of(".@")));
     if (IsStandardC(base))
         return kEnglishUnitedStates;
     const std::string_view modifier = PartBehind(name, '@');
-    const char* script = modifier == "latin" ? "_Latn" : modifier == "cyrillic" ? "_Cyrl" : "";
+    if (base.starts_with("tl_"))
+        base.replace(0, 2, "fil"); // the C library's name of Filipino
+    const char* script = modifier == "latin"        ? "_Latn"
+                         : modifier == "cyrillic"   ? "_Cyrl"
+                         : modifier == "devanagari" ? "_Deva"
+                                                    : "";
     base.insert(std::min(base.find('_'), base.size()), script);
+    base += modifier == "valencia" ? "_VALENCIA" : "";
     const LCID id = NumberOf(base);
     return id == 0 ? LOCALE_CUSTOM_DEFAULT : id;
 }
 
-std::string LocaleOfFile(std::string_view content)
+std::string platform::LocaleOfFile(std::string_view content)
 {
-    for (const std::string_view variable : kVariables)
+    for (const std::string_view variable : kFormatVariables)
     {
         for (std::string_view rest = content; !rest.empty();)
         {
@@ -90,34 +123,38 @@ std::string LocaleOfFile(std::string_view content)
     return {};
 }
 
-std::string UserCharset()
+std::string platform::UserCharset()
 {
-    const std::string name = UserLocale();
+    constexpr const char* kUsual = "UTF-8";
+    const std::string name = UserLocale(kTextVariables);
     if (const std::string_view named = PartBehind(name, '.'); !named.empty())
         return std::string(named);
     // A name without a character set stands for the one that the system's definition of it has.
-    const locale_t locale = newlocale(LC_CTYPE_MASK, name.c_str(), nullptr);
+    const locale_t locale = name.empty() ? nullptr : newlocale(LC_CTYPE_MASK, name.c_str(), nullptr);
     if (locale == nullptr)
-        return "US-ASCII";
+        return kUsual;
     std::string charset = nl_langinfo_l(CODESET, locale);
     freelocale(locale);
     return charset;
 }
 
+std::string platform::LocaleWithoutNumber()
+{
+    const auto isWithout = [](const std::string& name)
+    { return LcidOfLocale(name) == LOCALE_CUSTOM_DEFAULT; };
+    const std::string user = UserLocale(kFormatVariables);
+    const std::string system = SystemLocale();
+    if (isWithout(user) && isWithout(system) && user != system)
+        return {};
+    return isWithout(user) ? user : isWithout(system) ? system : std::string();
+}
+
 LCID GetUserDefaultLCID()
 {
-    return LcidOfLocale(UserLocale());
+    return LcidOfLocale(UserLocale(kFormatVariables));
 }
 
 LCID GetSystemDefaultLCID()
 {
-    for (const char* path : {"/etc/default/locale", "/etc/locale.conf"})
-    {
-        std::ifstream file(path);
-        const std::string content{std::istreambuf_iterator<char>(file), {}};
-        const std::string name = LocaleOfFile(content);
-        if (!name.empty())
-            return LcidOfLocale(name);
-    }
-    return kEnglishUnitedStates;
+    return LcidOfLocale(SystemLocale());
 }

@@ -8,12 +8,22 @@
 #include <string>
 #include <string_view>
 
+namespace platform
+{
+
 // The Windows number of a locale as the system names it (de_DE.UTF-8@euro); 0x0409 for C, POSIX and the
 // empty name, LOCALE_CUSTOM_DEFAULT for one that has no number.
 PLATFORM_EXPORT LCID LcidOfLocale(std::string_view name);
 
-// The locale that the lines of a locale.conf(5) set: LC_ALL, LC_CTYPE or LANG, the first that is there.
+// The locale that the lines of a locale.conf(5) set: LC_ALL, LC_NUMERIC or LANG, the first that is there.
 PLATFORM_EXPORT std::string LocaleOfFile(std::string_view content);
 
-// Name of the user's character set, as ICU takes it.
+// The name behind LOCALE_CUSTOM_DEFAULT, be it the user's default or the system's; empty when neither has
+// that number, and when both have and differ.
+std::string LocaleWithoutNumber();
+
+// Name of the user's character set, as ICU takes it: the one in the locale's name, also where the system
+// lacks that locale; UTF-8 where no locale is set, or one without a set of its own that the system lacks.
 std::string UserCharset();
+
+} // namespace platform

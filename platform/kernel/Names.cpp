@@ -15,6 +15,8 @@
 #include <climits>
 #include <vector>
 
+using namespace platform;
+
 namespace
 {
 
@@ -26,14 +28,8 @@ std::wstring HostName()
     return text::FromUtf8(full.substr(0, full.find('.')));
 }
 
-struct User
-{
-    std::wstring mLogin;
-    std::wstring mFullName;
-};
-
-// The effective user; the number alone for one without an account.
-User EffectiveUser()
+// The effective user's; the number for one without an account.
+std::wstring LoginName()
 {
     const uid_t id = geteuid();
     std::vector<char> buffer(16384);
@@ -41,10 +37,7 @@ User EffectiveUser()
     passwd* found = nullptr;
     while (getpwuid_r(id, &entry, buffer.data(), buffer.size(), &found) == ERANGE)
         buffer.resize(buffer.size() * 2);
-    if (found == nullptr)
-        return {std::to_wstring(id), {}};
-    const std::string_view comment = found->pw_gecos;
-    return {text::FromUtf8(found->pw_name), text::FromUtf8(comment.substr(0, comment.find(',')))};
+    return found == nullptr ? std::to_wstring(id) : text::FromUtf8(found->pw_name);
 }
 
 // The rule of these calls: `size` is the buffer's on entry, afterwards the characters with the terminator
@@ -68,35 +61,7 @@ BOOL GetComputerNameW(LPWSTR buffer, LPDWORD size)
 
 BOOL GetUserNameW(LPWSTR buffer, LPDWORD size)
 {
-    return CopyWithSize(EffectiveUser().mLogin, buffer, *size) ? TRUE : FailWith(ERROR_INSUFFICIENT_BUFFER);
-}
-
-BYTE GetUserNameExW(EXTENDED_NAME_FORMAT format, LPWSTR buffer, PULONG size)
-{
-    const User user = EffectiveUser();
-    std::wstring name;
-    if (format == NameSamCompatible)
-    {
-        name = HostName();
-        name += L'\\';
-        name += user.mLogin;
-    }
-    else if (format == NameDisplay)
-    {
-        name = user.mFullName;
-    }
-    if (name.empty())
-    {
-        SetLastError(ERROR_NONE_MAPPED);
-        return FALSE;
-    }
-    if (!CopyWithSize(name, buffer, *size))
-    {
-        SetLastError(ERROR_MORE_DATA);
-        return FALSE;
-    }
-    --*size;
-    return TRUE;
+    return CopyWithSize(LoginName(), buffer, *size) ? TRUE : FailWith(ERROR_INSUFFICIENT_BUFFER);
 }
 
 HMODULE GetModuleHandleW(LPCWSTR)

@@ -20,6 +20,8 @@
 #include <mutex>
 #include <optional>
 
+using namespace platform;
+
 namespace
 {
 
@@ -62,6 +64,8 @@ public:
                 return false;
         }
     }
+
+    bool Kill() { return syscall(SYS_pidfd_send_signal, mFile, SIGKILL, nullptr, 0) == 0; }
 
     // None while it runs.
     std::optional<DWORD> ExitCode()
@@ -222,6 +226,14 @@ BOOL CreateProcessW(LPCWSTR application, LPWSTR commandLine, LPSECURITY_ATTRIBUT
     information->dwProcessId = static_cast<DWORD>(id);
     information->dwThreadId = static_cast<DWORD>(id);
     return TRUE;
+}
+
+BOOL TerminateProcess(HANDLE process, UINT)
+{
+    const auto object = ObjectOf<Process>(process);
+    if (object == nullptr)
+        return FALSE;
+    return object->Kill() ? TRUE : FailWithErrno(errno);
 }
 
 BOOL GetExitCodeProcess(HANDLE process, LPDWORD exitCode)

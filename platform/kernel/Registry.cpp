@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/Handle.h"
+#include "platform/kernel/Locale.h"
 #include "text/Unicode.h"
 #include "winreg.h"
 
 #include <unicode/uloc.h>
-#include <unicode/ustring.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cwchar>
+
+using namespace platform;
 
 namespace
 {
@@ -18,44 +20,37 @@ class LocaleKey : public HandleObject
 {
 };
 
-// A locale's name without a script that goes without saying: zh_CN for zh_Hans_CN, but sr_Latn_RS.
-std::string ShortName(const char* locale)
+// "de-de;German (Germany)" for de_DE; empty for a name that ICU cannot read. Scripts are part of the
+// published tags but for Chinese.
+std::wstring LocaleText(const char* locale)
 {
-    std::array<char, ULOC_FULLNAME_CAPACITY> language = {};
-    std::array<char, ULOC_FULLNAME_CAPACITY> country = {};
-    std::array<char, ULOC_FULLNAME_CAPACITY> full = {};
-    std::array<char, ULOC_FULLNAME_CAPACITY> guessed = {};
-    UErrorCode error = U_ZERO_ERROR;
-    uloc_getLanguage(locale, language.data(), language.size(), &error);
-    uloc_getCountry(locale, country.data(), country.size(), &error);
-    if (country.front() == '\0')
-        return locale;
-    std::string name = std::string(language.data()) + '_' + country.data();
-    uloc_addLikelySubtags(locale, full.data(), full.size(), &error);
-    uloc_addLikelySubtags(name.c_str(), guessed.data(), guessed.size(), &error);
-    return U_SUCCESS(error) && full == guessed ? name : locale;
-}
-
-// "de-de;German (Germany)" for 0x0407; empty for a number that is no locale's.
-std::wstring LocaleText(DWORD id)
-{
-    std::array<char, ULOC_FULLNAME_CAPACITY> locale = {};
-    UErrorCode error = U_ZERO_ERROR;
-    uloc_getLocaleForLCID(id, locale.data(), locale.size(), &error);
-    if (U_FAILURE(error) || uloc_getLCID(locale.data()) != id)
-        return {};
-    const std::string name = ShortName(locale.data());
     std::array<char, ULOC_FULLNAME_CAPACITY> tag = {};
-    uloc_toLanguageTag(name.c_str(), tag.data(), tag.size(), FALSE, &error);
     std::array<UChar, 256> english = {};
-    uloc_getDisplayName(name.c_str(), "en", english.data(), english.size() - 1, &error);
-    std::array<char, 4 * english.size()> narrow = {};
-    u_strToUTF8(narrow.data(), narrow.size(), nullptr, english.data(), -1, &error);
+    UErrorCode error = U_ZERO_ERROR;
+    uloc_toLanguageTag(locale, tag.data(), tag.size() - 1, FALSE, &error);
+    uloc_getDisplayName(locale, "en", english.data(), english.size() - 1, &error);
     if (U_FAILURE(error))
         return {};
     std::string text = tag.data();
     std::ranges::transform(text, text.begin(), [](unsigned char letter) { return std::tolower(letter); });
-    return text::FromUtf8(text + ';' + narrow.data());
+    return text::FromUtf8(text + ';') + text::FromUtf16(english.data());
+}
+
+std::wstring LocaleText(DWORD id)
+{
+    if (id == LOCALE_CUSTOM_DEFAULT)
+    {
+        const std::string name = LocaleWithoutNumber();
+        return name.empty() ? std::wstring() : LocaleText(name.substr(0, name.find_first_of(".@")).c_str());
+    }
+    std::array<char, ULOC_FULLNAME_CAPACITY> locale = {};
+    UErrorCode error = U_ZERO_ERROR;
+    uloc_getLocaleForLCID(id, locale.data(), locale.size() - 1, &error);
+    if (U_FAILURE(error) || uloc_getLCID(locale.data()) != id)
+        return {};
+    const std::string name = locale.data();
+    const bool isChinese = name.starts_with("zh_Han"); // Hans, Hant
+    return LocaleText(isChinese ? ("zh" + name.substr(7)).c_str() : name.c_str());
 }
 
 // The text of a value by its name, the locale's number as "%04X" writes it.

@@ -4,13 +4,31 @@
 #include <wchar.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <memory>
 
-bool CopyOut(std::wstring_view text, wchar_t* buffer, std::size_t size)
+using namespace platform;
+
+bool platform::CopyOut(std::wstring_view text, wchar_t* buffer, std::size_t size)
 {
     if (text.size() >= size)
         return false;
     *std::copy(text.begin(), text.end(), buffer) = L'\0';
     return true;
+}
+
+std::string platform::ReadWholeFile(const char* path)
+{
+    std::string content;
+    const std::unique_ptr<FILE, decltype(&fclose)> file(fopen(path, "re"), fclose);
+    std::array<char, 4096> part;
+    for (std::size_t count = 1; file != nullptr && count != 0;)
+    {
+        count = fread(part.data(), 1, part.size(), file.get());
+        content.append(part.data(), count);
+    }
+    return content;
 }
 
 wchar_t* _wcsdup(const wchar_t* text)

@@ -12,6 +12,8 @@
 #include <memory>
 #include <thread>
 
+using namespace platform;
+
 namespace
 {
 

@@ -11,8 +11,9 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
+
+using namespace platform;
 
 namespace
 {
@@ -88,7 +89,8 @@ std::string ZoneId()
     }
     std::string zone = ZoneOfFile("/etc/localtime");
     if (zone.empty())
-        std::ifstream("/etc/timezone") >> zone;
+        zone = ReadWholeFile("/etc/timezone");
+    zone.erase(std::min(zone.find('\n'), zone.size()));
     return zone;
 }
 
@@ -103,10 +105,34 @@ std::string WindowsZone(const std::string& zone)
     return U_SUCCESS(error) ? std::string(name.data(), name.data() + length) : std::string();
 }
 
+// Most zones are named as their key is.
+std::string StandardNameOf(const std::string& zone)
+{
+    constexpr std::pair<const char*, const char*> kOthers[] = {
+        {"UTC", "Coordinated Universal Time"},
+        {"Cape Verde Standard Time", "Cabo Verde Standard Time"},
+        {"Israel Standard Time", "Jerusalem Standard Time"},
+        {"Singapore Standard Time", "Malay Peninsula Standard Time"},
+        {"Kaliningrad Standard Time", "Russia TZ 1 Standard Time"},
+        {"Russian Standard Time", "Russia TZ 2 Standard Time"},
+        {"Russia Time Zone 3", "Russia TZ 3 Standard Time"},
+        {"Ekaterinburg Standard Time", "Russia TZ 4 Standard Time"},
+        {"N. Central Asia Standard Time", "Novosibirsk Standard Time"},
+        {"North Asia Standard Time", "Russia TZ 6 Standard Time"},
+        {"North Asia East Standard Time", "Russia TZ 7 Standard Time"},
+        {"Yakutsk Standard Time", "Russia TZ 8 Standard Time"},
+        {"Vladivostok Standard Time", "Russia TZ 9 Standard Time"},
+        {"Russia Time Zone 10", "Russia TZ 10 Standard Time"},
+        {"Russia Time Zone 11", "Russia TZ 11 Standard Time"},
+    };
+    const auto* found = std::ranges::find(kOthers, zone, [](const auto& other) { return other.first; });
+    return found == std::end(kOthers) ? zone : found->second;
+}
+
 void SetNames(TIME_ZONE_INFORMATION& information, const std::string& zone, const YearClocks& clocks)
 {
     constexpr std::string_view kStandard = "Standard Time";
-    std::string standard = zone == "UTC" ? "Coordinated Universal Time" : zone;
+    std::string standard = StandardNameOf(zone);
     std::string daylight = standard;
     if (const std::size_t at = daylight.find(kStandard); at != std::string::npos)
         daylight.replace(at, kStandard.size(), "Daylight Time");

@@ -5,6 +5,8 @@
 #include "tests/fuzz/Require.h"
 #include "text/Unicode.h"
 
+using namespace platform;
+
 static std::wstring WithoutQuotes(std::wstring text)
 {
     std::erase(text, L'"');

@@ -38,6 +38,9 @@ TEST(CodePage, AnsiIsTheCharacterSetOfTheUsersLocale)
         {"ja_JP.eucJP", L"\u3042", "\xA4\xA2"},
         {"de_DE.ISO-8859-1", L"a\U0001F600b", "a??b"}, // two units
         {"C", L"a\u00E9", "a?"},
+        {"", L"\u00FC\u20AC", "\xC3\xBC\xE2\x82\xAC"}, // none set
+        {"xx_YY", L"\u00FC", "\xC3\xBC"},              // not there, and names no set
+        {"xx_YY.ISO-8859-15", L"\u20AC", "\xA4"},      // not there
         {"xx_YY.no-such-set", L"a\u00E9", "a?"},
     };
     for (const Row& row : rows)

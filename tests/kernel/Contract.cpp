@@ -35,10 +35,8 @@ static_assert(FORMAT_MESSAGE_FROM_SYSTEM == 0x1000 && FORMAT_MESSAGE_IGNORE_INSE
 static_assert(TOKEN_QUERY == 8 && SecurityImpersonation == 2 && SECURITY_DESCRIPTOR_REVISION == 1 &&
               ACL_REVISION2 == 2);
 static_assert(SECURITY_BUILTIN_DOMAIN_RID == 32 && DOMAIN_ALIAS_RID_ADMINS == 544 && SE_DACL_PRESENT == 4);
-static_assert(GENERIC_READ == 0x80000000 && GENERIC_WRITE == 0x40000000);
-static_assert(GENERIC_EXECUTE == 0x20000000 && GENERIC_ALL == 0x10000000);
 static_assert(CP_ACP == 0 && REG_SZ == 1 && LOCALE_CUSTOM_DEFAULT == 0x0C00);
-static_assert(NameUnknown == 0 && NameSamCompatible == 2 && NameDisplay == 3);
+static_assert(NameUnknown == 0);
 
 // clang-format off
 static_assert(ERROR_SUCCESS == 0 && ERROR_FILE_NOT_FOUND == 2 && ERROR_PATH_NOT_FOUND == 3 && ERROR_TOO_MANY_OPEN_FILES == 4);
@@ -49,7 +47,5 @@ static_assert(ERROR_BUFFER_OVERFLOW == 111 && ERROR_DISK_FULL == 112 && ERROR_IN
 static_assert(ERROR_BUSY == 170 && ERROR_ALREADY_EXISTS == 183 && ERROR_BAD_EXE_FORMAT == 193);
 static_assert(ERROR_FILENAME_EXCED_RANGE == 206 && ERROR_MORE_DATA == 234 && ERROR_DIRECTORY == 267);
 static_assert(ERROR_MR_MID_NOT_FOUND == 317 && ERROR_NO_TOKEN == 1008 && ERROR_IO_DEVICE == 1117);
-static_assert(ERROR_UNKNOWN_REVISION == 1305 && ERROR_NO_IMPERSONATION_TOKEN == 1309 && ERROR_NONE_MAPPED == 1332);
-static_assert(ERROR_INVALID_ACL == 1336 && ERROR_INVALID_SID == 1337 && ERROR_INVALID_SECURITY_DESCR == 1338);
-static_assert(ERROR_ALLOTTED_SPACE_EXCEEDED == 1344 && ERROR_GENERIC_NOT_MAPPED == 1360);
+static_assert(CTRL_C_EVENT == 0 && CTRL_CLOSE_EVENT == 2 && CTRL_SHUTDOWN_EVENT == 6);
 // clang-format on

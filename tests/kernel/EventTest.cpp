@@ -13,9 +13,9 @@ namespace
 constexpr DWORD kLong = 60000; // ms, for what must come
 constexpr DWORD kShort = 200;  // ms, for what must not
 
-HANDLE Create(const std::wstring& name, bool manualReset = true)
+HANDLE Create(const std::wstring& name)
 {
-    return CreateEventW(nullptr, manualReset, FALSE, name.c_str());
+    return CreateEventW(nullptr, TRUE, FALSE, name.c_str());
 }
 
 // Whether somebody holds the name; holds it no longer itself.
@@ -36,7 +36,7 @@ std::string Narrow(const std::wstring& ascii)
 ChildProcess Waiter(const AgentFolder& folder, const std::wstring& name)
 {
     const std::wstring ready = UniqueName(L"ready");
-    const HANDLE event = Create(ready, false);
+    const HANDLE event = Create(ready);
     ChildProcess process = folder.Start({"await:" + Narrow(name) + ":" + Narrow(ready)});
     EXPECT_EQ(WaitForSingleObject(event, kLong), DWORD{WAIT_OBJECT_0});
     CloseHandle(event);
@@ -46,26 +46,25 @@ ChildProcess Waiter(const AgentFolder& folder, const std::wstring& name)
 
 } // namespace
 
-TEST(Event, StaysSetUntilOneResetUndoesAllSetsOrOneWaitUsesThemUp)
+TEST(Event, StaysSetUntilOneResetUndoesAllSets)
 {
-    for (const bool manualReset : {true, false})
-    {
-        const HANDLE event = CreateEventW(nullptr, manualReset, TRUE, nullptr); // set from the start
-        EXPECT_TRUE(SetEvent(event));
-        EXPECT_EQ(WaitForSingleObject(event, INFINITE), DWORD{WAIT_OBJECT_0});
-        EXPECT_EQ(WaitForSingleObject(event, 0) == WAIT_OBJECT_0, manualReset);
-        EXPECT_TRUE(ResetEvent(event));
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(WaitForSingleObject(event, kShort), DWORD{WAIT_TIMEOUT});
-        const auto waited = std::chrono::steady_clock::now() - start;
-        EXPECT_GE(waited, std::chrono::milliseconds(kShort - 20)); // Windows' clock ticks every 16 ms
-        CloseHandle(event);
-    }
+    const HANDLE event = Create(UniqueName(L"stays"));
+    EXPECT_EQ(WaitForSingleObject(event, 0), DWORD{WAIT_TIMEOUT});
+    EXPECT_TRUE(SetEvent(event));
+    EXPECT_TRUE(SetEvent(event));
+    EXPECT_EQ(WaitForSingleObject(event, INFINITE), DWORD{WAIT_OBJECT_0});
+    EXPECT_EQ(WaitForSingleObject(event, 0), DWORD{WAIT_OBJECT_0});
+    EXPECT_TRUE(ResetEvent(event));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(WaitForSingleObject(event, kShort), DWORD{WAIT_TIMEOUT});
+    const auto waited = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(waited, std::chrono::milliseconds(kShort - 20)); // Windows' clock ticks every 16 ms
+    CloseHandle(event);
 }
 
 TEST(Event, SetReleasesAllThreadsThatWaitHoweverSoonTheResetFollows)
 {
-    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE event = Create(UniqueName(L"all"));
     std::atomic<int> released = 0;
     std::vector<std::jthread> threads;
     for (int index = 0; index < 4; ++index)
@@ -97,21 +96,14 @@ TEST(NamedEvent, IsOneObjectUntilItsLastHandleIsClosed)
     EXPECT_FALSE(IsHeld(L"Global\\" + name)) << "also when it was only looked at";
 }
 
-TEST(NamedEvent, BeginsAnewWhenNobodyHoldsItAndKeepsItsKindWhileSomebodyDoes)
+TEST(NamedEvent, BeginsAnewWhenNobodyHoldsIt)
 {
     const std::wstring name = UniqueName(L"anew");
     const HANDLE set = Create(name);
     SetEvent(set);
     CloseHandle(set);
-    const HANDLE fresh = Create(name, false);
+    const HANDLE fresh = Create(name);
     EXPECT_EQ(WaitForSingleObject(fresh, 0), DWORD{WAIT_TIMEOUT});
-    const HANDLE opened =
-        CreateEventW(nullptr, TRUE, TRUE, name.c_str()); // state and kind are not its to say
-    EXPECT_EQ(WaitForSingleObject(opened, 0), DWORD{WAIT_TIMEOUT});
-    SetEvent(opened);
-    EXPECT_EQ(WaitForSingleObject(opened, 0), DWORD{WAIT_OBJECT_0});
-    EXPECT_EQ(WaitForSingleObject(opened, 0), DWORD{WAIT_TIMEOUT}) << "still the auto-reset one";
-    CloseHandle(opened);
     CloseHandle(fresh);
 }
 
@@ -138,33 +130,27 @@ TEST(NamedEvent, NameIsGoneWhenItsLastHolderIs)
     const ChildProcess alone = Waiter(folder, name);
     EXPECT_TRUE(IsHeld(name));
     alone.Kill();
-    EXPECT_FALSE(IsHeld(name));
+    const HANDLE fresh = Create(name);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_SUCCESS});
+    EXPECT_EQ(WaitForSingleObject(fresh, 0), DWORD{WAIT_TIMEOUT});
+    CloseHandle(fresh);
 
     EXPECT_EQ(folder.Run({"open:" + Narrow(name)}).answers, "0\n") << "and ends without closing it";
     EXPECT_FALSE(IsHeld(name));
 }
 
-TEST(NamedEvent, SetReleasesAllProcessesThatWaitOrOneForEachSet)
+TEST(NamedEvent, SetReleasesAllProcessesThatWait)
 {
     const AgentFolder folder;
-    for (const bool manualReset : {true, false})
-    {
-        const std::wstring name = UniqueName(manualReset ? L"all" : L"one");
-        const HANDLE event = Create(name, manualReset);
-        const ChildProcess first = Waiter(folder, name);
-        const ChildProcess second = Waiter(folder, name);
-        EXPECT_TRUE(first.IsRunning() && second.IsRunning());
-        SetEvent(event);
-        if (!manualReset)
-        {
-            Sleep(1000);
-            EXPECT_NE(first.IsRunning(), second.IsRunning());
-            SetEvent(event);
-        }
-        EXPECT_EQ(first.ExitCode(), 0U);
-        EXPECT_EQ(second.ExitCode(), 0U);
-        CloseHandle(event);
-    }
+    const std::wstring name = UniqueName(L"all");
+    const HANDLE event = Create(name);
+    const ChildProcess first = Waiter(folder, name);
+    const ChildProcess second = Waiter(folder, name);
+    EXPECT_TRUE(first.IsRunning() && second.IsRunning());
+    SetEvent(event);
+    EXPECT_EQ(first.ExitCode(), 0U);
+    EXPECT_EQ(second.ExitCode(), 0U);
+    CloseHandle(event);
 }
 
 TEST(NamedEvent, OfAllWhoCreateItAtOnceExactlyOneIsTheFirst)

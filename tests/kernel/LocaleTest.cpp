@@ -8,6 +8,8 @@
 
 #include <array>
 
+using namespace platform;
+
 TEST(Locale, HasTheNumberThatWindowsGivesIt)
 {
     struct Row
@@ -15,15 +17,30 @@ TEST(Locale, HasTheNumberThatWindowsGivesIt)
         const char* name;
         LCID id;
     };
+    const std::string kLong(400, 'a');
     const Row rows[] = {
-        {"", 0x0409},           {"C", 0x0409},
-        {"POSIX", 0x0409},      {"C.UTF-8", 0x0409},
-        {"en_US.UTF-8", 0x409}, {"en_GB", 0x0809},
-        {"de_DE@euro", 0x0407}, {"de_AT.ISO-8859-1", 0x0C07},
-        {"pt_BR.utf8", 0x0416}, {"zh_CN.GB18030", 0x804},
-        {"zh_TW", 0x0404},      {"nb_NO", 0x0414},
-        {"sr_RS", 0x281A},      {"sr_RS@latin", 0x241A},
-        {"ja_JP.eucJP", 0x411}, {"xx_YY", LOCALE_CUSTOM_DEFAULT},
+        {"", 0x0409},
+        {"C", 0x0409},
+        {"POSIX", 0x0409},
+        {"C.UTF-8", 0x0409},
+        {"en_US.UTF-8", 0x409},
+        {"en_GB", 0x0809},
+        {"de_DE@euro", 0x0407},
+        {"de_AT.ISO-8859-1", 0x0C07},
+        {"pt_BR.utf8", 0x0416},
+        {"zh_CN.GB18030", 0x804},
+        {"zh_TW", 0x0404},
+        {"nb_NO", 0x0414},
+        {"sr_RS", 0x281A},
+        {"sr_RS@latin", 0x241A},
+        {"ja_JP.eucJP", 0x411},
+        {"xx_YY", LOCALE_CUSTOM_DEFAULT},
+        {"en_DK.UTF-8", LOCALE_CUSTOM_DEFAULT},
+        {"de_BE", LOCALE_CUSTOM_DEFAULT}, // the language alone has one
+        {"ca_ES@valencia", 0x0803},
+        {"ks_IN@devanagari", 0x0860},
+        {"tl_PH", 0x0464},
+        {kLong.c_str(), LOCALE_CUSTOM_DEFAULT},
     };
     for (const Row& row : rows)
         EXPECT_EQ(LcidOfLocale(row.name), row.id) << row.name;
@@ -32,10 +49,10 @@ TEST(Locale, HasTheNumberThatWindowsGivesIt)
 TEST(Locale, UsersIsTheFirstVariableThatIsSet)
 {
     const Variable lang("LANG", "en_GB.UTF-8");
-    const Variable type("LC_CTYPE", nullptr);
+    const Variable type("LC_NUMERIC", nullptr);
     const Variable all("LC_ALL", "");
     EXPECT_EQ(GetUserDefaultLCID(), 0x0809U);
-    const Variable french("LC_CTYPE", "fr_FR.UTF-8");
+    const Variable french("LC_NUMERIC", "fr_FR.UTF-8");
     EXPECT_EQ(GetUserDefaultLCID(), 0x040CU);
     const Variable german("LC_ALL", "de_DE");
     EXPECT_EQ(GetUserDefaultLCID(), 0x0407U);
@@ -53,6 +70,7 @@ TEST(Locale, SystemsIsReadFromItsFile)
 // Wine has the key without values.
 TEST(Locale, RegistryNamesItByItsShortTagWithTheRegistrysSizesAndErrors)
 {
+    const Variable lang("LC_ALL", "en_DK.UTF-8");
     HKEY key = nullptr;
     EXPECT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Other", &key), ERROR_FILE_NOT_FOUND);
     ASSERT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, L"software\\classes\\MIME\\Database\\Rfc1766", &key),
@@ -68,6 +86,8 @@ TEST(Locale, RegistryNamesItByItsShortTagWithTheRegistrysSizesAndErrors)
     };
     const Row rows[] = {
         {L"0409", L"en-us;English (United States)"},
+        {L"281A", L"sr-cyrl-rs;Serbian (Cyrillic, Serbia)"},
+        {L"0C00", L"en-dk;English (Denmark)"},
         {L"0804", L"zh-cn;Chinese (China)"},
         {L"241A", L"sr-latn-rs;Serbian (Latin, Serbia)"},
         {L"241a", L"sr-latn-rs;Serbian (Latin, Serbia)"},
@@ -87,7 +107,7 @@ TEST(Locale, RegistryNamesItByItsShortTagWithTheRegistrysSizesAndErrors)
         EXPECT_EQ(small, size);
     }
     DWORD size = sizeof text;
-    for (const wchar_t* name : {L"0C00", L"409", L"FFFF", L"x", L""})
+    for (const wchar_t* name : {L"409", L"FFFF", L"x", L""})
         EXPECT_EQ(query(name, data, size), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
 }

@@ -15,7 +15,7 @@ TEST(Process, SplitsTheCommandLineAsTheCRuntimeDoes)
         {L"  \"a b\"   c", "a b\nc\n"},
         {L"\"\" x", "\nx\n"},                           // an empty word
         {L"a\"b c\"d", "ab cd\n"},                      // quotes inside a word
-        {L"a\\b \\\\share\\x", "a\\b\n\\\\share\\x\n"}, // no quote behind: backslashes are themselves
+        {L"a\\b \\\\share\\x", "a\\b\n\\\\share\\x\n"}, // no quote after them: backslashes are themselves
         {L"\\\"a\\\"", "\"a\"\n"},                      // quotes taken
         {L"\"a\\\\\" b", "a\\\nb\n"},                   // an even number: the quote ends the word
         {L"\"a\\\\\\\"b\" c", "a\\\"b\nc\n"},           // an odd number: it does not

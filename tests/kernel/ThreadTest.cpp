@@ -28,7 +28,8 @@ void __cdecl RecordThread(void* argument)
 
 TEST(Thread, RunsWithItsArgumentUnderAnIdAndALastErrorOfItsOwn)
 {
-    StartedThread thread = {CreateEventW(nullptr, TRUE, FALSE, nullptr), 0, 0}; // which clears our last error
+    StartedThread thread = {CreateEventW(nullptr, TRUE, FALSE, UniqueName(L"thread").c_str()), 0,
+                            0}; // which clears our last error
     EXPECT_NE(_beginthread(RecordThread, 0, &thread), static_cast<std::uintptr_t>(-1));
     EXPECT_EQ(WaitForSingleObject(thread.mDone, 60000), DWORD{WAIT_OBJECT_0});
     EXPECT_NE(thread.mId, 0U);

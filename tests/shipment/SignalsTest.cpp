@@ -8,7 +8,10 @@
 
 #include <gmock/gmock.h>
 
+#include <arpa/inet.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -49,6 +52,7 @@ protected:
         {
             SCOPED_TRACE(state + ", signal " + std::to_string(number));
             fs::remove(Logs() / "Tavo.log");
+            fs::remove(folder.Path() / "archiver");
             start.signal = number;
             const ProgramOutcome outcome = folder.Run(start);
             ASSERT_TRUE(outcome.ended) << outcome.console;
@@ -86,21 +90,32 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
     start.signalWhen = [&held](const std::string&) { return IsSet(FORCE_CORE_EVENT, held); };
     ExpectOrderlyEndBySignals("forced dump", start);
 
-    LdapPeer silent(
-        [](LdapPeer::Connection& connection)
-        {
-            connection.ReadRequest();
-            Sleep(60'000);
-        });
+    const int silent = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    ASSERT_EQ(bind(silent, reinterpret_cast<sockaddr*>(&address), length), 0);
+    ASSERT_EQ(listen(silent, 16), 0);
+    getsockname(silent, reinterpret_cast<sockaddr*>(&address), &length);
     start.arguments = {};
-    start.input = {"LDAP ...", "LDAP Server=127.0.0.1", "Port=" + std::to_string(silent.Port()), "OK"};
-    start.signalWhen = Shows("Calling ldap_connect");
+    start.input = {"LDAP ...",
+                   "LDAP Server=127.0.0.1",
+                   "Port=" + std::to_string(ntohs(address.sin_port)),
+                   "Username=a",
+                   "Password=b",
+                   "Authentication=Digest",
+                   "OK"};
+    start.signalWhen = Shows("ldap_bind_s(Digest) begin");
     ExpectOrderlyEndBySignals("LDAP call", start);
     start.input = {};
+    close(silent);
 
     start.arguments = {"-FTP_LOG=case", "-AUTOCLOSE=yes"};
     const std::string id = (folder.Path() / "archiver").string();
-    ReplaceArchiver("echo half > case.zip; echo half > case.zip.tmp; echo $$ > '" + id + "'; exec sleep 60");
+    const fs::path whole = folder.Path() / "whole";
+    ReplaceArchiver("[ ! -e '" + whole.string() + "' ] || exec \"$REAL\" \"$@\"; echo half > case.zip; " +
+                    "echo half > case.zip.tmp; echo $$ > '" + id + "'; exec sleep 60");
     start.signalWhen = [&id](const std::string&) { return fs::exists(id) && !ReadFile(id).empty(); };
     ExpectOrderlyEndBySignals("packing", start);
     const pid_t archiver = std::stoi(ReadFile(id));
@@ -108,8 +123,8 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
         Sleep(20); // a new parent has to collect it
     EXPECT_NE(kill(archiver, 0), 0) << "the archiver has ended";
 
-    ReplaceArchiver("exec \"$REAL\" \"$@\"");
-    ScriptedFtpServer server({.breakAt = 1000000, .atBreak = FtpScript::Break::eStall}, kFtpPort);
+    WriteFile(whole, "");
+    ScriptedFtpServer server({.bytesPerSecond = 200000}, kFtpPort);
     start.signalWhen = Shows("% done, ");
     ExpectOrderlyEndBySignals("sending", start);
 }
@@ -136,7 +151,7 @@ TEST_F(Signals, EnvironmentNamesNoCodeToLoad)
     ProgramStart start;
     start.environment = {{"OPENSSL_CONF", pipe.string()}, {"SASL_PATH", pipe.string()}};
     start.input = {"LDAP ...", "LDAP Server=127.0.0.1", "Port=" + std::to_string(peer.Port()),
-                   "Authentication=SSL", "OK"};
+                   "Authentication=Simple bind - SSL", "OK"};
     start.limit = std::chrono::seconds(20);
     const ProgramOutcome outcome = folder.Run(start);
     EXPECT_TRUE(outcome.ended);
