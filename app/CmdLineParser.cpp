@@ -20,7 +20,7 @@ ZTString ToString(std::wstring_view text)
     return ZTString(text.data(), static_cast<int>(text.size()));
 }
 
-// Whether the blank at `separator` ends a switch that has no value: behind the white space stands another
+// Whether the blank at `separator` ends a switch that has no value: after the white space stands another
 // switch or nothing.
 bool EndsWithoutValue(std::wstring_view text, std::size_t separator)
 {

@@ -15,8 +15,7 @@
 namespace
 {
 
-// The setting that the library's start is given, and its kind of start for an interactive program.
-constexpr auto kStartSetting = static_cast<eConfigID>(337);
+// The library's kind of start for an interactive program.
 constexpr unsigned long kStartInteractive = 2;
 
 void ShowAdministratorWarning(HINSTANCE module)
@@ -34,7 +33,7 @@ END_MESSAGE_MAP()
 
 CTavoApp::CTavoApp() : CWinApp(nullptr)
 {
-    CriticalStartupInit(kStartInteractive, kStartSetting, m_hInstance);
+    CriticalStartupInit(kStartInteractive, eConfigLogDirectory, m_hInstance);
     const ZTString user = GetUserNameW(NameUnknown);
     LogNF(kLogProgress, _StrFormat(L"{0:s} Tavo STARTING.  User = '{1:s}'", {APPNAME, user}), false);
     LogModuleLoaded(m_hInstance, true);

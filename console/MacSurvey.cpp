@@ -90,7 +90,7 @@ void SurveyAdapter(const IP_ADAPTER_ADDRESSES& adapter, int attempt, std::set<st
 
 int FormatToBuffer(const wchar_t* format, wchar_t* buffer, int size, const PlaceholderValues& values)
 {
-    enum class State
+    enum class eState
     {
         Text,
         Index,
@@ -98,7 +98,7 @@ int FormatToBuffer(const wchar_t* format, wchar_t* buffer, int size, const Place
     };
     if (size <= 0)
         return 0;
-    State state = State::Text;
+    eState state = eState::Text;
     int length = 0;
     std::size_t closed = 0; // placeholders so far
     std::size_t index = 0;
@@ -107,14 +107,14 @@ int FormatToBuffer(const wchar_t* format, wchar_t* buffer, int size, const Place
     for (; *format && length < size; ++format)
     {
         const wchar_t character = *format;
-        if (state == State::Text)
+        if (state == eState::Text)
         {
             if (character != L'{')
             {
                 buffer[length++] = character;
                 continue;
             }
-            state = State::Index;
+            state = eState::Index;
             index = closed;
             hasIndex = false;
             conversion.clear();
@@ -134,15 +134,15 @@ int FormatToBuffer(const wchar_t* format, wchar_t* buffer, int size, const Place
                 return -1;
             length += written;
             ++closed;
-            state = State::Text;
+            state = eState::Text;
         }
-        else if (state == State::Conversion)
+        else if (state == eState::Conversion)
         {
             conversion += character;
         }
         else if (character == L':')
         {
-            state = State::Conversion;
+            state = eState::Conversion;
             conversion = L"%";
         }
         else if (character >= L'0' && character <= L'9')

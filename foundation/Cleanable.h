@@ -51,7 +51,7 @@ public:
     void Clean() override
     {
         const CAcquireCS lock(mLock);
-        const CAcquireCS again(mLock);
+        const CAcquireCS again(mLock); // given; the lock is re-entrant
         mItems.clear();
     }
 
@@ -61,20 +61,19 @@ public:
         constexpr bool kStrings = std::is_same_v<T, CStringW>;
         const auto own = UndecoratedName(typeid(*this));
         const auto element = UndecoratedName(typeid(T));
-        const char* const elementName = kStrings ? "ZTString" : element ? element.get() : "unknown";
 
         const CAcquireCS lock(mLock);
         count = mItems.size();
         sizeKB = (count * sizeof(T)) >> 10;
         if constexpr (kStrings)
         {
-            // In front of each text stand five characters' worth of bookkeeping; two bytes a character.
+            // Given: ten bytes of bookkeeping for each text, and two for each character that it has room for.
             std::uint64_t characters = 5 * count;
             for (const T& item : mItems)
                 characters += static_cast<std::uint64_t>(item.GetAllocLength());
             sizeKB = characters * 2 / 1024;
         }
-        text.Format(L"{0:S} in {1:S}", elementName, own ? own.get() : "CleanableVector");
+        text = DescribeContainer(kStrings ? "ZTString" : element.get(), own.get());
         text.Replace(L"CStringT<wchar_t>", L"ZTString");
     }
 

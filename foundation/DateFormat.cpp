@@ -16,7 +16,7 @@ namespace
 // handler of a fault inside it. It makes no such promise for what a volatile pointer leads to.
 std::size_t (*const volatile gFormatTime)(wchar_t*, std::size_t, const wchar_t*, const tm*) = std::wcsftime;
 
-// Names by number, from 1; "???" for a number that is none.
+// Names by number, from 1; "???" for any other number.
 template <std::size_t Count>
 const wchar_t* Name(const wchar_t* const (&names)[Count], int number)
 {

@@ -48,12 +48,12 @@ struct DateFields
     std::int32_t dayOfYear; // 1 to 366
 };
 
-// Builds a serial date. False for what is no date or time of day and for years above 9999; `date` is then
+// Builds a serial date. False for what is not a date or time of day and for years above 9999; `date` is then
 // untouched. Years 0 to 99 give dates below kDateMin.
 bool DateFromFields(std::uint16_t year, std::uint16_t month, std::uint16_t day, std::uint16_t hour,
                     std::uint16_t minute, std::uint16_t second, double& date);
 
-// Splits a serial date, rounded to the second. False below kDateMin, and for what is no number or has no
+// Splits a serial date, rounded to the second. False below kDateMin, and for what is not a number or has no
 // 32-bit day number; `result` is then untouched.
 bool DateToFields(double date, DateFields& result);
 

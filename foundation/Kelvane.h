@@ -59,24 +59,24 @@ enum eParamType : int
     eParamDWord = 13,
 };
 
-// Parameters that are always the same have no name below; each stands with its one value.
+// Parameters without a name below are there for the product's other programs; the comments give the one value
+// that each has. Every RequestTarget is null.
 
-// The setting of a name, in any case; eConfigNone when there is none.
-KELVANE_EXPORT eConfigID GetConfigID(const wchar_t* name, bool /* true */);
+// The setting of a name, in any case; eConfigNone when there is none. The flag is true.
+KELVANE_EXPORT eConfigID GetConfigID(const wchar_t* name, bool);
 KELVANE_EXPORT eParamType GetConfigType(eConfigID id);
 
-// Change a value, for this process and in the store. False, nothing changed and the reason in the log, when
-// the setting is of another type, the value is out of its range or the store cannot be written. A stored
-// value has reached the disk; another process that writes another setting at the same moment loses nothing,
-// nor does a crash.
-KELVANE_EXPORT bool SetConfigStr(eConfigID id, const wchar_t* text, bool /* true */,
-                                 RequestTarget* /* null */);
-KELVANE_EXPORT bool SetConfigDWord(eConfigID id, DWORD number, bool /* true */, RequestTarget* /* null */);
+// Change a value, for this process and in the store. The flag is true. False, nothing changed and the reason
+// in the log, when the setting is of another type, the value is out of its range or the store cannot be
+// written. A stored value has reached the disk; another process that writes another setting at the same
+// moment loses nothing, nor does a crash.
+KELVANE_EXPORT bool SetConfigStr(eConfigID id, const wchar_t* text, bool, RequestTarget*);
+KELVANE_EXPORT bool SetConfigDWord(eConfigID id, DWORD number, bool, RequestTarget*);
 
 // Values are remembered at the first read. This forgets one: the next read gives what the store holds.
 KELVANE_EXPORT void ResetConfigVal(eConfigID id);
-KELVANE_EXPORT ZTString GetConfigStr(eConfigID id, RequestTarget* /* null */);
-KELVANE_EXPORT DWORD GetConfigDWord(eConfigID id, RequestTarget* /* null */);
+KELVANE_EXPORT ZTString GetConfigStr(eConfigID id, RequestTarget*);
+KELVANE_EXPORT DWORD GetConfigDWord(eConfigID id, RequestTarget*);
 
 // --- Logging ---
 
@@ -89,10 +89,10 @@ constexpr unsigned char kLogFailure = 1;
 constexpr unsigned char kLogProgress = 2;
 
 KELVANE_EXPORT void _Log(unsigned char severity, const wchar_t* format, const PlaceholderValues& values);
-// A finished text.
-KELVANE_EXPORT void LogNF(unsigned char severity, const wchar_t* text, bool /* false */);
-// A null instance is the program itself.
-KELVANE_EXPORT void LogModuleLoaded(HINSTANCE instance, bool loaded);
+// A finished text. The flag is false.
+KELVANE_EXPORT void LogNF(unsigned char severity, const wchar_t* text, bool);
+// A null instance is the program itself. The flag is true.
+KELVANE_EXPORT void LogModuleLoaded(HINSTANCE instance, bool);
 
 // --- Start and end ---
 
@@ -167,9 +167,9 @@ KELVANE_EXPORT ZTString GetCustServiceInfo();
 // by the machine's zone data and in local time before the change; zeros where there is none.
 KELVANE_EXPORT void GetTimeZoneTransitionDates(int year, int& month1, int& day1, int& month2, int& day2);
 
-// The number by the user's regional number format, with `digits` behind the point, 9 at most; -1 for those
-// that the number has. What is no finite number has printf's form.
-KELVANE_EXPORT ZTString FormatFloatingPointNum(double value, bool grouping, int digits);
+// The number by the user's regional number format, without groups, with the digits after the point that it
+// has, 9 at most. What is not a finite number has printf's form. The flag is false, the digits are -1.
+KELVANE_EXPORT ZTString FormatFloatingPointNum(double value, bool, int);
 
 enum eSysErrMsg : int
 {
@@ -181,8 +181,8 @@ enum eMonitorType : int
 };
 
 // "2: The system cannot find the file specified.": the code, in hexadecimal from 0x80000000 on, and the
-// system's text without line ends. `log` also logs it as a failure.
-KELVANE_EXPORT ZTString GetSystemErrorMessage(DWORD code, eSysErrMsg kind, eMonitorType monitor, bool log);
+// system's text without line ends. The rest is eSysErrMsgPlain, eMonitorNone, false.
+KELVANE_EXPORT ZTString GetSystemErrorMessage(DWORD code, eSysErrMsg, eMonitorType, bool);
 
 // --- Files and text ---
 
@@ -191,9 +191,9 @@ KELVANE_EXPORT ZTString GetLogDirectory();
 // Size in bytes, 0 for a file that is not there.
 KELVANE_EXPORT std::uint64_t ZTGetFileSize(const wchar_t* path);
 // Writes the text as UTF-8 into a new file, for its owner alone, which takes the place of whatever has the
-// name; nothing is written through a link there. For one caller at a time.
-KELVANE_EXPORT bool WriteTextFileAsUTF8(const wchar_t* path, const ZTString& text, bool /* true */,
-                                        bool /* true */, bool /* false */, bool /* false */);
+// name; nothing is written through a link there. For one caller at a time. The flags are true, true, false,
+// false.
+KELVANE_EXPORT bool WriteTextFileAsUTF8(const wchar_t* path, const ZTString& text, bool, bool, bool, bool);
 // Symbolic links and mounted directories, not the placeholders of cloud storage and the like.
 KELVANE_EXPORT bool IsFileOrDirLink(const WIN32_FIND_DATAW& findData);
 // Replaces each character that a file name cannot hold on either system; never leaves a reserved name, one
@@ -205,7 +205,7 @@ KELVANE_EXPORT ZTString GetStringFromSet(const std::set<ZTString>& texts, const 
 // Seconds since 1970, rounded down.
 KELVANE_EXPORT std::int64_t FILETIMEToTimeT(FILETIME time);
 
-// The UTF-8 form of a text, alive as long as the object. What is no character becomes U+FFFD.
+// The UTF-8 form of a text, alive as long as the object. Half of a character becomes U+FFFD.
 class KELVANE_EXPORT StrConverter
 {
 public:

@@ -10,8 +10,6 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <initializer_list>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -53,22 +51,23 @@ public:
     PlaceholderValue(const wchar_t* text, const wchar_t* = nullptr);
     PlaceholderValue(const char* text, const wchar_t* = nullptr); // UTF-8
     PlaceholderValue(unsigned char number, const wchar_t* = nullptr) : PlaceholderValue(unsigned{number}) {}
-    PlaceholderValue(int number, const wchar_t* = nullptr) : PlaceholderValue(number, Kind::Signed) {}
-    PlaceholderValue(unsigned int number, const wchar_t* = nullptr) : PlaceholderValue(number, Kind::Unsigned)
+    PlaceholderValue(int number, const wchar_t* = nullptr) : PlaceholderValue(number, eKind::Signed) {}
+    PlaceholderValue(unsigned int number, const wchar_t* = nullptr)
+        : PlaceholderValue(number, eKind::Unsigned)
     {
     }
-    PlaceholderValue(long number, const wchar_t* = nullptr) : PlaceholderValue(number, Kind::Signed) {}
+    PlaceholderValue(long number, const wchar_t* = nullptr) : PlaceholderValue(number, eKind::Signed) {}
     PlaceholderValue(unsigned long number, const wchar_t* = nullptr)
-        : PlaceholderValue(number, Kind::Unsigned)
+        : PlaceholderValue(number, eKind::Unsigned)
     {
     }
-    PlaceholderValue(long long number, const wchar_t* = nullptr) : PlaceholderValue(number, Kind::Signed) {}
+    PlaceholderValue(long long number, const wchar_t* = nullptr) : PlaceholderValue(number, eKind::Signed) {}
     PlaceholderValue(unsigned long long number, const wchar_t* = nullptr)
-        : PlaceholderValue(number, Kind::Unsigned)
+        : PlaceholderValue(number, eKind::Unsigned)
     {
     }
     PlaceholderValue(double number, const wchar_t* = nullptr)
-        : mValue{.real = number}, mSize(sizeof number), mKind(Kind::Double)
+        : mValue{.real = number}, mSize(sizeof number), mKind(eKind::Double)
     {
     }
 
@@ -78,10 +77,10 @@ public:
     int Format(wchar_t* out, int capacity, const wchar_t* spec) const;
 
 private:
-    friend ORISKA_EXPORT ZTString FormatValues(const wchar_t* format,
-                                               std::span<const PlaceholderValue> values);
+    friend ORISKA_EXPORT ZTString _StrFormat(const wchar_t* format,
+                                             const std::vector<PlaceholderValue>& values);
 
-    enum class Kind : unsigned char
+    enum class eKind : unsigned char
     {
         Wide,
         Narrow,
@@ -91,7 +90,7 @@ private:
     };
 
     template <typename Integer>
-    PlaceholderValue(Integer number, Kind kind)
+    PlaceholderValue(Integer number, eKind kind)
         : mValue{.integer = static_cast<std::uint64_t>(number)}, mSize(sizeof number), mKind(kind)
     {
     }
@@ -108,28 +107,19 @@ private:
         double real;
     } mValue;
     std::size_t mSize; // characters of a text, bytes of a number
-    Kind mKind;
+    eKind mKind;
 };
 
 using PlaceholderValues = std::vector<PlaceholderValue>;
 
 // The text of a format. `{n}` or `{n:spec}` stands for argument n, `spec` being a printf conversion without
-// its "%": integers take d i u o x X c, texts s S, doubles f F e E g G, all with flags, width and precision
-// (at most kFormatSizeMax each, beyond it they are cut down); a length such as "ll" is read over, since a
-// value knows its own. Without n it takes the running index, which every placeholder moves on by one. "{{"
-// gives one "{", a "}" alone stays, and so does a "{" that begins no placeholder. An index beyond the
-// arguments gives "@@@" and ends the text. A spec that does not suit its value gives the value's natural
-// form.
-ORISKA_EXPORT ZTString FormatValues(const wchar_t* format, std::span<const PlaceholderValue> values);
-inline ZTString _StrFormat(const wchar_t* format, const PlaceholderValues& values)
-{
-    return FormatValues(format, values);
-}
-inline ZTString _StrFormat(const wchar_t* format, std::initializer_list<PlaceholderValue> values)
-{
-    return FormatValues(format, {values.begin(), values.size()});
-}
-constexpr int kFormatSizeMax = 500;
+// its
+// "%", of those that the product's texts use: integers take d u X, texts s S, doubles f, with the flags "-"
+// and "0", width and precision (each cut down to 500). Without n it takes the running index, which every
+// placeholder moves on by one. "{{" gives one "{", a "}" alone stays, and so does a "{" that does not begin a
+// placeholder. An index beyond the arguments gives "@@@" and ends the text. Any other spec gives the value's
+// natural form.
+ORISKA_EXPORT ZTString _StrFormat(const wchar_t* format, const PlaceholderValues& values);
 
 // A string resource of a module (null: the program), loaded at construction; the empty text when there is
 // none with that id.

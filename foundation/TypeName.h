@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "foundation/Oriska.h"
+
 #include <cstdlib>
 #include <memory>
 #include <typeinfo>
@@ -12,3 +14,6 @@ struct FreeDeleter
 
 // The name of a type as the source spells it; null when the run-time library cannot tell.
 std::unique_ptr<char, FreeDeleter> UndecoratedName(const std::type_info& type);
+
+// "int in CleanableVector<int>"; a name that the run-time library cannot tell is null.
+ZTString DescribeContainer(const char* element, const char* container);

@@ -3,6 +3,7 @@
 // (https://learn.microsoft.com/windows/win32/fileio/naming-a-file), and Linux' 255 bytes.
 #include "foundation/Kelvane.h"
 #include "libraries/kelvane/Text.h"
+#include "text/Unicode.h"
 
 #include <algorithm>
 #include <array>
@@ -15,37 +16,33 @@ constexpr std::size_t kLongestName = 255 - 4;
 constexpr std::wstring_view kForbidden = L"<>:\"/\\|?*";
 constexpr std::wstring_view kForbiddenAtEnd = L". ";
 
-bool IsHighSurrogate(wchar_t character)
+bool IsForbidden(char32_t point)
 {
-    return character >= 0xD800 && character < 0xDC00;
+    const bool isHalfOfAPair = point >= 0xD800 && point < 0xE000;
+    return point < 0x20 || point == 0x7F || isHalfOfAPair ||
+           kForbidden.find(static_cast<wchar_t>(point)) != std::wstring_view::npos;
 }
 
-bool IsLowSurrogate(wchar_t character)
+// Takes the first character, all of it, off the front of a text that is not empty.
+std::wstring_view TakeCharacter(std::wstring_view& text, char32_t& point)
 {
-    return character >= 0xDC00 && character < 0xE000;
-}
-
-// Whether the character at `index` may not stand in a name. A surrogate may where it is half of a pair.
-bool IsForbidden(std::wstring_view text, std::size_t index)
-{
-    const wchar_t character = text[index];
-    if (sizeof(wchar_t) == 2 && IsHighSurrogate(character))
-        return index + 1 == text.size() || !IsLowSurrogate(text[index + 1]);
-    if (sizeof(wchar_t) == 2 && IsLowSurrogate(character))
-        return index == 0 || !IsHighSurrogate(text[index - 1]);
-    return character < 0x20 || character == 0x7F || IsHighSurrogate(character) || IsLowSurrogate(character) ||
-           kForbidden.find(character) != std::wstring_view::npos;
+    const std::wstring_view before = text;
+    point = text::TakePoint(text);
+    return before.substr(0, before.size() - text.size());
 }
 
 std::wstring WithoutForbidden(std::wstring_view text, std::wstring_view replacement)
 {
     std::wstring result;
-    for (std::size_t index = 0; index < text.size(); ++index)
-        IsForbidden(text, index) ? result.append(replacement) : result.append(1, text[index]);
+    for (char32_t point; !text.empty();)
+    {
+        const std::wstring_view character = TakeCharacter(text, point);
+        result += IsForbidden(point) ? replacement : character;
+    }
     return result;
 }
 
-// A device's name counts with any extension, too.
+// A device's name counts with any extension as well.
 bool IsReserved(std::wstring_view name)
 {
     std::wstring base(name.substr(0, name.find(L'.')));
@@ -64,10 +61,14 @@ bool IsReserved(std::wstring_view name)
 
 void CutToLength(std::wstring& name)
 {
-    while (kelvane::Narrow(name).size() > kLongestName)
+    std::wstring_view rest = name;
+    std::size_t bytes = 0;
+    for (char32_t point; !rest.empty();)
     {
-        const bool pair = sizeof(wchar_t) == 2 && IsLowSurrogate(name.back());
-        name.resize(name.size() - (pair ? 2 : 1));
+        const std::size_t start = name.size() - rest.size();
+        bytes += kelvane::Narrow(TakeCharacter(rest, point)).size();
+        if (bytes > kLongestName)
+            return name.resize(start);
     }
 }
 

@@ -200,8 +200,8 @@ bool FileLock::IsHeld() const
     return mHandle >= 0;
 }
 
-// A link in the file's place is not followed: the log of an administrator is no way to other files. Nor does
-// a pipe there hold anyone up.
+// A link in the file's place is not followed: the log of an administrator must not lead to other files. Nor
+// does a pipe there hold anyone up.
 AppendFile::AppendFile(const std::filesystem::path& path) : mHandle(-1)
 {
     Descriptor file(

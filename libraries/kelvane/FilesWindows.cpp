@@ -133,9 +133,18 @@ bool FileLock::IsHeld() const
 }
 
 AppendFile::AppendFile(const std::filesystem::path& path)
-    : mHandle(
-          reinterpret_cast<std::intptr_t>(Open(path, FILE_APPEND_DATA | SYNCHRONIZE, kShareAll, OPEN_ALWAYS)))
+    : mHandle(reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE))
 {
+    const HANDLE file = Open(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, kShareAll,
+                             OPEN_ALWAYS, FILE_FLAG_OPEN_REPARSE_POINT);
+    if (file == INVALID_HANDLE_VALUE)
+        return;
+    BY_HANDLE_FILE_INFORMATION about{};
+    if (GetFileInformationByHandle(file, &about) && about.nNumberOfLinks <= 1 &&
+        (about.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
+        mHandle = reinterpret_cast<std::intptr_t>(file);
+    else
+        CloseHandle(file);
 }
 
 AppendFile::~AppendFile()

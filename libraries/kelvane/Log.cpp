@@ -21,9 +21,9 @@ namespace
 
 constexpr std::size_t kLongestThreadName = 64;
 
-std::atomic<int> gDirectorySetting{eConfigLogDirectory};
-std::atomic<bool> gTroubleTold{false};
-std::atomic<bool> gLineTorn{false};
+std::atomic<eConfigID> gDirectorySetting{eConfigLogDirectory};
+std::atomic<bool> gbTroubleTold{false};
+std::atomic<bool> gbLineTorn{false};
 
 // Plain memory, which outlives the thread's objects with destructors.
 thread_local std::array<char, kLongestThreadName + 1> tThreadName{};
@@ -68,7 +68,7 @@ std::string LineOf(unsigned char severity, std::wstring_view text)
 
 void TellTrouble()
 {
-    if (!gTroubleTold.exchange(true))
+    if (!gbTroubleTold.exchange(true))
         std::fprintf(stderr, "Tavo: the log in %s cannot be written\n",
                      Narrow(GetLogDirectory().AsView()).c_str());
 }
@@ -118,10 +118,10 @@ bool Write(const std::filesystem::path& directory, const std::string& line)
 void WriteLine(const std::string& line)
 {
     const std::filesystem::path directory = NativePath(GetLogDirectory().AsView());
-    const std::string whole = gLineTorn.exchange(false) ? "\n" + line : line;
+    const std::string whole = gbLineTorn.exchange(false) ? "\n" + line : line;
     if (!Write(directory, whole))
     {
-        gLineTorn = true;
+        gbLineTorn = true;
         TellTrouble();
     }
 }
@@ -153,7 +153,7 @@ ZTString GetLogDirectory()
     {
         // Reading a setting may log, which asks for the directory.
         lock.unlock();
-        ZTString directory = GetConfigStr(static_cast<eConfigID>(gDirectorySetting.load()), nullptr);
+        ZTString directory = GetConfigStr(gDirectorySetting, nullptr);
         if (directory.IsEmpty())
             directory = L"Logs";
         lock.lock();
@@ -178,9 +178,9 @@ void _Log(unsigned char severity, const wchar_t* format, const PlaceholderValues
     LogNF(severity, _StrFormat(format, values), false);
 }
 
-void LogModuleLoaded(HINSTANCE instance, bool loaded)
+void LogModuleLoaded(HINSTANCE instance, bool)
 {
     std::array<wchar_t, 1024> path{};
     GetModuleFileNameW(instance, path.data(), static_cast<DWORD>(path.size()));
-    _Log(kLogProgress, loaded ? L"Module loaded: {0:s}" : L"Module unloaded: {0:s}", {path.data()});
+    _Log(kLogProgress, L"Module loaded: {0:s}", {path.data()});
 }

@@ -35,14 +35,14 @@ std::array<char, ULOC_FULLNAME_CAPACITY> UserLocale()
 
 } // namespace
 
-ZTString ShowDecimal(const std::string& number, int digits, bool grouping)
+ZTString ShowDecimal(const std::string& number, int digits)
 {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UNumberFormat, decltype(&unum_close)> format(
         unum_open(UNUM_DECIMAL, nullptr, 0, UserLocale().data(), nullptr, &status), &unum_close);
     if (U_FAILURE(status))
         return Widen(number);
-    unum_setAttribute(format.get(), UNUM_GROUPING_USED, grouping ? 1 : 0);
+    unum_setAttribute(format.get(), UNUM_GROUPING_USED, 0);
     unum_setAttribute(format.get(), UNUM_FRACTION_DIGITS, digits);
     std::array<UChar, 1024> shown;
     const int32_t length =

@@ -11,7 +11,7 @@
 namespace
 {
 
-using kelvane::Finding;
+using kelvane::eFinding;
 using kelvane::SettingValue;
 
 struct Setting
@@ -99,10 +99,10 @@ SettingValue Read(const Setting& setting)
     }
     const kelvane::FoundSetting found = kelvane::ReadStoredSetting(kelvane::Narrow(setting.name));
     const ZTString unfit =
-        found.finding == Finding::Value ? WhyUnfit(setting, found.value) : WhatItTakes(setting);
+        found.finding == eFinding::Value ? WhyUnfit(setting, found.value) : WhatItTakes(setting);
     const SettingValue value = unfit.IsEmpty() ? found.value : DefaultOf(setting);
     Remember(setting.id, value);
-    if (!unfit.IsEmpty() && found.finding != Finding::Absent)
+    if (!unfit.IsEmpty() && found.finding != eFinding::Absent)
         _Log(kLogFailure, L"The default of {0:s} holds, not what is stored: {1:s}",
              {setting.name.data(), unfit});
     return value;

@@ -83,7 +83,7 @@ FoundSetting FindIn(const FileContent& content, std::string_view name)
         return FindSetting(*content.text, name);
     if (!content.missing)
         TellTrouble(L"Tavo.settings.json cannot be read: defaults hold");
-    return {Finding::Absent, {}};
+    return {eFinding::Absent, {}};
 }
 
 // Empty when it is written, else why it is not. `aside` tells what became of a file that was broken.
@@ -116,7 +116,7 @@ ZTString WriteLocked(std::string_view name, const SettingValue& value, std::opti
 FoundSetting ReadStoredSetting(std::string_view name)
 {
     FoundSetting found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
-    if (found.finding != Finding::Broken)
+    if (found.finding != eFinding::Broken)
         return found;
 
     std::string aside;
@@ -124,13 +124,13 @@ FoundSetting ReadStoredSetting(std::string_view name)
         // Perhaps another process has mended it by now.
         const FileLock lock(LockPath(), kMoment);
         found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
-        if (found.finding != Finding::Broken)
+        if (found.finding != eFinding::Broken)
             return found;
         if (lock.IsHeld())
             aside = SetAside();
     }
     TellSetAside(aside);
-    return {Finding::Absent, {}};
+    return {eFinding::Absent, {}};
 }
 
 ZTString WriteStoredSetting(std::string_view name, const SettingValue& value)

@@ -48,15 +48,15 @@ FoundSetting FindSetting(std::string_view file, std::string_view name)
 {
     std::optional<Json> settings = Parse(file);
     if (!settings)
-        return {Finding::Broken, {}};
+        return {eFinding::Broken, {}};
     const auto member = Find(*settings, name);
     if (member == settings->end())
-        return {Finding::Absent, {}};
+        return {eFinding::Absent, {}};
     if (member->is_string())
-        return {Finding::Value, member->get<std::string>()};
+        return {eFinding::Value, member->get<std::string>()};
     if (member->is_number_unsigned() && member->get<std::uint64_t>() <= UINT32_MAX)
-        return {Finding::Value, member->get<std::uint32_t>()};
-    return {Finding::OtherType, {}};
+        return {eFinding::Value, member->get<std::uint32_t>()};
+    return {eFinding::OtherType, {}};
 }
 
 std::optional<std::string> WithSetting(std::string_view file, std::string_view name,

@@ -15,7 +15,7 @@ namespace kelvane
 using SettingValue = std::variant<std::string, std::uint32_t>; // UTF-8
 
 // What a file says of a setting.
-enum class Finding
+enum class eFinding
 {
     Broken, // the text is not a settings file
     Absent,
@@ -24,7 +24,7 @@ enum class Finding
 };
 struct FoundSetting
 {
-    Finding finding = Finding::Broken;
+    eFinding finding = eFinding::Broken;
     SettingValue value;
 };
 FoundSetting FindSetting(std::string_view file, std::string_view name);

@@ -32,7 +32,7 @@ ZTString GetCustServiceInfo()
     return GetConfigStr(eConfigCustomerServiceText, nullptr);
 }
 
-ZTString GetSystemErrorMessage(DWORD code, eSysErrMsg, eMonitorType, bool log)
+ZTString GetSystemErrorMessage(DWORD code, eSysErrMsg, eMonitorType, bool)
 {
     Buffer buffer{};
     FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
@@ -46,7 +46,5 @@ ZTString GetSystemErrorMessage(DWORD code, eSysErrMsg, eMonitorType, bool log)
     // Codes of the components that report in HRESULTs are known by their hexadecimal form.
     ZTString message;
     message.Format(code < 0x80000000 ? L"{0:u}: {1:s}" : L"0x{0:08X}: {1:s}", code, text);
-    if (log)
-        LogNF(kLogFailure, message, false);
     return message;
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "libraries/oriska/FormatSpec.h"
 
-#include "foundation/Oriska.h"
-
 #include <algorithm>
 
 namespace
@@ -19,51 +17,22 @@ int TakeSize(std::wstring_view& text)
     return size;
 }
 
-bool TakeFlag(wchar_t character, FormatSpec& spec)
-{
-    switch (character)
-    {
-    case L'-':
-        return spec.leftAlign = true;
-    case L'+':
-        return spec.plusSign = true;
-    case L' ':
-        return spec.blankSign = true;
-    case L'0':
-        return spec.zeroFill = true;
-    case L'#':
-        return spec.alternate = true;
-    default:
-        return false;
-    }
-}
-
-void TakeLength(std::wstring_view& text)
-{
-    if (text.size() < 2)
-        return;
-    constexpr std::wstring_view kLengths[] = {L"hh", L"h", L"ll", L"l", L"I64", L"I32", L"j", L"z", L"t"};
-    for (const std::wstring_view length : kLengths)
-        if (text.starts_with(length))
-            return text.remove_prefix(length.size());
-}
-
 } // namespace
 
 bool ParseFormatSpec(std::wstring_view text, FormatSpec& spec)
 {
     if (text.empty())
         return true;
-    while (!text.empty() && TakeFlag(text.front(), spec))
-        text.remove_prefix(1);
+    for (; text.starts_with(L'-') || text.starts_with(L'0'); text.remove_prefix(1))
+        (text.front() == L'-' ? spec.leftAlign : spec.zeroFill) = true;
     spec.width = TakeSize(text);
     if (text.starts_with(L'.'))
     {
         text.remove_prefix(1);
         spec.precision = TakeSize(text);
     }
-    TakeLength(text);
-    if (text.size() != 1)
+    constexpr std::wstring_view kConversions = L"duXsSf";
+    if (text.size() != 1 || kConversions.find(text.front()) == std::wstring_view::npos)
         return false;
     spec.conversion = text.front();
     return true;

@@ -4,27 +4,17 @@
 
 #include <string_view>
 
+constexpr int kFormatSizeMax = 500;
+
 struct FormatSpec
 {
     bool leftAlign = false;
-    bool plusSign = false;
-    bool blankSign = false;
     bool zeroFill = false;
-    bool alternate = false;
     int width = 0;
     int precision = -1;     // -1: not given
-    wchar_t conversion = 0; // 0: the natural form of the value
-
-    // Whether the conversion is the natural form or one of a set.
-    bool IsOneOf(std::wstring_view conversions) const
-    {
-        bool found = conversion == 0;
-        for (const wchar_t candidate : conversions)
-            found |= candidate == conversion;
-        return found;
-    }
+    wchar_t conversion = 0; // one of d u X s S f, 0: the natural form of the value
 };
 
-// Reads flags, width, precision, length and conversion of `text`, which has no "%". False when it is no
-// conversion; an empty text is the natural form.
+// Reads flags, width, precision and conversion of `text`, which has no "%". False when a text of the product
+// does not use it; an empty text is the natural form.
 bool ParseFormatSpec(std::wstring_view text, FormatSpec& spec);

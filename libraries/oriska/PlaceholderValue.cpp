@@ -8,14 +8,13 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <string_view>
 #include <utility>
 
 namespace
 {
 
-// Adds a sign or base, zeros and the text itself in a field of the conversion's width.
+// Adds a sign, zeros and the text itself in a field of the conversion's width.
 template <typename Character>
 void AppendField(ZTString& out, std::string_view prefix, std::size_t zeros,
                  std::basic_string_view<Character> text, const FormatSpec& spec, bool zeroFill)
@@ -37,28 +36,9 @@ void AppendField(ZTString& out, std::string_view prefix, std::size_t zeros,
     out.ReleaseBuffer(newLength);
 }
 
-std::string_view SignOf(bool negative, const FormatSpec& spec)
-{
-    using namespace std::string_view_literals;
-    return negative ? "-"sv : spec.plusSign ? "+"sv : spec.blankSign ? " "sv : ""sv;
-}
-
-// The digits of a number in a base of 2 to the power of `bits`, written in front of `end`.
-std::string_view PowerOfTwoDigits(std::uint64_t number, int bits, bool capital, char* end)
-{
-    const char* const names = capital ? "0123456789ABCDEF" : "0123456789abcdef";
-    char* begin = end;
-    do
-    {
-        *--begin = names[number & ((1u << bits) - 1)];
-        number >>= bits;
-    } while (number != 0);
-    return {begin, end};
-}
-
 bool AppendText(ZTString& out, std::wstring_view text, const FormatSpec& spec)
 {
-    if (!spec.IsOneOf(L"sS"))
+    if (spec.conversion != 0 && spec.conversion != L's' && spec.conversion != L'S')
         return false;
     if (spec.precision >= 0)
         text = text.substr(0, static_cast<std::size_t>(spec.precision));
@@ -68,26 +48,16 @@ bool AppendText(ZTString& out, std::wstring_view text, const FormatSpec& spec)
 
 bool AppendDouble(ZTString& out, double value, const FormatSpec& spec)
 {
-    if (!spec.IsOneOf(L"fFeEgG") || spec.alternate)
+    if (spec.conversion != 0 && spec.conversion != L'f')
         return false;
     char digits[kFormatSizeMax + 400]; // the largest double has 309 digits before its point
     const double magnitude = std::fabs(value);
-    char* end;
-    if (spec.conversion == 0)
-        end = std::to_chars(digits, std::end(digits), magnitude).ptr;
-    else
-    {
-        const wchar_t form = spec.conversion | 0x20; // lower case
-        const std::chars_format format = form == L'f'   ? std::chars_format::fixed
-                                         : form == L'e' ? std::chars_format::scientific
-                                                        : std::chars_format::general;
-        const int precision = spec.precision < 0 ? 6 : spec.precision;
-        end = std::to_chars(digits, std::end(digits), magnitude, format, precision).ptr;
-        if (form != spec.conversion)
-            std::transform(digits, end, digits,
-                           [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
-    }
-    AppendField(out, SignOf(std::signbit(value), spec), 0, std::string_view(digits, end), spec,
+    const int precision = spec.precision < 0 ? 6 : spec.precision;
+    char* const end =
+        spec.conversion == 0
+            ? std::to_chars(digits, std::end(digits), magnitude).ptr
+            : std::to_chars(digits, std::end(digits), magnitude, std::chars_format::fixed, precision).ptr;
+    AppendField(out, std::signbit(value) ? "-" : "", 0, std::string_view(digits, end), spec,
                 spec.zeroFill && std::isfinite(value));
     return true;
 }
@@ -95,17 +65,17 @@ bool AppendDouble(ZTString& out, double value, const FormatSpec& spec)
 } // namespace
 
 PlaceholderValue::PlaceholderValue(const CStringW& text, const wchar_t*)
-    : mValue{.wide = text.GetString()}, mSize(static_cast<std::size_t>(text.GetLength())), mKind(Kind::Wide)
+    : mValue{.wide = text.GetString()}, mSize(static_cast<std::size_t>(text.GetLength())), mKind(eKind::Wide)
 {
 }
 
 PlaceholderValue::PlaceholderValue(const wchar_t* text, const wchar_t*)
-    : mValue{.wide = text}, mSize(text != nullptr ? std::wcslen(text) : 0), mKind(Kind::Wide)
+    : mValue{.wide = text}, mSize(text != nullptr ? std::wcslen(text) : 0), mKind(eKind::Wide)
 {
 }
 
 PlaceholderValue::PlaceholderValue(const char* text, const wchar_t*)
-    : mValue{.narrow = text}, mSize(text != nullptr ? std::strlen(text) : 0), mKind(Kind::Narrow)
+    : mValue{.narrow = text}, mSize(text != nullptr ? std::strlen(text) : 0), mKind(eKind::Narrow)
 {
 }
 
@@ -127,11 +97,11 @@ bool PlaceholderValue::AppendTo(ZTString& out, std::wstring_view text) const
         return false;
     switch (mKind)
     {
-    case Kind::Wide:
+    case eKind::Wide:
         return AppendText(out, {mValue.wide, mSize}, spec);
-    case Kind::Narrow:
+    case eKind::Narrow:
         return AppendText(out, text::FromUtf8({mValue.narrow, mSize}), spec);
-    case Kind::Double:
+    case eKind::Double:
         return AppendDouble(out, mValue.real, spec);
     default:
         return AppendInteger(out, spec);
@@ -140,24 +110,12 @@ bool PlaceholderValue::AppendTo(ZTString& out, std::wstring_view text) const
 
 bool PlaceholderValue::AppendInteger(ZTString& out, const FormatSpec& spec) const
 {
-    if (spec.conversion == L'c')
-    {
-        if (mValue.integer > static_cast<std::uint64_t>(std::numeric_limits<wchar_t>::max()))
-            return false;
-        const auto character = static_cast<wchar_t>(mValue.integer);
-        AppendField(out, {}, 0, std::wstring_view(&character, 1), spec, false);
-        return true;
-    }
-    const bool natural = spec.conversion == 0;
-    const bool signedDecimal = spec.conversion == L'd' || spec.conversion == L'i';
-    const bool capital = spec.conversion == L'X';
-    const bool hexadecimal = spec.conversion == L'x' || capital;
-    const bool octal = spec.conversion == L'o';
-    if (!natural && !signedDecimal && !hexadecimal && !octal && spec.conversion != L'u')
+    const bool hexadecimal = spec.conversion == L'X';
+    const bool asSigned = spec.conversion == L'd' || (spec.conversion == 0 && mKind == eKind::Signed);
+    if (!hexadecimal && !asSigned && spec.conversion != L'u' && spec.conversion != 0)
         return false;
 
     // The value in its own width, read as the conversion asks.
-    const bool asSigned = signedDecimal || (natural && mKind == Kind::Signed);
     std::uint64_t magnitude = mValue.integer;
     if (mSize == sizeof(std::uint32_t))
         magnitude = asSigned ? static_cast<std::uint64_t>(static_cast<std::int32_t>(magnitude))
@@ -167,24 +125,13 @@ bool PlaceholderValue::AppendInteger(ZTString& out, const FormatSpec& spec) cons
         magnitude = 0 - magnitude;
 
     char digits[24];
-    std::string_view text;
-    if (hexadecimal || octal)
-        text = PowerOfTwoDigits(magnitude, hexadecimal ? 4 : 3, capital, std::end(digits));
-    else
-        text = {digits, std::to_chars(digits, std::end(digits), magnitude).ptr};
+    char* const end = std::to_chars(digits, std::end(digits), magnitude, hexadecimal ? 16 : 10).ptr;
+    std::transform(digits, end, digits,
+                   [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
     // printf shows no digit at all of a zero with precision zero.
-    if (magnitude == 0 && spec.precision == 0)
-        text = {};
-
+    const std::string_view text(digits, magnitude == 0 && spec.precision == 0 ? digits : end);
     const auto precision = static_cast<std::size_t>(std::max(spec.precision, 0));
-    std::size_t zeros = precision > text.size() ? precision - text.size() : 0;
-    if (spec.alternate && octal && zeros == 0 && !text.starts_with('0'))
-        zeros = 1;
-    std::string_view prefix;
-    if (asSigned)
-        prefix = SignOf(negative, spec);
-    else if (spec.alternate && hexadecimal && magnitude != 0)
-        prefix = capital ? "0X" : "0x";
-    AppendField(out, prefix, zeros, text, spec, spec.zeroFill && spec.precision < 0);
+    const std::size_t zeros = precision > text.size() ? precision - text.size() : 0;
+    AppendField(out, negative ? "-" : "", zeros, text, spec, spec.zeroFill && spec.precision < 0);
     return true;
 }

@@ -17,7 +17,7 @@ struct Placeholder
 };
 
 // Reads `{}`, `{n}`, `{:spec}` or `{n:spec}`, of which `at` is the brace, and gives its end; null when it is
-// none.
+// not one.
 const wchar_t* ReadPlaceholder(const wchar_t* at, std::size_t runningIndex, Placeholder& placeholder)
 {
     ++at;
@@ -38,7 +38,7 @@ const wchar_t* ReadPlaceholder(const wchar_t* at, std::size_t runningIndex, Plac
 
 } // namespace
 
-ZTString FormatValues(const wchar_t* format, std::span<const PlaceholderValue> values)
+ZTString _StrFormat(const wchar_t* format, const PlaceholderValues& values)
 {
     ZTString result;
     const wchar_t* at = format ? format : L"";
