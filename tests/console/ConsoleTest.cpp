@@ -3,6 +3,7 @@
 // report that it opens with.
 #include "app/CmdLineParser.h"
 #include "console/TavoDlg.h"
+#include "foundation/Kelvane.h"
 #include "resources/resource.h"
 #include "tests/support/WindowProbe.h"
 
@@ -195,6 +196,11 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
     }
     gCmdLineParser.Parse(L"T");
     CloseHandle(other);
+}
+
+TEST(TimedBox, GivesTheResultOfItsCallerWhenTimeRunsOut)
+{
+    EXPECT_EQ(TimedMessageBox(L"A title", L"a text", MB_OK, 1, 42), 42);
 }
 
 } // namespace

@@ -131,6 +131,17 @@ TEST(Cleanable, CountsTheTextOfTheFrameworksStrings)
     EXPECT_EQ(report.text, "ZTString in CleanableVector<ZTString >"); // the blank is the compiler's
 }
 
+TEST(Cleanable, WaitsForTheRegistryAreBookedByTheNamesOfItsLocks)
+{
+    EXPECT_STREQ(GetgCleanablesCS().mLabel, L"gCleanablesCS");
+    EXPECT_STREQ(GetgCleanablesDeleteCS().mLabel, L"gCleanablesDeleteCS");
+}
+
+TEST(Cleanable, IsDescribedWithoutNamesThatTheLibraryCannotTell)
+{
+    EXPECT_EQ(DescribeContainer(nullptr, nullptr), L"unknown in CleanableVector");
+}
+
 TEST(Cleanable, StandsEightThreadsAndAWalkerOfTheRegistry)
 {
     const std::size_t before = Registered();

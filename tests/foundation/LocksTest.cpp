@@ -124,19 +124,3 @@ TEST(Locks, ArePassedOverBeforeTheyAreMadeAndAfterTheyAreGone)
     passedOver();
     std::thread(passedOver).join();
 }
-
-TEST(Locks, RecordTheirWaits)
-{
-    const RecordingSwitch recording;
-    CLockCS lock;
-    lock.mLabel = L"Contended";
-    // Long enough for this thread to come and wait, on a busy machine, too.
-    std::thread holder = HoldElsewhere(lock, std::chrono::milliseconds(1000));
-    {
-        const CAcquireCS acquired(lock);
-    }
-    holder.join();
-    const ZTString book = GetLockWaits();
-    EXPECT_GE(book.Find(L"Contended: 1 waits, "), 0);
-    EXPECT_EQ(book.Find(L" 0.0"), -1) << "of some length";
-}

@@ -171,6 +171,7 @@ TEST(SystemErrors, ReadAsCodeAndTextInOneLine)
     const auto message = [](DWORD code)
     { return GetSystemErrorMessage(code, eSysErrMsgPlain, eMonitorNone, false); };
     EXPECT_EQ(message(ERROR_FILE_NOT_FOUND).Left(3), L"2: ");
+    EXPECT_NE(message(ERROR_FILE_NOT_FOUND), L"2: Unknown error.");
     EXPECT_EQ(message(29999), L"29999: Unknown error.");
     EXPECT_EQ(message(0xEFFFFFFF), L"0xEFFFFFFF: Unknown error.");
     for (DWORD code = 0; code < 300; ++code)

@@ -172,6 +172,29 @@ TEST(Log, LosesAndMixesNoLineOfProcessesThatWriteAndRotateAtOnce)
         EXPECT_EQ(times, 1) << text;
 }
 
+TEST(Log, IsWrittenThroughNoOtherName)
+{
+    namespace fs = std::filesystem;
+    using Plant = void (*)(const fs::path& victim, const fs::path& log);
+    const Plant planted[] = {
+        [](const fs::path& victim, const fs::path& log) { fs::create_hard_link(victim, log); },
+        [](const fs::path&, const fs::path& log) { fs::create_directory(log); },
+        [](const fs::path& victim, const fs::path& log) { fs::create_symlink(victim, log); }};
+    for (const Plant plant : planted)
+    {
+        if (RunsOnWindows() && plant == planted[2])
+            continue; // Wine makes no links of this kind
+        const AgentFolder folder;
+        fs::create_directory(folder.Path() / "Logs");
+        folder.Write("victim", "untouched");
+        plant(folder.Path() / "victim", folder.Path() / "Logs" / "Tavo.log");
+        const AgentOutcome outcome = folder.Run({"log:2:x"});
+        EXPECT_EQ(outcome.exitCode, 0u);
+        EXPECT_EQ(folder.Read("victim"), "untouched");
+        EXPECT_THAT(outcome.errors, HasSubstr("cannot be written"));
+    }
+}
+
 TEST(Log, ThatCannotBeWrittenSaysSoOnceAndStopsNothing)
 {
     const AgentFolder folder;

@@ -41,7 +41,7 @@ TEST(Format, GivesEachFormOfTheLanguage)
     Check({
         {L"{0}|{1}|{2}", {text, L"wide", "narrow"}, L"text|wide|narrow"},
         {L"{0}|{1}|{2}", {-5, 7u, 18446744073709551615ull}, L"-5|7|18446744073709551615"},
-        {L"{0:s}|{1:s}", {text, L"wide"}, L"text|wide"},
+        {L"{0:s}|{1:s}|{1:.2s}{1:.0s}", {text, L"wide"}, L"text|wide|wi"},
         {L"{0:S}",
          {"Gr\xC3\xBC\xC3\x9F"
           "e"},
@@ -59,7 +59,6 @@ TEST(Format, GivesEachFormOfTheLanguage)
         {L"{0:f}|{0:0.1f}", {1.2}, L"1.200000|1.2"},
         {L"{0:f}", {2958466.0}, L"2958466.000000"},
         {L"{0}|{1}", {0.1, -2.5}, L"0.1|-2.5"},
-        {L"{0:c}{1:c}", {65, 0x20ACu}, L"A€"},
     });
 }
 
@@ -87,23 +86,20 @@ TEST(Format, ReadsBracesAndIndices)
     });
 }
 
-// What printf would make undefined behaviour of shows the value in its natural form.
+// What printf would make undefined behaviour of, and what no text of the product asks for, shows the value in
+// its natural form.
 TEST(Format, ChecksASpecAgainstTheTypeOfItsValue)
 {
     Check({
-        {L"{0:s}|{0:S}|{0:f}|{0:n}|{0:p}", {5}, L"5|5|5|5|5"},
-        {L"{0:d}|{0:x}|{0:n}", {L"text"}, L"text|text|text"},
-        {L"{0:d}|{0:s}|{0:#g}", {1.5}, L"1.5|1.5|1.5"},
-        {L"{0:*d}|{0:%}|{0:5}|{0:dd}|{0:.}|{0:-}", {5}, L"5|5|5|5|5|5"},
-        {L"{0:lld}|{0:I64u}|{0:hhX}", {0x1FFFFFFFFull}, L"8589934591|8589934591|1FFFFFFFF"},
-        {L"{0:ls}|{1:hs}", {L"wide", "narrow"}, L"wide|narrow"},
+        {L"{0:s}|{0:S}|{0:f}|{0:n}|{0:x}|{0:+d}", {5}, L"5|5|5|5|5|5"},
+        {L"{0:d}|{0:u}|{0:n}", {L"text"}, L"text|text|text"},
+        {L"{0:d}|{0:s}|{0:g}", {1.5}, L"1.5|1.5|1.5"},
+        {L"{0:*d}|{0:%}|{0:5}|{0:dd}|{0:.}|{0:-}|{0:ld}", {5}, L"5|5|5|5|5|5|5"},
         {L"{0:S}|{1:s}", {L"wide", "narrow"}, L"wide|narrow"},
         {L"[{0}{1}{0:5s}]",
          {static_cast<const wchar_t*>(nullptr), static_cast<const char*>(nullptr)},
          L"[     ]"},
         {L"{0:S}", {"\xFF"}, L"\xDCFF"},
-        {L"{0:c}", {-1}, L"-1"},
-        {L"{0:03d}|{0:f}", {std::numeric_limits<double>::infinity()}, L"inf|inf"},
         {L"{0:06f}|{1}",
          {-std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()},
          L"  -inf|nan"},
@@ -112,13 +108,11 @@ TEST(Format, ChecksASpecAgainstTheTypeOfItsValue)
 
 TEST(Format, CutsSizesDownToTheirLimit)
 {
-    const auto limit = static_cast<std::size_t>(kFormatSizeMax);
-    EXPECT_EQ(Text(L"{0:99999999999d}", {5}), std::wstring(limit - 1, L' ') + L"5");
-    EXPECT_EQ(Text(L"{0:-9999s}|", {L"a"}), L"a" + std::wstring(limit - 1, L' ') + L"|");
-    EXPECT_EQ(Text(L"{0:.9999d}", {-1}), L"-" + std::wstring(limit - 1, L'0') + L"1");
-    const double largest = std::numeric_limits<double>::max();
-    EXPECT_EQ(Text(L"{0:.9999f}", {largest}).size(), 309 + 1 + limit);
-    EXPECT_EQ(Text(L"{0:.9999g}", {std::numeric_limits<double>::denorm_min()}).substr(0, 8), L"4.940656");
+    constexpr std::size_t kLimit = 500;
+    EXPECT_EQ(Text(L"{0:99999999999d}", {5}), std::wstring(kLimit - 1, L' ') + L"5");
+    EXPECT_EQ(Text(L"{0:-9999s}|", {L"a"}), L"a" + std::wstring(kLimit - 1, L' ') + L"|");
+    EXPECT_EQ(Text(L"{0:.9999d}", {-1}), L"-" + std::wstring(kLimit - 1, L'0') + L"1");
+    EXPECT_EQ(Text(L"{0:.9999f}", {std::numeric_limits<double>::max()}).size(), 309 + 1 + kLimit);
 }
 
 TEST(Format, MayTakeTheStringItWrites)
@@ -146,34 +140,15 @@ TEST(Format, AgreesWithPrintfOnEveryCombinationOfFlagsAndSizes)
         const std::wstring text = Text(format.c_str(), {value});
         EXPECT_EQ(std::string(text.begin(), text.end()), expected) << spec;
     };
-    for (int flags = 0; flags < 32; ++flags)
-        for (const char* sizes : {"", "1", "12", ".0", ".3", "9.3", "20.12", "1.20"})
+    for (const std::string front : {"", "-", "0", "-0"})
+        for (const std::string sizes : {"", "1", "12", ".0", ".3", "9.3", "20.12", "1.20"})
         {
-            std::string front;
-            for (int flag = 0; flag < 5; ++flag)
-                if (flags & (1 << flag))
-                    front += "-+ 0#"[flag];
-            front += sizes;
-            // Sign flags are defined for signed conversions alone, "#" for hexadecimal and octal ones (where
-            // MinGW's printf loses the zero of "%#.0o", so octal goes without).
-            const bool signFlag = flags & 6, alternate = flags & 16;
-            for (const std::string conversion : {"d", "i", "u", "o", "x", "X"})
-            {
-                const bool asSigned = conversion == "d" || conversion == "i";
-                if ((alternate && (asSigned || conversion == "u" || conversion == "o")) ||
-                    (signFlag && !asSigned))
-                    continue;
-                for (const long long value :
-                     {0LL, 1LL, -1LL, 123456LL, -98765LL, std::numeric_limits<long long>::min(),
-                      std::numeric_limits<long long>::max()})
-                    compare(front + conversion, value);
-            }
-            if (alternate)
-                continue; // none of the language's flags for a double
-            for (const char* conversion : {"f", "F", "e", "E", "g", "G"})
-                for (const double value :
-                     {0.0, -0.0, 1.0, -1.5, 0.00012345, 123456789.125, 1e-7, 1e15, 0.5, 2.5})
-                    compare(front + conversion, value);
+            for (const char conversion : {'d', 'u', 'X'})
+                for (const long long value : {0LL, 1LL, -1LL, 123456LL, std::numeric_limits<long long>::min(),
+                                              std::numeric_limits<long long>::max()})
+                    compare(front + sizes + conversion, value);
+            for (const double value : {0.0, -0.0, 1.0, -1.5, 0.00012345, 123456789.125, 1e15, 0.5, 2.5})
+                compare(front + sizes + 'f', value);
         }
 }
 
@@ -186,8 +161,9 @@ TEST(PlaceholderValue, FormatsIntoABufferOrTellsThatItCannot)
         int capacity;
         int expected;
     } kCases[] = {
-        {12345, L"%d", 5, 5}, {12345, L"%d", 4, -1}, {12345, nullptr, 5, 5}, {12345, L"%s", 5, -1},
-        {12345, L"d", 5, -1}, {12345, L"%", 5, 5},   {L"", L"%s", 0, 0},     {"a", L"%3S", 5, 3},
+        {12345, L"%d", 5, 5},  {12345, L"%d", 4, -1}, {12345, nullptr, 5, 5},
+        {12345, L"%s", 5, -1}, {12345, L"d", 5, -1},  {12345, L"%", 5, 5},
+        {L"", L"%s", 0, 0},    {"a", L"%3S", 5, 3},   {L"abc", L"%.2s", 5, 2},
     };
     for (const auto& row : kCases)
     {

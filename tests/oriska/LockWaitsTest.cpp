@@ -19,17 +19,18 @@ TEST(LockWaits, AreBookedByLabelFromAnyThread)
             });
     threads.clear();
     RecordLockWait(L"Catalogue", 4294967295);
-    RecordLockWait(L"Catalogue", 4294967295);
-    EXPECT_EQ(GetLockWaits(), L"Catalogue: 2 waits, 85899345.90 ms, longest 42949672.95 ms\n"
+    RecordLockWait(L"Catalogue", 5);
+    EXPECT_EQ(GetLockWaits(), L"Catalogue: 2 waits, 42949673.00 ms, longest 42949672.95 ms\n"
                               L"Queue: 8000 waits, 4000.00 ms, longest 0.50 ms\n");
 }
 
 TEST(Timer, CountsHundredthsOfAMillisecond)
 {
+    const auto before = std::chrono::steady_clock::now();
     const std::int64_t start = TimerStart();
     EXPECT_NE(start, 0);
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     const DWORD elapsed = TimerEnd100thms(start);
     EXPECT_GE(elapsed, 4900u);
-    EXPECT_LT(elapsed, 1'000'000u) << "a busy machine is late, but not by ten seconds";
+    EXPECT_LE(elapsed, (std::chrono::steady_clock::now() - before) / std::chrono::microseconds(10));
 }

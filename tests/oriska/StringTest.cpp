@@ -45,7 +45,7 @@ private:
     } mNil{{this, 0, 0}, 0};
 };
 
-// Lives before main, in whatever order.
+// Lives before main, in any order.
 ZTString gEarly = ZTString(L"early ") + ZTString("caf\xC3\xA9");
 
 } // namespace
@@ -88,7 +88,7 @@ TEST(String, TakesPartsOfItselfAsArguments)
     ZTString text(L"abc");
     text += text;
     EXPECT_EQ(text, L"abcabc");
-    for (int i = 0; i < 5; ++i) // whatever the room that is left
+    for (int i = 0; i < 5; ++i) // however much room is left
         text.Append(text.GetString() + 1, 2);
     EXPECT_EQ(text, L"abcabcbcbcbcbcbc");
     text = text.GetString() + 13;
