@@ -14,8 +14,6 @@ CDlgGetCRC64::CDlgGetCRC64(CWnd* parent) : CDialog(IDD_CRC64, parent) {}
 
 void CDlgGetCRC64::DoDataExchange(CDataExchange* pDX)
 {
-    // Until told otherwise a box takes no more than 32767 characters from the keyboard and the clipboard.
-    SendMessageW(pDX->PrepareCtrl(IDC_INPUT), EM_LIMITTEXT, 0, 0);
     DDX_Text(pDX, IDC_INPUT, mInput);
     DDX_Check(pDX, IDC_WIDE_CHARS, mWideChars);
     DDX_Text(pDX, IDC_CRC, mCRC);
@@ -24,6 +22,8 @@ void CDlgGetCRC64::DoDataExchange(CDataExchange* pDX)
 
 BOOL CDlgGetCRC64::OnInitDialog()
 {
+    // Until told otherwise a box takes no more than 32767 characters from the keyboard and the clipboard.
+    SendMessageW(GetDlgItem(IDC_INPUT)->m_hWnd, EM_LIMITTEXT, 0, 0);
     return CDialog::OnInitDialog();
 }
 

@@ -69,21 +69,6 @@ void SelectText(Window& edit, std::ptrdiff_t start, std::ptrdiff_t end)
     TheDisplay().Refresh(edit, Change::Selection, 0);
 }
 
-void ReplaceSelection(Window& edit, std::wstring_view text)
-{
-    const std::size_t selected = edit.selectionEnd - edit.selectionStart;
-    if (edit.textLimit != 0)
-    {
-        const std::size_t rest = edit.text.size() - selected;
-        text = text.substr(0, edit.textLimit > rest ? edit.textLimit - rest : 0);
-    }
-    std::wstring whole = edit.text;
-    whole.replace(edit.selectionStart, selected, text);
-    const std::size_t caret = edit.selectionStart + text.size();
-    ReplaceEditText(edit, whole.c_str());
-    edit.selectionStart = edit.selectionEnd = caret;
-}
-
 LRESULT ServeEdit(Window& edit, UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message)
@@ -100,14 +85,6 @@ LRESULT ServeEdit(Window& edit, UINT message, WPARAM wParam, LPARAM lParam)
         return TRUE;
     case EM_SETSEL:
         SelectText(edit, static_cast<int>(wParam), static_cast<int>(lParam));
-        return 0;
-    case EM_GETSEL:
-        return MAKELONG(edit.selectionStart, edit.selectionEnd);
-    case EM_REPLACESEL:
-        ReplaceSelection(edit, TextOf(lParam));
-        return 0;
-    case EM_LIMITTEXT:
-        edit.textLimit = static_cast<std::size_t>(wParam);
         return 0;
     default:
         return ServeText(edit, message, wParam, lParam);

@@ -20,12 +20,7 @@ enum class Change
     Items,     // of a combo box, with its selection
     Selection, // of a combo box, or of an edit's text
     Enabled,
-    Visible, // of a control; dialogs have Show and Hide
-    ReadOnly,
     Icon,
-    DefaultButton,
-    Iconic,
-    Drawn,
 };
 
 class Display

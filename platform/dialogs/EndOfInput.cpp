@@ -9,12 +9,10 @@ namespace platform
 namespace
 {
 
-// The button that answers a message box when a person's input has ended: No, or the only one, or Cancel.
+// The button that answers a message box when a person's input has ended: No, or the only one.
 UINT AnswerOfNobody(const Window& messageBox)
 {
-    if (FindControl(messageBox, IDNO) != nullptr)
-        return IDNO;
-    return FindControl(messageBox, IDCANCEL) != nullptr ? IDCANCEL : IDOK;
+    return FindControl(messageBox, IDNO) != nullptr ? IDNO : IDOK;
 }
 
 } // namespace

@@ -5,8 +5,6 @@
 #include "platform/dialogs/WindowTable.h"
 #include "platform/dialogs/DialogLoop.h"
 
-#include <algorithm>
-
 namespace platform
 {
 
@@ -14,34 +12,6 @@ namespace
 {
 
 constexpr UINT kLabelId = 0xFFFF;
-
-struct Answer
-{
-    UINT id;
-    const wchar_t* caption;
-};
-
-constexpr Answer kOk{IDOK, L"OK"};
-constexpr Answer kCancel{IDCANCEL, L"Cancel"};
-constexpr Answer kYes{IDYES, L"&Yes"};
-constexpr Answer kNo{IDNO, L"&No"};
-
-std::vector<Answer> AnswersOf(UINT type)
-{
-    switch (type & MB_TYPEMASK)
-    {
-    case MB_OK:
-        return {kOk};
-    case MB_OKCANCEL:
-        return {kOk, kCancel};
-    case MB_YESNOCANCEL:
-        return {kYes, kNo, kCancel};
-    case MB_YESNO:
-        return {kYes, kNo};
-    default:
-        return {};
-    }
-}
 
 ControlTemplate MakeControl(ControlClass windowClass, UINT id, const wchar_t* text, DWORD style)
 {
@@ -55,28 +25,29 @@ ControlTemplate MakeControl(ControlClass windowClass, UINT id, const wchar_t* te
 
 std::unique_ptr<Window> MakeMessageBox(const wchar_t* text, const wchar_t* caption, UINT type)
 {
-    const std::vector<Answer> answers = AnswersOf(type);
-    if (answers.empty())
-        return nullptr;
-    const std::size_t preselected = (type & MB_DEFBUTTON2) != 0 && answers.size() > 1 ? 1 : 0;
-
+    const bool isQuestion = (type & MB_TYPEMASK) == MB_YESNO;
     DialogTemplate source;
-    // The close box is Cancel; a question of yes or no has none.
-    source.style = WS_POPUP | WS_CAPTION | ((type & MB_TYPEMASK) == MB_YESNO ? 0 : WS_SYSMENU);
+    // A question has no close box.
+    source.style = WS_POPUP | WS_CAPTION | (isQuestion ? 0 : WS_SYSMENU);
     source.caption = caption;
     source.controls.push_back(MakeControl(ControlClass::Static, kLabelId, text, SS_LEFT));
-    for (std::size_t i = 0; i < answers.size(); ++i)
+    const DWORD first = WS_TABSTOP | BS_DEFPUSHBUTTON;
+    if (isQuestion)
+    {
+        source.controls.push_back(MakeControl(ControlClass::Button, IDYES, L"&Yes", first));
         source.controls.push_back(
-            MakeControl(ControlClass::Button, answers[i].id, answers[i].caption,
-                        WS_TABSTOP | (i == preselected ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON)));
+            MakeControl(ControlClass::Button, IDNO, L"&No", WS_TABSTOP | BS_PUSHBUTTON));
+    }
+    else
+        source.controls.push_back(MakeControl(ControlClass::Button, IDOK, L"OK", first));
     std::unique_ptr<Window> box = MakeDialog(source);
     box->dialog->isMessageBox = true;
     box->dialog->messageBoxType = type;
-    box->dialog->focus = box->children[1 + preselected].get();
+    box->dialog->focus = box->children[1].get();
     return box;
 }
 
-// Esc and the close box answer Cancel, or OK where that is the only button, and nothing else.
+// Esc and the close box answer OK where that is the only button, and nothing else.
 INT_PTR Procedure(HWND handle, UINT message, WPARAM wParam, LPARAM)
 {
     if (message != WM_COMMAND)
@@ -93,18 +64,13 @@ INT_PTR Procedure(HWND handle, UINT message, WPARAM wParam, LPARAM)
 int Run(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
         std::optional<std::chrono::milliseconds> timeout)
 {
-    std::unique_ptr<Window> box =
-        MakeMessageBox(text != nullptr ? text : L"", caption != nullptr ? caption : L"Error", type);
-    if (box == nullptr)
-    {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return 0;
-    }
     if (!StartWindows())
     {
         SetLastError(ERROR_ACCESS_DENIED);
         return 0;
     }
+    std::unique_ptr<Window> box =
+        MakeMessageBox(text != nullptr ? text : L"", caption != nullptr ? caption : L"Error", type);
     return static_cast<int>(RunModal(std::move(box), {owner, &Procedure, 0, timeout}));
 }
 

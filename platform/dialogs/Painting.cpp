@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A dialog is asked to paint once after it has appeared. Its device context is its handle under another
-// type: there is one context a dialog, and only icons to put into it.
+// type: there is one context a dialog, and only icons to put into it. Desktops show no client area of an
+// iconic window, so no display shows them.
 #include "platform/dialogs/WindowTable.h"
 
 #include <algorithm>
@@ -39,11 +40,8 @@ HDC BeginPaint(HWND handle, LPPAINTSTRUCT paint)
     return paint->hdc;
 }
 
-BOOL EndPaint(HWND handle, const PAINTSTRUCT*)
+BOOL EndPaint(HWND, const PAINTSTRUCT*)
 {
-    Window* const dialog = FindDialog(handle);
-    if (dialog != nullptr)
-        TheDisplay().Refresh(*dialog, Change::Drawn, 0);
     return TRUE;
 }
 

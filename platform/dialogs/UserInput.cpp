@@ -16,8 +16,6 @@ void UserClicked(Window& button)
 
 void UserTyped(Window& edit, std::wstring wholeText)
 {
-    if (edit.textLimit != 0 && wholeText.size() > edit.textLimit)
-        wholeText.resize(edit.textLimit);
     SetEditText(edit, std::move(wholeText));
     edit.selectionStart = edit.selectionEnd = edit.text.size();
 }

@@ -89,7 +89,6 @@ struct Window
     std::size_t lineCount = 1;
     std::size_t selectionStart = 0;
     std::size_t selectionEnd = 0;
-    std::size_t textLimit = 0; // of typing, in characters; 0 is none
 
     // Combo box
     std::vector<ComboItem> items;

@@ -45,11 +45,6 @@ HWND GetDlgItem(HWND handle, int id)
 
 LONG_PTR GetWindowLongPtrW(HWND handle, int index)
 {
-    if (index == GWL_STYLE)
-    {
-        const Window* const window = FindWindow(handle);
-        return window != nullptr ? static_cast<LONG_PTR>(window->style) : 0;
-    }
     const LONG_PTR* const place = FindLong(handle, index);
     return place != nullptr ? *place : 0;
 }

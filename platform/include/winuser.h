@@ -57,9 +57,6 @@
 // Control ids of the system's own buttons.
 #define IDOK 1
 #define IDCANCEL 2
-#define IDABORT 3
-#define IDRETRY 4
-#define IDIGNORE 5
 #define IDYES 6
 #define IDNO 7
 
@@ -96,11 +93,9 @@
 #define WM_COMMAND 0x0111
 #define WM_USER 0x0400
 
-#define EM_GETSEL 0x00B0
 #define EM_SETSEL 0x00B1
 #define EM_LINESCROLL 0x00B6
 #define EM_GETLINECOUNT 0x00BA
-#define EM_REPLACESEL 0x00C2
 #define EM_LIMITTEXT 0x00C5
 
 #define BM_GETCHECK 0x00F0
@@ -125,13 +120,11 @@
 
 #define SW_HIDE 0
 
-#define PM_NOREMOVE 0
 #define PM_REMOVE 1
 #define PM_QS_POSTMESSAGE 0x00980000
 #define PM_QS_PAINT 0x00200000
 
 #define GA_ROOT 2
-#define GWL_STYLE (-16)
 #define DWLP_MSGRESULT 0
 #define DWLP_USER 16
 
@@ -139,15 +132,9 @@
 #define SM_CYICON 12
 
 #define MB_OK 0x00000000
-#define MB_OKCANCEL 0x00000001
-#define MB_YESNOCANCEL 0x00000003
 #define MB_YESNO 0x00000004
-#define MB_ICONERROR 0x00000010
-#define MB_ICONQUESTION 0x00000020
 #define MB_ICONEXCLAMATION 0x00000030
-#define MB_ICONINFORMATION 0x00000040
 #define MB_ICONMASK 0x000000F0
-#define MB_DEFBUTTON2 0x00000100
 #define MB_TYPEMASK 0x0000000F
 #define MB_TIMEDOUT 32000
 
@@ -187,8 +174,8 @@ extern "C"
     // Takes Enter and Esc; the other keys that move within a dialog are the display's.
     PLATFORM_EXPORT BOOL IsDialogMessageW(HWND dialog, LPMSG message);
 
-    // Message boxes. MessageBoxTimeoutW answers MB_TIMEDOUT when nobody did within the time; the language
-    // is ignored. Without an owner, dialogs that are open stay enabled.
+    // Message boxes: MB_YESNO, or an OK button alone. MessageBoxTimeoutW answers MB_TIMEDOUT when nobody did
+    // within the time; the language is ignored. Without an owner, dialogs that are open stay enabled.
     PLATFORM_EXPORT int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type);
     PLATFORM_EXPORT int MessageBoxTimeoutW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
                                            WORD language, DWORD milliseconds);

@@ -46,28 +46,18 @@ DialogRect ReadRect(ByteReader& reader)
     return rect;
 }
 
-ControlTemplate ReadControl(ByteReader& reader, bool isExtended)
+ControlTemplate ReadControl(ByteReader& reader)
 {
     ControlTemplate control;
     reader.AlignTo4();
-    if (isExtended)
-    {
-        reader.ReadDWord(); // help id
-        control.extendedStyle = reader.ReadDWord();
-        control.style = reader.ReadDWord();
-    }
-    else
-    {
-        control.style = reader.ReadDWord();
-        control.extendedStyle = reader.ReadDWord();
-    }
+    reader.ReadDWord(); // help id
+    control.extendedStyle = reader.ReadDWord();
+    control.style = reader.ReadDWord();
     control.rect = ReadRect(reader);
-    control.id = isExtended ? reader.ReadDWord() : reader.ReadWord();
+    control.id = reader.ReadDWord();
     control.windowClass = FindClass(ResourceName::Read(reader));
     control.text = ResourceName::Read(reader).text;
-    // Creation data: in the old form the count holds itself.
-    const std::size_t extra = reader.ReadWord();
-    reader.ReadBytes(isExtended || extra < sizeof(WORD) ? extra : extra - sizeof(WORD));
+    reader.ReadBytes(reader.ReadWord()); // creation data
     return control;
 }
 
@@ -77,21 +67,12 @@ std::optional<DialogTemplate> ReadDialogTemplate(Bytes bytes)
 {
     DialogTemplate dialog;
     ByteReader reader(bytes);
-    ByteReader ahead = reader;
-    ahead.ReadWord();
-    const bool isExtended = ahead.ReadWord() == kExtendedSignature;
-    if (isExtended)
-    {
-        reader = ahead;
-        reader.ReadDWord(); // help id
-        dialog.extendedStyle = reader.ReadDWord();
-        dialog.style = reader.ReadDWord();
-    }
-    else
-    {
-        dialog.style = reader.ReadDWord();
-        dialog.extendedStyle = reader.ReadDWord();
-    }
+    reader.ReadWord(); // version
+    if (reader.ReadWord() != kExtendedSignature)
+        return std::nullopt;
+    reader.ReadDWord(); // help id
+    dialog.extendedStyle = reader.ReadDWord();
+    dialog.style = reader.ReadDWord();
     const std::size_t controls = reader.ReadWord();
     dialog.rect = ReadRect(reader);
     ResourceName::Read(reader); // menu
@@ -100,16 +81,13 @@ std::optional<DialogTemplate> ReadDialogTemplate(Bytes bytes)
     if ((dialog.style & DS_SETFONT) != 0)
     {
         dialog.font.points = reader.ReadWord();
-        if (isExtended)
-        {
-            dialog.font.weight = reader.ReadWord();
-            dialog.font.italic = reader.ReadByte() != 0;
-            reader.ReadByte(); // character set
-        }
+        dialog.font.weight = reader.ReadWord();
+        dialog.font.italic = reader.ReadByte() != 0;
+        reader.ReadByte(); // character set
         dialog.font.face = reader.ReadText();
     }
     for (std::size_t i = 0; i < controls && !reader.Failed(); ++i)
-        dialog.controls.push_back(ReadControl(reader, isExtended));
+        dialog.controls.push_back(ReadControl(reader));
     if (reader.Failed())
         return std::nullopt;
     return dialog;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Dialog templates of both forms, the old and the extended one.
+// Dialog templates of the extended form, which DIALOGEX statements make.
 #pragma once
 
 #include "platform/resource/ResFile.h"
@@ -56,7 +56,7 @@ struct DialogTemplate
     std::vector<ControlTemplate> controls;
 };
 
-// Nothing when the bytes end before the template does.
+// Nothing for a template of the old form, and when the bytes end before the template does.
 PLATFORM_EXPORT std::optional<DialogTemplate> ReadDialogTemplate(Bytes bytes);
 
 } // namespace platform

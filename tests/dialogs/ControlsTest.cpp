@@ -43,28 +43,6 @@ TEST(EditControl, KeepsTheTextItIsGivenAndCountsItsLines)
         });
 }
 
-TEST(EditControl, ReplacesWhatIsSelected)
-{
-    InDialog(
-        [](HWND dialog)
-        {
-            const HWND line = GetDlgItem(dialog, IDC_LINE);
-            SetWindowTextW(line, L"abcdef");
-            SendMessageW(line, EM_SETSEL, 1, 3);
-            Send(dialog, IDC_LINE, EM_REPLACESEL, FALSE, L"XYZ");
-            EXPECT_EQ(TextOf(line), L"aXYZdef");
-            EXPECT_EQ(SendMessageW(line, EM_GETSEL, 0, 0), MAKELONG(4, 4));
-            SendMessageW(line, EM_SETSEL, 0, -1);
-            EXPECT_EQ(SendMessageW(line, EM_GETSEL, 0, 0), MAKELONG(0, 7));
-            SendMessageW(line, EM_LIMITTEXT, 3, 0);
-            Send(dialog, IDC_LINE, EM_REPLACESEL, FALSE, L"12345");
-            EXPECT_EQ(TextOf(line), L"123");
-            SetWindowTextW(line, L"longer than that");
-            EXPECT_EQ(TextOf(line), L"longer than that") << "the limit is of typing only";
-            EXPECT_EQ(SendMessageW(line, EM_GETSEL, 0, 0), 0) << "a new text has the caret in front";
-        });
-}
-
 TEST(CheckBox, ClickTogglesItAndTellsTheDialog)
 {
     std::vector<WPARAM> clicks;

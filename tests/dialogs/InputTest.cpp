@@ -102,32 +102,3 @@ TEST(Input, StaysWhereOnlyPostedMessagesAndPaintingAreAskedFor)
             }),
         ElementsAre(0, 0, IDC_PUSH, IDCANCEL));
 }
-
-TEST(Painting, MinimisedDialogIsAskedToPaintAndItsIconReachesTheDisplay)
-{
-    bool isIconic = false;
-    ScriptedDialog script;
-    script.serve = [&](HWND dialog, UINT message, WPARAM, LPARAM)
-    {
-        if (message != WM_PAINT)
-            return false;
-        isIconic = IsIconic(dialog) != FALSE;
-        PAINTSTRUCT paint;
-        const HDC context = BeginPaint(dialog, &paint);
-        DrawIcon(context, 3, 4, LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_ANY)));
-        EndPaint(dialog, &paint);
-        return true;
-    };
-    script.body = [&](HWND dialog)
-    {
-        UserMinimized(*TopDialog(), true);
-        UpdateWindow(dialog);
-        EXPECT_TRUE(isIconic);
-        const std::vector<DrawnIcon>& drawn = TopDialog()->dialog->drawn;
-        ASSERT_EQ(drawn.size(), 1u);
-        EXPECT_EQ(drawn[0].x, 3);
-        EXPECT_EQ(drawn[0].y, 4);
-        EndDialog(dialog, 1);
-    };
-    EXPECT_EQ(script.Run(), 1);
-}

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the layer reads out of a .res file of the resource compiler: both forms of templates, cut at any byte.
+// What the layer reads out of a .res file of the resource compiler: strings and templates, cut at any byte.
 #include "platform/resource/Resources.h"
 
 #include <gmock/gmock.h>
@@ -51,13 +51,12 @@ std::vector<std::wstring> Describe(const std::optional<DialogTemplate>& dialog)
 
 } // namespace
 
-TEST(ResFile, HoldsTemplatesOfTheNewAndTheOldForm)
+TEST(ResFile, HoldsTemplatesOfTheNewForm)
 {
     EXPECT_THAT(Describe(ReadDialogTemplate(FindDialog(101))),
                 ElementsAre(L"New 0,0,200,120 Verdana 9 italic", L"2 4294967295 L 7,79,40,8",
                             L"1 1000  7,7,120,60", L"4 1001 x 7,7,50,14"));
-    EXPECT_THAT(Describe(ReadDialogTemplate(FindDialog(102))),
-                ElementsAre(L"Old 0,0,200,120 F 8", L"0 1 P 7,79,40,8", L"3 2  7,7,120,60"));
+    EXPECT_FALSE(ReadDialogTemplate(FindDialog(102))) << "of the old form";
 }
 
 TEST(ResFile, CutAnywhereLosesNoMoreThanItsEnd)
@@ -71,10 +70,7 @@ TEST(ResFile, CutAnywhereLosesNoMoreThanItsEnd)
         EXPECT_GE(count, before);
         before = count;
     }
-    for (const UINT id : {101, 102})
-    {
-        const Bytes whole = FindDialog(id);
-        for (std::size_t length = 0; length + sizeof(DWORD) < whole.size(); ++length)
-            EXPECT_FALSE(ReadDialogTemplate(whole.first(length))) << id << " cut at " << length;
-    }
+    const Bytes whole = FindDialog(101);
+    for (std::size_t length = 0; length + sizeof(DWORD) < whole.size(); ++length)
+        EXPECT_FALSE(ReadDialogTemplate(whole.first(length))) << "cut at " << length;
 }

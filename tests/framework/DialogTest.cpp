@@ -89,20 +89,6 @@ TEST(ModalDialog, DisablesItsParentAndServesIt)
     EXPECT_THAT(order, ElementsAre("innermost ended", "innermost returned", "inner ended", "inner returned"));
 }
 
-TEST(ModalDialog, WaitsForTheHandlerInWhichItWasEnded)
-{
-    TestDialog dialog;
-    dialog.mWork = [&]
-    {
-        Pump(); // dispatches the click on End
-        EXPECT_FALSE(IsShown(dialog.m_hWnd));
-        EXPECT_TRUE(dialog.UpdateData(TRUE));
-        Pump();
-    };
-    EXPECT_EQ(dialog.Run({[&] { dialog.Click(IDC_WORK); }, [&] { dialog.Click(IDC_END); }}), IDC_END);
-    EXPECT_THAT(dialog.mTrace, ElementsAre("fill", "work begins", "OnEnd", "save", "work ends"));
-}
-
 TEST(ModalDialog, EndedUnderAnotherOneReturnsAfterIt)
 {
     TestDialog outer;
@@ -161,13 +147,6 @@ TEST(ModalDialog, TakesEnterAndEscapeWithoutButtonsForThem)
         EXPECT_EQ(dialog.Run({[&] { PressKey(dialog.m_hWnd, row.focus, row.key); }}), row.result)
             << "key " << row.key << " on " << row.focus;
     }
-}
-
-TEST(ModalDialog, CloseCancelsIt)
-{
-    TestDialog dialog;
-    EXPECT_EQ(dialog.Run({[&] { PostMessageW(dialog.m_hWnd, WM_CLOSE, 0, 0); }}), IDCANCEL);
-    EXPECT_THAT(dialog.mTrace, ElementsAre("fill", "OnCancel"));
 }
 
 TEST(ModalDialog, PaintsAreOver)
@@ -235,14 +214,4 @@ TEST(Application, ServesTheCommandsThatTheDialogDoesNot)
         },
         [&] { dialog.EndDialog(1); },
     });
-}
-
-TEST(RuntimeClass, KnowsItsNameAndItsBases)
-{
-    const CDialog dialog(IDD_PLAIN);
-    EXPECT_STREQ(dialog.GetRuntimeClass()->m_lpszClassName, "CDialog");
-    EXPECT_TRUE(dialog.IsKindOf(RUNTIME_CLASS(CDialog)));
-    EXPECT_TRUE(dialog.IsKindOf(RUNTIME_CLASS(CWnd)));
-    EXPECT_TRUE(dialog.IsKindOf(RUNTIME_CLASS(CObject)));
-    EXPECT_FALSE(dialog.IsKindOf(RUNTIME_CLASS(CEdit)));
 }

@@ -16,6 +16,7 @@ bool IsShown(HWND window);
 bool IsEnabled(HWND window);
 
 std::wstring TextOf(HWND window);
+std::wstring SelectionOf(HWND edit);
 
 // Moves the focus to a control and presses a key there (VK_RETURN or VK_ESCAPE). The key is served like any
 // input, not at once.

@@ -48,6 +48,12 @@ bool IsEnabled(HWND window)
     return found && found->enabled;
 }
 
+std::wstring SelectionOf(HWND edit)
+{
+    const Window* found = Find(edit);
+    return found->text.substr(found->selectionStart, found->selectionEnd - found->selectionStart);
+}
+
 void PressKey(HWND dialog, int controlId, WORD key)
 {
     SetFocus(GetDlgItem(dialog, controlId));

@@ -137,7 +137,7 @@ void RefreshSelection(const Window& control)
     edit.setTextCursor(cursor);
 }
 
-void RefreshReadOnly(const Window& control)
+void SetReadOnly(const Window& control)
 {
     auto& widget = WidgetOf<QWidget>(control);
     QPalette palette; // a text that cannot be edited lies on the dialog's own colour
@@ -259,8 +259,11 @@ QWidget* MakeControl(Window& control, QWidget& parent)
     control.shown = widget;
     if (control.kind != WindowKind::Label && (control.style & WS_TABSTOP) == 0)
         widget->setFocusPolicy(Qt::ClickFocus);
-    for (const Change change : {Change::Text, Change::Items, Change::Check, Change::ReadOnly,
-                                Change::Selection, Change::Enabled, Change::Visible})
+    if (control.kind == WindowKind::Edit)
+        SetReadOnly(control);
+    widget->setVisible(control.visible);
+    for (const Change change :
+         {Change::Text, Change::Items, Change::Check, Change::Selection, Change::Enabled})
         RefreshControl(control, change, 0);
     return widget;
 }
@@ -288,17 +291,11 @@ void RefreshControl(const Window& control, Change change, std::size_t oldLength)
         if (isEdit || control.kind == WindowKind::ComboBox)
             RefreshSelection(control);
         return;
-    case Change::ReadOnly:
-        if (isEdit)
-            RefreshReadOnly(control);
-        return;
     case Change::Enabled:
         // Nothing has the keyboard then; Qt would give it to the next control.
         if (!control.enabled && widget.window()->focusWidget() == &widget)
             widget.window()->setFocus();
         return widget.setEnabled(control.enabled);
-    case Change::Visible:
-        return widget.setVisible(control.visible);
     default:
         return;
     }

@@ -49,21 +49,6 @@ Qt::WindowFlags FlagsOf(const Window& dialog)
     return flags;
 }
 
-QStyle::StandardPixmap MessageIcon(UINT type)
-{
-    switch (type & MB_ICONMASK)
-    {
-    case MB_ICONERROR:
-        return QStyle::SP_MessageBoxCritical;
-    case MB_ICONQUESTION:
-        return QStyle::SP_MessageBoxQuestion;
-    case MB_ICONEXCLAMATION:
-        return QStyle::SP_MessageBoxWarning;
-    default:
-        return QStyle::SP_MessageBoxInformation;
-    }
-}
-
 // What a screen reader calls the window.
 QAccessibleInterface* MakeAccessible(const QString&, QObject* object)
 {
@@ -87,8 +72,12 @@ DialogWidget::DialogWidget(Window& dialog) : QWidget(nullptr, FlagsOf(dialog)), 
         LayOutMessageBox();
     else
         LayOutByTemplate();
-    for (const Change change : {Change::Text, Change::Icon, Change::DefaultButton})
+    for (const Change change : {Change::Text, Change::Icon})
         RefreshDialog(change);
+    for (const auto& control : dialog.children)
+        if (control->kind == WindowKind::PushButton)
+            static_cast<QPushButton*>(static_cast<QWidget*>(control->shown))
+                ->setDefault(control->id == dialog.dialog->defaultButton);
 }
 
 QWidget* DialogWidget::MakeWatchedControl(Window& control)
@@ -133,10 +122,10 @@ void DialogWidget::LayOutMessageBox()
     message->setSpacing(12);
     buttons->addStretch();
 
-    if ((mDialog.dialog->messageBoxType & MB_ICONMASK) != 0)
+    if ((mDialog.dialog->messageBoxType & MB_ICONMASK) == MB_ICONEXCLAMATION)
     {
         auto* icon = new QLabel(this);
-        icon->setPixmap(style()->standardIcon(MessageIcon(mDialog.dialog->messageBoxType)).pixmap(32));
+        icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(32));
         message->addWidget(icon, 0, Qt::AlignTop);
     }
     for (const auto& control : mDialog.children)
@@ -182,10 +171,7 @@ void DialogWidget::Open()
     }
     adjustSize();
     move(CenteredPosition());
-    if (mDialog.dialog->iconic)
-        showMinimized();
-    else
-        show();
+    show();
     activateWindow();
 }
 
@@ -208,22 +194,9 @@ void DialogWidget::RefreshDialog(Change change)
         const DialogState& state = *mDialog.dialog;
         return setWindowIcon(ToQIcon(state.bigIcon ? state.bigIcon : state.smallIcon));
     }
-    case Change::DefaultButton:
-        return RefreshDefaultButton();
-    case Change::Iconic:
-        return isVisible() ? (mDialog.dialog->iconic ? showMinimized() : showNormal()) : void();
-    default: // Enabled: modality keeps the person out. Drawn: desktops show no client area of an iconic
-             // window.
+    default: // Enabled: modality keeps the person out.
         return;
     }
-}
-
-void DialogWidget::RefreshDefaultButton()
-{
-    for (const auto& control : mDialog.children)
-        if (control->kind == WindowKind::PushButton)
-            static_cast<QPushButton*>(static_cast<QWidget*>(control->shown))
-                ->setDefault(control->id == mDialog.dialog->defaultButton);
 }
 
 Window* DialogWidget::ControlOf(const QObject* widget) const

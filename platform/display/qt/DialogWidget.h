@@ -34,7 +34,6 @@ private:
     QWidget* MakeWatchedControl(Window& control);
     Window* ControlOf(const QObject* widget) const;
     bool HandleKey(const QKeyEvent& event);
-    void RefreshDefaultButton();
     QPoint CenteredPosition() const;
 
     Window& mDialog;
