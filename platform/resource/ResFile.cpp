@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/resource/ResFile.h"
 
+#include "text/Unicode.h"
+
 #include <algorithm>
 
 namespace platform
@@ -11,31 +13,6 @@ namespace
 
 constexpr WORD kNumberFollows = 0xFFFF;
 constexpr std::size_t kSmallestHeader = 32; // bytes
-
-bool IsHighSurrogate(wchar_t unit)
-{
-    return unit >= 0xD800 && unit < 0xDC00;
-}
-bool IsLowSurrogate(wchar_t unit)
-{
-    return unit >= 0xDC00 && unit < 0xE000;
-}
-
-// Joins surrogate pairs of UTF-16 units in place; a lone surrogate becomes U+FFFD.
-void JoinSurrogates(std::wstring& text)
-{
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < text.size(); ++i)
-    {
-        wchar_t unit = text[i];
-        if (IsHighSurrogate(unit) && i + 1 < text.size() && IsLowSurrogate(text[i + 1]))
-            unit = ((unit - 0xD800) << 10) + (text[++i] - 0xDC00) + 0x10000;
-        else if (IsHighSurrogate(unit) || IsLowSurrogate(unit))
-            unit = 0xFFFD;
-        text[kept++] = unit;
-    }
-    text.resize(kept);
-}
 
 } // namespace
 
@@ -72,20 +49,18 @@ DWORD ByteReader::ReadDWord()
 
 std::wstring ByteReader::ReadText()
 {
-    std::wstring text;
+    std::u16string units;
     while (const WORD unit = ReadWord())
-        text += static_cast<wchar_t>(unit);
-    JoinSurrogates(text);
-    return text;
+        units += static_cast<char16_t>(unit);
+    return text::FromUtf16(units);
 }
 
 std::wstring ByteReader::ReadText(std::size_t codeUnits)
 {
-    std::wstring text;
+    std::u16string units;
     for (; codeUnits > 0 && !mFailed; --codeUnits)
-        text += static_cast<wchar_t>(ReadWord());
-    JoinSurrogates(text);
-    return text;
+        units += static_cast<char16_t>(ReadWord());
+    return text::FromUtf16(units);
 }
 
 void ByteReader::AlignTo4()

@@ -17,7 +17,7 @@ namespace platform
 
 using Bytes = std::span<const BYTE>;
 
-// Reads little-endian values one behind the other. Past the end everything is zero and Failed() is true.
+// Reads little-endian values one after the other. Past the end everything is zero and Failed() is true.
 class ByteReader
 {
 public:
