@@ -78,7 +78,7 @@ public:
     HWND m_hWnd = nullptr; // null while there is no window
 
     // Moves the values from the controls into the members (TRUE) or the other way. False when a control's
-    // text was refused: the user has been told and the focus is in that control; the members behind it in
+    // text was refused: the user has been told and the focus is in that control; the members after it in
     // DoDataExchange keep their values.
     BOOL UpdateData(BOOL saveAndValidate = TRUE);
 

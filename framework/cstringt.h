@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The framework's string: text of any length with a terminator behind it, one pointer wide. Each string owns
+// The framework's string: text of any length with a terminator after it, one pointer wide. Each string owns
 // its text, which it gets from a string manager and gives back to the same one, so strings cross the borders
 // of shared libraries. A string belongs to one thread at a time. When memory ends std::bad_alloc is thrown.
 #pragma once
@@ -32,7 +32,7 @@ struct CStringData
 class IAtlStringMgr
 {
 public:
-    // A block for `bytes` bytes behind the data, or null; the caller fills in the data.
+    // A block for `bytes` bytes after the data, or null; the caller fills in the data.
     virtual CStringData* Allocate(std::size_t bytes) noexcept = 0;
     // Moves a block to another size; null leaves the old one as it was.
     virtual CStringData* Reallocate(CStringData* block, std::size_t bytes) noexcept = 0;

@@ -12,7 +12,7 @@ namespace platform
 namespace
 {
 
-// Takes the dialog away again on every way out, so that a fault in a handler leaves no dead window behind.
+// Takes the dialog away again on every way out, so that a fault in a handler leaves no dead window.
 class Shown
 {
 public:

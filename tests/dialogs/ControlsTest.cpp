@@ -15,7 +15,7 @@ TEST(EditControl, KeepsTheTextItIsGivenAndCountsItsLines)
     };
     // One after the other: a text that only grows at its end goes a way of its own.
     const Case cases[] = {
-        {L"one", 1}, {L"one\r\n", 2},  {L"one\r\ntwo", 2}, // the caret can stand behind the last break
+        {L"one", 1}, {L"one\r\n", 2},  {L"one\r\ntwo", 2}, // the caret can stand after the last break
         {L"one", 1}, {L"", 1},         {L"on", 1},         {L"on\r", 1},
         {L"on", 1},  {L"\r\n\r\n", 3}, {L"\r\n\r\na", 3},  {L"a\r\nb\r\nc", 3},
     };

@@ -25,7 +25,7 @@ TEST(Dialog, FirstTabStopIsAnnouncedAndHasTheFocus)
     };
     script.body = [&](HWND dialog)
     {
-        EXPECT_EQ(announced, GetDlgItem(dialog, IDC_LOG)) << "the label before it is no tab stop";
+        EXPECT_EQ(announced, GetDlgItem(dialog, IDC_LOG)) << "the label before it is not a tab stop";
         EXPECT_EQ(FocusedControl(), announced);
         EXPECT_EQ(TopWindow(), dialog);
         EndDialog(dialog, 1);

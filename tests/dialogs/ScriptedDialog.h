@@ -21,7 +21,7 @@ struct ScriptedDialog
     INT_PTR Run();
 };
 
-// The body alone, in a dialog that ends behind it.
+// The body alone, in a dialog that ends after it.
 void InDialog(const std::function<void(HWND)>& body);
 
 LRESULT Send(HWND dialog, int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Values between members and controls: round trips, and what happens to a text that is no number.
+// Values between members and controls: round trips, and what happens to a text that is not a number.
 #include "tests/framework/TestDialog.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ public:
 
     CStringW mText;
     std::uint32_t mNumber = 389;
-    CStringW mBehind; // exchanged after the number
+    CStringW mAfter; // exchanged after the number
     int mCheck = 1;
     CComboBox mChoice;
     CEdit mLongEdit;
@@ -31,7 +31,7 @@ protected:
     {
         DDX_Text(pDX, IDC_TEXT, mText);
         DDX_Text(pDX, IDC_NUMBER, mNumber);
-        DDX_Text(pDX, IDC_BEHIND, mBehind);
+        DDX_Text(pDX, IDC_AFTER, mAfter);
         DDX_Check(pDX, IDC_CHECK, mCheck);
         DDX_Control(pDX, IDC_CHOICE, mChoice);
         DDX_Text(pDX, IDC_LONG_TEXT, mLongText);
@@ -121,7 +121,7 @@ TEST(DataExchange, RefusedNumberKeepsTheDialogOpenAndItsTextSelected)
         {
             dialog.Type(IDC_TEXT, L"before");
             dialog.Type(IDC_NUMBER, L"many");
-            dialog.Type(IDC_BEHIND, L"behind");
+            dialog.Type(IDC_AFTER, L"after");
             dialog.Click(IDOK);
         },
         Nothing,
@@ -132,14 +132,14 @@ TEST(DataExchange, RefusedNumberKeepsTheDialogOpenAndItsTextSelected)
             EXPECT_EQ(SelectionOf(dialog.Control(IDC_NUMBER)), L"many");
             EXPECT_STREQ(dialog.mText, L"before");
             EXPECT_EQ(dialog.mNumber, 389U);
-            EXPECT_TRUE(dialog.mBehind.IsEmpty()) << "the exchange ends with the refusal";
+            EXPECT_TRUE(dialog.mAfter.IsEmpty()) << "the exchange ends with the refusal";
             dialog.Type(IDC_NUMBER, L"636");
             dialog.Click(IDOK);
         },
     });
     EXPECT_EQ(result, IDOK);
     EXPECT_EQ(dialog.mNumber, 636U);
-    EXPECT_STREQ(dialog.mBehind, L"behind");
+    EXPECT_STREQ(dialog.mAfter, L"after");
 }
 
 TEST(DataExchange, LongTextsAreNotCut)

@@ -67,7 +67,7 @@ TEST(Resources, VersionIsTheTrees)
     const std::string bytes(version.begin(), version.end());
     const std::size_t signature = bytes.find("\xBD\x04\xEF\xFE");
     ASSERT_NE(signature, std::string::npos);
-    WORD parts[4]; // behind the signature and the structure's version: minor, major, build, patch
+    WORD parts[4]; // after the signature and the structure's version: minor, major, build, patch
     std::memcpy(parts, bytes.data() + signature + 8, sizeof parts);
     EXPECT_EQ(std::to_string(parts[1]) + "." + std::to_string(parts[0]) + "." + std::to_string(parts[3]),
               TAVO_VERSION);

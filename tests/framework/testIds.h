@@ -14,7 +14,7 @@
 // The dialog for data exchange
 #define IDC_TEXT 1010
 #define IDC_NUMBER 1011
-#define IDC_BEHIND 1012
+#define IDC_AFTER 1012
 #define IDC_CHECK 1013
 #define IDC_CHOICE 1014
 #define IDC_LONG_TEXT 1015
