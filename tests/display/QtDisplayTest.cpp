@@ -3,6 +3,7 @@
 #include "tests/display/DialogUser.h"
 
 #include "resources/resource.h"
+#include "tests/support/TestFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,8 +11,12 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
+#include <QFileDialog>
 #include <QFontMetricsF>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -19,6 +24,8 @@
 
 #include <clocale>
 #include <ctime>
+#include <filesystem>
+#include <fstream>
 
 using platform::WindowKind;
 using testing::ElementsAre;
@@ -308,7 +315,7 @@ TEST_F(QtDisplay, PastedTextOfSeveralLinesEndsInABoxOfOneLineWithTheFirst)
                         paste("\nthree", L"[one]");
                         Press(Qt::Key_Space);
                         EXPECT_EQ(TextOf(ControlOf(IDC_INPUT)), L"[one ]")
-                            << "the caret stands behind what was pasted";
+                            << "the caret stands after what was pasted";
                     },
                     kEscape});
 }
@@ -336,11 +343,11 @@ TEST_F(QtDisplay, AppendedTextIsSeenAndLeavesTheSelectionAlone)
     Use(IDD_CONSOLE, {selectAllAndAppend, copy, kEscape}, nullptr, ShowHundredLines);
 }
 
-TEST_F(QtDisplay, CloseBoxCancelsAndWithoutOneClosingIsIgnored)
+// A window manager closes windows without a close box, too.
+TEST_F(QtDisplay, ClosingCancelsAsEscDoes)
 {
-    const Step close = [] { TopWidget().close(); };
-    EXPECT_EQ(Use(IDD_CRC64, {close}), IDCANCEL);
-    EXPECT_EQ(Use(IDD_CONSOLE, {close, [] { Press(Qt::Key_Return); }}), IDOK);
+    for (const int id : {IDD_CRC64, IDD_CONSOLE})
+        EXPECT_EQ(Use(id, {[] { TopWidget().close(); }}), IDCANCEL);
 }
 
 TEST_F(QtDisplay, NoOtherButtonIsPressedWhenThePressedOneIsDisabled)
@@ -352,6 +359,157 @@ TEST_F(QtDisplay, NoOtherButtonIsPressedWhenThePressedOneIsDisabled)
         Press(Qt::Key_Space);
     };
     EXPECT_EQ(Use(IDD_CONSOLE, {disable, kEscape}), IDCANCEL);
+}
+
+TEST_F(QtDisplay, ResizedDialogShowsTheEndOfALongLineAndKeepsButtonsAtTheirEdge)
+{
+    const Step console = []
+    {
+        SetWindowTextW(ControlOf(IDC_OUTPUT), (std::wstring(150, L'x') + L" Err=81").c_str());
+        auto& output = WidgetOf<QPlainTextEdit>(IDC_OUTPUT);
+        const QSize smallest = TopWidget().size();
+        const QRect button = WidgetOf(IDC_CRC64).geometry();
+        const int below = TopWidget().height() - output.geometry().bottom();
+        EXPECT_GT(output.horizontalScrollBar()->maximum(), 0);
+        TopWidget().resize(smallest * 3);
+        EXPECT_EQ(output.horizontalScrollBar()->maximum(), 0) << "the end of the line is seen";
+        EXPECT_EQ(WidgetOf(IDC_CRC64).geometry(), button.translated(2 * smallest.width(), 0));
+        EXPECT_EQ(TopWidget().height() - output.geometry().bottom(), below);
+        TopWidget().resize(1, 1);
+        EXPECT_EQ(TopWidget().size(), smallest);
+    };
+    Use(IDD_CONSOLE, {console, kEscape});
+    const Step credentials = []
+    {
+        const QSize smallest = TopWidget().size();
+        const QRect before[] = {WidgetOf(IDC_SERVER).geometry(), WidgetOf(IDC_PORT).geometry(),
+                                WidgetOf(IDOK).geometry()};
+        TopWidget().resize(smallest.width() + 300, smallest.height());
+        EXPECT_EQ(WidgetOf(IDC_SERVER).geometry(), before[0].adjusted(0, 0, 300, 0));
+        EXPECT_EQ(WidgetOf(IDC_PORT).geometry(), before[1]);
+        EXPECT_EQ(WidgetOf(IDOK).geometry(), before[2].translated(300, 0));
+    };
+    Use(IDD_LDAP_CREDS, {credentials, kEscape});
+}
+
+TEST_F(QtDisplay, FindSelectsPlacesGoesOnAtTheOtherEndAndSaysWhatItMissed)
+{
+    const Step find = []
+    {
+        SetWindowTextW(ControlOf(IDC_OUTPUT), L"one failed\r\ntwo\r\nthree FAILED\r\n");
+        const auto& output = WidgetOf<QPlainTextEdit>(IDC_OUTPUT);
+        const auto line = [&] { return output.textCursor().blockNumber(); };
+        WidgetOf(IDC_CLOSE).setFocus(); // the keys count in the whole window
+        Press(Qt::Key_F, Qt::ControlModifier);
+        Type("failed");
+        const QWidget& bar = *QApplication::focusWidget()->parentWidget();
+        const auto says = [&](const char* text)
+        {
+            const auto labels = bar.findChildren<QLabel*>();
+            EXPECT_TRUE(std::ranges::any_of(labels, [&](const auto* label) { return label->text() == text; }))
+                << text;
+        };
+        const struct
+        {
+            Qt::Key key;
+            Qt::KeyboardModifiers modifiers;
+            int line;
+            const char* said;
+        } rows[] = {{Qt::Key_Return, {}, 0, ""},
+                    {Qt::Key_F3, {}, 2, ""},
+                    {Qt::Key_F3, {}, 0, "Went on from the start"},
+                    {Qt::Key_F3, Qt::ShiftModifier, 2, "Went on from the end"}};
+        for (const auto& row : rows)
+        {
+            Press(row.key, row.modifiers);
+            EXPECT_EQ(line(), row.line) << row.said;
+            EXPECT_EQ(output.textCursor().selectedText().toLower(), "failed");
+            says(row.said);
+        }
+        Append(L"four\r\n");
+        EXPECT_EQ(output.textCursor().selectedText(), "FAILED") << "a new line leaves the selection";
+        Press(Qt::Key_X);
+        Press(Qt::Key_Return);
+        says("Not found");
+        Press(Qt::Key_Escape);
+        EXPECT_FALSE(bar.isVisible());
+        EXPECT_EQ(QApplication::focusWidget(), &output) << "Esc closes the bar alone";
+    };
+    EXPECT_EQ(Use(IDD_CONSOLE, {find, kEscape}), IDCANCEL);
+}
+
+TEST_F(QtDisplay, MenuWrapsLinesAndKeysChangeTheSizeOfTheText)
+{
+    const Step look = []
+    {
+        ShowHundredLines();
+        Append(std::wstring(500, L'x') + L" Err=81\r\n");
+        SendMessageW(ControlOf(IDC_OUTPUT), EM_LINESCROLL, 0, 102);
+        const auto& output = WidgetOf<QPlainTextEdit>(IDC_OUTPUT);
+        const QPoint place(10, 10);
+        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, place,
+                                  WidgetOf(IDC_OUTPUT).mapToGlobal(place));
+        QApplication::sendEvent(&WidgetOf(IDC_OUTPUT), &menuKey);
+        QWidget* const menu = QApplication::activePopupWidget();
+        ASSERT_NE(menu, nullptr);
+        QTest::keyClick(menu, Qt::Key_W);
+        EXPECT_EQ(output.horizontalScrollBar()->maximum(), 0);
+        ExpectOutputAtItsEnd();
+        const int points = output.font().pointSize();
+        Press(Qt::Key_Plus, Qt::ControlModifier);
+        Press(Qt::Key_Plus, Qt::ControlModifier);
+        Press(Qt::Key_Minus, Qt::ControlModifier);
+        EXPECT_EQ(output.font().pointSize(), points + 1);
+        ExpectOutputAtItsEnd();
+        WidgetOf<QPlainTextEdit>(IDC_OUTPUT).verticalScrollBar()->setValue(0);
+        Append(L"last\r\n");
+        EXPECT_EQ(output.verticalScrollBar()->value(), 0) << "the program scrolls, not the display";
+        SendMessageW(ControlOf(IDC_OUTPUT), EM_LINESCROLL, 0, 103);
+        ExpectOutputAtItsEnd();
+    };
+    Use(IDD_CONSOLE, {look, kEscape});
+}
+
+// The file dialog is Qt's own; a name is taken as chosen there.
+TEST_F(QtDisplay, SaveAsWritesAPrivateFileInPlaceOfALinkAndTellsAnError)
+{
+    const TestFolder folder;
+    const std::filesystem::path saved = folder.Path() / "saved.txt";
+    const std::filesystem::path aim = folder.Path() / "aim";
+    std::ofstream(aim) << "untouched";
+    std::filesystem::create_symlink(aim, saved);
+    std::filesystem::create_directory(folder.Path() / "in the way.txt");
+    const auto saveAs = [](const std::filesystem::path& path)
+    {
+        Press(Qt::Key_S, Qt::ControlModifier);
+        auto* const dialog = TopWidget().findChild<QFileDialog*>();
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_TRUE(dialog->selectedFiles().first().contains(QSysInfo::machineHostName()));
+        emit dialog->fileSelected(QString::fromStdString(path.string()));
+        delete dialog;
+    };
+    const Step save = [&]
+    {
+        SetWindowTextW(ControlOf(IDC_OUTPUT), L"gr\u00FC\u00DFe \U0001F511\r\nlast");
+        for (const char* name : {"saved.txt", "new.txt"})
+            saveAs(folder.Path() / name);
+        EXPECT_EQ(TopWidget().findChild<QMessageBox*>(), nullptr);
+        saveAs(folder.Path() / "in the way.txt");
+        const auto* const told = TopWidget().findChild<QMessageBox*>();
+        ASSERT_NE(told, nullptr);
+        EXPECT_THAT(told->text().toStdString(), testing::HasSubstr("Is a directory"));
+        delete told;
+    };
+    Use(IDD_CONSOLE, {save, kEscape});
+    for (const char* name : {"saved.txt", "new.txt"})
+    {
+        EXPECT_EQ(folder.Read(name), "gr\u00FC\u00DFe \U0001F511\nlast");
+        EXPECT_EQ(std::filesystem::symlink_status(folder.Path() / name).permissions(),
+                  std::filesystem::perms(0600));
+    }
+    EXPECT_EQ(folder.Read("aim"), "untouched");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 4)
+        << "nothing is left behind";
 }
 
 TEST_F(QtDisplay, DialogOnTopKeepsItsOwnerFromInput)

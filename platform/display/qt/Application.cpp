@@ -67,7 +67,8 @@ std::unique_ptr<QApplication> MakeApplication()
     static char* arguments[] = {name, option, platforms.data(), nullptr};
     static int count = 3;
 
-    // A platform that is not there is no news: the next one is taken, or the terminal.
+    QGuiApplication::setDesktopFileName("tavo"); // by which a Wayland desktop finds the icon
+    // A platform that is missing is not worth a word: the next one is taken, or the terminal.
     const QtMessageHandler reports = qInstallMessageHandler(IgnoreMessage);
     auto application = std::make_unique<QApplication>(count, arguments);
     qInstallMessageHandler(reports);

@@ -3,6 +3,7 @@
 
 #include "platform/dialogs/UserInput.h"
 #include "platform/display/qt/DialogLayout.h"
+#include "platform/display/qt/TextArea.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -43,11 +44,6 @@ protected:
     }
 };
 
-bool IsMultiLine(const Window& control)
-{
-    return control.kind == WindowKind::Edit && (control.style & ES_MULTILINE) != 0;
-}
-
 bool IsReadOnly(const Window& edit)
 {
     return (edit.style & ES_READONLY) != 0;
@@ -65,9 +61,12 @@ int DocumentPosition(const std::wstring& text, std::size_t position)
     return static_cast<int>(ToQString(text.substr(0, position)).remove(u'\r').size());
 }
 
-// Costs what the added part costs. A selection stays what the person made it, even where it reaches the end.
+// Costs what the added part costs. A selection stays what the person made it, even where it reaches the end,
+// and the place that is seen stays: only the program scrolls.
 void AppendText(QPlainTextEdit& edit, const QString& added)
 {
+    const int column = edit.horizontalScrollBar()->value();
+    const int line = edit.verticalScrollBar()->value();
     const QTextCursor before = edit.textCursor();
     const int anchor = before.anchor();
     const int position = before.position();
@@ -82,6 +81,8 @@ void AppendText(QPlainTextEdit& edit, const QString& added)
         restored.setPosition(position, QTextCursor::KeepAnchor);
         edit.setTextCursor(restored);
     }
+    edit.horizontalScrollBar()->setValue(column);
+    edit.verticalScrollBar()->setValue(line);
 }
 
 void RefreshText(const Window& control)
@@ -176,7 +177,8 @@ QWidget* MakeCheckBox(Window& control, QWidget& parent)
 
 QWidget* MakeMultiLineEdit(Window& control, QWidget& parent)
 {
-    auto* edit = new QPlainTextEdit(&parent);
+    QPlainTextEdit* const edit =
+        IsReadOnly(control) ? new TextArea(control, parent) : new QPlainTextEdit(&parent);
     edit->setLineWrapMode((control.style & ES_AUTOHSCROLL) != 0 ? QPlainTextEdit::NoWrap
                                                                 : QPlainTextEdit::WidgetWidth);
     const auto policy = [&](DWORD style)
@@ -190,7 +192,7 @@ QWidget* MakeMultiLineEdit(Window& control, QWidget& parent)
     return edit;
 }
 
-// A box of one line takes pasted text up to its first line end, as on Windows. The caret then stands behind
+// A box of one line takes pasted text up to its first line end, as on Windows. The caret then stands after
 // what was pasted.
 class FirstLine : public QValidator
 {
@@ -305,8 +307,10 @@ void ScrollControl(const Window& edit, long lines)
 {
     if (!IsMultiLine(edit))
         return;
+    // All lines are more rows where they are wrapped.
     QScrollBar& bar = *WidgetOf<QPlainTextEdit>(edit).verticalScrollBar();
-    bar.setValue(static_cast<int>(bar.value() + lines));
+    const bool isToTheEnd = lines >= static_cast<long>(edit.lineCount);
+    bar.setValue(isToTheEnd ? bar.maximum() : static_cast<int>(bar.value() + lines));
 }
 
 } // namespace platform

@@ -41,6 +41,23 @@ double CaptionWidth(const Window& control, const QFontMetricsF& metrics)
     return widest;
 }
 
+bool IsBox(const Window& control)
+{
+    return control.visible && (control.kind == WindowKind::Edit || control.kind == WindowKind::ComboBox);
+}
+
+int RightOf(const Window& control)
+{
+    return control.rect.x + control.rect.width;
+}
+
+bool Widens(const Window& control)
+{
+    return IsBox(control) && std::ranges::none_of(
+                                 control.parent->children, [&](const auto& other)
+                                 { return IsBox(*other) && RightOf(*other) > RightOf(control); });
+}
+
 } // namespace
 
 QString ToQString(const std::wstring& text)
@@ -63,6 +80,24 @@ QFont FontOf(const DialogFont& font)
 QRect DialogUnits::ToPixels(const DialogRect& rect) const
 {
     return {qRound(rect.x * x), qRound(rect.y * y), qRound(rect.width * x), qRound(rect.height * y)};
+}
+
+bool IsMultiLine(const Window& control)
+{
+    return control.kind == WindowKind::Edit && (control.style & ES_MULTILINE) != 0;
+}
+
+QRect PlaceOf(const Window& control, const DialogUnits& units, QSize growth)
+{
+    QRect place = units.ToPixels(control.rect);
+    if (Widens(control))
+        place.setWidth(place.width() + growth.width());
+    else if (control.kind == WindowKind::PushButton &&
+             2 * control.rect.x + control.rect.width > control.parent->rect.width)
+        place.translate(growth.width(), 0);
+    if (IsMultiLine(control))
+        place.setHeight(place.height() + growth.height());
+    return place;
 }
 
 DialogUnits UnitsOf(const Window& dialog)

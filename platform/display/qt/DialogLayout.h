@@ -12,6 +12,8 @@
 namespace platform
 {
 
+bool IsMultiLine(const Window& control);
+
 QString ToQString(const std::wstring& text);
 
 // The dialog's font. Where its face is missing, one whose letters are as wide stands in for it.
@@ -30,5 +32,10 @@ struct DialogUnits
 // height. Another font than the template's author had can be wider in just the letters of one caption; the
 // horizontal unit then grows until every caption fits into its control, so that none is cut off.
 DialogUnits UnitsOf(const Window& dialog);
+
+// Where a control lies in a dialog that is larger than its template by `growth`, in pixels. The boxes that
+// reach furthest to the right get wider, one of several lines higher, too; buttons of the right half keep to
+// their edge.
+QRect PlaceOf(const Window& control, const DialogUnits& units, QSize growth);
 
 } // namespace platform

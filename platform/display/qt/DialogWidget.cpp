@@ -19,6 +19,8 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include <algorithm>
+
 namespace platform
 {
 
@@ -40,8 +42,7 @@ bool HasCloseBox(const Window& dialog)
 Qt::WindowFlags FlagsOf(const Window& dialog)
 {
     const bool onTaskBar = (dialog.extendedStyle & WS_EX_APPWINDOW) != 0;
-    Qt::WindowFlags flags =
-        (onTaskBar ? Qt::Window : Qt::Dialog) | Qt::CustomizeWindowHint | Qt::MSWindowsFixedSizeDialogHint;
+    Qt::WindowFlags flags = (onTaskBar ? Qt::Window : Qt::Dialog) | Qt::CustomizeWindowHint;
     flags.setFlag(Qt::WindowTitleHint, (dialog.style & WS_CAPTION) == WS_CAPTION);
     flags.setFlag(Qt::WindowSystemMenuHint, HasCloseBox(dialog));
     flags.setFlag(Qt::WindowCloseButtonHint, HasCloseBox(dialog));
@@ -89,24 +90,35 @@ QWidget* DialogWidget::MakeWatchedControl(Window& control)
 
 void DialogWidget::LayOutByTemplate()
 {
-    const DialogUnits units = UnitsOf(mDialog);
-    setFixedSize(units.ToPixels(mDialog.rect).size());
-    mDialog.dialog->pixelWidth = width();
-    mDialog.dialog->pixelHeight = height();
+    mUnits = UnitsOf(mDialog);
     for (const auto& control : mDialog.children)
-    {
-        QRect place = units.ToPixels(control->rect);
-        QWidget* widget = MakeWatchedControl(*control);
-        if (control->kind == WindowKind::ComboBox) // the template's height is that of the open list
-            place.setHeight(std::min(place.height(), widget->sizeHint().height()));
-        widget->setGeometry(place);
-    }
+        MakeWatchedControl(*control);
+    setMinimumSize(mUnits.ToPixels(mDialog.rect).size());
+    // More height is of use to a box of several lines alone.
+    if (std::ranges::none_of(mDialog.children, [](const auto& control) { return IsMultiLine(*control); }))
+        setMaximumHeight(minimumHeight());
+    resize(minimumSize());
+    PlaceControls();
     for (const auto& control : mDialog.children)
         if (const Window* label = LabelOf(*control)) // names the box for screen readers, too
             static_cast<QLabel*>(static_cast<QWidget*>(label->shown))
                 ->setBuddy(static_cast<QWidget*>(control->shown));
         else if (control->kind == WindowKind::Edit)
             static_cast<QWidget*>(control->shown)->setAccessibleName(ToQString(mDialog.text));
+}
+
+void DialogWidget::PlaceControls()
+{
+    for (const auto& control : mDialog.children)
+    {
+        QRect place = PlaceOf(*control, mUnits, size() - minimumSize());
+        auto* const widget = static_cast<QWidget*>(control->shown);
+        if (control->kind == WindowKind::ComboBox) // the template's height is that of the open list
+            place.setHeight(std::min(place.height(), widget->sizeHint().height()));
+        widget->setGeometry(place);
+    }
+    mDialog.dialog->pixelWidth = width();
+    mDialog.dialog->pixelHeight = height();
 }
 
 void DialogWidget::LayOutMessageBox()
@@ -169,7 +181,8 @@ void DialogWidget::Open()
         owner->winId();
         windowHandle()->setTransientParent(owner->windowHandle());
     }
-    adjustSize();
+    if (IsMessageBox())
+        adjustSize();
     move(CenteredPosition());
     show();
     activateWindow();
@@ -249,12 +262,19 @@ void DialogWidget::changeEvent(QEvent* event)
         UserMinimized(mDialog, isMinimized());
 }
 
-// The window goes when the dialog ends. Without a close box a window manager's wish counts for nothing.
+void DialogWidget::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    if (!IsMessageBox())
+        PlaceControls();
+}
+
+// The window goes when the dialog ends. Some window managers have a way to close every window: it does what
+// Esc does, whether the template has a close box or not.
 void DialogWidget::closeEvent(QCloseEvent* event)
 {
     event->ignore();
-    if (HasCloseBox(mDialog))
-        UserClosed(mDialog);
+    UserClosed(mDialog);
 }
 
 } // namespace platform

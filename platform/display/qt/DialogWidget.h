@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/dialogs/Display.h"
+#include "platform/display/qt/DialogLayout.h"
 
 #include <QWidget>
 
@@ -26,10 +27,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
     void LayOutByTemplate();
+    void PlaceControls();
     void LayOutMessageBox();
     QWidget* MakeWatchedControl(Window& control);
     Window* ControlOf(const QObject* widget) const;
@@ -37,6 +40,7 @@ private:
     QPoint CenteredPosition() const;
 
     Window& mDialog;
+    DialogUnits mUnits; // of a dialog with a template
 };
 
 } // namespace platform
