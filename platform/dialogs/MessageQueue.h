@@ -26,10 +26,10 @@ public:
     // Drops what waits for a window that goes. The windows' thread only, like all below.
     void Drop(HWND window);
 
-    // WM_QUIT comes behind all posted messages.
+    // WM_QUIT comes after all posted messages.
     void PostQuit(int exitCode) { mQuit = exitCode; }
 
-    // What a person did. It comes behind all posted messages, whenever those were posted.
+    // What a person did. It comes after all posted messages, whenever those were posted.
     void AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     // Takes the next message, or only looks at it; false when there is none now. Without `input`, what a
