@@ -179,6 +179,8 @@ pid_t Spawn(const std::string& program, const std::vector<std::wstring>& words, 
                            [](std::string& argument) { return argument.data(); });
     signal(SIGCHLD, SIG_DFL); // a parent that ignored it left us that, and then no exit code is kept
     pid_t id = 0;
+    static std::mutex turn; // two at once would leave the other's mask for good
+    const std::lock_guard<std::mutex> lock(turn);
     const mode_t mask = umask(S_IRWXG | S_IRWXO);
     error = posix_spawn(&id, program.c_str(), &settings.mActions, &settings.mAttributes, pointers.data(),
                         environ);
