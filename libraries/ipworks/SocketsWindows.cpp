@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#define NTDDI_VERSION 0x0A000003 // declares TCP_INFO_v0
 #include "libraries/ipworks/Sockets.h"
 
 #include <winsock2.h>
