@@ -125,8 +125,10 @@ private:
                 {
                     wchar_t kind[32] = L"";
                     GetClassNameW(child, kind, 32);
-                    if (std::wstring(kind) == L"Static")
-                        *reinterpret_cast<std::string*>(parameter) += Narrow(TextOf(child)) + "\n";
+                    // The place of a box's icon is a text without any.
+                    const std::string text = Narrow(TextOf(child));
+                    if (std::wstring(kind) == L"Static" && !text.empty())
+                        *reinterpret_cast<std::string*>(parameter) += text + "\n";
                     return TRUE;
                 },
                 reinterpret_cast<LPARAM>(&mSeen));
