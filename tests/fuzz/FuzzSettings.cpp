@@ -9,7 +9,7 @@ using namespace kelvane;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string_view file = TextOf(data, size);
-    const bool broken = FindSetting(file, "LogLevel").finding == Finding::Broken;
+    const bool broken = FindSetting(file, "LogLevel").finding == eFinding::Broken;
     for (const SettingValue& value : {SettingValue(std::uint32_t{7}), SettingValue(std::string("Logs"))})
     {
         const std::optional<std::string> written = WithSetting(file, "LogLevel", value);
@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!written)
             continue;
         const FoundSetting found = FindSetting(*written, "loglevel");
-        Require(found.finding == Finding::Value && found.value == value);
+        Require(found.finding == eFinding::Value && found.value == value);
         Require(WithSetting(*written, "LOGLEVEL", value) == written);
     }
     return 0;

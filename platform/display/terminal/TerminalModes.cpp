@@ -32,7 +32,7 @@ void GiveBack()
         tcsetattr(STDIN_FILENO, TCSANOW, &gFound);
 }
 
-void Handle(int number, void (*handler)(int), int flags)
+void Handle(int number, void (*handler)(int), unsigned flags)
 {
     struct sigaction former = {};
     // What the program or a sanitizer handles is theirs.
@@ -40,7 +40,7 @@ void Handle(int number, void (*handler)(int), int flags)
         return;
     struct sigaction action = {};
     action.sa_handler = handler;
-    action.sa_flags = flags;
+    action.sa_flags = static_cast<int>(flags); // SA_RESETHAND is unsigned
     sigaction(number, &action, nullptr);
 }
 
