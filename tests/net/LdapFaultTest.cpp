@@ -332,7 +332,7 @@ TEST(LdapConnect, TellsWhatTheSystemSays)
     }
     EXPECT_EQ(ldap_initW(Text(L"localhost"), 65536), nullptr);
     EXPECT_STREQ(ldap_err2stringW(LdapGetLastError()),
-                 L"Parameter Error: the port is no number from 1 to 65535");
+                 L"Parameter Error: the port is not a number from 1 to 65535");
 }
 
 bool IsASocketKeptAlive()

@@ -47,9 +47,9 @@ TEST(LdapHosts, AreReadFromAListOfNamesAndAddresses)
         return fault.code == 0x59 ? fault.cause : "none";
     };
     for (const char* text : {"dc1:", "dc1:0", "dc1:65536", "dc1:12x", "dc1:-1", "[::1", "[::1]389", "[::1]:"})
-        EXPECT_EQ(refusal(text, 389), "the port is no number from 1 to 65535") << text;
+        EXPECT_EQ(refusal(text, 389), "the port is not a number from 1 to 65535") << text;
     for (const std::uint32_t port : {0U, 65536U})
-        EXPECT_EQ(refusal("dc1", port), "the port is no number from 1 to 65535");
+        EXPECT_EQ(refusal("dc1", port), "the port is not a number from 1 to 65535");
     for (const char* text : {"ldap://dc1", "ldaps://dc1:636"})
         EXPECT_EQ(refusal(text, 389), "the server's name is wanted, not a URL");
 }

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// The program that ships as a script drives it: pipes, every dialog, and the whole text that the script
+// reads. The expected sums are the checks that xz files carry over the bytes that Python's codecs make of
+// each text.
+#include "tests/support/ProgramFolder.h"
+
+#include <gtest/gtest.h>
+
+TEST(TerminalScript, ReadsTheSameTextAsEver)
+{
+    std::string tenMegabytes;
+    for (int i = 0; i < 1'000'000; ++i)
+        tenMegabytes += "0123456789";
+    const ProgramFolder folder;
+    const ProgramOutcome outcome = folder.Run({{},
+                                               {"what",
+                                                "CRC64",
+                                                "Input=a\U0001F600b",
+                                                "Get CRC64",
+                                                "Wide characters=off",
+                                                "get",
+                                                "1018=" + tenMegabytes,
+                                                "Get",
+                                                "Wide=maybe",
+                                                "Wide=on",
+                                                "1019",
+                                                "OK",
+                                                "ldap",
+                                                "Cancel",
+                                                "LDAP ...",
+                                                "Server=there",
+                                                "LDAP Server= localhost ",
+                                                "Port=70000",
+                                                "Domain=d",
+                                                "user=Gr\xc3\xb6\xc3\x9f",
+                                                "Password=s e",
+                                                "Auth=7",
+                                                "auth=Simple bind",
+                                                "Auth=2",
+                                                "OK"},
+                                               {{"LC_ALL", "C.UTF-8"}}});
+    ASSERT_TRUE(outcome.ended);
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.errors, "");
+
+    std::string script = WithoutTimes(outcome.console);
+    const std::size_t report = script.find("Current Computer: ");
+    const std::size_t last = script.find("Customer service: ");
+    ASSERT_NE(last, std::string::npos) << script;
+    script.replace(report, script.find('\n', last) - report, "(report)");
+    EXPECT_EQ(script, R"(ZT Diagnostics
+(report)
+Not understood. Press: Close, LDAP ..., FTP Logs to Support, CRC64
+Dialog
+Input: 
+Wide characters: on
+CRC64: 
+CRC64 Hex: 
+CRC64: 3752509983267961028
+CRC64 Hex: 341397F2B8CB38C4
+Wide characters: off
+CRC64: 11861271432731879027
+CRC64 Hex: A49BB3863C78E673
+CRC64: 3150595651663357916
+CRC64 Hex: 2BB92A0D7848E7DC
+Wide characters is on or off.
+Wide characters: on
+CRC64: 10020724681758153422
+CRC64 Hex: 8B10C401882F1ACE
+DiagnosticsDlg
+LDAP Server: 
+Port: 389
+Domain: 
+Username: 
+Password: 
+Authentication: Try all (of Try all, Simple bind - SSL, Simple bind - plain text, NTLM, Digest, DPA, Negotiate)
+DiagnosticsDlg
+LDAP Server: 
+Port: 389
+Domain: 
+Username: 
+Password: 
+Authentication: Try all (of Try all, Simple bind - SSL, Simple bind - plain text, NTLM, Digest, DPA, Negotiate)
+Not understood. Press: OK, Cancel. Fill: LDAP Server, Port, Domain, Username, Password, Authentication
+Authentication is one of Try all, Simple bind - SSL, Simple bind - plain text, NTLM, Digest, DPA, Negotiate.
+Authentication is one of Try all, Simple bind - SSL, Simple bind - plain text, NTLM, Digest, DPA, Negotiate.
+
+========= LDAP =========
+Server:  localhost 
+Domain: d
+User: Größ
+
+ldap_init begin ... end
+LDAP: Failed to initialize LDAP session.  Err=89, Parameter Error: the port is not a number from 1 to 65535
+END TEST
+)");
+}
