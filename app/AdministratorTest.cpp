@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/AdministratorTest.h"
 
-#include <windows.h>
+#include "base/Owned.h"
 
-#include <memory>
+#include <windows.h>
 
 namespace
 {
@@ -15,21 +15,9 @@ constexpr DWORD kDescriptorBytes = 40;
 constexpr DWORD kAclHeadBytes = 16; // the list's head and the entry's, around the SID
 constexpr DWORD kPrivilegeSetBytes = 20;
 
-struct LocalDeleter
-{
-    void operator()(void* block) const { LocalFree(block); }
-};
-struct SidDeleter
-{
-    void operator()(void* sid) const { FreeSid(sid); }
-};
-struct HandleDeleter
-{
-    void operator()(void* handle) const { CloseHandle(handle); }
-};
-using LocalBlock = std::unique_ptr<void, LocalDeleter>;
-using Sid = std::unique_ptr<void, SidDeleter>;
-using Token = std::unique_ptr<void, HandleDeleter>;
+using LocalBlock = Owned<void, LocalFree>;
+using Sid = Owned<void, FreeSid>;
+using Token = Owned<void, CloseHandle>;
 
 Token OpenTokenInForce()
 {

@@ -3,9 +3,9 @@
 
 #include <cxxabi.h>
 
-std::unique_ptr<char, FreeDeleter> UndecoratedName(const std::type_info& type)
+Owned<char, std::free> UndecoratedName(const std::type_info& type)
 {
-    return std::unique_ptr<char, FreeDeleter>(abi::__cxa_demangle(type.name(), nullptr, nullptr, nullptr));
+    return Owned<char, std::free>(abi::__cxa_demangle(type.name(), nullptr, nullptr, nullptr));
 }
 
 ZTString DescribeContainer(const char* element, const char* container)

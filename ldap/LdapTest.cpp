@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "ldap/LdapTest.h"
 
+#include "base/Owned.h"
 #include "ldap/LdapCall.h"
-
 #include "text/Unicode.h"
 
 #include <rpc.h>
 
 #include <algorithm>
 #include <iterator>
-#include <memory>
 
 namespace
 {
@@ -18,11 +17,7 @@ constexpr LONG kConnectSeconds = 15;
 constexpr ULONG kSearchSeconds = 15;
 constexpr ULONG kVersion3 = 3;
 
-struct Unbind
-{
-    void operator()(LDAP* session) const { ldap_unbind(session); }
-};
-using Session = std::unique_ptr<LDAP, Unbind>;
+using Session = Owned<LDAP, ldap_unbind>;
 
 // The identity that ldap_bind_sW takes, with the texts it points to.
 class BindIdentity

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ldap/LdapTest.h"
 
+#include "base/Owned.h"
 #include "ldap/LdapCall.h"
 
 #include <winber.h>
-
-#include <memory>
 
 namespace
 {
@@ -13,11 +12,6 @@ namespace
 constexpr int kPasses = 2;
 constexpr wchar_t kFilter[] = L"(objectClass=*)";
 constexpr wchar_t kNamingContextsKey[] = L"namingcontexts";
-
-struct FreeResult
-{
-    void operator()(LDAPMessage* result) const { ldap_msgfree(result); }
-};
 
 std::vector<ZTString> ReadValues(LDAP* session, LDAPMessage* entry, PWCHAR name)
 {
@@ -56,7 +50,7 @@ void Search(LDAP* session, ZTString& namingContext, const LdapConsole& append)
     LDAPMessage* found = nullptr;
     const ULONG error = ldap_search_sW(session, LdapText(base), root ? LDAP_SCOPE_BASE : LDAP_SCOPE_ONELEVEL,
                                        LdapText(kFilter), attributes, 0, &found);
-    std::unique_ptr<LDAPMessage, FreeResult> result(found);
+    Owned<LDAPMessage, ldap_msgfree> result(found);
     append(LdapResultLine(error));
     if (error != 0)
     {

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "libraries/ipworks/CertificateCheck.h"
 
+#include "base/Owned.h"
+
 #include <openssl/ssl.h>
 #include <openssl/x509_vfy.h>
 #include <openssl/x509v3.h>
-
-#include <memory>
 
 namespace
 {
 
 std::string NameText(const X509_NAME* name)
 {
-    const std::unique_ptr<BIO, decltype(&BIO_free)> memory(BIO_new(BIO_s_mem()), BIO_free);
+    const Owned<BIO, BIO_free> memory(BIO_new(BIO_s_mem()));
     if (!memory || X509_NAME_print_ex(memory.get(), name, 0, XN_FLAG_ONELINE & ~ASN1_STRFLGS_ESC_MSB) < 0)
         return {};
     char* text = nullptr;

@@ -2,6 +2,8 @@
 // The upload on libcurl. It drives the protocol; what is ours is the reading of its dialogue (which answer
 // belongs to which step), the server's last word when a transfer breaks, the rule for a stalled transfer, and
 // naming what went wrong.
+#include "base/Deadline.h"
+#include "base/Owned.h"
 #include "libraries/ipworks/CertificateCheck.h"
 #include "libraries/ipworks/LocalFile.h"
 #include "libraries/ipworks/Sockets.h"
@@ -10,12 +12,9 @@
 #include <curl/curl.h>
 #include <openssl/ssl.h>
 
-#include <memory>
-
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr long kConnectSeconds = 60; // to connect and to log in
@@ -24,15 +23,9 @@ constexpr milliseconds kLastWordWait{1000};
 constexpr std::size_t kLongestLastWord = 65536;
 constexpr milliseconds kDrainInterval{20};
 
-struct CurlDeleter
-{
-    void operator()(CURL* curl) const { curl_easy_cleanup(curl); }
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-    void operator()(char* text) const { curl_free(text); }
-};
-using CurlHandle = std::unique_ptr<CURL, CurlDeleter>;
-using CurlList = std::unique_ptr<curl_slist, CurlDeleter>;
-using CurlText = std::unique_ptr<char, CurlDeleter>;
+using CurlHandle = Owned<CURL, curl_easy_cleanup>;
+using CurlList = Owned<curl_slist, curl_slist_free_all>;
+using CurlText = Owned<char, curl_free>;
 
 bool InitialiseOnce()
 {

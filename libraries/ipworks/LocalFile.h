@@ -4,9 +4,10 @@
 // added later is not sent, so that a file which grows faster than the connection comes to an end.
 #pragma once
 
+#include "base/Owned.h"
+
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 #include <string>
 
 class LocalFile
@@ -22,11 +23,7 @@ public:
     std::int64_t Read(char* buffer, std::int64_t capacity);
 
 private:
-    struct Closer
-    {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
-    using File = std::unique_ptr<std::FILE, Closer>;
+    using File = Owned<std::FILE, std::fclose>;
     // Each system's own part: opens the file and takes its size.
     static File OpenOwn(const std::wstring& path, std::int64_t& size, std::string& problem);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "libraries/kelvane/Numbers.h"
 
+#include "base/Owned.h"
 #include "libraries/kelvane/Text.h"
 #include "text/Unicode.h"
 
@@ -9,7 +10,6 @@
 
 #include <array>
 #include <cstdlib>
-#include <memory>
 
 namespace kelvane
 {
@@ -38,8 +38,8 @@ std::array<char, ULOC_FULLNAME_CAPACITY> UserLocale()
 ZTString ShowDecimal(const std::string& number, int digits)
 {
     UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<UNumberFormat, decltype(&unum_close)> format(
-        unum_open(UNUM_DECIMAL, nullptr, 0, UserLocale().data(), nullptr, &status), &unum_close);
+    const Owned<UNumberFormat, unum_close> format(
+        unum_open(UNUM_DECIMAL, nullptr, 0, UserLocale().data(), nullptr, &status));
     if (U_FAILURE(status))
         return Widen(number);
     unum_setAttribute(format.get(), UNUM_GROUPING_USED, 0);

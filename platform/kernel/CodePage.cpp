@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "base/Owned.h"
 #include "platform/kernel/Error.h"
 #include "platform/kernel/Locale.h"
 #include "winnls.h"
@@ -11,7 +12,6 @@
 #include <array>
 #include <cstring>
 #include <cwchar>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -20,11 +20,7 @@ using namespace platform;
 namespace
 {
 
-struct CloseConverter
-{
-    void operator()(UConverter* converter) const { ucnv_close(converter); }
-};
-using Converter = std::unique_ptr<UConverter, CloseConverter>;
+using Converter = Owned<UConverter, ucnv_close>;
 
 // Null with ERROR_INVALID_PARAMETER for a code page that the layer does not know.
 Converter OpenConverter(UINT codePage)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The signals that end a run: INT, TERM and HUP are waited for on a thread of its own, so that what is to be
 // done first may block, allocate and lock, whatever the other threads do.
+#include "base/RunWithin.h"
 #include "platform/kernel/Handle.h"
 
 #include <pthread.h>
@@ -10,7 +11,6 @@
 #include <array>
 #include <atomic>
 #include <csignal>
-#include <future>
 #include <thread>
 
 using namespace platform;
@@ -55,19 +55,10 @@ void Watch(sigset_t signals, PHANDLER_ROUTINE handler)
 {
     int number = 0;
     sigwait(&signals, &number);
-    std::promise<void> done;
-    std::future<void> isDone = done.get_future();
     const DWORD event = std::ranges::find(kEndings, number, &Ending::mSignal)->mEvent;
-    std::thread(
-        [handler, event, done = std::move(done)]() mutable
-        {
-            handler(event);
-            done.set_value();
-        })
-        .detach();
-    // From here on a second signal ends the process at once, on this thread.
+    // From here on a second signal ends the process at once.
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
-    isDone.wait_for(kPatience);
+    RunWithin(Clock::now() + kPatience, [handler, event] { return handler(event); });
     CloseAllHandles();
     raise(number);
     _exit(128 + number); // the first process of a container survives its own signal

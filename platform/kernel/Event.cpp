@@ -9,7 +9,6 @@
 #include <sys/sem.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <thread>
 
@@ -115,17 +114,11 @@ public:
         sembuf whenSet[] = {{kIsSet, -1, 0}, {kIsSet, 1, 0}};
         for (;;)
         {
-            timespec rest = {};
-            if (deadline)
-            {
-                using namespace std::chrono;
-                const auto left = std::max(*deadline - steady_clock::now(), steady_clock::duration(0));
-                rest.tv_sec = duration_cast<seconds>(left).count();
-                rest.tv_nsec = duration_cast<nanoseconds>(left % seconds(1)).count();
-            }
-            if (semtimedop(mSet, whenSet, std::size(whenSet), deadline ? &rest : nullptr) == 0)
+            const int left = MillisecondsUntil(deadline);
+            const timespec rest = {left / 1000, left % 1000 * 1'000'000L};
+            if (semtimedop(mSet, whenSet, std::size(whenSet), &rest) == 0)
                 return true;
-            if (errno != EINTR)
+            if (errno != EINTR && (errno != EAGAIN || Clock::now() >= deadline))
                 return false;
         }
     }

@@ -60,13 +60,6 @@ void platform::ForgetHandle(HANDLE handle)
     node = table.mObjects.extract(handle);
 }
 
-Deadline platform::DeadlineIn(DWORD milliseconds)
-{
-    if (milliseconds == INFINITE)
-        return std::nullopt;
-    return std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-}
-
 void platform::CloseAllHandles()
 {
     Objects objects;
@@ -84,5 +77,7 @@ DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds)
     const auto object = ObjectOf<Waitable>(handle);
     if (object == nullptr)
         return WAIT_FAILED;
-    return object->Wait(DeadlineIn(milliseconds)) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+    const Deadline deadline =
+        milliseconds == INFINITE ? kNever : Clock::now() + std::chrono::milliseconds(milliseconds);
+    return object->Wait(deadline) ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
 }

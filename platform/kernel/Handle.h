@@ -4,12 +4,11 @@
 // mistaken.
 #pragma once
 
+#include "base/Deadline.h"
 #include "platform/kernel/Error.h"
 #include "winbase.h"
 
-#include <chrono>
 #include <memory>
-#include <optional>
 
 namespace platform
 {
@@ -27,10 +26,6 @@ public:
 class KernelObject : public HandleObject
 {
 };
-
-// None waits for ever.
-using Deadline = std::optional<std::chrono::steady_clock::time_point>;
-Deadline DeadlineIn(DWORD milliseconds);
 
 class Waitable : public KernelObject
 {

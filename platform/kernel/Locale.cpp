@@ -40,7 +40,7 @@ std::string SystemLocale()
 }
 
 // The part of a name after `mark`, up to the next mark.
-std::string_view PartBehind(std::string_view name, char mark)
+std::string_view PartAfter(std::string_view name, char mark)
 {
     const std::size_t at = name.find(mark);
     if (at == std::string_view::npos)
@@ -58,7 +58,8 @@ std::string CountryOf(const char* locale)
 }
 
 // Some languages have their number by the script that goes without saying: sr_RS is sr_Cyrl_RS there. A
-// number that stands for the language alone, as ICU gives it for en_DK, is none: no user's default has it.
+// number that stands for the language alone, as ICU gives it for en_DK, does not count: no user's default has
+// it.
 LCID NumberOf(const std::string& locale)
 {
     std::array<char, ULOC_FULLNAME_CAPACITY> full = {}; // the last one of each stays 0
@@ -88,7 +89,7 @@ LCID platform::LcidOfLocale(std::string_view name)
     std::string base(name.substr(0, name.find_first_of(".@")));
     if (IsStandardC(base))
         return kEnglishUnitedStates;
-    const std::string_view modifier = PartBehind(name, '@');
+    const std::string_view modifier = PartAfter(name, '@');
     if (base.starts_with("tl_"))
         base.replace(0, 2, "fil"); // the C library's name of Filipino
     const char* script = modifier == "latin"        ? "_Latn"
@@ -127,7 +128,7 @@ std::string platform::UserCharset()
 {
     constexpr const char* kUsual = "UTF-8";
     const std::string name = UserLocale(kTextVariables);
-    if (const std::string_view named = PartBehind(name, '.'); !named.empty())
+    if (const std::string_view named = PartAfter(name, '.'); !named.empty())
         return std::string(named);
     // A name without a character set stands for the one that the system's definition of it has.
     const locale_t locale = name.empty() ? nullptr : newlocale(LC_CTYPE_MASK, name.c_str(), nullptr);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "base/Owned.h"
 #include "platform/kernel/CommandLine.h"
 #include "platform/kernel/Handle.h"
 #include "text/Unicode.h"
@@ -48,19 +49,10 @@ public:
         pollfd ready = {mFile, POLLIN, 0};
         for (;;)
         {
-            int wait = -1;
-            if (deadline)
-            {
-                using std::chrono::milliseconds;
-                const auto left =
-                    std::chrono::ceil<milliseconds>(*deadline - std::chrono::steady_clock::now());
-                constexpr milliseconds::rep kLongest = 3'600'000; // then it looks again
-                wait = static_cast<int>(std::clamp<milliseconds::rep>(left.count(), 0, kLongest));
-            }
-            const int count = poll(&ready, 1, wait);
+            const int count = poll(&ready, 1, MillisecondsUntil(deadline));
             if (count > 0)
                 return true;
-            if (count == 0 && deadline && std::chrono::steady_clock::now() >= *deadline)
+            if (count == 0 && Clock::now() >= deadline)
                 return false;
         }
     }
@@ -113,7 +105,7 @@ std::string FindProgram(const std::string& name)
 {
     if (name.find('/') != std::string::npos)
     {
-        std::unique_ptr<char, decltype(&free)> folder(get_current_dir_name(), free);
+        const Owned<char, free> folder(get_current_dir_name());
         return name.front() == '/' || folder == nullptr ? name : folder.get() + ('/' + name);
     }
     const char* path = getenv("PATH");

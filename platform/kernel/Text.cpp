@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/Text.h"
 
+#include "base/Owned.h"
+
 #include <wchar.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <memory>
 
 using namespace platform;
 
@@ -21,7 +22,7 @@ bool platform::CopyOut(std::wstring_view text, wchar_t* buffer, std::size_t size
 std::string platform::ReadWholeFile(const char* path)
 {
     std::string content;
-    const std::unique_ptr<FILE, decltype(&fclose)> file(fopen(path, "re"), fclose);
+    const Owned<FILE, fclose> file(fopen(path, "re"));
     std::array<char, 4096> part;
     for (std::size_t count = 1; file != nullptr && count != 0;)
     {

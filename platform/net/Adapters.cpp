@@ -15,6 +15,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+namespace platform
+{
+
 namespace
 {
 
@@ -98,6 +101,10 @@ ULONG TypeOf(const Link& link)
 }
 
 } // namespace
+
+} // namespace platform
+
+using namespace platform;
 
 ULONG WINAPI GetAdaptersAddresses(ULONG family, ULONG flags, PVOID reserved, PIP_ADAPTER_ADDRESSES addresses,
                                   PULONG size)

@@ -2,7 +2,8 @@
 // OpenLDAP's reader of BER on bytes that stay where they are.
 #pragma once
 
-#include <memory>
+#include "base/Owned.h"
+
 #include <new>
 #include <string_view>
 
@@ -11,11 +12,11 @@
 namespace platform
 {
 
-struct FreeBerReader
+inline void FreeBerReader(BerElement* reader)
 {
-    void operator()(BerElement* reader) const { ber_free(reader, 0); }
-};
-using BerReader = std::unique_ptr<BerElement, FreeBerReader>;
+    ber_free(reader, 0);
+}
+using BerReader = Owned<BerElement, FreeBerReader>;
 
 // The bytes must outlive the reader. Throws std::bad_alloc.
 inline BerReader ReaderOf(std::string_view bytes)

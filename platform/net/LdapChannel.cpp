@@ -19,8 +19,6 @@ namespace platform
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr const char* kClosed = "the server closed the connection";
 
 std::string SystemText(int error)
@@ -73,13 +71,9 @@ void LdapChannel::WaitForMore() const
 
 LdapFault LdapChannel::StartTls(const std::string& host, Deadline deadline)
 {
-    struct FreeContext
-    {
-        void operator()(SSL_CTX* context) const { SSL_CTX_free(context); }
-    };
     std::signal(SIGPIPE, SIG_IGN); // OpenSSL writes to sockets whose peer has gone
     ERR_clear_error();
-    const std::unique_ptr<SSL_CTX, FreeContext> context(SSL_CTX_new(TLS_client_method()));
+    const Owned<SSL_CTX, SSL_CTX_free> context(SSL_CTX_new(TLS_client_method()));
     if (context == nullptr || SSL_CTX_set_default_verify_paths(context.get()) != 1)
         return {eLdapServerDown, "TLS cannot be set up on this machine"};
     SSL_CTX_set_verify(context.get(), SSL_VERIFY_PEER, nullptr);
@@ -93,7 +87,7 @@ LdapFault LdapChannel::StartTls(const std::string& host, Deadline deadline)
     {
         X509_VERIFY_PARAM_set_hostflags(wanted, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS);
         if (X509_VERIFY_PARAM_set1_host(wanted, host.data(), host.size()) != 1)
-            return {eLdapServerDown, "the server name is none that a certificate can bear"};
+            return {eLdapServerDown, "no certificate can bear the server name"};
         SSL_set_tlsext_host_name(mTls.get(), host.c_str());
     }
     while (true)

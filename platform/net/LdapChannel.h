@@ -3,10 +3,10 @@
 // OpenLDAP's library does not tell.
 #pragma once
 
+#include "base/Owned.h"
 #include "platform/net/LdapHost.h"
 #include "platform/net/LdapLayer.h"
 
-#include <memory>
 #include <string>
 
 #include <openssl/ssl.h>
@@ -43,18 +43,13 @@ protected:
     bool HasReady() const override { return mTls != nullptr && SSL_pending(mTls.get()) > 0; }
 
 private:
-    struct FreeSsl
-    {
-        void operator()(SSL* ssl) const { SSL_free(ssl); }
-    };
-
     // What to wait for (POLLIN, POLLOUT) before a call that gave `result` is made again; 0 when it failed.
     short Awaited(ber_slen_t result, short withoutTls) const;
     // Keeps the reason of a call that failed, unless there is an earlier one.
     void End(ber_slen_t result);
 
     int mSocket;
-    std::unique_ptr<SSL, FreeSsl> mTls;
+    Owned<SSL, SSL_free> mTls;
     Deadline mDeadline{};
     LdapFault mEnding;
 };

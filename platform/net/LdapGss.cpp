@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapGss.h"
 
-#include "platform/net/RunWithin.h"
+#include "base/RunWithin.h"
 
 #include <algorithm>
 #include <cctype>
@@ -24,17 +24,6 @@ constexpr OM_uint32 kProtected =
 gss_OID_desc kSpnego = {6, const_cast<char*>("\x2b\x06\x01\x05\x05\x02")};
 gss_OID_desc kNtlm = {10, const_cast<char*>("\x2b\x06\x01\x04\x01\x82\x37\x02\x02\x0a")};
 gss_OID_desc kKerberos = {9, const_cast<char*>("\x2a\x86\x48\x86\xf7\x12\x01\x02\x02")};
-
-struct FreeGssName
-{
-    using pointer = gss_name_t;
-    void operator()(gss_name_t name) const
-    {
-        OM_uint32 minor = 0;
-        gss_release_name(&minor, &name);
-    }
-};
-using GssName = std::unique_ptr<gss_name_t, FreeGssName>;
 
 // A buffer that the library filled.
 struct GssBuffer
@@ -206,8 +195,8 @@ std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity& identity, const st
     return users;
 }
 
-GssContext::GssContext(GssCredential credential, gss_OID mechanism, gss_name_t target, OM_uint32 wanted)
-    : mCredential(std::move(credential)), mMechanism(mechanism), mTarget(target), mWanted(wanted)
+GssContext::GssContext(GssCredential credential, gss_OID mechanism, GssName target, OM_uint32 wanted)
+    : mCredential(std::move(credential)), mMechanism(mechanism), mTarget(std::move(target)), mWanted(wanted)
 {
 }
 
@@ -215,7 +204,6 @@ GssContext::~GssContext()
 {
     OM_uint32 minor = 0;
     gss_delete_sec_context(&minor, &mContext, GSS_C_NO_BUFFER);
-    gss_release_name(&minor, &mTarget);
 }
 
 std::unique_ptr<GssContext> GssContext::Ntlm(const LdapIdentity& identity, const std::string& host,
@@ -234,9 +222,9 @@ std::unique_ptr<GssContext> GssContext::Ntlm(const LdapIdentity& identity, const
                           identity.password, &kNtlm, nullptr, fault);
     if (credential == nullptr)
         return nullptr;
-    GssName target = ImportName("ldap@" + host, GSS_C_NT_HOSTBASED_SERVICE);
-    return std::unique_ptr<GssContext>(
-        new GssContext(std::move(credential), &kNtlm, target.release(), protects ? kProtected : 0));
+    return std::unique_ptr<GssContext>(new GssContext(std::move(credential), &kNtlm,
+                                                      ImportName("ldap@" + host, GSS_C_NT_HOSTBASED_SERVICE),
+                                                      protects ? kProtected : 0));
 }
 
 std::unique_ptr<GssContext> GssContext::WithTicket(const KerberosUser& user, const Secret& password,
@@ -252,7 +240,7 @@ std::unique_ptr<GssContext> GssContext::WithTicket(const KerberosUser& user, con
     {
         GssName name = ImportName(target, const_cast<gss_OID>(GSS_KRB5_NT_PRINCIPAL_NAME));
         return std::unique_ptr<GssContext>(
-            new GssContext(std::move(credential), mechanism, name.release(), kProtected));
+            new GssContext(std::move(credential), mechanism, std::move(name), kProtected));
     };
     const std::unique_ptr<GssContext> first = make();
     std::string token;
@@ -296,7 +284,7 @@ LdapFault GssContext::Step(const std::string& token, std::string& reply)
     gss_buffer_desc input = BufferOf(token);
     GssBuffer output;
     const OM_uint32 major =
-        gss_init_sec_context(&minor, mCredential.get(), &mContext, mTarget, mMechanism, mWanted, 0,
+        gss_init_sec_context(&minor, mCredential.get(), &mContext, mTarget.get(), mMechanism, mWanted, 0,
                              GSS_C_NO_CHANNEL_BINDINGS, &input, nullptr, &output.data, &mFlags, nullptr);
     reply = output.View();
     if (GSS_ERROR(major))

@@ -4,6 +4,7 @@
 // has a say in it.
 #pragma once
 
+#include "base/Owned.h"
 #include "platform/net/LdapSession.h"
 
 #include <memory>
@@ -16,16 +17,19 @@
 namespace platform
 {
 
-struct FreeGssCredential
+inline void ReleaseCredential(gss_cred_id_t credential)
 {
-    using pointer = gss_cred_id_t;
-    void operator()(gss_cred_id_t credential) const
-    {
-        OM_uint32 minor = 0;
-        gss_release_cred(&minor, &credential);
-    }
-};
-using GssCredential = std::unique_ptr<gss_cred_id_t, FreeGssCredential>;
+    OM_uint32 minor = 0;
+    gss_release_cred(&minor, &credential);
+}
+using GssCredential = Owned<gss_cred_id_struct, ReleaseCredential>;
+
+inline void ReleaseName(gss_name_t name)
+{
+    OM_uint32 minor = 0;
+    gss_release_name(&minor, &name);
+}
+using GssName = Owned<gss_name_struct, ReleaseName>;
 
 // Who is to get a ticket, as Kerberos names users.
 struct KerberosUser
@@ -74,11 +78,11 @@ private:
     static std::unique_ptr<GssContext> WithTicket(const KerberosUser& user, const Secret& password,
                                                   const std::string& target, gss_OID mechanism,
                                                   LdapFault& fault);
-    GssContext(GssCredential credential, gss_OID mechanism, gss_name_t target, OM_uint32 wanted);
+    GssContext(GssCredential credential, gss_OID mechanism, GssName target, OM_uint32 wanted);
 
     GssCredential mCredential;
     gss_OID mMechanism;
-    gss_name_t mTarget;
+    GssName mTarget;
     gss_ctx_id_t mContext = GSS_C_NO_CONTEXT;
     OM_uint32 mWanted;
     OM_uint32 mFlags = 0; // agreed with the server

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapHost.h"
 
-#include "platform/net/RunWithin.h"
+#include "base/Owned.h"
+#include "base/RunWithin.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <memory>
 #include <system_error>
 
 #include <netdb.h>
@@ -22,14 +22,7 @@ namespace platform
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
-using std::chrono::milliseconds;
-
-struct FreeAddresses
-{
-    void operator()(addrinfo* list) const { freeaddrinfo(list); }
-};
-using Addresses = std::unique_ptr<addrinfo, FreeAddresses>;
+using Addresses = Owned<addrinfo, freeaddrinfo>;
 
 struct Resolution
 {
@@ -90,12 +83,8 @@ std::string AsciiName(std::string_view name)
     std::string typed(name);
     if (std::ranges::all_of(typed, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; }))
         return typed;
-    struct Close
-    {
-        void operator()(UIDNA* rules) const { uidna_close(rules); }
-    };
     UErrorCode error = U_ZERO_ERROR;
-    const std::unique_ptr<UIDNA, Close> rules(uidna_openUTS46(UIDNA_NONTRANSITIONAL_TO_ASCII, &error));
+    const Owned<UIDNA, uidna_close> rules(uidna_openUTS46(UIDNA_NONTRANSITIONAL_TO_ASCII, &error));
     UIDNAInfo info = UIDNA_INFO_INITIALIZER;
     std::array<char, 256> ascii; // a name of DNS is shorter
     const int32_t length =
@@ -178,14 +167,14 @@ bool WaitForSocket(int socket, short events, Deadline deadline)
 {
     while (true)
     {
-        const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now()).count();
-        if (left <= 0)
+        const int left = MillisecondsUntil(deadline);
+        if (left == 0)
             return false;
         pollfd entry{socket, events, 0};
-        const int ready = poll(&entry, 1, static_cast<int>(std::min<long>(left, 3'600'000)));
+        const int ready = poll(&entry, 1, left);
         if (ready > 0)
             return true;
-        if (ready == 0 || errno != EINTR)
+        if (ready < 0 && errno != EINTR)
             return false;
     }
 }
@@ -210,8 +199,7 @@ LdapFault ConnectTo(const LdapHost& host, Deadline deadline, int& socket)
     for (const addrinfo* address = resolution->addresses.get(); address != nullptr;
          address = address->ai_next)
     {
-        const Deadline turn = Clock::now() + (deadline - Clock::now()) / waiting--;
-        fault = ConnectToAddress(*address, turn, socket);
+        fault = ConnectToAddress(*address, EndOfTurn(deadline, waiting--), socket);
         if (!fault)
             break;
     }

@@ -2,9 +2,9 @@
 // Where an LDAP server may be: the hosts of a session and the way to a connected socket.
 #pragma once
 
+#include "base/Deadline.h"
 #include "platform/net/LdapFault.h"
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,8 +13,6 @@
 
 namespace platform
 {
-
-using Deadline = std::chrono::steady_clock::time_point;
 
 struct LdapHost
 {

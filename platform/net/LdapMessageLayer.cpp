@@ -143,7 +143,7 @@ void LdapMessageLayer::TakeMessage()
         const bool tls = !mHasBegun && (first == kTlsAlert || first == kTlsHandshake) &&
                          (rest.size() < 2 || rest[1] == kTlsMajor);
         mEnding = {eLdapDecodingError,
-                   tls ? "the server speaks TLS on this port" : "the server's answer is no LDAP message"};
+                   tls ? "the server speaks TLS on this port" : "the server's answer is not an LDAP message"};
     }
     else if (size > kLongestMessage)
         mEnding = {eLdapResultsTooLarge, "the server sent a message of more than 16 MB"};
@@ -159,7 +159,7 @@ void LdapMessageLayer::Judge(std::string_view message)
     ber_int_t number = 0;
     if (ber_scanf(reader.get(), "{i", &number) == LBER_ERROR)
     {
-        mEnding = {eLdapDecodingError, "the server's answer is no LDAP message"};
+        mEnding = {eLdapDecodingError, "the server's answer is not an LDAP message"};
         return;
     }
     mHasBegun = true;

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapSession.h"
 
+#include "base/RunWithin.h"
 #include "platform/net/BerReader.h"
 #include "platform/net/GssLayer.h"
 #include "platform/net/LdapChannel.h"
 #include "platform/net/LdapGss.h"
 #include "platform/net/LdapMessageLayer.h"
-#include "platform/net/RunWithin.h"
 
 #include <algorithm>
 #include <array>
@@ -27,7 +27,6 @@ namespace platform
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
 using std::chrono::seconds;
 
@@ -179,7 +178,7 @@ int AnswerDigest(LDAP*, unsigned, void* defaults, void* questions)
 
 } // namespace
 
-void LdapSession::FreeMessages::operator()(ldapmsg* messages) const
+void LdapSession::FreeMessages(ldapmsg* messages)
 {
     ldap_msgfree(messages);
 }
@@ -204,8 +203,7 @@ LdapFault LdapSession::Connect(microseconds limit)
     auto waiting = static_cast<long>(mHosts.size());
     for (const LdapHost& host : mHosts)
     {
-        const Deadline turn = Clock::now() + (deadline - Clock::now()) / waiting--;
-        fault = ConnectTo(host, turn);
+        fault = ConnectTo(host, EndOfTurn(deadline, waiting--));
         if (!fault)
             break;
     }
@@ -277,7 +275,7 @@ LdapFault LdapSession::LibraryFault(int libraryCode)
     {
         mLost = mMessages->Ending() ? mMessages->Ending() : mChannel->Ending();
         if (!*mLost)
-            mLost = {eLdapDecodingError, "the server's answer is no LDAP message"};
+            mLost = {eLdapDecodingError, "the server's answer is not an LDAP message"};
         if (gbMemoryRefused)
             mLost = {eLdapNoMemory, {}};
         return *mLost;
@@ -417,9 +415,8 @@ std::unique_ptr<GssContext> LdapSession::FindTicket(const LdapIdentity& identity
     for (const KerberosUser& user : users.value_or(std::vector<KerberosUser>()))
     {
         LdapFault said;
-        const Deadline turn = Clock::now() + (deadline - Clock::now()) / waiting--;
         std::unique_ptr<GssContext> context =
-            GssContext::Kerberos(user, identity.password, mHost, turn, said);
+            GssContext::Kerberos(user, identity.password, mHost, EndOfTurn(deadline, waiting--), said);
         if (context != nullptr)
             return context;
         fault = {said.code, fault.cause + (fault.cause.empty() ? "Kerberos: " : "; ") + said.cause};

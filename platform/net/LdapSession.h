@@ -3,6 +3,7 @@
 // by its time. A session that has lost its server stays lost; nothing is connected a second time.
 #pragma once
 
+#include "base/Owned.h"
 #include "platform/net/LdapHost.h"
 #include "platform/net/Secret.h"
 
@@ -57,12 +58,9 @@ public:
     LdapFault BindDigest(const LdapIdentity& identity);
     LdapFault BindGss(const LdapIdentity& identity, GssMethod method);
 
-    struct FreeMessages
-    {
-        void operator()(ldapmsg* messages) const;
-    };
+    static void FreeMessages(ldapmsg* messages);
     // A chain of messages as the library keeps it.
-    using Messages = std::unique_ptr<ldapmsg, FreeMessages>;
+    using Messages = Owned<ldapmsg, FreeMessages>;
 
     // The attributes end with a null. The result is empty when the search failed; else it ends with the
     // message that says so, which is the first one where there is no entry.

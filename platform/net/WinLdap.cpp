@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <new>
 #include <system_error>
 
@@ -215,7 +214,7 @@ LDAPMessage* ldap_next_entry(LDAP* session, LDAPMessage* entry)
 
 ULONG ldap_msgfree(LDAPMessage* result)
 {
-    LdapSession::FreeMessages()(result);
+    LdapSession::FreeMessages(result);
     return eLdapSuccess;
 }
 

@@ -22,7 +22,7 @@ struct IconEntry
 PLATFORM_EXPORT std::vector<IconEntry> ReadIconGroup(Bytes group);
 
 // An icon resource's image closest to a size in pixels, as the bytes of a PNG file or of a device-independent
-// bitmap (ICO form: XOR and AND masks, no file header). Empty when the handle is none.
+// bitmap (ICO form: XOR and AND masks, no file header). Empty when the handle is not an icon's.
 struct IconImage
 {
     const BYTE* bytes = nullptr;

@@ -317,7 +317,7 @@ TEST(UploadProgress, ReckonsRateAndTimeFromTheLinesBefore)
         {L"100% done, 101000 sent\r\n", 1000, L"100% done, 101000 sent, 100 KB/s"},
         {L"2% done, 900 sent\r\n", 2000, L"2% done, 900 sent"}, // a new attempt
     };
-    const platform::UploadProgress::Clock::time_point start{std::chrono::seconds(1)};
+    const Clock::time_point start{std::chrono::seconds(1)};
     for (const Case& row : cases)
     {
         platform::UploadProgress progress;

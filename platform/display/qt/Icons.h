@@ -9,7 +9,7 @@
 namespace platform
 {
 
-// Empty when the handle is none or its images cannot be read.
+// Empty when the handle is not an icon's or its images cannot be read.
 QIcon ToQIcon(HICON icon);
 
 } // namespace platform

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "base/Deadline.h"
 #include "platform/display/qt/Application.h"
 #include "platform/display/qt/Controls.h"
 #include "platform/display/qt/DialogWidget.h"
@@ -28,7 +29,7 @@ class DrawingBudget
 public:
     bool Take()
     {
-        const auto now = std::chrono::steady_clock::now();
+        const auto now = Clock::now();
         const std::chrono::duration<double> passed = now - mLast;
         mLast = now;
         mLeft = std::min(kBurst, mLeft + passed.count() * kPerSecond);
@@ -43,7 +44,7 @@ private:
     static constexpr double kPerSecond = 20.0;
 
     double mLeft = kBurst;
-    std::chrono::steady_clock::time_point mLast = std::chrono::steady_clock::now();
+    Clock::time_point mLast = Clock::now();
 };
 
 // Widgets are made when a dialog is first shown; what happens to it before then lies in its windows.

@@ -164,7 +164,7 @@ protected:
 
     void WriteLog(std::wstring_view part) override
     {
-        const auto now = UploadProgress::Clock::now();
+        const auto now = Clock::now();
         const std::optional<std::wstring> progress =
             Editor().MovesCursor() ? mProgress.Describe(part, now) : std::nullopt;
         if (progress)
@@ -377,7 +377,7 @@ private:
         mOutput.Draw("\n");
     }
 
-    void ShowProgress(UploadProgress::Clock::time_point now)
+    void ShowProgress(Clock::time_point now)
     {
         HideQuestion();
         if (mProgressStands)
@@ -393,7 +393,7 @@ private:
     {
         HideQuestion();
         if (!mProgressLine.empty())
-            ShowProgress(UploadProgress::Clock::now());
+            ShowProgress(Clock::now());
         mProgressStands = false;
     }
 
@@ -409,7 +409,7 @@ private:
     bool mHasHinted = false;
     UploadProgress mProgress;
     std::wstring mProgressLine; // not shown yet
-    UploadProgress::Clock::time_point mProgressTime;
+    Clock::time_point mProgressTime;
     bool mProgressStands = false; // just above the cursor
 };
 

@@ -5,8 +5,6 @@
 #include "text/SafeToShow.h"
 #include "text/Unicode.h"
 
-#include <unicode/ucnv.h>
-
 #include <cstring>
 
 namespace platform
@@ -48,11 +46,6 @@ TerminalEncoding::TerminalEncoding()
     error = U_ZERO_ERROR;
     if (mDecoder == nullptr)
         mDecoder.reset(ucnv_open("US-ASCII", &error));
-}
-
-void TerminalEncoding::Close::operator()(UConverter* converter) const
-{
-    ucnv_close(converter);
 }
 
 std::string TerminalEncoding::Encode(std::wstring_view text) const

@@ -2,11 +2,12 @@
 // Text between the program and a terminal: in the terminal's own encoding, and harmless.
 #pragma once
 
-#include <memory>
+#include "base/Owned.h"
+
 #include <string>
 #include <string_view>
 
-struct UConverter;
+#include <unicode/ucnv.h>
 
 namespace platform
 {
@@ -40,13 +41,9 @@ public:
     std::wstring Refusal() const;
 
 private:
-    struct Close
-    {
-        void operator()(UConverter* converter) const;
-    };
     std::string mCharset;
     bool mIsUtf8;
-    std::unique_ptr<UConverter, Close> mDecoder;
+    Owned<UConverter, ucnv_close> mDecoder;
 };
 
 // What the keys of a line that is not shown have typed: those that move the cursor mean nothing there.

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "base/Deadline.h"
+
 #include "platformExport.h"
 
-#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,8 +17,6 @@ namespace platform
 class UploadProgress
 {
 public:
-    using Clock = std::chrono::steady_clock;
-
     // "…42% done, 1000 sent, 1.5 MB/s, 0:41 left", without a line end; nothing for any other text.
     PLATFORM_EXPORT std::optional<std::wstring> Describe(std::wstring_view text, Clock::time_point now);
 
