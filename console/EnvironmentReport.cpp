@@ -4,10 +4,8 @@
 #include "console/MacSurvey.h"
 #include "console/TavoDlg.h"
 
-#include "app/CmdLineParser.h"
 #include "foundation/DateValue.h"
 #include "foundation/Kelvane.h"
-#include "foundation/OpenAccess.h"
 #include "resources/resource.h"
 
 #include <time.h>
@@ -143,24 +141,4 @@ void CTavoDlg::ReportCustomerService()
     ZTString text = GetCustServiceInfo();
     text += L"\r\n";
     AppendLine(text);
-}
-
-bool CTavoDlg::StartUnattendedShipment()
-{
-    if (gCmdLineParser.HasVal(L"AUTOCLOSE"))
-        mAutoClose = true;
-    if (!gCmdLineParser.HasVal(L"FTP_LOG"))
-        return true;
-    if (mAutoClose)
-    {
-        // Only the name's existence counts; the handle lives until the process ends.
-        CreateEventW(OpenAccessAttributes(), FALSE, FALSE, L"Global\\Tavo_FTP");
-        if (GetLastError() == ERROR_ALREADY_EXISTS)
-        {
-            EndDialog(1);
-            return false;
-        }
-    }
-    OnFtpLogsButton();
-    return true;
 }

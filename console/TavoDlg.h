@@ -33,9 +33,9 @@ protected:
     afx_msg void OnUnusedButton();
     afx_msg void OnFtpLogsButton();
     afx_msg LRESULT OnFtpLine(WPARAM wParam, LPARAM lParam);
-    afx_msg LRESULT OnFtpLogs(WPARAM wParam, LPARAM lParam); // shipment/
-    afx_msg void OnLdapTest();                               // ldap/
-    afx_msg void OnCrc64();                                  // crc64/
+    afx_msg LRESULT OnFtpLogs(WPARAM wParam, LPARAM lParam); // shipment/OnFtpLogs.cpp
+    afx_msg void OnLdapTest();                               // ldap/OnLdapTest.cpp
+    afx_msg void OnCrc64();                                  // crc64/OnCrc64.cpp
     DECLARE_MESSAGE_MAP()
 
 private:
@@ -48,11 +48,11 @@ private:
     void ReportLocales();
     void ReportCustomerService();
 
-    // The second half of OnInitDialog: reads the switches of an unattended run. False when another one is
-    // running and this dialog has been ended.
+    // Reads the switches of an unattended run and starts its shipment; shipment/UnattendedShipment.cpp. False
+    // when another one is running and this dialog has been ended.
     bool StartUnattendedShipment();
 
-    void WalkLdapTree(ldap* session); // ldap/
+    void WalkLdapTree(ldap* session); // ldap/OnLdapTest.cpp
 
     HICON mIcon; // shared, not destroyed
     ZTString mOutputText;

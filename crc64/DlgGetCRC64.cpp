@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "crc64/DlgGetCRC64.h"
 
-#include "console/TavoDlg.h"
 #include "crc64/TextChecksum.h"
 #include "resources/resource.h"
 
@@ -40,9 +39,4 @@ void CDlgGetCRC64::OnGetCRC64()
     mCRC.Format(L"{0}", checksum);
     mCRCHex.Format(L"{0:08X}", checksum);
     UpdateData(FALSE);
-}
-
-void CTavoDlg::OnCrc64()
-{
-    CDlgGetCRC64(this).DoModal();
 }

@@ -6,6 +6,10 @@
 namespace
 {
 
+// The component that is ours raises neither.
+constexpr int kEventWithoutName2 = 2;
+constexpr int kEventWithoutName3 = 3;
+
 const char* Text(const void* param)
 {
     return static_cast<const char*>(param);
@@ -147,51 +151,51 @@ int FTPEventSink(void* object, int eventId, int /*paramCount*/, void* params[], 
     FTP& ftp = *static_cast<FTP*>(object);
     switch (eventId)
     {
-    case 1:
+    case kIPWorksStatus:
     {
         FTPStatusEvent event{Text(params[0]), Number(params[1]), Text(params[2]), 0};
         return ftp.OnStatusText(&event);
     }
-    case 2:
+    case kEventWithoutName2:
     {
         FTPEvent2 event{Text(params[0]),     Text(params[1]), Number(params[2]),
                         Number64(params[3]), Text(params[4]), 0};
         return ftp.OnEvent2(&event);
     }
-    case 3:
+    case kEventWithoutName3:
     {
         FTPNumberEvent event{Number(params[0]), 0};
         return ftp.OnEvent3(&event);
     }
-    case 4:
+    case kIPWorksFailure:
     {
         FTPErrorEvent event{Number(params[0]), Text(params[1]), 0};
         return ftp.OnErrorText(&event);
     }
-    case 5:
+    case kIPWorksDialogue:
     {
         FTPTraceEvent event{Number(params[0]), Text(params[1]), 0};
         return ftp.OnTraceText(&event);
     }
-    case 6:
+    case kIPWorksApprove:
     {
         FTPApprovalEvent event{
             params[0], lengths[0], Text(params[1]), Text(params[2]), Text(params[3]), Number(params[4]), 0};
         const int result = ftp.OnApproval(&event);
-        params[4] = reinterpret_cast<void*>(static_cast<std::intptr_t>(event.decision));
+        params[4] = const_cast<void*>(AsValue(event.decision));
         return result;
     }
-    case 7:
+    case kIPWorksStarted:
     {
         FTPTextEvent event{Text(params[0]), 0};
         return ftp.OnEvent7(&event);
     }
-    case 8:
+    case kIPWorksEnded:
     {
         FTPNumberEvent event{Number(params[0]), 0};
         return ftp.OnEvent8(&event);
     }
-    case 9:
+    case kIPWorksProgress:
     {
         FTPProgressEvent event{Number(params[0]), Number64(params[1]), Number(params[2]),
                                Text(params[3]),   lengths[3],          0};

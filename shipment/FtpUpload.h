@@ -17,5 +17,6 @@ struct FTPProcArgs
 // Thread procedure for _beginthread; `args` is an FTPProcArgs. Nobody waits for the thread.
 void FTPProc(void* args);
 
-// Set by FTPProc when all its lines are posted and it needs the local file no more; cleared before its start.
+// Set by FTPProc when all its lines are posted and it no longer needs the local file; cleared before its
+// start.
 extern std::atomic<bool> gbFTPDone;

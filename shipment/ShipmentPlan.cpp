@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "shipment/ShipmentPlan.h"
 
+#include "base/Owned.h"
 #include "foundation/DateValue.h"
 #include "foundation/Kelvane.h"
 #include "text/Unicode.h"
@@ -16,12 +17,6 @@ namespace
 {
 
 constexpr wchar_t kSeparator = std::filesystem::path::preferred_separator;
-
-struct FindCloser
-{
-    ~FindCloser() { FindClose(find); }
-    HANDLE find;
-};
 
 bool IsDirectory(const WIN32_FIND_DATAW& entry)
 {
@@ -78,7 +73,7 @@ std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff)
         const HANDLE find = FindFirstFileW(current + L"*", &entry);
         if (find == INVALID_HANDLE_VALUE)
             continue;
-        const FindCloser closer{find};
+        const Owned<void, FindClose> closer(find);
         do
         {
             if (!IsDirectory(entry))

@@ -10,6 +10,9 @@
 
 constexpr const wchar_t* kIgnoreListName = L"uploadIgnoreList.txt";
 
+// Files that were not written to for longer are not sent: five days, in seconds.
+constexpr std::int64_t kOldestAge = 432000;
+
 // The archive's file name without directory and ".zip": the wanted name without white space around it, or
 // today's date when that leaves nothing, with "_" for each character that a file name cannot hold. `wanted`
 // may be null.

@@ -2,6 +2,7 @@
 // A shipment from its start to its end: packs the log directory, sends the archive, and leaves nothing
 // behind.
 #include "app/CmdLineParser.h"
+#include "base/Owned.h"
 #include "console/TavoDlg.h"
 #include "foundation/EndOfRun.h"
 #include "foundation/Kelvane.h"
@@ -17,18 +18,13 @@
 namespace
 {
 
-constexpr std::int64_t kOldestAge = 432000; // seconds: five days
-constexpr DWORD kPackingStep = 100;         // milliseconds, here and below
+constexpr DWORD kPackingStep = 100; // milliseconds, here and below
 constexpr DWORD kPauseBeforeUpload = 2000;
 constexpr DWORD kUploadStep = 1000;
 constexpr DWORD kNoExitCode = 0xFFFFFFFF;
 constexpr auto kNoThread = static_cast<std::uintptr_t>(-1);
 
-struct HandleCloser
-{
-    void operator()(void* handle) const { CloseHandle(handle); }
-};
-using Handle = std::unique_ptr<void, HandleCloser>;
+using Handle = Owned<void, CloseHandle>;
 
 ZTString SystemErrorText(DWORD code)
 {
