@@ -115,8 +115,8 @@ KELVANE_EXPORT void ThreadInit(const wchar_t* name);
 
 // Dispatches the messages that wait for the calling thread, in all its windows, and returns without waiting
 // for more. A handler that is dispatched may pump in turn. At a depth of 16 the call leaves what a person
-// does to the outer ones, and inside such a call it returns at once. WM_QUIT stays for the loop outside.
-// `window` is null and `reserved` 0.
+// does to the outer ones, and inside such a call it returns at once. `window` is
+// null and `reserved` 0.
 KELVANE_EXPORT void PumpMessages(HWND window, DWORD reserved);
 
 // A message box that closes by itself after `seconds`. `type` as for MessageBoxW; the result is the button's

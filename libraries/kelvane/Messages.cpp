@@ -22,22 +22,15 @@ public:
     NestedPump& operator=(const NestedPump&) = delete;
 };
 
-// Dispatches a message that was taken from the queue. False when the thread is to end its loops.
-bool ServeMessage(MSG& message)
+// Dispatches a message that was taken from the queue.
+void ServeMessage(MSG& message)
 {
-    if (message.message == WM_QUIT)
-    {
-        // It ends the loop that the pump runs inside of.
-        PostQuitMessage(static_cast<int>(message.wParam));
-        return false;
-    }
     // The keyboard works in a dialog whose own loop is held up.
     const HWND dialog = message.hwnd != nullptr ? GetAncestor(message.hwnd, GA_ROOT) : nullptr;
     if (dialog != nullptr && IsDialogMessageW(dialog, &message))
-        return true;
+        return;
     TranslateMessage(&message);
     DispatchMessageW(&message);
-    return true;
 }
 
 } // namespace
@@ -50,9 +43,8 @@ void PumpMessages(HWND, DWORD)
         tNestedPumps < kMostNestedPumps ? PM_REMOVE : PM_REMOVE | PM_QS_POSTMESSAGE | PM_QS_PAINT;
     const NestedPump nested;
     MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, what) && ServeMessage(message))
-    {
-    }
+    while (PeekMessageW(&message, nullptr, 0, 0, what))
+        ServeMessage(message);
 }
 
 int TimedMessageBox(const wchar_t* title, const wchar_t* text, UINT type, DWORD seconds, int timeoutResult)

@@ -31,23 +31,17 @@ private:
     Window& mDialog;
 };
 
-void RunLoop(Window& dialog, const std::optional<std::chrono::milliseconds>& timeout)
+void RunLoop(Window& dialog, Deadline deadline)
 {
-    const auto deadline = timeout ? MessageQueue::Clock::now() + *timeout : MessageQueue::kNever;
     while (!dialog.dialog->ended)
     {
         MSG message;
         if (TheQueue().Next(message, true))
         {
-            if (message.message == WM_QUIT)
-            {
-                PostQuitMessage(static_cast<int>(message.wParam));
-                EndDialog(dialog.handle, 0);
-            }
-            else if (!IsDialogMessageW(dialog.handle, &message))
+            if (!IsDialogMessageW(dialog.handle, &message))
                 DispatchMessageW(&message);
         }
-        else if (MessageQueue::Clock::now() >= deadline)
+        else if (Clock::now() >= deadline)
             EndDialog(dialog.handle, MB_TIMEDOUT);
         else if (!dialog.dialog->ended)
             TheQueue().Wait(deadline);
@@ -79,7 +73,7 @@ INT_PTR RunModal(std::unique_ptr<Window> made, const ModalRun& run)
             SetFocusTo(*focus);
         SetVisible(dialog, true);
     }
-    RunLoop(dialog, run.timeout);
+    RunLoop(dialog, run.deadline);
     return state.result;
 }
 
@@ -132,7 +126,7 @@ INT_PTR DialogBoxParamW(HINSTANCE, LPCWSTR name, HWND owner, DLGPROC procedure, 
         SetLastError(ERROR_ACCESS_DENIED);
         return -1;
     }
-    return RunModal(std::move(dialog), {owner, procedure, parameter, std::nullopt});
+    return RunModal(std::move(dialog), {owner, procedure, parameter});
 }
 
 BOOL EndDialog(HWND handle, INT_PTR result)

@@ -2,11 +2,10 @@
 // Modal dialogs: their own loop, what they do with messages that their procedure leaves, message boxes.
 #pragma once
 
+#include "base/Deadline.h"
 #include "platform/dialogs/Window.h"
 
-#include <chrono>
 #include <memory>
-#include <optional>
 
 namespace platform
 {
@@ -21,7 +20,7 @@ struct ModalRun
     HWND owner = nullptr; // disabled meanwhile; a control stands for its dialog
     DLGPROC procedure = nullptr;
     LPARAM parameter = 0;
-    std::optional<std::chrono::milliseconds> timeout; // the result is then MB_TIMEDOUT
+    Deadline deadline = kNever; // the result is then MB_TIMEDOUT
 };
 
 // Shows a dialog and serves messages until it has been ended; gives the result of EndDialog.

@@ -61,8 +61,7 @@ INT_PTR Procedure(HWND handle, UINT message, WPARAM wParam, LPARAM)
     return TRUE;
 }
 
-int Run(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
-        std::optional<std::chrono::milliseconds> timeout)
+int Run(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type, Deadline deadline)
 {
     if (!StartWindows())
     {
@@ -71,7 +70,7 @@ int Run(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
     }
     std::unique_ptr<Window> box =
         MakeMessageBox(text != nullptr ? text : L"", caption != nullptr ? caption : L"Error", type);
-    return static_cast<int>(RunModal(std::move(box), {owner, &Procedure, 0, timeout}));
+    return static_cast<int>(RunModal(std::move(box), {owner, &Procedure, 0, deadline}));
 }
 
 } // namespace
@@ -80,10 +79,10 @@ int Run(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
 
 int MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type)
 {
-    return platform::Run(owner, text, caption, type, std::nullopt);
+    return platform::Run(owner, text, caption, type, kNever);
 }
 
 int MessageBoxTimeoutW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type, WORD, DWORD milliseconds)
 {
-    return platform::Run(owner, text, caption, type, std::chrono::milliseconds(milliseconds));
+    return platform::Run(owner, text, caption, type, Clock::now() + std::chrono::milliseconds(milliseconds));
 }

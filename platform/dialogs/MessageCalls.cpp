@@ -20,12 +20,6 @@ BOOL PostMessageW(HWND handle, UINT message, WPARAM wParam, LPARAM lParam)
     return FALSE;
 }
 
-void PostQuitMessage(int exitCode)
-{
-    if (IsWindowsThread())
-        TheQueue().PostQuit(exitCode);
-}
-
 BOOL PeekMessageW(LPMSG message, [[maybe_unused]] HWND window, [[maybe_unused]] UINT first,
                   [[maybe_unused]] UINT last, UINT remove)
 {

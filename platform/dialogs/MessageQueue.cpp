@@ -16,8 +16,7 @@ namespace
 
 MSG MakeMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    const auto now =
-        std::chrono::duration_cast<std::chrono::milliseconds>(MessageQueue::Clock::now().time_since_epoch());
+    const auto now = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch());
     return {window, message, wParam, lParam, static_cast<DWORD>(now.count()), {0, 0}};
 }
 
@@ -47,21 +46,12 @@ void MessageQueue::AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lPa
 
 bool MessageQueue::NextPosted(MSG& message, bool remove)
 {
-    {
-        const std::lock_guard lock(mMutex);
-        if (!mPosted.empty())
-        {
-            message = mPosted.front();
-            if (remove)
-                mPosted.pop_front();
-            return true;
-        }
-    }
-    if (!mQuit)
+    const std::lock_guard lock(mMutex);
+    if (mPosted.empty())
         return false;
-    message = MakeMessage(nullptr, WM_QUIT, static_cast<WPARAM>(*mQuit), 0);
+    message = mPosted.front();
     if (remove)
-        mQuit.reset();
+        mPosted.pop_front();
     return true;
 }
 
@@ -94,18 +84,16 @@ bool MessageQueue::Next(MSG& message, bool remove, bool input)
     return input && mDisplay->InputHasEnded() && CancelTopDialog() && NextPosted(message, remove);
 }
 
-void MessageQueue::Wait(Clock::time_point deadline)
+void MessageQueue::Wait(Deadline deadline)
 {
-    using std::chrono::milliseconds;
     {
         const std::lock_guard lock(mMutex);
         if (!mPosted.empty())
             return;
         mWaiting = true;
     }
-    mDisplay->Wait(deadline == kNever
-                       ? Display::kForever
-                       : std::max(std::chrono::ceil<milliseconds>(deadline - Clock::now()), milliseconds(0)));
+    mDisplay->Wait(deadline == kNever ? Display::kForever
+                                      : std::chrono::milliseconds(MillisecondsUntil(deadline)));
     const std::lock_guard lock(mMutex);
     mWaiting = false;
 }

@@ -2,12 +2,12 @@
 // The messages of the windows' thread. Others post to it; that thread alone takes messages out and waits.
 #pragma once
 
+#include "base/Deadline.h"
+
 #include <windows.h>
 
-#include <chrono>
 #include <deque>
 #include <mutex>
-#include <optional>
 
 namespace platform
 {
@@ -17,17 +17,11 @@ class Display;
 class MessageQueue
 {
 public:
-    using Clock = std::chrono::steady_clock;
-    static constexpr Clock::time_point kNever = Clock::time_point::max();
-
     // Any thread.
     void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     // Drops what waits for a window that goes. The windows' thread only, like all below.
     void Drop(HWND window);
-
-    // WM_QUIT comes after all posted messages.
-    void PostQuit(int exitCode) { mQuit = exitCode; }
 
     // What a person did. It comes after all posted messages, whenever those were posted.
     void AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -37,7 +31,7 @@ public:
     bool Next(MSG& message, bool remove, bool input = true);
 
     // Returns once something may have come, not necessarily a message, or at the deadline.
-    void Wait(Clock::time_point deadline);
+    void Wait(Deadline deadline);
 
     // Waits happen in the display, which hears of input as well. Comes before all other calls.
     void WaitIn(Display& display) { mDisplay = &display; }
@@ -50,7 +44,6 @@ private:
     std::deque<MSG> mPosted; // with mMutex
     bool mWaiting = false;   // with mMutex
     Display* mDisplay = nullptr;
-    std::optional<int> mQuit;
     std::deque<MSG> mInput;
 };
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Tokens, SIDs, access lists and the access check. A token stands for the process's effective user: it
-// carries the Administrators group enabled when that user is root, and for deny only when the user is
-// merely a member of sudo, wheel or admin. Other users and groups appear as S-1-22-1-uid and S-1-22-2-gid.
+// carries the Administrators group when that user is root. A list has one entry, which allows.
 #pragma once
 
 #include "winnt.h"

@@ -180,9 +180,8 @@ extern "C"
 
     // --- Files ---
 
-    // The pattern's last part is a name or has the wildcards * and ?. A symbolic link carries its own times,
-    // the reparse attribute and IO_REPARSE_TAG_SYMLINK, and the directory attribute when it leads to one.
-    // ftCreationTime is the time of the last change of the file's data.
+    // The pattern's last part is "*". A symbolic link carries its own times, the reparse attribute and
+    // IO_REPARSE_TAG_SYMLINK, and the directory attribute when it leads to one.
     PLATFORM_EXPORT HANDLE FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW data);
     PLATFORM_EXPORT BOOL FindNextFileW(HANDLE find, LPWIN32_FIND_DATAW data);
     PLATFORM_EXPORT BOOL FindClose(HANDLE find);

@@ -67,7 +67,6 @@
 #define WM_GETTEXTLENGTH 0x000E
 #define WM_PAINT 0x000F
 #define WM_CLOSE 0x0010
-#define WM_QUIT 0x0012
 #define WM_ICONERASEBKGND 0x0027
 #define WM_QUERYDRAGICON 0x0037
 #define WM_SETICON 0x0080
@@ -163,14 +162,11 @@ extern "C"
     PLATFORM_EXPORT int MessageBoxTimeoutW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type,
                                            WORD language, DWORD milliseconds);
 
-    // Messages. Posted ones come first, in the order of posting, then WM_QUIT, then what the person did, then
-    // WM_PAINT.
-    // Any thread may post. PeekMessageW takes no filter: window, first and last are 0; but
-    // with both PM_QS_ values what a person does stays for a later call. It gives FALSE on
-    // any other thread than the windows'.
+    // Messages. Posted ones come first, in the order of posting, then what the person did, then WM_PAINT. Any
+    // thread may post. PeekMessageW takes no filter: window, first and last are 0; but with both PM_QS_
+    // values what a person does stays for a later call. It gives FALSE on any other thread than the windows'.
     PLATFORM_EXPORT LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     PLATFORM_EXPORT BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    PLATFORM_EXPORT void PostQuitMessage(int exitCode);
     PLATFORM_EXPORT BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT remove);
     PLATFORM_EXPORT BOOL TranslateMessage(const MSG* message);
     PLATFORM_EXPORT LRESULT DispatchMessageW(const MSG* message);

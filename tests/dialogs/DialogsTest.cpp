@@ -61,24 +61,6 @@ TEST(Queue, KeepsTheOrderAndDropsWhatTheDialogLeavesBehind)
     EXPECT_EQ(SendMessageW(gone, WM_NOTE, 7, 0), 0);
 }
 
-TEST(Queue, QuitComesBehindWhatWasPostedAndEndsTheLoop)
-{
-    bool isNoted = false;
-    ScriptedDialog script;
-    script.serve = [&](HWND, UINT message, WPARAM, LPARAM) { return message == WM_NOTE && (isNoted = true); };
-    script.body = [&](HWND dialog)
-    {
-        PostQuitMessage(5);
-        PostMessageW(dialog, WM_NOTE, 0, 0);
-    };
-    script.Run();
-    EXPECT_TRUE(isNoted);
-    MSG message;
-    ASSERT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) << "the outer loop has to hear of it, too";
-    EXPECT_EQ(message.message, static_cast<UINT>(WM_QUIT));
-    EXPECT_EQ(message.wParam, 5u);
-}
-
 TEST(Queue, LibrarysPumpServesTheKeysOfADialogWhoseLoopIsHeldUp)
 {
     std::vector<int> commands;
