@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <functional>
+#include <string>
 
 #include <curl/curl.h>
 
@@ -12,8 +13,17 @@
 // MSG_NOSIGNAL. For the calling thread alone.
 void CallWithoutBrokenPipes(const std::function<void()>& call);
 
+// The address at the other end, as numbers; left alone where the system cannot tell. False when the
+// connection has ended.
+bool PeerAddress(curl_socket_t socket, std::string& address);
+
 // Whether two connections lead to one address. True also when `left` has ended again: it will get nothing.
-bool SamePeer(curl_socket_t left, curl_socket_t right);
+inline bool SamePeer(curl_socket_t left, curl_socket_t right)
+{
+    std::string one;
+    std::string other;
+    return !PeerAddress(left, one) || (PeerAddress(right, other) && !one.empty() && one == other);
+}
 
 // Bytes that our own system has taken and the other side's has not acknowledged yet; 0 for no socket. On
 // Windows those alone that are on their way, without what waits to be sent, and 0 before Windows 10.

@@ -8,7 +8,6 @@
 #include <ws2tcpip.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace
 {
@@ -26,21 +25,17 @@ void CallWithoutBrokenPipes(const std::function<void()>& call)
     call();
 }
 
-bool SamePeer(curl_socket_t left, curl_socket_t right)
+bool PeerAddress(curl_socket_t socket, std::string& address)
 {
-    sockaddr_storage a{};
-    sockaddr_storage b{};
-    int aLength = sizeof a;
-    int bLength = sizeof b;
-    if (getpeername(left, reinterpret_cast<sockaddr*>(&a), &aLength) != 0)
-        return WSAGetLastError() == WSAENOTCONN;
-    if (getpeername(right, reinterpret_cast<sockaddr*>(&b), &bLength) != 0 || a.ss_family != b.ss_family)
-        return false;
-    if (a.ss_family == AF_INET)
-        return std::memcmp(&reinterpret_cast<sockaddr_in*>(&a)->sin_addr,
-                           &reinterpret_cast<sockaddr_in*>(&b)->sin_addr, sizeof(in_addr)) == 0;
-    return std::memcmp(&reinterpret_cast<sockaddr_in6*>(&a)->sin6_addr,
-                       &reinterpret_cast<sockaddr_in6*>(&b)->sin6_addr, sizeof(in6_addr)) == 0;
+    sockaddr_storage peer{};
+    socklen_t length = sizeof peer;
+    if (getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &length) != 0)
+        return WSAGetLastError() != WSAENOTCONN;
+    char text[NI_MAXHOST];
+    if (getnameinfo(reinterpret_cast<sockaddr*>(&peer), length, text, sizeof text, nullptr, 0,
+                    NI_NUMERICHOST) == 0)
+        address = text;
+    return true;
 }
 
 int UnacknowledgedBytes(curl_socket_t socket)
