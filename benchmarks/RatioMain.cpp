@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// main() of every benchmark program. Benchmarks are named "case/subject", our own subject "tavo". Behind the
-// usual table stands our median time divided by each peer's: below 1 ours is faster. The time is the
+// main() of every benchmark program. Benchmarks are named "case/subject", our own subject "tavo". After the
+// usual table comes our median time divided by each peer's: below 1 ours is faster. The time is the
 // processor's, unless a benchmark measures real time.
 #include <benchmark/benchmark.h>
 

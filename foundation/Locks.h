@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The product's lock and its scoped acquisition. The lock is re-entrant for its owner. A lock that is not
-// usable yet or no more is passed over: code that runs before a static lock is constructed or after it was
-// destroyed goes on without it.
+// usable yet, or no longer, is passed over: code that runs before a static lock is constructed or after it
+// was destroyed goes on without it.
 #pragma once
 
 #include "foundation/Oriska.h"

@@ -75,12 +75,12 @@ int SetText(Component& component, int property, std::string_view text)
         return kIPWorksOk;
     case kIPWorksRemoteHost:
         if (!IsHostName(text))
-            return Fail(component, kIPWorksBadValue, "The remote host is no host name.");
+            return Fail(component, kIPWorksBadValue, "The remote host is not a host name.");
         job.host = text;
         return kIPWorksOk;
     default:
         if (!IsBareFileName(text))
-            return Fail(component, kIPWorksBadValue, "The remote file is no bare file name.");
+            return Fail(component, kIPWorksBadValue, "The remote file is not a bare file name.");
         job.remoteFile = text;
         return kIPWorksOk;
     }

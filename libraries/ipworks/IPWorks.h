@@ -4,8 +4,8 @@
 // thread that makes it; a handle is used by one thread at a time, and every event arrives on the thread
 // that is inside IPWorks_FTP_Do.
 //
-// Event parameters: a number stands in params[i] itself, a 64-bit number behind it, a text or block is
-// pointed to by it (a block's length in lengths[i]). They are valid during the call only. Texts hold no
+// Event parameters: a number stands in params[i] itself; to a 64-bit number, a text or a block it points
+// (a block's length in lengths[i]). They are valid during the call only. Texts hold no
 // control characters, no line ends and never the password.
 #pragma once
 

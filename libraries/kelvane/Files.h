@@ -15,7 +15,7 @@ namespace kelvane
 {
 
 // The path as the system's calls take it. On Linux that is UTF-8, less the characters that stand for bytes
-// that are none (see GetCommandLineW of the layer).
+// that are not UTF-8 (see GetCommandLineW of the layer).
 std::filesystem::path NativePath(std::wstring_view path);
 
 // `directory` as a full path with a separator at its end; a relative one lies in the program folder.

@@ -17,7 +17,7 @@ constexpr std::chrono::milliseconds kMoment{100};
 
 // Replacing a file replaces a link to it, so a link in its place (an installed program folder has one) is
 // followed by hand, to a file that may not be there yet.
-std::filesystem::path BehindLinks(std::filesystem::path path)
+std::filesystem::path AtEndOfLinks(std::filesystem::path path)
 {
     constexpr int kMostLinks = 40; // as the kernel
     for (int links = 0; links < kMostLinks; ++links)
@@ -34,7 +34,7 @@ std::filesystem::path BehindLinks(std::filesystem::path path)
 const std::filesystem::path& StorePath()
 {
     static const auto& path = *new std::filesystem::path(
-        BehindLinks(NativePath(GetPathInAppFolder(L"Tavo.settings.json").AsView())));
+        AtEndOfLinks(NativePath(GetPathInAppFolder(L"Tavo.settings.json").AsView())));
     return path;
 }
 

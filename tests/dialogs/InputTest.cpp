@@ -48,7 +48,7 @@ std::vector<int> CommandsAfter(const std::function<void(HWND)>& body)
 
 } // namespace
 
-TEST(Input, ComesBehindAllPostedMessages)
+TEST(Input, ComesAfterAllPostedMessages)
 {
     EXPECT_THAT(CommandsAfter(
                     [](HWND dialog)

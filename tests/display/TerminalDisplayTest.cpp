@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The terminal display as a script has it: behind pipes. What the
-// dialogs do runs in a child process, whose streams the test holds.
+// The terminal display as a script has it: through pipes. What the dialogs do runs in a child process, whose
+// streams the test holds.
 #include "platform/dialogs/Display.h"
 #include "tests/support/ProgramFolder.h"
 #include "tests/dialogs/ScriptedDialog.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as the settings file: what is one takes a setting and gives it back, what is none is told apart,
-// and the text that was written is one that stays as it is.
+// Any bytes as the settings file: what is one takes a setting and gives it back, what is not one is told
+// apart, and the text that was written is one that stays as it is.
 #include "libraries/kelvane/SettingsText.h"
 #include "tests/fuzz/Require.h"
 

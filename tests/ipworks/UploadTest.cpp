@@ -119,7 +119,8 @@ TEST(Upload, FileThatIsMissingOrHasASecondNameFailsWithoutAConnection)
     EXPECT_THAT(recorder.Of("error"), testing::SizeIs(3));
 }
 
-// The size at the start counts: what a writer adds meanwhile is not sent, and what it takes away is no error.
+// The size at the start counts: what a writer adds meanwhile is not sent, and what it takes away is not an
+// error.
 TEST(Upload, FileThatChangesMeanwhileComesToAnEnd)
 {
     const std::string content = RandomBytes(800000);

@@ -65,7 +65,7 @@ TEST(Log, ATextIsOneLineWhateverItHolds)
         {"a\r\nb\tc", R"(a\r\nb\tc)", "line breaks and tabs"},
         {"\x1B[2J\x07\x7F", R"(\u001B[2J\u0007\u007F)", "what a terminal would obey"},
         {"\xC2\x85|\xC2\x9B|\xC2\xA0", "\\u0085|\\u009B|\xC2\xA0",
-         "control characters beyond ASCII, and the first that is none"},
+         "control characters beyond ASCII, and the first that is not one"},
         {"C:\\new", "C:\\new", "paths stay readable"},
         {"\xC3\xBC\xF0\x9F\x98\x80", "\xC3\xBC\xF0\x9F\x98\x80", "letters and astral characters"},
         {"", "", "nothing"},

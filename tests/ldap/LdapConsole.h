@@ -50,7 +50,7 @@ std::string RunLdapCalls(const LdapAnswers& answers);
 // The text of a test with what its attempts say.
 std::string Framed(const LdapAnswers& answers, const std::string& attempts);
 
-// One attempt each; `cause` is what stands behind the code's text where the client tells it.
+// One attempt each; `cause` is what follows the code's text where the client tells it.
 std::string NoSession(const TypedMethod& method);
 std::string NotConnected(const TypedMethod& method, const std::string& cause);
 std::string Refused(const TypedMethod& method, unsigned code, const std::string& cause = {});

@@ -119,11 +119,11 @@ TEST(LdapTest, TellsEachStepOnItsOwn)
         EXPECT_EQ(Tested(L"127.0.0.1", peer.Port(), eLDAPAuthSimplePlain),
                   Framed(L"127.0.0.1", test.attempt));
     }
-    EXPECT_EQ(
-        Tested(L"any", 65536, eLDAPAuthSimplePlain),
-        Framed(L"any", {L"ldap_init begin ... ", L"end\r\n",
-                        L"LDAP: Failed to initialize LDAP session.  Err=89, Parameter Error: the port is no "
-                        L"number from 1 to 65535\r\n"}));
+    EXPECT_EQ(Tested(L"any", 65536, eLDAPAuthSimplePlain),
+              Framed(L"any",
+                     {L"ldap_init begin ... ", L"end\r\n",
+                      L"LDAP: Failed to initialize LDAP session.  Err=89, Parameter Error: the port is not a "
+                      L"number from 1 to 65535\r\n"}));
 }
 
 TEST(LdapTest, TakesTheUsualPortsForPort0)

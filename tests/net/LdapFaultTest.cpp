@@ -165,7 +165,7 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
         {"closes after the request", Case::Bind, [](Connection& peer) { peer.ReadRequest(); }, 0x51,
          L"Server Down: the server closed the connection"},
         {"garbage", Case::Bind, Bytes("HTTP/1.1 400 Bad Request\r\n\r\n", 28), 0x54,
-         L"Decoding Error: the server's answer is no LDAP message"},
+         L"Decoding Error: the server's answer is not an LDAP message"},
         {"a referral", Case::Bind,
          BindResult(0x0a, "", BerElementOf(0xa3, BerText("ldap://127.0.0.1:1/dc=elsewhere"))), 0x0a,
          L"Referral: ldap://127.0.0.1:1/dc=elsewhere"},

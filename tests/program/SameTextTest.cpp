@@ -26,7 +26,7 @@ std::string OutputOf(const std::string& command)
 
 struct Difference
 {
-    const char* line; // the values behind this beginning are not compared
+    const char* line; // the values after this beginning are not compared
     const char* why;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The other process of a test. It does one step after the other, as its arguments say. The first argument
 // names the file for the answers, a line each; standard error goes to a file beside it. A step is
-// "verb:argument:argument", a "%XX" in it stands for a byte, so that any text can be handed over. Behind
+// "verb:argument:argument", a "%XX" in it stands for a byte, so that any text can be handed over. After
 // "arguments" there are no steps: they are answered as they came.
 #include "foundation/Kelvane.h"
 #include "foundation/Locks.h"

@@ -11,7 +11,7 @@
 HWND TopWindow();
 HWND FocusedControl();
 
-// False as well for a window that is no more.
+// False as well for a window that has gone.
 bool IsShown(HWND window);
 bool IsEnabled(HWND window);
 
