@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <tuple>
 
 namespace
 {
@@ -47,14 +48,7 @@ Survey SurveyOf(const std::vector<Adapter>& adapters)
 TEST(MacSurvey, TakesTheLowestAddressOfTheStrictestRuleThatFindsOne)
 {
     const Adapter loopback = {IF_TYPE_SOFTWARE_LOOPBACK, {}, 0};
-    struct Case
-    {
-        const char* why;
-        std::vector<Adapter> adapters;
-        std::wstring result;
-        std::wstring log;
-    };
-    const Case kCases[] = {
+    const std::tuple<const char*, std::vector<Adapter>, std::wstring, std::wstring> kCases[] = {
         {"one ordinary card",
          {Card({0x00, 0x11, 0x22, 0x33, 0x44, 0x55}), Card({0x4c, 0xcc, 0x6a, 0xab, 0xcd, 0xef})},
          L"4CCC6AABCDEF",
@@ -93,11 +87,11 @@ TEST(MacSurvey, TakesTheLowestAddressOfTheStrictestRuleThatFindsOne)
          L"",
          L"try:0-addrLen=0,try:1-addrLen=0,try:2-addrLen=0,macCount=0, ret="},
     };
-    for (const Case& test : kCases)
+    for (const auto& [why, adapters, result, log] : kCases)
     {
-        const Survey survey = SurveyOf(test.adapters);
-        EXPECT_EQ(survey.result, test.result) << test.why;
-        EXPECT_EQ(survey.log, test.log) << test.why;
+        const Survey survey = SurveyOf(adapters);
+        EXPECT_EQ(survey.result, result) << why;
+        EXPECT_EQ(survey.log, log) << why;
     }
 }
 

@@ -11,15 +11,20 @@ namespace
 
 class Minimised : public CTavoDlg
 {
-public:
-    std::vector<platform::DrawnIcon> mDrawn;
-
-protected:
     BOOL OnInitDialog() override
     {
+        CTavoDlg::OnInitDialog();
+        const HICON icon = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TAVO));
+        const platform::DialogState& state = *platform::TopDialog()->dialog;
+        EXPECT_EQ(state.bigIcon, icon);
+        EXPECT_EQ(state.smallIcon, icon);
+        EXPECT_EQ(SendMessageW(m_hWnd, WM_QUERYDRAGICON, 0, 0), reinterpret_cast<LRESULT>(icon));
         platform::UserMinimized(*platform::TopDialog(), true);
         SendMessageW(m_hWnd, WM_PAINT, 0, 0);
-        mDrawn = platform::TopDialog()->dialog->drawn;
+        EXPECT_EQ(state.drawn.size(), 1u);
+        EXPECT_EQ(state.drawn[0].icon, icon);
+        EXPECT_EQ(state.drawn[0].x, 413); // of 858 pixels, which the icon takes 32 of
+        EXPECT_EQ(state.drawn[0].y, 214); // of 460
         EndDialog(1);
         return TRUE;
     }
@@ -29,10 +34,5 @@ protected:
 
 TEST(Console, DrawsItsIconInTheMiddleWhileItIsMinimised)
 {
-    Minimised console;
-    console.DoModal();
-    ASSERT_EQ(console.mDrawn.size(), 1u);
-    EXPECT_EQ(console.mDrawn[0].icon, LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TAVO)));
-    EXPECT_EQ(console.mDrawn[0].x, 413); // of 858 pixels, which the icon takes 32 of
-    EXPECT_EQ(console.mDrawn[0].y, 214); // of 460
+    EXPECT_EQ(Minimised().DoModal(), 1);
 }

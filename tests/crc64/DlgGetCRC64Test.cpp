@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 
 namespace
 {
@@ -49,13 +50,7 @@ private:
 
 TEST(DlgGetCRC64, ShowsTheSumOfATextInBothForms)
 {
-    const struct
-    {
-        const wchar_t* text;
-        bool wide;
-        const wchar_t* decimal;
-        const wchar_t* hexadecimal;
-    } kCases[] = {
+    const std::tuple<const wchar_t*, bool, const wchar_t*, const wchar_t*> kCases[] = {
         {L"", true, L"0", L"00000000"}, // at least eight digits
         {L"", false, L"0", L"00000000"},
         {L"a", true, L"15519453578914781998", L"D7602CCDEF615B2E"},
@@ -67,17 +62,16 @@ TEST(DlgGetCRC64, ShowsTheSumOfATextInBothForms)
     OpenTool tool(
         [&](OpenTool& open)
         {
-            for (const auto& row : kCases)
+            for (const auto& [text, wide, decimal, hexadecimal] : kCases)
             {
-                open.Fill(IDC_INPUT, row.text);
-                open.TickWide(row.wide);
+                open.Fill(IDC_INPUT, text);
+                open.TickWide(wide);
                 for (int press = 0; press < 2; ++press)
                 {
                     open.Compute();
-                    EXPECT_EQ(open.Shown(IDC_CRC), row.decimal)
-                        << testing::PrintToString(row.text) << row.wide;
-                    EXPECT_EQ(open.Shown(IDC_CRC_HEX), row.hexadecimal);
-                    EXPECT_EQ(open.Shown(IDC_INPUT), row.text);
+                    EXPECT_EQ(open.Shown(IDC_CRC), decimal) << testing::PrintToString(text) << wide;
+                    EXPECT_EQ(open.Shown(IDC_CRC_HEX), hexadecimal);
+                    EXPECT_EQ(open.Shown(IDC_INPUT), text);
                 }
             }
         });

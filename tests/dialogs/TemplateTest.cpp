@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the layer reads out of a .res file of the resource compiler: strings and templates, cut at any byte.
+// What the layer reads out of a .res file of the resource compiler: templates of dialogs.
 #include "platform/resource/Resources.h"
 
 #include <gmock/gmock.h>
@@ -57,20 +57,4 @@ TEST(ResFile, HoldsTemplatesOfTheNewForm)
                 ElementsAre(L"New 0,0,200,120 Verdana 9 italic", L"2 4294967295 L 7,79,40,8",
                             L"1 1000  7,7,120,60", L"4 1001 x 7,7,50,14"));
     EXPECT_FALSE(ReadDialogTemplate(FindDialog(102))) << "of the old form";
-}
-
-TEST(ResFile, CutAnywhereLosesNoMoreThanItsEnd)
-{
-    const std::size_t all = ReadResFile(File()).size();
-    EXPECT_EQ(all, 6u) << "the empty one in front, two blocks of strings, two templates, the named one";
-    std::size_t before = 0;
-    for (std::size_t length = 0; length < File().size(); ++length)
-    {
-        const std::size_t count = ReadResFile(File().first(length)).size();
-        EXPECT_GE(count, before);
-        before = count;
-    }
-    const Bytes whole = FindDialog(101);
-    for (std::size_t length = 0; length + sizeof(DWORD) < whole.size(); ++length)
-        EXPECT_FALSE(ReadDialogTemplate(whole.first(length))) << "cut at " << length;
 }

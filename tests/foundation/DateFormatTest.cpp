@@ -39,11 +39,7 @@ TEST(DateFormat, ShowsTheLocalDateOrWhyItCannot)
 
 TEST(DateFormat, ShowsTheMailForm)
 {
-    const struct
-    {
-        DateValue value;
-        const wchar_t* expected;
-    } kCases[] = {
+    const std::pair<DateValue, const wchar_t*> kCases[] = {
         {DateValue{2.0, eDateValid}, L"Mon, 1 Jan 1900 00:00:00 "},
         {DateValue{-1.25, eDateValid}, L"Fri, 29 Dec 1899 06:00:00 "},
         {DateValue{36585.75, eDateValid}, L"Tue, 29 Feb 2000 18:00:00 "},
@@ -51,10 +47,10 @@ TEST(DateFormat, ShowsTheMailForm)
         {{}, L"???, -1 ??? -1 -1:-1:-1 "},
     };
     // The zone of the moment stands in the report's test.
-    for (const auto& row : kCases)
+    for (const auto& [value, expected] : kCases)
     {
-        const ZTString text = FormatRFC822Date(row.value);
-        EXPECT_EQ(text.Left(text.GetLength() - 5), row.expected);
+        const ZTString text = FormatRFC822Date(value);
+        EXPECT_EQ(text.Left(text.GetLength() - 5), expected);
     }
 }
 
@@ -71,4 +67,14 @@ TEST(DateFormat, ShowsTheTimestampOfADatabaseInUtc)
     EXPECT_EQ(FormatODBCDate(0), L"{ts '1970-01-01 00:00:00' }");
     EXPECT_EQ(FormatODBCDate(951868799), L"{ts '2000-02-29 23:59:59' }");
     EXPECT_EQ(FormatODBCDate(std::numeric_limits<time_t>::max()), L"");
+    constexpr std::pair<std::int64_t, const wchar_t*> kBeyond[] = {
+        {-6847804801, L"{ts '1753-01-01 23:59:59' }"}, // 1752
+        {-6847804800, L"{ts '1753-01-01 00:00:00' }"},
+        {253402300799, L"{ts '9999-12-31 23:59:59' }"},
+        {253402300801, L"{ts '9999-12-31 00:00:01' }"}, // 10000
+    };
+    for (const auto& [time, shown] : kBeyond)
+        if (const __time64_t known = time;
+            _gmtime64(&known) != nullptr) // not by the Windows run-time library
+            EXPECT_EQ(FormatODBCDate(time), shown);
 }

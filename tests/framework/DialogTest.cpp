@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using testing::ElementsAre;
 
 namespace
@@ -129,23 +131,17 @@ TEST(ModalDialog, EndedWhileItOpensServesNothingMore)
 
 TEST(ModalDialog, TakesEnterAndEscapeWithoutButtonsForThem)
 {
-    struct Case
-    {
-        int focus;
-        WORD key;
-        int result;
-    };
-    const Case cases[] = {
+    const std::tuple<int, WORD, int> cases[] = {
         {IDC_LINE, VK_RETURN, IDOK},    {IDC_LINE, VK_ESCAPE, IDCANCEL},
         {IDC_LOG, VK_ESCAPE, IDCANCEL}, // the many-lined box takes all keys and closes the dialog itself
         {IDC_END, VK_RETURN, IDC_END},  // Enter presses the button with the focus
         {IDC_END, VK_ESCAPE, IDCANCEL},
     };
-    for (const Case& row : cases)
+    for (const auto& [focus, key, result] : cases)
     {
         TestDialog dialog;
-        EXPECT_EQ(dialog.Run({[&] { PressKey(dialog.m_hWnd, row.focus, row.key); }}), row.result)
-            << "key " << row.key << " on " << row.focus;
+        EXPECT_EQ(dialog.Run({[&] { PressKey(dialog.m_hWnd, focus, key); }}), result)
+            << "key " << key << " on " << focus;
     }
 }
 

@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
-// The program's resources, read back from what the resource compiler made: the texts, the icon's sizes and
-// the version. The same compiler links the same bytes into the Windows program.
+// The program's resources, read back from what the resource compiler made: the texts and the version. The
+// same compiler links the same bytes into the Windows program.
 #include "platform/resource/Resources.h"
 #include "resources/resource.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
 
 using namespace platform;
-using testing::ElementsAre;
 
 // The .res file that tavo_resources embeds.
 extern "C" const BYTE tavo_resources_begin[];
@@ -19,10 +17,7 @@ extern "C" const BYTE tavo_resources_end[];
 namespace
 {
 
-// Resource types, for which the resource compiler and the headers have names of different forms.
-constexpr UINT kIcon = 3;
-constexpr UINT kIconGroup = 14;
-constexpr UINT kVersion = 16;
+constexpr UINT kVersion = 16; // for which compiler and headers have names of different forms
 
 Bytes FindBytes(UINT type, UINT id)
 {
@@ -47,18 +42,6 @@ TEST(Resources, Texts)
     EXPECT_EQ(LoadText(IDS_ADMINISTRATOR_TEXT, 5), L"This");
     EXPECT_EQ(LoadText(132), L"") << "the next one of the block";
     EXPECT_EQ(LoadText(4711), L"");
-}
-
-TEST(Resources, IconHasAnImageOfEachSize)
-{
-    std::vector<int> sizes;
-    for (const IconEntry& entry : ReadIconGroup(FindBytes(kIconGroup, IDI_TAVO)))
-    {
-        sizes.push_back(entry.width);
-        EXPECT_EQ(entry.bitsPerPixel, 32);
-        EXPECT_FALSE(FindBytes(kIcon, entry.id).empty());
-    }
-    EXPECT_THAT(sizes, ElementsAre(16, 24, 32, 48, 64, 128, 256));
 }
 
 TEST(Resources, VersionIsTheTrees)

@@ -41,12 +41,6 @@ void TestDialog::OnOK()
     CDialog::OnOK();
 }
 
-void TestDialog::OnCancel()
-{
-    mTrace.emplace_back("OnCancel");
-    CDialog::OnCancel();
-}
-
 void TestDialog::DoDataExchange(CDataExchange* pDX)
 {
     mTrace.emplace_back(pDX->m_bSaveAndValidate ? "save" : "fill");
@@ -56,20 +50,6 @@ void TestDialog::OnPaint()
 {
     ++mPaints;
     CDialog::OnPaint();
-}
-
-void TestDialog::OnEnd()
-{
-    mTrace.emplace_back("OnEnd");
-    EndDialog(IDC_END);
-}
-
-void TestDialog::OnWork()
-{
-    mTrace.emplace_back("work begins");
-    if (mWork)
-        mWork();
-    mTrace.emplace_back("work ends");
 }
 
 LRESULT TestDialog::OnStep(WPARAM, LPARAM)

@@ -33,20 +33,18 @@ public:
     void Click(int id);
 
     std::vector<std::string> mTrace; // what was called, in order
-    Step mWork;                      // what the button "Work" does
     Step mOnOpen;                    // ends the dialog while it opens
     int mPaints = 0;
 
 protected:
     BOOL OnInitDialog() override;
     void OnOK() override;
-    void OnCancel() override;
     void DoDataExchange(CDataExchange* pDX) override;
 
     afx_msg void OnPaint();
     afx_msg HCURSOR OnQueryDragIcon() { return reinterpret_cast<HCURSOR>(this); }
-    afx_msg void OnEnd();
-    afx_msg void OnWork();
+    afx_msg void OnEnd() { EndDialog(IDC_END); }
+    afx_msg void OnWork() { mTrace.emplace_back("work"); }
     afx_msg LRESULT OnStep(WPARAM wParam, LPARAM lParam);
     afx_msg LRESULT OnAdd(WPARAM wParam, LPARAM lParam) { return static_cast<LRESULT>(wParam) + lParam; }
     DECLARE_MESSAGE_MAP()

@@ -20,17 +20,9 @@ std::string Repeated(const std::string& part, std::size_t times)
     return text;
 }
 
-struct NameRow
-{
-    std::string name;
-    std::string expected;
-    const char* replacement;
-    const char* why;
-};
-
 TEST(FileNames, HoldOnlyWhatBothSystemsAllow)
 {
-    const NameRow rows[] = {
+    const std::tuple<std::string, std::string, const char*, const char*> rows[] = {
         {"Logs-2023-9-5", "Logs-2023-9-5", "_", "nothing to do"},
         {"a<b>c:d\"e/f\\g|h?i*j", "a_b_c_d_e_f_g_h_i_j", "_", "each forbidden character"},
         {"a\x01\n\x1F\x7F"
@@ -61,11 +53,11 @@ TEST(FileNames, HoldOnlyWhatBothSystemsAllow)
          "nor half of an astral one"},
         {std::string(250, 'x') + " y", std::string(250, 'x'), "_", "the cut leaves no blank at the end"},
     };
-    for (const NameRow& row : rows)
+    for (const auto& [text, expected, replacement, why] : rows)
     {
-        ZTString name(row.name.c_str());
-        RemoveIllegalFileSystemCharacters(name, ZTString(row.replacement));
-        EXPECT_EQ(Utf8(name), row.expected) << row.why;
+        ZTString name(text.c_str());
+        RemoveIllegalFileSystemCharacters(name, ZTString(replacement));
+        EXPECT_EQ(Utf8(name), expected) << why;
     }
     ZTString lone(std::wstring{L'a', wchar_t{0xD83D}, wchar_t{0xDC00}, wchar_t{0xDC00}, L'b'}.c_str());
     RemoveIllegalFileSystemCharacters(lone, L"_");
@@ -74,20 +66,15 @@ TEST(FileNames, HoldOnlyWhatBothSystemsAllow)
 
 TEST(Numbers, AreReadAsAWhole)
 {
-    struct Row
-    {
-        const wchar_t* text;
-        unsigned long number;
-    };
-    const Row rows[] = {{L"42", 42},
-                        {L" \t7 ", 7},
-                        {L"007", 7},
-                        {L"0", 0},
-                        {L"0x1F", 31},
-                        {L"0XfF", 255},
-                        {L"4294967295", 0xFFFFFFFF}};
-    for (const Row& row : rows)
-        EXPECT_EQ(wtodw(row.text), row.number) << Utf8(row.text);
+    const std::pair<const wchar_t*, unsigned long> rows[] = {{L"42", 42},
+                                                             {L" \t7 ", 7},
+                                                             {L"007", 7},
+                                                             {L"0", 0},
+                                                             {L"0x1F", 31},
+                                                             {L"0XfF", 255},
+                                                             {L"4294967295", 0xFFFFFFFF}};
+    for (const auto& [text, number] : rows)
+        EXPECT_EQ(wtodw(text), number) << Utf8(text);
     for (const wchar_t* none : {L"", L" ", L"0x", L"0xg", L"12ab", L"1 2", L"x10", L"-1", L"+1", L"seven",
                                 L"\u0661", L"4294967296", L"99999999999999999999999999", L"0x100000000"})
         EXPECT_EQ(wtodw(none), 0xFFFFFFFF) << Utf8(none);
@@ -96,23 +83,17 @@ TEST(Numbers, AreReadAsAWhole)
 
 TEST(FileTimes, BecomeSecondsRoundedDown)
 {
-    struct Row
-    {
-        std::uint64_t ticks;
-        std::int64_t seconds;
-    };
-    const Row rows[] = {{116'444'736'000'000'000, 0},
-                        {116'444'736'009'999'999, 0},
-                        {116'444'736'010'000'000, 1},
-                        {116'444'735'999'999'999, -1},
-                        {116'444'735'990'000'000, -1},
-                        {0, -11'644'473'600},
-                        {133'452'576'000'000'000, 1'700'784'000},
-                        {133'452'575'999'999'999, 1'700'783'999}};
-    for (const Row& row : rows)
-        EXPECT_EQ(FILETIMEToTimeT({static_cast<DWORD>(row.ticks), static_cast<DWORD>(row.ticks >> 32)}),
-                  row.seconds)
-            << row.ticks;
+    const std::pair<std::uint64_t, std::int64_t> rows[] = {{116'444'736'000'000'000, 0},
+                                                           {116'444'736'009'999'999, 0},
+                                                           {116'444'736'010'000'000, 1},
+                                                           {116'444'735'999'999'999, -1},
+                                                           {116'444'735'990'000'000, -1},
+                                                           {0, -11'644'473'600},
+                                                           {133'452'576'000'000'000, 1'700'784'000},
+                                                           {133'452'575'999'999'999, 1'700'783'999}};
+    for (const auto& [ticks, seconds] : rows)
+        EXPECT_EQ(FILETIMEToTimeT({static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)}), seconds)
+            << ticks;
 }
 
 TEST(Texts, BecomeUtf8WithAMarkForWhatIsNoCharacter)

@@ -7,23 +7,14 @@
 
 #include <map>
 #include <regex>
-#include <sstream>
 #include <thread>
+#include <tuple>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace
 {
-
-std::vector<std::string> Lines(const std::string& text)
-{
-    std::vector<std::string> lines;
-    std::stringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
-}
 
 // The line less its time, process and thread.
 std::string Rest(const std::string& line)
@@ -55,13 +46,7 @@ TEST(Log, ALineTellsTimeZoneProcessThreadSeverityAndText)
 
 TEST(Log, ATextIsOneLineWhateverItHolds)
 {
-    struct Row
-    {
-        const char* text;
-        const char* logged;
-        const char* why;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"a\r\nb\tc", R"(a\r\nb\tc)", "line breaks and tabs"},
         {"\x1B[2J\x07\x7F", R"(\u001B[2J\u0007\u007F)", "what a terminal would obey"},
         {"\xC2\x85|\xC2\x9B|\xC2\xA0", "\\u0085|\\u009B|\xC2\xA0",
@@ -70,11 +55,11 @@ TEST(Log, ATextIsOneLineWhateverItHolds)
         {"\xC3\xBC\xF0\x9F\x98\x80", "\xC3\xBC\xF0\x9F\x98\x80", "letters and astral characters"},
         {"", "", "nothing"},
     };
-    for (const Row& row : rows)
+    for (const auto& [text, logged, why] : rows)
     {
         const AgentFolder folder;
-        folder.Run({"log:2:" + Encoded(row.text)});
-        EXPECT_THAT(Texts(folder), ElementsAre(std::string("progress: ") + row.logged)) << row.why;
+        folder.Run({"log:2:" + Encoded(text)});
+        EXPECT_THAT(Texts(folder), ElementsAre(std::string("progress: ") + logged)) << why;
     }
 }
 

@@ -45,6 +45,13 @@ TEST(Settings, AreFoundByTheirWholeNameInAnyCase)
         EXPECT_EQ(GetConfigID(name, true), eConfigNone) << StrConverter(name);
     EXPECT_EQ(GetConfigID(nullptr, true), eConfigNone);
     EXPECT_EQ(GetConfigType(eConfigNone), eParamUnknown);
+    // A library that is put into another's place knows them by these numbers.
+    for (int index = 0; index < 6; ++index)
+    {
+        const eConfigID id = GetConfigID(ZTString(kSettings[index].name), true);
+        EXPECT_EQ(id, 337 + index);
+        EXPECT_EQ(GetConfigType(id), index < 2 ? 2 : 13);
+    }
 }
 
 TEST(Settings, HoldWhatWasStoredInThisProcessAndTheNext)

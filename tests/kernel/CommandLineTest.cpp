@@ -9,12 +9,7 @@ using namespace platform;
 
 TEST(CommandLine, IsQuotedAsAWindowsUserWouldHaveTypedIt)
 {
-    struct Row
-    {
-        std::vector<std::wstring> arguments;
-        const wchar_t* line;
-    };
-    const Row rows[] = {
+    const std::pair<std::vector<std::wstring>, const wchar_t*> rows[] = {
         {{L"/opt/Tavo"}, L"/opt/Tavo"},
         {{L"/opt/my folder/Tavo", L"-a"}, L"\"/opt/my folder/Tavo\" -a"},
         {{L"T", L"-FTP_LOG=my name"}, L"T -FTP_LOG=\"my name\""},
@@ -32,8 +27,8 @@ TEST(CommandLine, IsQuotedAsAWindowsUserWouldHaveTypedIt)
         {{L"T", L"-a=x\ty"}, L"T -a=x\ty"}, // a tab ends no value
         {{}, L""},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(JoinCommandLine(row.arguments), row.line);
+    for (const auto& [arguments, line] : rows)
+        EXPECT_EQ(JoinCommandLine(arguments), line);
 }
 
 // As early as any static object of the program.

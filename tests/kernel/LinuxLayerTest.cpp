@@ -92,14 +92,6 @@ TEST(NamedEventOfUsers, NobodyElseCanTakeItAwayOrMakeItFail)
     EXPECT_EQ(status, 0) << "neither an event nor the right error";
 }
 
-TEST(ProcessOnLinux, SignalsDeathIsAFailure)
-{
-    const AgentFolder folder;
-    const ChildProcess process = folder.Start({"await:never:none"});
-    process.Kill();
-    EXPECT_EQ(process.ExitCode(), 128U + SIGKILL);
-}
-
 TEST(ProcessOnLinux, LeavesNoZombieWhenNobodyWaits)
 {
     const AgentFolder folder;

@@ -59,17 +59,3 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
     }
     _tzset();
 }
-
-TEST(TimeZone, HalfTheWorldHasDaylightTimeNow)
-{
-    const auto state = [](const char* name)
-    {
-        const Variable zone("TZ", name);
-        TIME_ZONE_INFORMATION information = {};
-        return GetTimeZoneInformation(&information);
-    };
-    // These two never have the same at once, whatever the date.
-    EXPECT_EQ(state("ABC-1DEF,J60,J240") + state("ABC-1DEF,J240,J60"),
-              DWORD{TIME_ZONE_ID_STANDARD + TIME_ZONE_ID_DAYLIGHT});
-    _tzset();
-}

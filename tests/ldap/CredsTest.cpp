@@ -52,17 +52,18 @@ TEST(LdapCreds, GiveTheirCallerWhatTheDialogHoldsUnlessItIsCancelled)
         INT_PTR result;
         DWORD method;
         DWORD portNumber;
+        const wchar_t* selected;
     };
     constexpr Case kCases[] = {
-        {0, nullptr, IDC_SERVER, VK_RETURN, IDOK, 0, 389}, // as it opens
-        {1, L"0", IDC_PASSWORD, VK_RETURN, IDOK, 1, 0},
-        {2, L"636", IDC_AUTH_METHOD, VK_RETURN, IDOK, 6, 636},
-        {3, L"4294967295", IDOK, VK_RETURN, IDOK, 3, 4294967295},
-        {4, L" 7 ", IDC_PORT, VK_RETURN, IDOK, 4, 7},
-        {5, L"389", IDC_USER, VK_RETURN, IDOK, 5, 389},
-        {6, L"389", IDC_DOMAIN, VK_RETURN, IDOK, 7, 389},
-        {6, L"636", IDC_PORT, VK_ESCAPE, IDCANCEL, 0, 389},
-        {6, L"no number", IDCANCEL, VK_RETURN, IDCANCEL, 0, 389},
+        {0, nullptr, IDC_SERVER, VK_RETURN, IDOK, 0, 389, L"Try all"}, // as it opens
+        {1, L"0", IDC_PASSWORD, VK_RETURN, IDOK, 1, 0, L"Simple bind - SSL"},
+        {2, L"636", IDC_AUTH_METHOD, VK_RETURN, IDOK, 6, 636, L"Simple bind - plain text"},
+        {3, L"4294967295", IDOK, VK_RETURN, IDOK, 3, 4294967295, L"NTLM"},
+        {4, L" 7 ", IDC_PORT, VK_RETURN, IDOK, 4, 7, L"Digest"},
+        {5, L"389", IDC_USER, VK_RETURN, IDOK, 5, 389, L"DPA"},
+        {6, L"389", IDC_DOMAIN, VK_RETURN, IDOK, 7, 389, L"Negotiate"},
+        {6, L"636", IDC_PORT, VK_ESCAPE, IDCANCEL, 0, 389, L"Negotiate"},
+        {6, L"no number", IDCANCEL, VK_RETURN, IDCANCEL, 0, 389, L"Negotiate"},
     };
     const std::pair<int, ZTString LDAPCreds::*> kTexts[] = {{IDC_SERVER, &LDAPCreds::mServer},
                                                             {IDC_DOMAIN, &LDAPCreds::mDomain},
@@ -88,6 +89,7 @@ TEST(LdapCreds, GiveTheirCallerWhatTheDialogHoldsUnlessItIsCancelled)
                 SetWindowTextW(creds.Control(IDC_PORT), test.port);
             SendMessageW(creds.Control(IDC_AUTH_METHOD), CB_SETCURSEL, static_cast<WPARAM>(test.selection),
                          0);
+            EXPECT_EQ(creds.Text(IDC_AUTH_METHOD), test.selected);
             PressKey(creds.m_hWnd, test.focus, test.key);
         };
         EXPECT_EQ(creds.DoModal(), test.result);

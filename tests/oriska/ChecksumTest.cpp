@@ -42,11 +42,7 @@ TEST(Checksum, AgreesWithTheChecksThatXzFilesCarry)
     std::string allBytes;
     for (int byte = 0; byte < 256; ++byte)
         allBytes += static_cast<char>(byte);
-    const struct
-    {
-        std::string data;
-        std::uint64_t expected;
-    } kCases[] = {
+    const std::pair<std::string, std::uint64_t> kCases[] = {
         {"", 0},
         {"a", 0x330284772E652B05},
         {"123456789", 0x995DC9BBDF1939FA},
@@ -55,7 +51,7 @@ TEST(Checksum, AgreesWithTheChecksThatXzFilesCarry)
         {allBytes, 0x72414B2F65DB3AB0},
         {std::string(1000, '\0'), 0x372AE22BEC8A254F},
     };
-    for (const auto& row : kCases)
-        EXPECT_EQ(CRC64(row.data.data(), row.data.size()), row.expected) << row.data.size() << " bytes";
+    for (const auto& [data, expected] : kCases)
+        EXPECT_EQ(CRC64(data.data(), data.size()), expected) << data.size() << " bytes";
     EXPECT_EQ(CRC64(nullptr, 0), 0u);
 }

@@ -7,6 +7,7 @@
 #include <limits>
 #include <string>
 #include <type_traits>
+#include <tuple>
 
 namespace
 {
@@ -154,22 +155,15 @@ TEST(Format, AgreesWithPrintfOnEveryCombinationOfFlagsAndSizes)
 
 TEST(PlaceholderValue, FormatsIntoABufferOrTellsThatItCannot)
 {
-    const struct
-    {
-        PlaceholderValue value;
-        const wchar_t* spec;
-        int capacity;
-        int expected;
-    } kCases[] = {
+    const std::tuple<PlaceholderValue, const wchar_t*, int, int> kCases[] = {
         {12345, L"%d", 5, 5},  {12345, L"%d", 4, -1}, {12345, nullptr, 5, 5},
         {12345, L"%s", 5, -1}, {12345, L"d", 5, -1},  {12345, L"%", 5, 5},
         {L"", L"%s", 0, 0},    {"a", L"%3S", 5, 3},   {L"abc", L"%.2s", 5, 2},
     };
-    for (const auto& row : kCases)
+    for (const auto& [value, spec, capacity, expected] : kCases)
     {
         wchar_t out[6] = L"*****";
-        EXPECT_EQ(row.value.Format(out, row.capacity, row.spec), row.expected);
-        EXPECT_EQ(out[std::max(row.expected, 0)], row.expected == 5 ? L'\0' : L'*')
-            << "wrote past its result";
+        EXPECT_EQ(value.Format(out, capacity, spec), expected);
+        EXPECT_EQ(out[std::max(expected, 0)], expected == 5 ? L'\0' : L'*') << "wrote past its result";
     }
 }

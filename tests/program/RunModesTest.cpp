@@ -11,6 +11,7 @@
 #include <windows.h>
 
 #include <chrono>
+#include <csignal>
 #include <future>
 #include <regex>
 #include <thread>
@@ -45,12 +46,20 @@ std::string ShownIn(const ProgramOutcome& outcome)
     return std::regex_replace(outcome.console, std::regex("Press: [^\n]*\n"), "");
 }
 
+std::string CommandLineOf(const std::vector<std::string>& arguments)
+{
+    std::string line = "Tavo";
+    for (const std::string& argument : arguments)
+        line += argument.find(' ') == std::string::npos ? " " + argument : " \"" + argument + '"';
+    return line;
+}
+
 // What a run logs: its first lines, those of its mode, and the last one.
-std::string Logged(const std::string& user, const std::string& commandLine, const std::string& lines,
-                   const std::string& end)
+std::string Logged(const std::string& user, const std::vector<std::string>& arguments,
+                   const std::string& lines, const std::string& end)
 {
     return "progress: ZT " TAVO_VERSION " Tavo STARTING.  User = '" + user +
-           "'\nprogress: Module loaded: Tavo\nprogress: CmdLine: " + commandLine + "\n" + lines +
+           "'\nprogress: Module loaded: Tavo\nprogress: CmdLine: " + CommandLineOf(arguments) + "\n" + lines +
            "progress: Shutdown of application " + end + "\n";
 }
 
@@ -79,75 +88,43 @@ void OpenLog(const ProgramFolder& folder)
 const std::string kFailureBox = "Failed to Set Value\nFailed to Set Value ";
 const std::string kFailureHint = ".   Perhaps Tavo.exe needs to be run as an administrator?\n";
 
+const std::string kNotALevel = "failure: LogLevel is not changed: it takes a number from 0 to 2\n";
+
 struct SetConfigRow
 {
-    std::vector<std::string> arguments;
-    const char* commandLine;
-    const char* logged;
-    const char* refused; // the setting that a box tells of; null: no box
-    const char* why;
+    std::vector<std::string> value; // of the switch, or none
+    std::string logged;
+    const char* refused = nullptr; // the setting that a box tells of; null: no box
 };
 
 const SetConfigRow kSetConfig[] = {
-    {{"-SETCONFIG", "CustomerServiceText:Call us: now"},
-     R"(-SETCONFIG "CustomerServiceText:Call us: now")",
-     "progress: Setting CustomerServiceText = 'Call us: now'\n",
-     nullptr,
-     "only the first colon splits, and the blank survives the quotes"},
-    {{"/setconfig", "customerservicetext:"},
-     "/setconfig customerservicetext:",
-     "progress: Setting customerservicetext = ''\n",
-     nullptr,
-     "an empty value, any case"},
-    {{"-SETCONFIG", "LogFileCount:7"},
-     "-SETCONFIG LogFileCount:7",
-     "progress: Setting LogFileCount = 7\n",
-     nullptr,
-     "a number"},
-    {{"-SETCONFIG", "LogFileCount:0x10"},
-     "-SETCONFIG LogFileCount:0x10",
-     "progress: Setting LogFileCount = 16\n",
-     nullptr,
-     "a hexadecimal number"},
-    {{"-SETCONFIG", "LogLevel:0"},
-     "-SETCONFIG LogLevel:0",
-     "progress: Setting LogLevel = 0\n",
-     nullptr,
-     "no later run logs anything, but this one tells of it"},
-    {{"-SETCONFIG", "LogLevel:on"},
-     "-SETCONFIG LogLevel:on",
-     "failure: LogLevel is not changed: it takes a number from 0 to 2\n"
-     "failure: Failed to set LogLevel = 4294967295\n",
-     "LogLevel",
-     "not a number"},
-    {{"-SETCONFIG", "LogLevel:3"},
-     "-SETCONFIG LogLevel:3",
-     "failure: LogLevel is not changed: it takes a number from 0 to 2\nfailure: Failed to set LogLevel = 3\n",
-     "LogLevel",
-     "beyond the highest"},
-    {{"-SETCONFIG", "NoSuchSetting:1"},
-     "-SETCONFIG NoSuchSetting:1",
-     "failure: Got unknown setting: NoSuchSetting\n",
-     nullptr,
-     "unknown"},
-    {{"-SETCONFIG", ":5"}, "-SETCONFIG :5", "failure: Got unknown setting: \n", nullptr, "an empty name"},
-    {{"-SETCONFIG", "LogFileCount"}, "-SETCONFIG LogFileCount", "", nullptr, "no colon"},
-    {{"-SETCONFIG"}, "-SETCONFIG", "", nullptr, "no value"},
+    // Only the first colon splits, and the blank survives the quotes.
+    {{"CustomerServiceText:Call us: now"}, "progress: Setting CustomerServiceText = 'Call us: now'\n"},
+    {{"customerservicetext:"}, "progress: Setting customerservicetext = ''\n"},
+    {{"LogFileCount:7"}, "progress: Setting LogFileCount = 7\n"},
+    {{"LogFileCount:0x10"}, "progress: Setting LogFileCount = 16\n"},
+    {{"LogLevel:0"}, "progress: Setting LogLevel = 0\n"}, // no later run logs anything
+    {{"LogLevel:on"}, kNotALevel + "failure: Failed to set LogLevel = 4294967295\n", "LogLevel"},
+    {{"LogLevel:3"}, kNotALevel + "failure: Failed to set LogLevel = 3\n", "LogLevel"},
+    {{"NoSuchSetting:1"}, "failure: Got unknown setting: NoSuchSetting\n"},
+    {{":5"}, "failure: Got unknown setting: \n"},
+    {{"LogFileCount"}, ""}, // no colon
+    {{}, ""},
 };
 
 TEST(SetConfig, ChangesOneSettingAndSaysSoInTheLog)
 {
     for (const SetConfigRow& row : kSetConfig)
     {
+        std::vector<std::string> arguments = row.value;
+        arguments.insert(arguments.begin(), "-SETCONFIG");
+        SCOPED_TRACE(CommandLineOf(arguments));
         const ProgramFolder folder;
-        const ProgramOutcome outcome = folder.Run({row.arguments, {}, {}});
-        EXPECT_TRUE(outcome.ended) << row.why;
-        EXPECT_EQ(outcome.exitCode, 0) << row.why;
-        EXPECT_EQ(ShownIn(outcome), row.refused != nullptr ? kFailureBox + row.refused + kFailureHint : "")
-            << row.why;
-        EXPECT_EQ(LogOf(folder), Logged(ThisUser(), std::string("Tavo ") + row.commandLine, row.logged,
-                                        "4: finished SETCONFIG"))
-            << row.why;
+        const ProgramOutcome outcome = folder.Run({arguments, {}, {}});
+        EXPECT_TRUE(outcome.ended);
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_EQ(ShownIn(outcome), row.refused != nullptr ? kFailureBox + row.refused + kFailureHint : "");
+        EXPECT_EQ(LogOf(folder), Logged(ThisUser(), arguments, row.logged, "4: finished SETCONFIG"));
     }
 }
 
@@ -158,12 +135,12 @@ TEST(SetConfig, AUserWhoMayNotWriteIsTold)
     const ProgramFolder folder;
     OpenLog(folder);
     // The switch with a value passes the gate, so the refusal is the store's.
-    const ProgramOutcome outcome =
-        folder.Run(AsNobody({"-FTP_LOG", "x", "-SETCONFIG", "CustomerServiceText:Zq17"}));
+    const std::vector<std::string> arguments = {"-FTP_LOG", "x", "-SETCONFIG", "CustomerServiceText:Zq17"};
+    const ProgramOutcome outcome = folder.Run(AsNobody(arguments));
     EXPECT_TRUE(outcome.ended);
     EXPECT_EQ(ShownIn(outcome), kFailureBox + "CustomerServiceText" + kFailureHint);
     EXPECT_EQ(LogOf(folder),
-              Logged("nobody", "Tavo -FTP_LOG x -SETCONFIG CustomerServiceText:Zq17",
+              Logged("nobody", arguments,
                      "failure: CustomerServiceText is not changed: Tavo.settings.lock cannot be had: another "
                      "process holds it, or this user may not make it\n"
                      "failure: Failed to set CustomerServiceText = 'Zq17'\n",
@@ -177,11 +154,8 @@ TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
         GTEST_SKIP() << "the user of this prefix is an administrator";
     const std::string warning =
         "Administrator Warning\nThis application can only be run by an administrator of this computer.\n";
-    const std::pair<std::vector<std::string>, const char*> rows[] = {
-        {{}, "Tavo"},
-        {{"-FTP_LOG"}, "Tavo -FTP_LOG"},
-        {{"-SETCONFIG", "LogFileCount:3"}, "Tavo -SETCONFIG LogFileCount:3"}};
-    for (const auto& [arguments, commandLine] : rows)
+    const std::vector<std::string> rows[] = {{}, {"-FTP_LOG"}, {"-SETCONFIG", "LogFileCount:3"}};
+    for (const std::vector<std::string>& arguments : rows)
     {
         const ProgramFolder folder;
         OpenLog(folder);
@@ -189,7 +163,7 @@ TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
         EXPECT_TRUE(outcome.ended);
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_EQ(ShownIn(outcome), warning);
-        EXPECT_EQ(LogOf(folder), Logged("nobody", commandLine, "", "2: console not admin"));
+        EXPECT_EQ(LogOf(folder), Logged("nobody", arguments, "", "2: console not admin"));
     }
     const ProgramFolder closed;
     EXPECT_EQ(closed.Run(AsNobody({})).errors,
@@ -199,7 +173,6 @@ TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
 struct DumpRow
 {
     std::vector<std::string> arguments;
-    const char* commandLine;
     std::vector<std::string> input;
     bool triggered;
     std::string shown;
@@ -214,20 +187,12 @@ const std::string kSuccess =
     "Success\nTriggered debug dump.  The .dmp file should be in the log directory in just a moment.\n";
 
 const DumpRow kDumps[] = {
-    {{"-FORCE_DEBUG_DUMP_SILENT"}, "-FORCE_DEBUG_DUMP_SILENT", {}, true, ""},
-    {{"-FORCE_DEBUG_DUMP", "-FORCE_DEBUG_DUMP_SILENT"},
-     "-FORCE_DEBUG_DUMP -FORCE_DEBUG_DUMP_SILENT",
-     {},
-     true,
-     ""},
-    {{"-FORCE_DEBUG_DUMP"}, "-FORCE_DEBUG_DUMP", {"Yes"}, true, kConfirm + kSuccess},
-    {{"-FORCE_DEBUG_DUMP", "-SETCONFIG", "LogFileCount:3"},
-     "-FORCE_DEBUG_DUMP -SETCONFIG LogFileCount:3",
-     {"No"},
-     false,
-     kConfirm},
-    {{"/force_debug_dump"}, "/force_debug_dump", {}, false, kConfirm},
-    {{"-FORCE_DEBUG_DUMP"}, "-FORCE_DEBUG_DUMP", {"No"}, false, kConfirm, true},
+    {{"-FORCE_DEBUG_DUMP_SILENT"}, {}, true, ""},
+    {{"-FORCE_DEBUG_DUMP", "-FORCE_DEBUG_DUMP_SILENT"}, {}, true, ""},
+    {{"-FORCE_DEBUG_DUMP"}, {"Yes"}, true, kConfirm + kSuccess},
+    {{"-FORCE_DEBUG_DUMP", "-SETCONFIG", "LogFileCount:3"}, {"No"}, false, kConfirm},
+    {{"/force_debug_dump"}, {}, false, kConfirm},
+    {{"-FORCE_DEBUG_DUMP"}, {"No"}, false, kConfirm, true},
 };
 
 TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
@@ -239,7 +204,7 @@ TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
     {
         if (row.asNobody && RunsOnWindows())
             continue; // the user of this prefix is an administrator
-        SCOPED_TRACE(row.commandLine);
+        SCOPED_TRACE(CommandLineOf(row.arguments));
         // As the service holds it: the program opens this very object.
         const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, FORCE_CORE_EVENT);
         ASSERT_NE(event, nullptr);
@@ -272,7 +237,7 @@ TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
         }
         EXPECT_EQ(ShownIn(outcome), row.shown);
         EXPECT_EQ(LogOf(folder),
-                  Logged(row.asNobody ? "nobody" : ThisUser(), std::string("Tavo ") + row.commandLine, "",
+                  Logged(row.asNobody ? "nobody" : ThisUser(), row.arguments, "",
                          row.triggered ? "2: got FORCE_DEBUG_DUMP_SILENT" : "2: got FORCE_DEBUG_DUMP"));
     }
 }
@@ -298,30 +263,34 @@ TEST(ForcedDump, MakesAnEventThatTheServicesAccountMayOpen)
     EXPECT_TRUE(run.get().ended);
 }
 
-TEST(Console, RunsBesideTheThreadThatListensForTheShutdown)
+TEST(Console, LogsItsStartAndItsEndAndListensForTheShutdown)
 {
-    if (RunsOnWindows())
-        GTEST_SKIP() << "another process's threads have no names there";
-    const ProgramFolder folder;
-    // Nothing closes the console before the time is up.
-    auto run = std::async(std::launch::async,
-                          [&] {
-                              return folder.Run({{}, {}, {}, std::chrono::seconds(5), false, "never said"});
-                          });
-    const auto listens = [&folder]
+    constexpr int kHangUp = 1; // SIGHUP, which Windows does not name
+    const std::pair<int, const char*> rows[] = {{0, "finished tavo app"},
+                                                {SIGINT, "ended by SIGINT"},
+                                                {SIGTERM, "ended by SIGTERM"},
+                                                {kHangUp, "ended by SIGHUP"}};
+    for (const auto& [number, reason] : rows)
     {
-        std::error_code gone;
-        for (const auto& process : fs::directory_iterator("/proc"))
-            if (fs::read_symlink(process.path() / "exe", gone) == folder.Program())
-                for (const auto& thread : fs::directory_iterator(process.path() / "task", gone))
-                    if (ReadFile(thread.path() / "comm") == "GUIListenForShu\n")
-                        return true;
-        return false;
-    };
-    bool heard = false;
-    while (!heard && run.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready)
-        heard = listens();
-    EXPECT_TRUE(heard);
+        if (RunsOnWindows() && number != 0)
+            continue; // no other process sends one there
+        SCOPED_TRACE(reason);
+        const ProgramFolder folder;
+        bool heard = false;
+        ProgramStart start;
+        start.signal = number;
+        start.signalWhen = [&heard](const std::string&, int process)
+        {
+            std::error_code gone;
+            for (const auto& thread :
+                 fs::directory_iterator("/proc/" + std::to_string(process) + "/task", gone))
+                heard = heard || ReadFile(thread.path() / "comm") == "GUIListenForShu\n";
+            return heard;
+        };
+        EXPECT_EQ(folder.Run(start).exitCode, number == 0 ? 0 : 128 + number);
+        EXPECT_EQ(heard, number != 0);
+        EXPECT_EQ(LogOf(folder), Logged(ThisUser(), {}, "", std::string("2: ") + reason));
+    }
 }
 
 } // namespace

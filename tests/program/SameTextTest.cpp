@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
-#include <sstream>
 
 namespace
 {
@@ -47,8 +46,7 @@ constexpr Difference kDifferences[] = {
 std::vector<std::string> Compared(const std::string& console)
 {
     std::vector<std::string> lines;
-    std::istringstream stream(WithoutTimes(console));
-    for (std::string line; std::getline(stream, line);)
+    for (std::string line : Lines(WithoutTimes(console)))
     {
         for (const Difference& difference : kDifferences)
             if (line.rfind(difference.line, 0) == 0)

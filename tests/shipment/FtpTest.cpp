@@ -98,6 +98,8 @@ TEST(FTPEventSink, GivesEachEventItsRecordAndItsResultBack)
                   FTPEventSink(static_cast<FTP*>(&ftp), row.event, static_cast<int>(row.params.size()),
                                row.params.data(), lengths));
         EXPECT_EQ(row.expected, ftp.noted);
+        FTP silent;
+        EXPECT_EQ(0, FTPEventSink(&silent, row.event, 0, row.params.data(), lengths));
     }
     // The decision goes back with its sign.
     EXPECT_EQ(Value(-7), rows[5].params[4]);

@@ -26,12 +26,12 @@ struct Component
     std::vector<std::function<int()>> uploads{}; // one for each attempt
     std::vector<std::string> calls{};
 
-    int Raise(int event, std::vector<void*> params)
+    void Raise(int event, std::vector<void*> params) const
     {
         int lengths[5] = {};
-        return sink(owner, event, static_cast<int>(params.size()), params.data(), lengths);
+        EXPECT_EQ(0, sink(owner, event, static_cast<int>(params.size()), params.data(), lengths));
     }
-    void Progress(int percent, std::int64_t bytes)
+    void Progress(int percent, std::int64_t bytes) const
     {
         Raise(9, {nullptr, &bytes, reinterpret_cast<void*>(std::intptr_t{percent}), const_cast<char*>("")});
     }
@@ -115,7 +115,7 @@ std::vector<std::string> RunFtpProc(const std::filesystem::path& file)
 
 } // namespace
 
-using Lines = std::vector<std::string>;
+using Texts = std::vector<std::string>;
 
 TEST(FTPProc, SetsSevenPropertiesUploadsOnceAndPostsALineForEachChangeOfThePercentFigure)
 {
@@ -136,11 +136,11 @@ TEST(FTPProc, SetsSevenPropertiesUploadsOnceAndPostsALineForEachChangeOfThePerce
                                   gComponent.Progress(100, all);
                                   return 0;
                               }}};
-    EXPECT_EQ((Lines{"FTP_LOG: status\r\n", "FTP_LOG: 220 trace\r\n", "FTP_LOG: 50% done, 100 sent\r\n",
+    EXPECT_EQ((Texts{"FTP_LOG: status\r\n", "FTP_LOG: 220 trace\r\n", "FTP_LOG: 50% done, 100 sent\r\n",
                      "FTP_LOG: 40% done, 80 sent\r\n", "FTP_LOG: Error - error\r\n",
                      "FTP_LOG: 100% done, 200 sent\r\n", "FTP_LOG: Successfully sent logs to Support\r\n"}),
               RunFtpProc(file));
-    EXPECT_EQ((Lines{"do 4 1 CodePage=65001 0 0", "set 42 0 zt-ftp 0", "set 25 0 Kesto-42 0",
+    EXPECT_EQ((Texts{"do 4 1 CodePage=65001 0 0", "set 42 0 zt-ftp 0", "set 25 0 Kesto-42 0",
                      "set 27 0 " TAVO_SUPPORT_HOST " 0", "set 24 0 1 0", "set 41 0 2 0",
                      "set 10021 0 local.zip 0", "set 26 0 remote.zip 0", "do 20 0  0 0", "destroy"}),
               gComponent.calls);
@@ -161,14 +161,14 @@ TEST(FTPProc, GoesOnAfterRefusedPropertiesAndTriesDirectModeWhenNothingWasSentWh
                                   return 9;
                               }}};
     EXPECT_EQ(
-        (Lines{"[SetUser error: 1][SetPassword error: 2][SetRemoteHost error: 3][SetPassive error: -4]"
+        (Texts{"[SetUser error: 1][SetPassword error: 2][SetRemoteHost error: 3][SetPassive error: -4]"
                "[SetTransferMode error: 5][SetLocalFile error: 6][SetRemoteFile error: 7]",
                "FTP_LOG: Passive upload failed - trying direct\r\n", "[SetPassive error: -4]",
                "FTP_LOG: Log FTP failed with: the last error\r\n", "FTP_LOG: ### File size: 9, Sent: 5\r\n",
                "FTP_LOG: ### File size changed.  Orig: 7, End: 9\r\n"}),
         RunFtpProc(file));
-    EXPECT_EQ((Lines{"do 20 0  0 0", "set 24 0 0 0", "do 20 0  0 0", "destroy"}),
-              Lines(gComponent.calls.end() - 4, gComponent.calls.end()));
+    EXPECT_EQ((Texts{"do 20 0  0 0", "set 24 0 0 0", "do 20 0  0 0", "destroy"}),
+              Texts(gComponent.calls.end() - 4, gComponent.calls.end()));
 }
 
 TEST(FTPProc, MakesNoSecondAttemptWhenTheFirstHadSentSomething)
@@ -180,6 +180,6 @@ TEST(FTPProc, MakesNoSecondAttemptWhenTheFirstHadSentSomething)
                                   gComponent.Progress(1, 5);
                                   return 552;
                               }}};
-    EXPECT_EQ((Lines{"FTP_LOG: 1% done, 5 sent\r\n", "FTP_LOG: Log FTP failed with: the last error\r\n"}),
+    EXPECT_EQ((Texts{"FTP_LOG: 1% done, 5 sent\r\n", "FTP_LOG: Log FTP failed with: the last error\r\n"}),
               RunFtpProc(folder.Path() / "missing"));
 }

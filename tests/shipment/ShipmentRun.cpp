@@ -70,8 +70,7 @@ std::vector<std::string> ShipmentLines(const ProgramOutcome& outcome)
 {
     const std::string prefix = "FTP_LOG: ";
     std::vector<std::string> lines;
-    std::istringstream console(WithoutTimes(outcome.console));
-    for (std::string line; std::getline(console, line);)
+    for (const std::string& line : Lines(WithoutTimes(outcome.console)))
     {
         const bool isOurs = line.rfind(prefix, 0) == 0;
         // Others are names in the list.

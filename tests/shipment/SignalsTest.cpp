@@ -8,8 +8,6 @@
 
 #include <gmock/gmock.h>
 
-#include <arpa/inet.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,9 +35,9 @@ bool IsFree(const wchar_t* name)
     return !IsSet(name, held) && !held;
 }
 
-std::function<bool(const std::string&)> Shows(const std::string& text)
+std::function<bool(const std::string&, int)> Shows(const std::string& text)
 {
-    return [text](const std::string& console) { return console.find(text) != std::string::npos; };
+    return [text](const std::string& console, int) { return console.find(text) != std::string::npos; };
 }
 
 class Signals : public ShipmentTest
@@ -87,21 +85,14 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
 
     start.arguments = {"-FORCE_DEBUG_DUMP_SILENT"};
     bool held = false;
-    start.signalWhen = [&held](const std::string&) { return IsSet(FORCE_CORE_EVENT, held); };
+    start.signalWhen = [&held](const std::string&, int) { return IsSet(FORCE_CORE_EVENT, held); };
     ExpectOrderlyEndBySignals("forced dump", start);
 
-    const int silent = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    ASSERT_EQ(bind(silent, reinterpret_cast<sockaddr*>(&address), length), 0);
-    ASSERT_EQ(listen(silent, 16), 0);
-    getsockname(silent, reinterpret_cast<sockaddr*>(&address), &length);
+    const LdapPeer silent([](LdapPeer::Connection& peer) { peer.ReadRequest(), peer.ReadRequest(); });
     start.arguments = {};
     start.input = {"LDAP ...",
                    "LDAP Server=127.0.0.1",
-                   "Port=" + std::to_string(ntohs(address.sin_port)),
+                   "Port=" + std::to_string(silent.Port()),
                    "Username=a",
                    "Password=b",
                    "Authentication=Digest",
@@ -109,14 +100,13 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
     start.signalWhen = Shows("ldap_bind_s(Digest) begin");
     ExpectOrderlyEndBySignals("LDAP call", start);
     start.input = {};
-    close(silent);
 
     start.arguments = {"-FTP_LOG=case", "-AUTOCLOSE=yes"};
     const std::string id = (folder.Path() / "archiver").string();
     const fs::path whole = folder.Path() / "whole";
     ReplaceArchiver("[ ! -e '" + whole.string() + "' ] || exec \"$REAL\" \"$@\"; echo half > case.zip; " +
                     "echo half > case.zip.tmp; echo $$ > '" + id + "'; exec sleep 60");
-    start.signalWhen = [&id](const std::string&) { return fs::exists(id) && !ReadFile(id).empty(); };
+    start.signalWhen = [&id](const std::string&, int) { return fs::exists(id) && !ReadFile(id).empty(); };
     ExpectOrderlyEndBySignals("packing", start);
     const pid_t archiver = std::stoi(ReadFile(id));
     for (int tries = 0; kill(archiver, 0) == 0 && tries < 100; ++tries)

@@ -33,23 +33,7 @@ TEST_F(UnattendedShipment, SecondIsRefusedAndAfterAKillTheNextOneShips)
     EXPECT_TRUE(fs::exists(Unpack(server.Directory() / "third.zip") / "Tavo.log"));
 }
 
-struct Interruption
-{
-    std::string name;
-    std::string awaited; // from the console, before the user does anything
-    std::string before;  // what comes after the user's last deed
-};
-
-void PrintTo(const Interruption& row, std::ostream* out)
-{
-    *out << row.name;
-}
-
-class Interrupted : public ShipmentTest, public testing::WithParamInterface<Interruption>
-{
-};
-
-TEST_P(Interrupted, ShipmentServesAllButtonsAndIsNotCutShortByClose)
+TEST_F(UnattendedShipment, ServesAllButtonsAndIsNotCutShortByClose)
 {
     const std::string content = RandomBytes(16000000); // more than the system takes without the server
     WriteFile(Logs() / "fresh.log", content);
@@ -57,18 +41,17 @@ TEST_P(Interrupted, ShipmentServesAllButtonsAndIsNotCutShortByClose)
     ReplaceArchiver("sleep 2; exec \"$REAL\" \"$@\"");
     ProgramStart start;
     start.arguments = {"-FTP_LOG=case"};
-    start.awaited = GetParam().awaited;
     start.input = {"CRC64", "Cancel", "LDAP ...", "Cancel", "Close"}; // and nothing else ends the program
-    const ProgramOutcome outcome = Ship(start);
-    EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 0", kSent));
-    EXPECT_LT(outcome.console.find("DiagnosticsDlg"), outcome.console.find(GetParam().before))
-        << outcome.console;
-    EXPECT_EQ("case.zip", server.UploadedName());
-    EXPECT_GT(server.Uploaded().size(), content.size());
+    // What the console says before the user does anything, and what comes after his last deed.
+    for (const auto& [awaited, after] :
+         {std::pair("Please wait...", "Compression finished"), {"% done, ", "100% done"}})
+    {
+        SCOPED_TRACE(awaited);
+        start.awaited = awaited;
+        const ProgramOutcome outcome = Ship(start);
+        EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 0", kSent));
+        EXPECT_LT(outcome.console.find("DiagnosticsDlg"), outcome.console.find(after)) << outcome.console;
+        EXPECT_EQ("case.zip", server.UploadedName());
+        EXPECT_GT(server.Uploaded().size(), content.size());
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Rows, Interrupted,
-                         testing::Values(Interruption{"WhilePacking", "Please wait...",
-                                                      "Compression finished"},
-                                         Interruption{"WhileSending", "% done, ", "100% done"}),
-                         testing::PrintToStringParamName());

@@ -23,6 +23,7 @@ struct ProgramOutcome
     std::string console; // UTF-8, "\n" line ends: what the user saw, boxes and dialogs included
     std::string errors;  // standard error; Linux only
     double secondsAfterSignal = 0;
+    bool leftAnImage = false; // of its memory; Linux only
 };
 
 // A start of the program, with what its user does.
@@ -38,10 +39,10 @@ struct ProgramStart
     // What the console must say before the user does anything. On Windows it must also stand still by then;
     // in the terminal the input does not end after it.
     std::string awaited{};
-    // Linux only: the signal is sent once this holds of the console's text so far; the input does not end
-    // before.
+    // Linux only: the signal is sent once this holds of the console's text so far and the process's number;
+    // the input does not end before.
     int signal = 0;
-    std::function<bool(const std::string& console)> signalWhen{};
+    std::function<bool(const std::string& console, int process)> signalWhen{};
     std::vector<int> ignoredSignals{}; // from the start
 };
 

@@ -101,7 +101,7 @@ void DrainBoth(pid_t child, Pipe& output, Pipe& errors, Pipe& input, const Progr
             if (start.awaited.empty() && !signalWaits)
                 input.CloseWrite();
         }
-        if (signalWaits && start.signalWhen(outcome.console))
+        if (signalWaits && start.signalWhen(outcome.console, child))
         {
             signalWaits = false;
             signalled = std::chrono::steady_clock::now();
@@ -173,5 +173,6 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
     int status = 0;
     waitpid(child, &status, 0);
     outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    outcome.leftAnImage = WIFSIGNALED(status) && WCOREDUMP(status);
     return outcome;
 }

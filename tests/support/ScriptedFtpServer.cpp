@@ -3,7 +3,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <sstream>
 #include <thread>
 
 namespace
@@ -60,13 +59,4 @@ ScriptedFtpServer::~ScriptedFtpServer()
     std::filesystem::remove(mFolder.Path() / "alive");
     for (int i = 0; i < kWaits && std::filesystem::exists(mFolder.Path() / "port"); ++i)
         std::this_thread::sleep_for(kWait);
-}
-
-std::vector<std::string> ScriptedFtpServer::Commands() const
-{
-    std::istringstream text(mFolder.Read("commands"));
-    std::vector<std::string> commands;
-    for (std::string line; std::getline(text, line);)
-        commands.push_back(line);
-    return commands;
 }

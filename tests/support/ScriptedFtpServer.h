@@ -57,7 +57,7 @@ public:
     std::uint16_t Port() const { return mPort; }
 
     // All commands so far, and the bytes and the name of the latest upload.
-    std::vector<std::string> Commands() const;
+    std::vector<std::string> Commands() const { return Lines(mFolder.Read("commands")); }
     std::string Uploaded() const { return mFolder.Read("uploaded"); }
     std::string UploadedName() const { return mFolder.Read("name"); }
     std::string Certificate() const { return mFolder.Read("certificate"); } // DER, once it has been shown

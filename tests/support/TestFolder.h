@@ -5,9 +5,13 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 // Empty when it is not there.
 std::string ReadFile(const std::filesystem::path& path);
+
+// A text's lines without their ends.
+std::vector<std::string> Lines(const std::string& text);
 
 // Makes the folders above it too.
 void WriteFile(const std::filesystem::path& path, const std::string& content);

@@ -9,12 +9,7 @@ namespace
 
 TEST(Unicode, EachByteSurvivesTheWayToWideTextAndBack)
 {
-    struct Row
-    {
-        std::string bytes;
-        std::wstring wide;
-    };
-    const Row rows[] = {
+    const std::pair<std::string, std::wstring> rows[] = {
         {"", L""},
         {"plain", L"plain"},
         {"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80",
@@ -32,10 +27,10 @@ TEST(Unicode, EachByteSurvivesTheWayToWideTextAndBack)
         {"\xF4\x90\x80\x80", L"\xDCF4\xDC90\xDC80\xDC80"}, // beyond Unicode
         {"\xFF", L"\xDCFF"},
     };
-    for (const Row& row : rows)
+    for (const auto& [bytes, wide] : rows)
     {
-        EXPECT_EQ(text::FromUtf8(row.bytes), row.wide) << row.bytes;
-        EXPECT_EQ(text::ToUtf8(row.wide), row.bytes);
+        EXPECT_EQ(text::FromUtf8(bytes), wide) << bytes;
+        EXPECT_EQ(text::ToUtf8(wide), bytes);
     }
     EXPECT_EQ(text::ToUtf8(L"a\xD83Dz\xDC7F\xDD00"), "a\xEF\xBF\xBDz\xEF\xBF\xBD\xEF\xBF\xBD")
         << "no escapes";
@@ -43,12 +38,7 @@ TEST(Unicode, EachByteSurvivesTheWayToWideTextAndBack)
 
 TEST(Unicode, AstralCharactersAreTwoUnitsOfUtf16)
 {
-    struct Row
-    {
-        std::wstring wide;
-        std::u16string units;
-    };
-    const Row rows[] = {
+    const std::pair<std::wstring, std::u16string> rows[] = {
         {L"", u""},
         {L"a\u20AC", u"a\u20AC"},
         {L"\U0001F600", u"\xD83D\xDE00"},
@@ -57,21 +47,16 @@ TEST(Unicode, AstralCharactersAreTwoUnitsOfUtf16)
         {L"\xDE00\xD83D", u"\xDE00\xD83D"},
         {std::wstring(L"a\0b", 3), std::u16string(u"a\0b", 3)},
     };
-    for (const Row& row : rows)
+    for (const auto& [wide, units] : rows)
     {
-        EXPECT_EQ(text::ToUtf16(row.wide), row.units);
-        EXPECT_EQ(text::FromUtf16(row.units), row.wide);
+        EXPECT_EQ(text::ToUtf16(wide), units);
+        EXPECT_EQ(text::FromUtf16(units), wide);
     }
 }
 
 TEST(SafeToShow, LeavesNothingThatATerminalObeysOrThatTurnsAReadersEye)
 {
-    struct Row
-    {
-        std::wstring shown;
-        std::wstring safe;
-    };
-    const Row rows[] = {
+    const std::pair<std::wstring, std::wstring> rows[] = {
         {L"", L""},
         {L"gr\u00FC\u00DF \u65E5 \U0001F600 \u0627\u200C\u200D",
          L"gr\u00FC\u00DF \u65E5 \U0001F600 \u0627\u200C\u200D"},
@@ -84,8 +69,8 @@ TEST(SafeToShow, LeavesNothingThatATerminalObeysOrThatTurnsAReadersEye)
         {L"\u2028\u2029\uFEFF\u200B\u2060.", L"     ."},
         {L"a\xDCE9z\xD83D", L"a\xFFFDz\xFFFD"}, // a byte that was not UTF-8, half of a pair
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(text::SafeToShow(row.shown), row.safe);
+    for (const auto& [shown, safe] : rows)
+        EXPECT_EQ(text::SafeToShow(shown), safe);
     EXPECT_EQ(text::SafeToShow(L"a\tb\r\n\u202E", L"\t\n"), L"a\tb \n ");
 }
 
