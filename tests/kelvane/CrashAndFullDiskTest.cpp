@@ -142,9 +142,7 @@ TEST(Settings, KeepTheirOwnerAndMode)
         GTEST_SKIP() << "only root may give files away";
     chmod(file.c_str(), 04640);
     EXPECT_EQ(folder.Run({"set:LogFileCount:7"}).answers, "true\n");
-    struct stat status
-    {
-    };
+    struct stat status = {};
     ASSERT_EQ(stat(file.c_str(), &status), 0);
     EXPECT_EQ(status.st_uid, 65534u);
     EXPECT_EQ(status.st_gid, 65533u);
@@ -161,11 +159,8 @@ TEST(TextFiles, AreNotWrittenThroughALinkThatAnotherAccountPlanted)
     EXPECT_TRUE(WriteTextFileAsUTF8(list.wstring().c_str(), L"names", true, true, false, false));
     EXPECT_EQ(folder.Read("victim"), "untouched");
     EXPECT_EQ(folder.Read("list.txt"), "names");
-    struct stat status
-    {
-    };
-    ASSERT_EQ(lstat(list.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode, S_IFREG | 0600u);
+    EXPECT_FALSE(std::filesystem::is_symlink(list));
+    EXPECT_EQ(std::filesystem::status(list).permissions(), std::filesystem::perms(0600));
     EXPECT_THAT(folder.Names("list"), testing::ElementsAre("list.txt"));
 }
 
@@ -182,15 +177,14 @@ TEST(Threads, AreNamedForTheKernelInWholeCharacters)
 
 TEST(Log, IsForItsOwnerAndItsGroup)
 {
+    umask(0022);
     const AgentFolder folder;
     folder.Run({"log:2:x"});
-    struct stat status
-    {
-    };
-    ASSERT_EQ(stat((folder.Path() / "Logs").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0007, 0u);
-    ASSERT_EQ(stat((folder.Path() / "Logs" / "Tavo.log").c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0137, 0u);
+    using std::filesystem::perms;
+    const auto bits = [&folder](const char* name)
+    { return std::filesystem::status(folder.Path() / name).permissions(); };
+    EXPECT_EQ(bits("Logs"), perms(0750));
+    EXPECT_EQ(bits("Logs/Tavo.log"), perms(0640));
 }
 
 // An installed program folder is read-only, and a link in it leads to the settings.

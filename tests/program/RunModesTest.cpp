@@ -32,7 +32,7 @@ void ReplaceAll(std::string& text, const std::string& part, const std::string& o
 // The log less its times and the numbers of process and thread.
 std::string LogOf(const ProgramFolder& folder)
 {
-    const std::regex head(R"([0-9-]{10} [0-9:.]{12} [+-]\d{4} \[\d+:\d+ Main\] )");
+    const std::regex head(R"([0-9-]{10} [0-9:.]{12} [+-]\d{4} \[\d+:\d+( Main)?\] )");
     std::string log = std::regex_replace(folder.Log(), head, "");
     const std::string program = folder.Program().string();
     ReplaceAll(log, '"' + program + '"', "Tavo");
