@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// OpenLDAP's reader of BER on bytes that stay where they are.
+// OpenLDAP's reader of BER on bytes that stay where they are. It is made once and begins anew for each text.
 #pragma once
 
 #include "base/Owned.h"
@@ -12,22 +12,29 @@
 namespace platform
 {
 
-inline void FreeBerReader(BerElement* reader)
+inline void FreeBerElement(BerElement* element)
 {
-    ber_free(reader, 0);
+    ber_free(element, 0);
 }
-using BerReader = Owned<BerElement, FreeBerReader>;
 
-// The bytes must outlive the reader. Throws std::bad_alloc.
-inline BerReader ReaderOf(std::string_view bytes)
+class BerReader
 {
-    BerReader reader(ber_alloc_t(0));
-    if (reader == nullptr)
-        throw std::bad_alloc();
-    berval all = {bytes.size(), const_cast<char*>(bytes.data())};
-    ber_init2(reader.get(), &all, 0);
-    return reader;
-}
+public:
+    // The bytes must outlive what is read; the element is the reader's own. Throws std::bad_alloc.
+    BerElement* Begin(std::string_view bytes)
+    {
+        if (mElement == nullptr)
+            mElement.reset(ber_alloc_t(0));
+        if (mElement == nullptr)
+            throw std::bad_alloc();
+        berval all = {bytes.size(), const_cast<char*>(bytes.data())};
+        ber_init2(mElement.get(), &all, 0);
+        return mElement.get();
+    }
+
+private:
+    Owned<BerElement, FreeBerElement> mElement;
+};
 
 inline std::string_view ViewOf(const berval& value)
 {

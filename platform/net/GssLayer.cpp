@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <new>
 
+#include <arpa/inet.h>
+
 namespace platform
 {
 
@@ -20,18 +22,15 @@ constexpr std::size_t kCountSize = 4;
 // `bytes` has at least kCountSize of them.
 std::size_t CountAt(std::string_view bytes)
 {
-    std::size_t count = 0;
-    for (const char byte : bytes.substr(0, kCountSize))
-        count = count << 8U | static_cast<unsigned char>(byte);
-    return count;
+    std::uint32_t count = 0;
+    bytes.copy(reinterpret_cast<char*>(&count), kCountSize);
+    return ntohl(count);
 }
 
 std::string Counted(std::string_view bytes)
 {
-    std::string counted;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        counted += static_cast<char>(bytes.size() >> shift & 0xff);
-    return counted.append(bytes);
+    const std::uint32_t count = htonl(static_cast<std::uint32_t>(bytes.size()));
+    return std::string(reinterpret_cast<const char*>(&count), kCountSize).append(bytes);
 }
 
 ber_slen_t Fail()

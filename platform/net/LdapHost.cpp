@@ -150,6 +150,8 @@ LdapFault ParseHosts(std::string_view text, std::uint32_t port, std::vector<Ldap
             return wrongPort;
         hosts.push_back(std::move(*host));
     }
+    if (hosts.empty())
+        hosts.push_back({"", static_cast<std::uint16_t>(port)});
     return {};
 }
 

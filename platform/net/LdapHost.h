@@ -22,9 +22,9 @@ struct LdapHost
     bool operator==(const LdapHost&) const = default;
 };
 
-// Reads a list of hosts that are separated by blanks; `port` is for those that name none. A parameter error
-// with its cause when a port is not a number from 1 to 65535, a bracket stands alone or a URL stands in a
-// name's place.
+// Reads a list of hosts that are separated by blanks; `port` is for those that name none. A list without any
+// gives one host without a name, to which no connection is made. A parameter error with its cause when a port
+// is not a number from 1 to 65535, a bracket stands alone or a URL stands in a name's place.
 LdapFault ParseHosts(std::string_view text, std::uint32_t port, std::vector<LdapHost>& hosts);
 
 // True for an IPv4 or IPv6 address, with or without a zone.

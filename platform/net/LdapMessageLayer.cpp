@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/net/LdapMessageLayer.h"
 
-#include "platform/net/BerReader.h"
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -61,20 +59,21 @@ std::size_t MessageSize(std::string_view bytes)
 // an end after each text.
 std::optional<LdapFault> ReadDisconnection(std::string message)
 {
-    const BerReader reader = ReaderOf(message);
+    BerReader reader;
+    BerElement* const element = reader.Begin(message);
     ber_int_t number = 0;
     ber_int_t code = 0;
     ber_len_t length = 0;
     berval name{};
     berval text{};
-    if (ber_scanf(reader.get(), "{i", &number) == LBER_ERROR ||
-        ber_peek_tag(reader.get(), &length) != kExtendedResponse ||
-        ber_scanf(reader.get(), "{emm", &code, &name, &text) == LBER_ERROR)
+    if (ber_scanf(element, "{i", &number) == LBER_ERROR ||
+        ber_peek_tag(element, &length) != kExtendedResponse ||
+        ber_scanf(element, "{emm", &code, &name, &text) == LBER_ERROR)
         return std::nullopt;
-    for (ber_tag_t tag = ber_peek_tag(reader.get(), &length); tag != LBER_ERROR;
-         tag = ber_peek_tag(reader.get(), &length))
+    for (ber_tag_t tag = ber_peek_tag(element, &length); tag != LBER_ERROR;
+         tag = ber_peek_tag(element, &length))
     {
-        if (ber_scanf(reader.get(), "m", &name) == LBER_ERROR)
+        if (ber_scanf(element, "m", &name) == LBER_ERROR)
             return std::nullopt;
         if (tag == kResponseName && ViewOf(name) == kDisconnection)
             return LdapFault{static_cast<std::uint32_t>(code), std::string(ViewOf(text))};
@@ -155,9 +154,8 @@ void LdapMessageLayer::TakeMessage()
 
 void LdapMessageLayer::Judge(std::string_view message)
 {
-    const BerReader reader = ReaderOf(message);
     ber_int_t number = 0;
-    if (ber_scanf(reader.get(), "{i", &number) == LBER_ERROR)
+    if (ber_scanf(mReader.Begin(message), "{i", &number) == LBER_ERROR)
     {
         mEnding = {eLdapDecodingError, "the server's answer is not an LDAP message"};
         return;

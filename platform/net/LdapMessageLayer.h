@@ -4,6 +4,7 @@
 // no words of it and does not outlive every form of it.
 #pragma once
 
+#include "platform/net/BerReader.h"
 #include "platform/net/LdapFault.h"
 #include "platform/net/LdapLayer.h"
 
@@ -38,6 +39,7 @@ private:
     void TakeMessage();
     void Judge(std::string_view message);
 
+    BerReader mReader;
     std::string mBytes;
     std::size_t mRead = 0;  // of mBytes, by the library
     std::size_t mReady = 0; // of mBytes, for the library

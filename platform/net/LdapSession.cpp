@@ -2,7 +2,6 @@
 #include "platform/net/LdapSession.h"
 
 #include "base/RunWithin.h"
-#include "platform/net/BerReader.h"
 #include "platform/net/GssLayer.h"
 #include "platform/net/LdapChannel.h"
 #include "platform/net/LdapGss.h"
@@ -198,7 +197,7 @@ LdapSession::~LdapSession()
 
 LdapFault LdapSession::Connect(microseconds limit)
 {
-    LdapFault fault = {eLdapServerDown, "no server name was given"};
+    LdapFault fault;
     const Deadline deadline = Clock::now() + limit;
     auto waiting = static_cast<long>(mHosts.size());
     for (const LdapHost& host : mHosts)
@@ -572,8 +571,8 @@ bool LdapSession::Values(ldapmsg* entry, std::string_view name, std::vector<std:
     values.clear();
     if (entry != mEntry || name != mName || mValues.data() == nullptr)
         return false;
-    const BerReader set = ReaderOf(mValues);
-    for (berval value{}; ber_skip_element(set.get(), &value) != LBER_DEFAULT;)
+    BerElement* const set = mReader.Begin(mValues);
+    for (berval value{}; ber_skip_element(set, &value) != LBER_DEFAULT;)
     {
         if (!Give(ViewOf(value)))
             return false;

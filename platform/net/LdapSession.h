@@ -4,6 +4,7 @@
 #pragma once
 
 #include "base/Owned.h"
+#include "platform/net/BerReader.h"
 #include "platform/net/LdapHost.h"
 #include "platform/net/Secret.h"
 
@@ -116,6 +117,8 @@ private:
     std::unique_ptr<LdapChannel> mChannel;
     ldap* mHandle = nullptr;
     std::optional<LdapFault> mLost;
+
+    BerReader mReader;
 
     // The attribute that was given last.
     ldapmsg* mEntry = nullptr;

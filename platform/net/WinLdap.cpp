@@ -93,6 +93,22 @@ PWCHAR NewText(std::string_view bytes)
     return given;
 }
 
+// The name that `find` has put into its argument, as such a text; null where it gives false.
+template <typename Find>
+PWCHAR NameFrom(Find find)
+{
+    PWCHAR given = nullptr;
+    Attempt(
+        [&]
+        {
+            std::string name;
+            if (find(name))
+                given = NewText(name);
+            return LdapFault();
+        });
+    return given;
+}
+
 } // namespace
 
 LDAP* ldap_initW(const PWCHAR host, ULONG port)
@@ -220,30 +236,14 @@ ULONG ldap_msgfree(LDAPMessage* result)
 
 PWCHAR ldap_first_attributeW(LDAP* session, LDAPMessage* entry, BerElement** position)
 {
-    PWCHAR given = nullptr;
-    Attempt(
-        [&]
-        {
-            std::string name;
-            if (SessionOf(session).FirstAttribute(entry, *position, name))
-                given = NewText(name);
-            return LdapFault();
-        });
-    return given;
+    return NameFrom([=](std::string& name)
+                    { return SessionOf(session).FirstAttribute(entry, *position, name); });
 }
 
 PWCHAR ldap_next_attributeW(LDAP* session, LDAPMessage* entry, BerElement* position)
 {
-    PWCHAR given = nullptr;
-    Attempt(
-        [&]
-        {
-            std::string name;
-            if (SessionOf(session).NextAttribute(entry, position, name))
-                given = NewText(name);
-            return LdapFault();
-        });
-    return given;
+    return NameFrom([=](std::string& name)
+                    { return SessionOf(session).NextAttribute(entry, position, name); });
 }
 
 PWCHAR* ldap_get_valuesW(LDAP* session, LDAPMessage* entry, const PWCHAR attribute)

@@ -17,8 +17,8 @@ TEST(LdapHosts, AreReadFromAListOfNamesAndAddresses)
         std::vector<LdapHost> hosts;
     };
     const Case kCases[] = {
-        {"", {}},
-        {"  ", {}},
+        {"", {{"", 389}}},
+        {"  ", {{"", 389}}},
         {"dc1", {{"dc1", 389}}},
         {" dc1  dc2:390 ", {{"dc1", 389}, {"dc2", 390}}},
         {"10.0.0.1:636", {{"10.0.0.1", 636}}},

@@ -5,23 +5,8 @@
 #include "text/SafeToShow.h"
 #include "text/Unicode.h"
 
-#include <cstring>
-
 namespace platform
 {
-
-namespace
-{
-
-template <typename Text>
-void Overwrite(Text& text)
-{
-    text.resize(text.capacity());
-    explicit_bzero(text.data(), text.size() * sizeof(text[0]));
-    text.clear();
-}
-
-} // namespace
 
 std::wstring HarmlessText::Next(std::wstring_view part)
 {
@@ -69,7 +54,7 @@ std::wstring TerminalEncoding::Decode(std::string_view bytes, bool isEnd)
     ucnv_toUnicode(mDecoder.get(), &out, out + units.size(), &in, in + bytes.size(), nullptr,
                    static_cast<UBool>(isEnd), &error);
     std::wstring text = text::FromUtf16({units.data(), static_cast<std::size_t>(out - units.data())});
-    Overwrite(units);
+    Wipe(units);
     return text;
 }
 
@@ -102,16 +87,6 @@ std::wstring TypedText(std::wstring_view keys)
             text += key;
     }
     return text;
-}
-
-void Wipe(std::string& text)
-{
-    Overwrite(text);
-}
-
-void Wipe(std::wstring& text)
-{
-    Overwrite(text);
 }
 
 } // namespace platform

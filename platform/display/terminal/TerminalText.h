@@ -4,6 +4,7 @@
 
 #include "base/Owned.h"
 
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -50,7 +51,12 @@ private:
 std::wstring TypedText(std::wstring_view keys);
 
 // Overwrites what a text holds, since it may be a password, and empties it.
-void Wipe(std::string& text);
-void Wipe(std::wstring& text);
+template <typename Text>
+void Wipe(Text& text)
+{
+    text.resize(text.capacity());
+    explicit_bzero(text.data(), text.size() * sizeof(text[0]));
+    text.clear();
+}
 
 } // namespace platform
