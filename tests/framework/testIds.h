@@ -17,4 +17,3 @@
 #define IDC_AFTER 1012
 #define IDC_CHECK 1013
 #define IDC_CHOICE 1014
-#define IDC_LONG_TEXT 1015

@@ -175,18 +175,6 @@ TEST(Threads, AreNamedForTheKernelInWholeCharacters)
         .join();
 }
 
-TEST(Log, IsForItsOwnerAndItsGroup)
-{
-    umask(0022);
-    const AgentFolder folder;
-    folder.Run({"log:2:x"});
-    using std::filesystem::perms;
-    const auto bits = [&folder](const char* name)
-    { return std::filesystem::status(folder.Path() / name).permissions(); };
-    EXPECT_EQ(bits("Logs"), perms(0750));
-    EXPECT_EQ(bits("Logs/Tavo.log"), perms(0640));
-}
-
 // An installed program folder is read-only, and a link in it leads to the settings.
 TEST(Settings, BehindALinkAreWrittenWhereItLeads)
 {

@@ -38,6 +38,11 @@ std::string AllOf(const AgentFolder& folder)
     return folder.Run(steps).answers;
 }
 
+std::string Nested(std::size_t levels)
+{
+    return "{\"a\": " + std::string(levels, '[') + std::string(levels, ']') + "}";
+}
+
 TEST(Settings, AreFoundByTheirWholeNameInAnyCase)
 {
     EXPECT_EQ(GetConfigID(L"lOGlEVEL", true), eConfigLogLevel);
@@ -142,8 +147,7 @@ TEST(Settings, ThatCannotBeUnderstoodAreSetAside)
     int number = 0;
     for (const std::string& broken :
          {std::string("{\"LogLevel\": 1"), std::string(), std::string("[1]"), std::string("\"x\""),
-          std::string("{\"a\": \"\xFF\"}"), std::string("\0\0\0\0", 4),
-          "{\"a\": " + std::string(100'000, '[') + std::string(100'000, ']') + "}"})
+          std::string("{\"a\": \"\xFF\"}"), std::string("\0\0\0\0", 4), Nested(65), Nested(100'000)})
     {
         const std::string aside = "Tavo.settings.broken-" + std::to_string(++number) + ".json";
         folder.Write("Tavo.settings.json", broken);
@@ -155,6 +159,9 @@ TEST(Settings, ThatCannotBeUnderstoodAreSetAside)
         EXPECT_THAT(folder.Log(), HasSubstr("was moved to " + aside));
         EXPECT_EQ(folder.Settings(), writes ? "{\n  \"LogLevel\": 2\n}\n" : "");
     }
+    folder.Write("Tavo.settings.json", Nested(64));
+    EXPECT_EQ(folder.Run({"get:LogLevel"}).answers, "2\n");
+    EXPECT_EQ(folder.Settings(), Nested(64)) << "deep, but not too deep";
 }
 
 TEST(Settings, ThatTheUserMayNotWriteAreRefusedAndKept)

@@ -272,8 +272,6 @@ TEST(Console, LogsItsStartAndItsEndAndListensForTheShutdown)
                                                 {kHangUp, "ended by SIGHUP"}};
     for (const auto& [number, reason] : rows)
     {
-        if (RunsOnWindows() && number != 0)
-            continue; // no other process sends one there
         SCOPED_TRACE(reason);
         const ProgramFolder folder;
         bool heard = false;
@@ -290,6 +288,10 @@ TEST(Console, LogsItsStartAndItsEndAndListensForTheShutdown)
         EXPECT_EQ(folder.Run(start).exitCode, number == 0 ? 0 : 128 + number);
         EXPECT_EQ(heard, number != 0);
         EXPECT_EQ(LogOf(folder), Logged(ThisUser(), {}, "", std::string("2: ") + reason));
+        if (RunsOnWindows())
+            break; // no other process sends signals there, and rights are no bits
+        EXPECT_EQ(fs::status(folder.Path() / "Logs").permissions(), fs::perms(0750));
+        EXPECT_EQ(fs::status(folder.Path() / "Logs/Tavo.log").permissions(), fs::perms(0640));
     }
 }
 
