@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Explicit TLS: used when the server offers it, with the owner's word on the certificate.
 #include "tests/ipworks/Recorder.h"
+#include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -30,6 +31,19 @@ TEST(Security, BothConnectionsAreEncryptedAndTheCertificateIsAskedAboutOnce)
     EXPECT_EQ("CN = 127.0.0.1", recorder.subject);
     EXPECT_EQ("CN = 127.0.0.1", recorder.issuer);
     EXPECT_THAT(recorder.Of("approve"), ElementsAre("approve self-signed certificate"));
+}
+
+TEST(Security, CertificateOfATrustedAuthorityProvesTheServer)
+{
+    if (RunsOnWindows())
+        GTEST_SKIP() << "the authorities of Windows are no file";
+    const Variable authorities("SSL_CERT_FILE", TAVO_CERTIFICATES "127.0.0.1.pem");
+    Recorder recorder({.certificate = kHost});
+    EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+    EXPECT_THAT(recorder.events,
+                testing::Contains("status 3 The connection is encrypted; the certificate proves the server: "
+                                  "CN = 127.0.0.1, issued by CN = 127.0.0.1"));
+    EXPECT_THAT(recorder.Of("approve"), ElementsAre("approve "));
 }
 
 // Some libcurl releases would send the file in plain text here.

@@ -276,6 +276,7 @@ TEST(Console, LogsItsStartAndItsEndAndListensForTheShutdown)
         const ProgramFolder folder;
         bool heard = false;
         ProgramStart start;
+        start.limit = std::chrono::seconds(30);
         start.signal = number;
         start.signalWhen = [&heard](const std::string&, int process)
         {
