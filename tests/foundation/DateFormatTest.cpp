@@ -67,14 +67,4 @@ TEST(DateFormat, ShowsTheTimestampOfADatabaseInUtc)
     EXPECT_EQ(FormatODBCDate(0), L"{ts '1970-01-01 00:00:00' }");
     EXPECT_EQ(FormatODBCDate(951868799), L"{ts '2000-02-29 23:59:59' }");
     EXPECT_EQ(FormatODBCDate(std::numeric_limits<time_t>::max()), L"");
-    constexpr std::pair<std::int64_t, const wchar_t*> kBeyond[] = {
-        {-6847804801, L"{ts '1753-01-01 23:59:59' }"}, // 1752
-        {-6847804800, L"{ts '1753-01-01 00:00:00' }"},
-        {253402300799, L"{ts '9999-12-31 23:59:59' }"},
-        {253402300801, L"{ts '9999-12-31 00:00:01' }"}, // 10000
-    };
-    for (const auto& [time, shown] : kBeyond)
-        if (const __time64_t known = time;
-            _gmtime64(&known) != nullptr) // not by the Windows run-time library
-            EXPECT_EQ(FormatODBCDate(time), shown);
 }

@@ -109,7 +109,7 @@ TEST(ModalDialog, EndedUnderAnotherOneReturnsAfterIt)
         },
         [&]
         {
-            EXPECT_TRUE(IsShown(inner.m_hWnd));
+            EXPECT_EQ(TopWindow(), inner.m_hWnd);
             inner.EndDialog(2);
         },
     });

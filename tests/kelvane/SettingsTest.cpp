@@ -16,13 +16,8 @@ using testing::HasSubstr;
 namespace
 {
 
-struct Named
-{
-    const char* name;
-    const char* fallback;
-};
-
-constexpr std::array<Named, 6> kSettings{
+// Their names and defaults.
+constexpr std::array<std::pair<const char*, const char*>, 6> kSettings{
     {{"LogDirectory", "Logs"},
      {"CustomerServiceText", "Customer service: https://support.zt.example"},
      {"LogLevel", "2"},
@@ -33,8 +28,8 @@ constexpr std::array<Named, 6> kSettings{
 std::string AllOf(const AgentFolder& folder)
 {
     std::vector<std::string> steps{"init"};
-    for (const Named& row : kSettings)
-        steps.push_back(std::string("get:") + row.name);
+    for (const auto& [name, fallback] : kSettings)
+        steps.push_back(std::string("get:") + name);
     return folder.Run(steps).answers;
 }
 
@@ -53,7 +48,7 @@ TEST(Settings, AreFoundByTheirWholeNameInAnyCase)
     // A library that is put into another's place knows them by these numbers.
     for (int index = 0; index < 6; ++index)
     {
-        const eConfigID id = GetConfigID(ZTString(kSettings[index].name), true);
+        const eConfigID id = GetConfigID(ZTString(kSettings[static_cast<std::size_t>(index)].first), true);
         EXPECT_EQ(id, 337 + index);
         EXPECT_EQ(GetConfigType(id), index < 2 ? 2 : 13);
     }
@@ -133,11 +128,11 @@ TEST(Settings, OfTheWrongTypeCountAsTheirDefaultsAndTheLogSaysSo)
         R"({"LogDirectory": 5, "CustomerServiceText": ["x"], "LogLevel": "two", "LogSizeLimitKB": 1.5,
                      "LogFileCount": 100, "RecordLockWaits": 4294967296})");
     std::string fallbacks;
-    for (const Named& row : kSettings)
-        fallbacks += std::string(row.fallback) + "\n";
+    for (const auto& [name, fallback] : kSettings)
+        fallbacks += std::string(fallback) + "\n";
     EXPECT_EQ(AllOf(folder), fallbacks);
-    for (const Named& row : kSettings)
-        EXPECT_THAT(folder.Log(), HasSubstr(std::string("The default of ") + row.name +
+    for (const auto& [name, fallback] : kSettings)
+        EXPECT_THAT(folder.Log(), HasSubstr(std::string("The default of ") + name +
                                             " holds, not what is stored: it takes "));
 }
 
@@ -236,7 +231,7 @@ TEST(Settings, OfProcessesThatWriteAtOnceAreAllStored)
             for (std::size_t i = 0; i < kSettings.size(); ++i)
             {
                 starters.emplace_back(
-                    [&folder, step = std::string("set:") + kSettings[i].name + ":" + values[i]]
+                    [&folder, step = std::string("set:") + kSettings[i].first + ":" + values[i]]
                     { EXPECT_EQ(folder.Run({step}).answers, "true\n"); });
                 all += values[i] + "\n";
             }

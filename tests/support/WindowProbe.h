@@ -12,7 +12,6 @@ HWND TopWindow();
 HWND FocusedControl();
 
 // False as well for a window that has gone.
-bool IsShown(HWND window);
 bool IsEnabled(HWND window);
 
 std::wstring TextOf(HWND window);

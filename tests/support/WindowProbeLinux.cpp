@@ -36,12 +36,6 @@ HWND FocusedControl()
     return top && top->dialog->focus ? top->dialog->focus->handle : nullptr;
 }
 
-bool IsShown(HWND window)
-{
-    const Window* found = Find(window);
-    return found && found->visible;
-}
-
 bool IsEnabled(HWND window)
 {
     const Window* found = Find(window);

@@ -11,11 +11,6 @@ HWND FocusedControl()
     return GetFocus();
 }
 
-bool IsShown(HWND window)
-{
-    return IsWindowVisible(window) != 0;
-}
-
 bool IsEnabled(HWND window)
 {
     return IsWindow(window) && IsWindowEnabled(window);
