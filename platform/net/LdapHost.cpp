@@ -134,7 +134,7 @@ std::optional<LdapHost> ParseHost(std::string_view text, std::uint16_t defaultPo
 
 LdapFault ParseHosts(std::string_view text, std::uint32_t port, std::vector<LdapHost>& hosts)
 {
-    const LdapFault wrongPort = {eLdapParameterError, "the port is not a number from 1 to 65535"};
+    LdapFault wrongPort = {eLdapParameterError, "the port is not a number from 1 to 65535"};
     if (port == 0 || port > 0xFFFF)
         return wrongPort;
     if (text.find("://") != std::string_view::npos)

@@ -55,12 +55,12 @@ std::size_t MessageSize(std::string_view bytes)
     return 2 + count + length;
 }
 
-// The result in a notice of disconnection; nothing for any other message. It is a copy, since the reader puts
-// an end after each text.
-std::optional<LdapFault> ReadDisconnection(std::string message)
+// The result in a notice of disconnection; nothing for any other message.
+std::optional<LdapFault> ReadDisconnection(std::string_view message)
 {
+    std::string copy(message); // the reader puts an end after each text
     BerReader reader;
-    BerElement* const element = reader.Begin(message);
+    BerElement* const element = reader.Begin(copy);
     ber_int_t number = 0;
     ber_int_t code = 0;
     ber_len_t length = 0;
@@ -170,7 +170,7 @@ void LdapMessageLayer::Judge(std::string_view message)
     }
     else
     {
-        if (std::optional<LdapFault> disconnection = ReadDisconnection(std::string(message)))
+        if (std::optional<LdapFault> disconnection = ReadDisconnection(message))
         {
             mEnding = std::move(*disconnection);
             if (!mEnding)
