@@ -3,7 +3,6 @@
 #include "foundation/Veld.h"
 #include "tests/support/AgentFolder.h"
 #include "tests/support/ProgramFolder.h"
-#include "tests/support/System.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

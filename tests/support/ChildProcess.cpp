@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ChildProcess.h"
 
-#include "tests/support/System.h"
-
 ChildProcess::ChildProcess(std::wstring line, const std::filesystem::path& folder)
 {
     const std::wstring directory = folder.wstring();
@@ -33,6 +31,6 @@ DWORD ChildProcess::ExitCode() const
 
 void ChildProcess::Kill() const
 {
-    KillProcess(mInformation);
+    TerminateProcess(Handle(), 1);
     WaitForSingleObject(Handle(), INFINITE);
 }

@@ -16,6 +16,9 @@
 // Which of the two programs this is; for the few cases that one system cannot hold.
 bool RunsOnWindows();
 
+// From now on the process and what it starts share named events with nobody. False where that is not allowed.
+bool LeaveNamedEventsOfOthers();
+
 struct ProgramOutcome
 {
     bool ended = false; // false: it was ended because its time ran out

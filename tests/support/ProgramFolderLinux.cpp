@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/OwnNetwork.h"
 #include "tests/support/ProgramFolder.h"
 
 #include <fcntl.h>
@@ -130,6 +131,16 @@ void DrainBoth(pid_t child, Pipe& output, Pipe& errors, Pipe& input, const Progr
 bool RunsOnWindows()
 {
     return false;
+}
+
+bool LeaveNamedEventsOfOthers()
+{
+    return EnterOwnNetwork();
+}
+
+void SetVariable(const char* name, const char* value)
+{
+    value != nullptr ? setenv(name, value, 1) : unsetenv(name);
 }
 
 std::filesystem::path ProgramFolder::Program() const

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <cstdlib>
 #include <optional>
 #include <set>
 
@@ -201,6 +202,16 @@ private:
 bool RunsOnWindows()
 {
     return true;
+}
+
+bool LeaveNamedEventsOfOthers()
+{
+    return true; // ctest runs one program that ships at a time
+}
+
+void SetVariable(const char* name, const char* value)
+{
+    _putenv((name + std::string("=") + (value != nullptr ? value : "")).c_str());
 }
 
 std::filesystem::path ProgramFolder::Program() const

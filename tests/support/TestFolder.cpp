@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/TestFolder.h"
 
-#include "tests/support/System.h"
-
 #include <cstdlib>
 #include <fstream>
 #include <random>

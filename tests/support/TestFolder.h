@@ -42,7 +42,10 @@ private:
 // A name that no other test run uses at the same time.
 std::wstring UniqueName(const std::wstring& name);
 
-// Sets a variable, or takes it out where the value is null, until the end of the block.
+// Takes the variable out of the environment where `value` is null.
+void SetVariable(const char* name, const char* value);
+
+// Does so until the end of the block.
 class Variable
 {
 public:
