@@ -2,6 +2,24 @@
 # What every target of the tree shares: warnings, sanitizers, include root, export headers, resources.
 include(GenerateExportHeader)
 
+# Protections of what ships; the sanitizers bring their own. The compiler takes _FORTIFY_SOURCE where it optimizes.
+if(WIN32)
+  add_link_options(-Wl,--dynamicbase,--high-entropy-va,--nxcompat)
+  # For libcurl and OpenSSL, which have the stack protector: its part of the runtime.
+  string(APPEND CMAKE_CXX_STANDARD_LIBRARIES " -l:libssp.a")
+elseif(NOT TAVO_SANITIZE)
+  include(CheckPIESupported)
+  check_pie_supported()
+  add_compile_options(-fstack-protector-strong -fstack-clash-protection)
+  if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+    add_compile_options(-fcf-protection=full)
+  endif()
+  if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
+  endif()
+  add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+endif()
+
 function(tavo_common target)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
