@@ -155,7 +155,11 @@ void LdapMessageLayer::TakeMessage()
 void LdapMessageLayer::Judge(std::string_view message)
 {
     ber_int_t number = 0;
-    if (ber_scanf(mReader.Begin(message), "{i", &number) == LBER_ERROR)
+    ber_len_t length = 0;
+    // The library keeps a request whose answer holds no operation, and does not outlive the second such
+    // answer.
+    BerElement* const reader = mReader.Begin(message);
+    if (ber_scanf(reader, "{i", &number) == LBER_ERROR || ber_peek_tag(reader, &length) == LBER_ERROR)
     {
         mEnding = {eLdapDecodingError, "the server's answer is not an LDAP message"};
         return;

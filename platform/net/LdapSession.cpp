@@ -298,7 +298,8 @@ LdapFault LdapSession::Await(int request, int all, Deadline deadline, Messages& 
         {
             int code = LDAP_SUCCESS;
             ldap_get_option(mHandle, LDAP_OPT_RESULT_CODE, &code);
-            return LibraryFault(code);
+            mLost = LibraryFault(code);
+            return *mLost;
         }
         if (ber_sockbuf_ctrl(buffer, LBER_SB_OPT_DATA_READY, nullptr) > 0)
             continue;

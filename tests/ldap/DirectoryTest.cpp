@@ -53,6 +53,7 @@ TEST(Directory, IsTestedAsTheDialogSays)
     const std::string expired = Port("TAVO_EXPIRED_PORT");
     const std::string foreign = Port("TAVO_FOREIGN_PORT");
     const std::string other = Port("TAVO_OTHER_NAME_PORT");
+    const std::string demanding = Port("TAVO_DEMANDING_PORT");
     const std::string walk = Walked("3");
     const auto as = [](const std::string& server, const std::string& port, const std::string& user,
                        const std::string& password, const TypedMethod& method)
@@ -91,6 +92,9 @@ TEST(Directory, IsTestedAsTheDialogSays)
          NotConnected(kSimpleSsl, "unable to get local issuer certificate")},
         {as("localhost", other, kAlice, "wonderland", kSimpleSsl),
          NotConnected(kSimpleSsl, "hostname mismatch")},
+        // The server's refusal comes after the handshake, beside the end of the connection.
+        {as("localhost", demanding, kAlice, "wonderland", kSimpleSsl),
+         Refused(kSimpleSsl, 0x51, "TLS: tlsv13 alert certificate required"), kWineHangs},
         {as("localhost", tls, kAlice, "wonderland", kSimplePlain), Refused(kSimplePlain, 0x51, kClosed)},
         // All in turn, with a TLS handshake on the plain port in front.
         {as("localhost", plain, "alice", "wonderland", kTryAll),

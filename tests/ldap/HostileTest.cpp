@@ -2,11 +2,13 @@
 // What servers that send without end or measure cost the program that ships: its time, and its memory.
 #include "tests/ldap/LdapConsole.h"
 #include "tests/support/LdapPeer.h"
+#include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <regex>
 
 #include <sys/resource.h>
 
@@ -91,6 +93,7 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
         const char* what;
         Script script;
         const char* told;
+        TypedMethod method = kSimplePlain;
     };
     constexpr const char* kTooMuch =
         "(00000046)\nLDAP:GetChildNodes failed with 70, Results Too Large: the server "
@@ -101,6 +104,16 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
         {"an answer of 60 MB",
          AtBind([](Connection& peer) { peer.Send(std::string("\x30\x84\x03\xc0\x00\x00\x02\x01\x01", 9)); }),
          "failed (00000046)\nResults Too Large: the server sent a message of more than 16 MB\n"},
+        // An answer to each of the log-on's two requests.
+        {"messages without an operation",
+         [](Connection& peer)
+         {
+             peer.ReadRequest();
+             for (int i = 0; i < 2; ++i)
+                 peer.SendMessage(std::string("\x61\xa1\x0a", 3));
+             peer.ReadRequest();
+         },
+         "failed (00000054)\nDecoding Error: the server's answer is not an LDAP message\nEND TEST\n", kNtlm},
         {"entries", Entries([] { return Attributes(1); }, kForever), kTooMuch},
         {"large entries",
          Entries(
@@ -135,9 +148,8 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
         SCOPED_TRACE(test.what);
         const LdapPeer peer(test.script);
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_THAT(
-            RunLdapTest({"127.0.0.1", std::to_string(peer.Port()), "", "cn=any", "any", kSimplePlain}),
-            testing::HasSubstr(test.told));
+        EXPECT_THAT(RunLdapTest({"127.0.0.1", std::to_string(peer.Port()), "", "cn=any", "any", test.method}),
+                    testing::HasSubstr(test.told));
         const auto taken = std::chrono::steady_clock::now() - start;
         rusage largest{}; // of the programs that have ended
         getrusage(RUSAGE_CHILDREN, &largest);
@@ -149,6 +161,21 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
         std::printf("%s: %.1f s, %ld KiB\n", test.what, std::chrono::duration<double>(taken).count(),
                     largest.ru_maxrss);
     }
+}
+
+// The lines of a test count from its start: it begins two seconds and more after the program.
+TEST(LdapTest, CountsItsLinesFromItsStart)
+{
+    ProgramStart start;
+    start.arguments = {"-FTP_LOG=case"};
+    start.awaited = "Beginning upload";
+    start.input = Typed({"127.0.0.1", "9", "", "cn=any", "any", kSimplePlain});
+    start.input.emplace_back("Close");
+    const std::string console = ProgramFolder().Run(start).console;
+    std::smatch opening;
+    ASSERT_TRUE(std::regex_search(console, opening, std::regex("\\[(\\d+)ms\\] \n========= LDAP")))
+        << console;
+    EXPECT_LT(std::stoi(opening[1]), 2000) << console;
 }
 
 } // namespace

@@ -5,7 +5,11 @@
 #include "tests/support/LdapPeer.h"
 #include "tests/support/OwnNetwork.h"
 
+#include <winldap.h>
+
 #include <gtest/gtest.h>
+
+#include <dlfcn.h>
 
 namespace
 {
@@ -13,6 +17,33 @@ namespace
 using Connection = LdapPeer::Connection;
 using Script = std::function<void(Connection&)>;
 using Appends = std::vector<std::wstring>;
+
+// Of the test that runs; what is given back to the client stands among them.
+Appends* gAppends = nullptr;
+
+template <class Argument>
+ULONG GiveBack(const char* name, Argument argument, const wchar_t* note)
+{
+    if (note != nullptr)
+        gAppends->emplace_back(note);
+    return reinterpret_cast<ULONG (*)(Argument)>(dlsym(RTLD_NEXT, name))(argument);
+}
+
+} // namespace
+
+// In the place of the client's own, to which they lead.
+ULONG ldap_value_freeW(PWCHAR* values)
+{
+    return GiveBack("ldap_value_freeW", values, values == nullptr ? L"(no list is given back)" : nullptr);
+}
+
+ULONG ldap_msgfree(LDAPMessage* result)
+{
+    return GiveBack("wldap32_ldap_msgfree", result, L"(the result is given back)");
+}
+
+namespace
+{
 
 constexpr unsigned char kBindResponse = 0x61;
 constexpr unsigned char kSearchDone = 0x65;
@@ -27,6 +58,7 @@ Appends Tested(const wchar_t* server, unsigned port, eLDAPAuthMethod method)
     creds.mPort = port;
     creds.mAuthMethod = method;
     Appends appends;
+    gAppends = &appends;
     const LdapConsole append = [&appends](const wchar_t* text) { appends.emplace_back(text); };
     TestLdapServer(creds, append, [&append](LDAP* session) { WalkLdapTree(session, append); });
     return appends;
@@ -58,7 +90,8 @@ const std::wstring kChildren = L"ldap_search_s[Scope=one_level, filter=(objectCl
 
 Appends Found(const std::wstring& search, int objects)
 {
-    return {search, L"succeeded (00000000)\r\n", L"Got " + std::to_wstring(objects) + L" objects back\r\n"};
+    return {search, L"succeeded (00000000)\r\n", L"(the result is given back)",
+            L"Got " + std::to_wstring(objects) + L" objects back\r\n"};
 }
 
 // Answers a bind and then each search with what it finds and the code that ends it.
@@ -66,7 +99,12 @@ struct Answer
 {
     std::vector<std::vector<Connection::Attribute>> entries;
     unsigned char code = 0;
+    std::string odd{}; // an operation before them
 };
+
+// An entry whose one attribute has a name and nothing else.
+const std::string kValuesUnreadable =
+    BerElementOf(0x64, BerText("dc=odd") + BerElementOf(0x30, BerElementOf(0x30, BerText("dc"))));
 
 Script Searched(const std::vector<Answer>& answers)
 {
@@ -77,6 +115,8 @@ Script Searched(const std::vector<Answer>& answers)
         {
             if (!peer.ReadRequest())
                 return;
+            if (!answer.odd.empty())
+                peer.SendMessage(answer.odd);
             for (const auto& attributes : answer.entries)
                 peer.SendMessage(Connection::Entry("dc=any", attributes));
             peer.SendMessage(Connection::Result(kSearchDone, answer.code));
@@ -97,6 +137,10 @@ TEST(LdapTest, TellsEachStepOnItsOwn)
         {Searched({kContexts, {{{}, {}, {}}}}), kBound + Found(kRoot, 1) + Found(kChildren, 3)},
         // No context is known: the root is searched again. A result without entries is one message.
         {Searched({{{{{"dc", {"x"}}}}}, {}}), kBound + Found(kRoot, 1) + Found(kRoot, 1)},
+        {Searched({kContexts, {{}, 0, kValuesUnreadable}}),
+         kBound + Found(kRoot, 1) +
+             Appends{kChildren, L"succeeded (00000000)\r\n", L"(no list is given back)",
+                     L"(the result is given back)", L"Got 1 objects back\r\n"}},
         {Searched({{{}, 0x33}, kContexts}),
          kBound +
              Appends{kRoot, L"failed (00000033)\r\n", L"LDAP:GetChildNodes failed with 51, Busy at []\r\n"} +
