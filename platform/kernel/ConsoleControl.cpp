@@ -11,6 +11,7 @@
 #include <array>
 #include <atomic>
 #include <csignal>
+#include <system_error>
 #include <thread>
 
 using namespace platform;
@@ -58,7 +59,14 @@ void Watch(sigset_t signals, PHANDLER_ROUTINE handler)
     const DWORD event = std::ranges::find(kEndings, number, &Ending::mSignal)->mEvent;
     // From here on a second signal ends the process at once.
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
-    RunWithin(Clock::now() + kPatience, [handler, event] { return handler(event); });
+    try
+    {
+        RunWithin(Clock::now() + kPatience, [handler, event] { return handler(event); });
+    }
+    catch (const std::system_error&) // no thread is left
+    {
+        handler(event);
+    }
     CloseAllHandles();
     raise(number);
     _exit(128 + number); // the first process of a container survives its own signal
@@ -73,6 +81,15 @@ BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE handler, BOOL add)
         return FailWith(ERROR_INVALID_PARAMETER);
     const sigset_t signals = EndingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    std::thread(Watch, signals, handler).detach();
-    return TRUE;
+    try
+    {
+        std::thread(Watch, signals, handler).detach();
+        return TRUE;
+    }
+    catch (const std::system_error&) // no thread is left: they end the run as they always do
+    {
+        pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+        isWatching = false;
+        return FailWith(ERROR_NOT_ENOUGH_MEMORY);
+    }
 }

@@ -8,6 +8,7 @@
 #include "security.h"
 
 #include <pwd.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -73,13 +74,16 @@ HMODULE GetModuleHandleW(LPCWSTR)
 DWORD GetModuleFileNameW(HMODULE, LPWSTR buffer, DWORD size)
 {
     std::vector<char> bytes(PATH_MAX);
-    const ssize_t length = readlink("/proc/self/exe", bytes.data(), bytes.size());
-    if (length <= 0 || size == 0)
+    const ssize_t length = readlink("/proc/self/exe", bytes.data(), bytes.size() - 1);
+    // Where /proc is not mounted, the file that the kernel was told to start.
+    if ((length <= 0 &&
+         realpath(reinterpret_cast<const char*>(getauxval(AT_EXECFN)), bytes.data()) == nullptr) ||
+        size == 0)
     {
         FailWith(ERROR_INSUFFICIENT_BUFFER);
         return 0;
     }
-    const std::wstring path = text::FromUtf8({bytes.data(), static_cast<std::size_t>(length)});
+    const std::wstring path = text::FromUtf8(bytes.data());
     if (CopyOut(path, buffer, size))
     {
         SetLastError(ERROR_SUCCESS);

@@ -132,7 +132,7 @@ void TerminalInput::Append(std::string_view bytes)
 
 void TerminalInput::Read()
 {
-    std::array<char, 65536> buffer; // what a pipe holds
+    std::array<char, 4096> buffer;
     const ssize_t count = read(STDIN_FILENO, buffer.data(), buffer.size());
     if (count > 0)
     {
