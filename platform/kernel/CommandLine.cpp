@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/CommandLine.h"
 
-#include "platform/kernel/Text.h"
 #include "text/Unicode.h"
 #include "winbase.h"
 
@@ -31,17 +30,17 @@ std::wstring QuoteArgument(std::wstring argument)
     return argument.insert(start, 1, kQuote) + kQuote;
 }
 
-std::vector<std::wstring> OwnArguments()
+std::vector<std::wstring>& OwnArguments()
 {
-    const std::string bytes = ReadWholeFile("/proc/self/cmdline");
-    std::vector<std::wstring> arguments;
-    for (std::size_t at = 0; at < bytes.size();)
-    {
-        const std::size_t end = bytes.find('\0', at);
-        arguments.push_back(text::FromUtf8(std::string_view(bytes).substr(at, end - at)));
-        at = end == std::string::npos ? end : end + 1;
-    }
+    static std::vector<std::wstring> arguments;
     return arguments;
+}
+
+// The C library hands a program's arguments to the starts of its libraries, too.
+[[gnu::constructor]] void KeepArguments(int count, char** arguments)
+{
+    for (int i = 0; i < count; ++i)
+        OwnArguments().push_back(text::FromUtf8(arguments[i]));
 }
 
 bool IsBlank(wchar_t character)

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Whatever a directory server sends: a log-on and two searches end in their time and give what their contract
-// says. The session speaks through a pair of sockets; its clock goes on where it waits for a server that says
-// nothing more. The protection of a log-on is played: a token is its text after a byte.
+// says. The session speaks through a pair of sockets. The server says the next of its answers, which two
+// bytes of 0xff end, when nothing is left of the ones before; after the last one it closes, or stays, and the
+// clock goes on. The protection of a log-on is played: a token is its text after a byte.
 #include "platform/net/LdapGss.h"
 #include "tests/fuzz/Require.h"
 
@@ -25,7 +26,8 @@ constexpr long kNanoseconds = 1'000'000'000;
 
 int gServer = -1; // its socket
 bool gbServerStays = false;
-std::string_view gAnswers;
+std::string_view gAnswers;        // still to be said
+std::size_t gSize = 0;            // of all of them
 steady_clock::duration gWaited{}; // what the clock is ahead
 
 } // namespace
@@ -58,9 +60,6 @@ LdapFault ConnectTo(const LdapHost&, Deadline, int& socket)
     Require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, pair) == 0);
     socket = pair[0];
     gServer = pair[1];
-    Require(send(gServer, gAnswers.data(), gAnswers.size(), 0) == static_cast<ssize_t>(gAnswers.size()));
-    if (!gbServerStays)
-        shutdown(gServer, SHUT_WR);
     return {};
 }
 
@@ -69,6 +68,15 @@ bool WaitForSocket(int socket, short events, Deadline deadline)
     pollfd entry{socket, events, 0};
     if (poll(&entry, 1, 0) > 0)
         return true;
+    if (!gAnswers.empty() || !gbServerStays)
+    {
+        const std::string_view answer = gAnswers.substr(0, gAnswers.find("\xff\xff"));
+        Require(send(gServer, answer.data(), answer.size(), 0) == static_cast<ssize_t>(answer.size()));
+        gAnswers.remove_prefix(std::min(answer.size() + 2, gAnswers.size()));
+        if (gAnswers.empty() && !gbServerStays)
+            shutdown(gServer, SHUT_WR);
+        return true;
+    }
     gWaited += std::max(deadline - steady_clock::now(), steady_clock::duration(0));
     return false;
 }
@@ -163,7 +171,7 @@ void Search(LdapSession& session)
             for (const std::string_view value : values)
                 size += value.size();
         }
-        Require(size <= gAnswers.size());
+        Require(size <= gSize);
         LdapSession::FreePosition(position);
     }
 }
@@ -176,6 +184,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0 || size > kMostAnswers)
         return 0;
     gAnswers = TextOf(data + 1, size - 1);
+    gSize = gAnswers.size();
     gbServerStays = (data[0] & 4U) != 0;
     {
         LdapSession session({{"localhost", 389}}, false);
