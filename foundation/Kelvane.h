@@ -32,8 +32,8 @@ enum eConfigID : int
 {
     eConfigNone = 0,
 
-    // LogDirectory: where the log lies, for the whole life of the process; "Logs". A relative path starts in
-    // the program folder.
+    // LogDirectory: where the log lies, for the whole life of the process; "Logs", also where a link of
+    // another account stands in the path. A relative path starts in the program folder.
     eConfigLogDirectory = 337,
     // CustomerServiceText: how to reach the people who help; what GetCustServiceInfo gives.
     eConfigCustomerServiceText = 338,

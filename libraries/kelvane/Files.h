@@ -21,6 +21,10 @@ std::filesystem::path NativePath(std::wstring_view path);
 // `directory` as a full path with a separator at its end; a relative one lies in the program folder.
 ZTString FullDirectory(const ZTString& directory);
 
+// Whether a link that somebody else than root or this account has made stands in the path: it might lead
+// anywhere, also later.
+bool LeadsThroughForeignLink(const std::filesystem::path& path);
+
 // Makes the directory and those above it where they are missing. Others may not look into it.
 void MakePrivateDirectory(const std::filesystem::path& directory);
 

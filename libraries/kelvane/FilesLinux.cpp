@@ -153,6 +153,23 @@ ZTString FullDirectory(const ZTString& directory)
     return full;
 }
 
+bool LeadsThroughForeignLink(const std::filesystem::path& path)
+{
+    std::filesystem::path part;
+    for (const std::filesystem::path& name : path)
+    {
+        part /= name;
+        struct stat status
+        {
+        };
+        // Without a separator at the end, which would follow the link.
+        if (!name.empty() && lstat(part.c_str(), &status) == 0 && S_ISLNK(status.st_mode) &&
+            status.st_uid != 0 && status.st_uid != geteuid())
+            return true;
+    }
+    return false;
+}
+
 void MakePrivateDirectory(const std::filesystem::path& directory)
 {
     std::error_code ignored;

@@ -100,6 +100,12 @@ ZTString FullDirectory(const ZTString& directory)
     return full.c_str();
 }
 
+// Junctions are not looked for.
+bool LeadsThroughForeignLink(const std::filesystem::path&)
+{
+    return false;
+}
+
 // The access list is inherited from the directory above.
 void MakePrivateDirectory(const std::filesystem::path& directory)
 {

@@ -154,7 +154,13 @@ ZTString GetLogDirectory()
         // Reading a setting may log, which asks for the directory.
         lock.unlock();
         ZTString directory = GetConfigStr(gDirectorySetting, nullptr);
-        if (directory.IsEmpty())
+        const bool isForeign =
+            !directory.IsEmpty() && LeadsThroughForeignLink(NativePath(FullDirectory(directory).AsView()));
+        if (isForeign)
+            std::fprintf(stderr,
+                         "Tavo: the log directory %s is not used: another account has put a link there\n",
+                         Narrow(directory.AsView()).c_str());
+        if (directory.IsEmpty() || isForeign)
             directory = L"Logs";
         lock.lock();
         if (known.IsEmpty())

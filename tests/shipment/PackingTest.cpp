@@ -127,6 +127,23 @@ TEST_F(LogDirectory, ThatIsReadOnlyOrMissingGivesAnError)
     EXPECT_THAT(Verdicts(Ship(start)), ElementsAre(StartsWith("Failed to launch before FTP: [")));
 }
 
+// Else the account could have root pack and send any folder.
+TEST_F(LogDirectory, BehindALinkOfAnotherAccountIsNotUsed)
+{
+    const TestFolder theirs;
+    const TestFolder ours;
+    const fs::path link = theirs.Path() / "link";
+    ours.Write("secret", "secret");
+    fs::create_directory_symlink(ours.Path(), link);
+    ASSERT_EQ(lchown(link.c_str(), 1, 1), 0);
+    WriteFile(folder.Path() / "Tavo.settings.json", "{\"LogDirectory\": \"" + link.string() + "\"}");
+    const RealFtpServer server(kFtpUser, kFtpPassword);
+    EXPECT_THAT(Ship("case").errors, HasSubstr("the log directory " + link.string() + " is not used"));
+    const fs::path unpacked = Unpack(server.Directory() / "case.zip");
+    EXPECT_TRUE(fs::exists(unpacked / "Tavo.log"));
+    EXPECT_FALSE(fs::exists(unpacked / "secret"));
+}
+
 TEST_F(LogDirectory, ThatIsMissingIsMadeAnewByTheProgramsOwnLog)
 {
     const RealFtpServer server(kFtpUser, kFtpPassword);
