@@ -43,6 +43,17 @@ void ShipmentTest::ExpectOrderlyEnd(const ProgramOutcome& outcome) const
                           testing::AnyOf(testing::HasSubstr(".zip"), testing::HasSubstr("uploadIgnore")))));
 }
 
+std::string ShipmentTest::TlsSettings() const
+{
+    const std::string keys = (folder.Path() / "keys.pem").string();
+    const std::string command =
+        "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=server -keyout '" + keys + "' -out '" +
+        keys + ".crt' 2>/dev/null";
+    EXPECT_EQ(0, std::system(command.c_str()));
+    return "ssl_enable=YES\nforce_local_logins_ssl=YES\nforce_local_data_ssl=YES\nrsa_cert_file=" + keys +
+           ".crt\nrsa_private_key_file=" + keys + "\n";
+}
+
 void ShipmentTest::ReplaceArchiver(const std::string& script) const
 {
     const fs::path archiver = folder.Path() / "7za.exe";

@@ -48,6 +48,9 @@ protected:
     ProgramOutcome Ship(const ProgramStart& start) const;
     ProgramOutcome Ship(const std::string& name) const { return Ship(Unattended(name)); }
 
+    // For a real server that demands TLS, with a key of its own.
+    std::string TlsSettings() const;
+
     // Puts a shell script in the place of the archiver; "$REAL" is the real one.
     void ReplaceArchiver(const std::string& script) const;
     // Gives the folder to the user without rights, with `mode` for `path`.

@@ -196,15 +196,7 @@ TEST_F(WholeShipment, OddArchiveNamesArriveWithUnderscoresWhereNeeded)
 
 TEST_F(WholeShipment, ARealServersTlsIsUsed)
 {
-    const fs::path keys = folder.Path() / "keys.pem";
-    const std::string command =
-        "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=server -keyout '" + keys.string() +
-        "' -out '" + keys.string() + ".crt' 2>/dev/null";
-    ASSERT_EQ(0, std::system(command.c_str()));
-    const RealFtpServer server(
-        kFtpUser, kFtpPassword,
-        "ssl_enable=YES\nforce_local_logins_ssl=YES\nforce_local_data_ssl=YES\nrsa_cert_file=" +
-            keys.string() + ".crt\nrsa_private_key_file=" + keys.string() + "\n");
+    const RealFtpServer server(kFtpUser, kFtpPassword, TlsSettings());
     WriteFile(Logs() / "fresh.log", RandomBytes(3000000));
     const ProgramOutcome outcome = Ship("secure");
     EXPECT_THAT(outcome.console, testing::HasSubstr("The connection is encrypted"));

@@ -2,6 +2,7 @@
 // The Windows program ships to the same server. Its network is that of the Wine server, so the prefix is
 // one of the test's own.
 #include "tests/shipment/ShipmentRun.h"
+#include "tests/support/ScriptedFtpServer.h"
 
 #include <gmock/gmock.h>
 
@@ -10,18 +11,48 @@
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-using WineShipment = ShipmentTest;
+namespace
+{
+
+const fs::path kBuild = fs::path(TAVO_SOURCE_DIR) / "build-windows";
+
+class WineShipment : public ShipmentTest
+{
+protected:
+    void SetUp() override
+    {
+        if (std::string(TAVO_TEST_BUILD) != "release" || !fs::exists(kBuild / "tests" / "show_console.exe"))
+            GTEST_SKIP() << "the Windows program is not built";
+        ShipmentTest::SetUp();
+    }
+
+    // Runs a shell's commands, in which $RUN runs a Windows program in the prefix; its exit code.
+    static int Run(const std::string& commands)
+    {
+        const char* display = std::getenv("TAVO_WINE_DISPLAY");
+        // A made prefix shares its files with the new one: none of them is written in place.
+        return std::system(
+            ("made='" + (kBuild / "wine").string() + "'; export WINEPREFIX='" +
+             (kBuild / "wine-shipment").string() + "' LC_ALL=C.UTF-8; " +
+             (display == nullptr ? "" : "export DISPLAY=" + std::string(display) + "; ") +
+             "[ -e \"$WINEPREFIX\" ] || [ ! -f \"$made/.made\" ] || cp -al \"$made\" \"$WINEPREFIX\"; RUN='" +
+             TAVO_SOURCE_DIR "/scripts/wine-run'; " + commands + "; code=$?; wineserver -k -w; exit $code")
+                .c_str());
+    }
+};
+
+std::ptrdiff_t Count(const std::string& text, const std::string& part)
+{
+    std::ptrdiff_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
+} // namespace
 
 TEST_F(WineShipment, BringsTheFreshFilesAndSaysWhatItDoes)
 {
-    const fs::path source = TAVO_SOURCE_DIR;
-    const fs::path build = source / "build-windows";
-    if (std::string(TAVO_TEST_BUILD) != "release" || !fs::exists(build / "tests" / "show_console.exe"))
-        GTEST_SKIP() << "the Windows program is not built";
-    if (!fs::exists(build / "bin" / "7za.exe"))
-        GTEST_SKIP() << "there is no archiver for Windows";
-    const char* display = std::getenv("TAVO_WINE_DISPLAY");
-
     const std::string fresh = RandomBytes(5000000);
     const std::string cyrillic = "\xD0\xBD\xD0\xBE\xD0\xB2.log";
     WriteFile(Logs() / "sub folder" / "fresh.log", fresh);
@@ -32,17 +63,10 @@ TEST_F(WineShipment, BringsTheFreshFilesAndSaysWhatItDoes)
         MakeOld(Logs() / old);
     }
 
-    const RealFtpServer server(kFtpUser, kFtpPassword);
+    const RealFtpServer server(kFtpUser, kFtpPassword, TlsSettings());
     const fs::path shown = folder.Path() / "shown";
-    // A made prefix shares its files with the new one: none of them is written in place.
-    const std::string command =
-        "made='" + (build / "wine").string() + "'; export WINEPREFIX='" + (build / "wine-shipment").string() +
-        "' LC_ALL=C.UTF-8; " + (display == nullptr ? "" : "export DISPLAY=" + std::string(display) + "; ") +
-        "[ -e \"$WINEPREFIX\" ] || [ ! -f \"$made/.made\" ] || cp -al \"$made\" \"$WINEPREFIX\"; '" +
-        (source / "scripts" / "wine-run").string() + "' '" + (build / "tests" / "show_console.exe").string() +
-        "' --logs '" + Logs().string() + "' '-FTP_LOG=wine case' </dev/null >'" + shown.string() +
-        "'; code=$?; wineserver -k -w; exit $code";
-    EXPECT_EQ(0, std::system(command.c_str()));
+    EXPECT_EQ(0, Run("$RUN '" + (kBuild / "tests" / "show_console.exe").string() + "' --logs '" +
+                     Logs().string() + "' '-FTP_LOG=wine case' </dev/null >'" + shown.string() + "'"));
 
     ProgramOutcome outcome;
     outcome.console = ReadFile(shown);
@@ -50,15 +74,38 @@ TEST_F(WineShipment, BringsTheFreshFilesAndSaysWhatItDoes)
     EXPECT_THAT(Verdicts(outcome), testing::ElementsAre("Compression finished.  Exit Code: 0", kSent))
         << outcome.console;
     for (const std::string& text : {"FTP_LOG: Ignoring:\nold " + cyrillic + "\nold.log\n",
-                                    std::string("FTP_LOG: 226 Transfer complete.\n"),
+                                    std::string("FTP_LOG: The connection is encrypted"),
                                     std::string("FTP_LOG: 100% done, "), std::string("left: old.log\n")})
         EXPECT_THAT(outcome.console, HasSubstr(text));
     for (const char* text : {"left: uploadIgnoreList.txt", "left: wine case.zip"})
         EXPECT_THAT(outcome.console, testing::Not(HasSubstr(text)));
+
+    for (const char* once : {"FTP_LOG: 150 ", "FTP_LOG: 226 Transfer complete.\n"})
+        EXPECT_EQ(Count(outcome.console, once), 1) << once;
 
     const fs::path unpacked = Unpack(server.Directory() / "wine case.zip");
     EXPECT_TRUE(fresh == ReadFile(unpacked / "sub folder" / "fresh.log"));
     EXPECT_EQ("fresh", ReadFile(unpacked / "sub folder" / cyrillic));
     EXPECT_FALSE(fs::exists(unpacked / "old.log"));
     EXPECT_FALSE(fs::exists(unpacked / ("old " + cyrillic)));
+}
+
+TEST_F(WineShipment, EndsInOrderWithTheSession)
+{
+    const fs::path windows = folder.Path() / "windows";
+    fs::copy(kBuild / "bin", windows, fs::copy_options::recursive);
+    const fs::path logs = windows / "Logs";
+    fs::remove_all(logs);
+    WriteFile(logs / "fresh.log", RandomBytes(3000000));
+    ScriptedFtpServer server({.bytesPerSecond = 100000}, kFtpPort);
+    // The end of the session comes while the archive is sent.
+    Run("$RUN '" + (windows / "Tavo.exe").string() + "' -FTP_LOG=case </dev/null & cd '" + logs.string() +
+        "'; for i in $(seq 300); do [ ! -s case.zip ] || break; sleep 0.1; done; sleep 5; [ -e case.zip ] && "
+        "$RUN wineboot --end-session; wait");
+    EXPECT_GT(server.Uploaded().size(), 0U);
+    std::vector<std::string> left;
+    for (const fs::directory_entry& entry : fs::directory_iterator(logs))
+        left.push_back(entry.path().filename().string());
+    EXPECT_THAT(left, testing::UnorderedElementsAre("Tavo.log", "fresh.log"));
+    EXPECT_THAT(ReadFile(logs / "Tavo.log"), HasSubstr(": ended with the session"));
 }
