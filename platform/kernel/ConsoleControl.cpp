@@ -61,7 +61,8 @@ void Watch(sigset_t signals, PHANDLER_ROUTINE handler)
     pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
     try
     {
-        RunWithin(Clock::now() + kPatience, [handler, event] { return handler(event); });
+        RunWithin(
+            Clock::now() + kPatience, [handler, event] { return handler(event); });
     }
     catch (const std::system_error&) // no thread is left
     {
