@@ -12,10 +12,8 @@
 namespace platform
 {
 
-inline void FreeBerElement(BerElement* element)
-{
-    ber_free(element, 0);
-}
+// Not defined here: where the Windows name ber_free is known, it would be that one.
+void FreeBerElement(BerElement* element);
 
 class BerReader
 {

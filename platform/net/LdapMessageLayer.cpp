@@ -83,6 +83,11 @@ std::optional<LdapFault> ReadDisconnection(std::string_view message)
 
 } // namespace
 
+void FreeBerElement(BerElement* element)
+{
+    ber_free(element, 0);
+}
+
 void LdapMessageLayer::Attach(Sockbuf* buffer)
 {
     LdapLayer::Attach(buffer, kLevel);
