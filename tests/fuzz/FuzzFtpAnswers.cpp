@@ -4,6 +4,7 @@
 #include "libraries/ipworks/HarmlessText.h"
 #include "libraries/ipworks/Upload.h"
 #include "tests/fuzz/Require.h"
+#include "text/Unicode.h"
 
 #include <algorithm>
 #include <string>
@@ -17,7 +18,8 @@ constexpr int kMostLines = 101;     // of one answer
 
 void RequireHarmless(std::string_view text)
 {
-    Require(text.size() <= kLongestText + kCutMark);
+    const std::size_t characters = text::FromUtf8(text).size();
+    Require(characters <= kLongestText + kCutMark);
     Require(text.find(kSecret) == std::string_view::npos);
     for (std::size_t i = 0; i < text.size(); ++i)
     {
@@ -27,7 +29,7 @@ void RequireHarmless(std::string_view text)
         Require(byte != 0xC2 || next >= 0xA0); // the C1 controls
     }
     // What is harmless stays as it is.
-    if (text.size() <= kLongestText)
+    if (characters <= kLongestText)
         Require(MakeHarmless(text, kSecret) == text);
 }
 
