@@ -72,6 +72,13 @@ void CutToLength(std::wstring& name)
     }
 }
 
+// Cuts the name to its length, and off what it may not end in.
+void Fit(std::wstring& name)
+{
+    CutToLength(name);
+    name.erase(name.find_last_not_of(kForbiddenAtEnd) + 1);
+}
+
 } // namespace
 
 void RemoveIllegalFileSystemCharacters(ZTString& name, const wchar_t* replacement)
@@ -85,10 +92,11 @@ void RemoveIllegalFileSystemCharacters(ZTString& name, const wchar_t* replacemen
     for (std::size_t count = 0; count < trailing; ++count)
         result += substitute;
 
-    if (IsReserved(result))
-        result.insert(0, substitute.empty() ? L"_" : substitute);
-    CutToLength(result);
-    result.erase(result.find_last_not_of(kForbiddenAtEnd) + 1);
+    Fit(result);
+    // A substitute may itself make a device's name; "_" never does.
+    for (const std::wstring_view before : {std::wstring_view(substitute), std::wstring_view(L"_")})
+        if (IsReserved(result))
+            Fit(result.insert(0, before));
     if (result.empty())
         result = L"_";
     name = result.c_str();

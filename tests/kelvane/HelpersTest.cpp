@@ -52,6 +52,8 @@ TEST(FileNames, HoldOnlyWhatBothSystemsAllow)
         {Repeated("\xF0\x9F\x98\x80", 70), Repeated("\xF0\x9F\x98\x80", 62), "_",
          "nor half of an astral one"},
         {std::string(250, 'x') + " y", std::string(250, 'x'), "_", "the cut leaves no blank at the end"},
+        {"con" + std::string(250, ' ') + "x", "_con", "_", "nor a device"},
+        {"?", "_con .xcon .x", "con .x", "what stands for a character makes a device"},
     };
     for (const auto& [text, expected, replacement, why] : rows)
     {
