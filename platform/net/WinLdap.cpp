@@ -37,7 +37,7 @@ ULONG WrongParameter(const char* cause)
     return RememberFault({eLdapParameterError, cause});
 }
 
-// The code and cause of a call. A system that has no more threads or memory is no reason to end the program.
+// The code and cause of a call. Where the system has no more threads or memory, the program goes on.
 template <typename Call>
 ULONG Attempt(Call call)
 {

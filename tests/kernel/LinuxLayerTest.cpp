@@ -35,22 +35,31 @@ TEST(HandleOnLinux, IsNeverUsedAgainOnceClosed)
     EXPECT_FALSE(FindClose(find));
 }
 
+struct OpenToEveryUser
+{
+    OpenToEveryUser()
+    {
+        InitializeSecurityDescriptor(&mDescriptor, SECURITY_DESCRIPTOR_REVISION);
+        SetSecurityDescriptorDacl(&mDescriptor, TRUE, nullptr, FALSE);
+    }
+
+    SECURITY_DESCRIPTOR mDescriptor = {};
+    SECURITY_ATTRIBUTES mAttributes = {sizeof mAttributes, &mDescriptor, TRUE};
+};
+
 TEST(NamedEventOfUsers, NullAccessListOpensItToEveryUser)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can become another user";
-    SECURITY_DESCRIPTOR descriptor = {};
-    InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
-    SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
-    SECURITY_ATTRIBUTES attributes = {sizeof attributes, &descriptor, TRUE};
+    OpenToEveryUser open;
     const AgentFolder folder;
     const std::wstring name = UniqueName(L"users");
     const auto openAsNobody = [&] { return folder.Run({"open:" + text::ToUtf8(name)}, true).answers; };
     const mode_t old = umask(0077); // has no say in it
-    const HANDLE open = CreateEventW(&attributes, FALSE, FALSE, (L"Global\\" + name).c_str());
+    const HANDLE event = CreateEventW(&open.mAttributes, FALSE, FALSE, (L"Global\\" + name).c_str());
     umask(old);
     EXPECT_EQ(openAsNobody(), std::to_string(ERROR_ALREADY_EXISTS) + "\n");
-    CloseHandle(open);
+    CloseHandle(event);
     EXPECT_EQ(openAsNobody(), "0\n") << "gone with its file, whoever made that";
 
     const HANDLE closed = CreateEventW(nullptr, FALSE, FALSE, name.c_str());
@@ -63,12 +72,9 @@ TEST(NamedEventOfUsers, NobodyElseCanTakeItAwayOrMakeItFail)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can become another user";
-    SECURITY_DESCRIPTOR descriptor = {};
-    InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
-    SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
-    SECURITY_ATTRIBUTES attributes = {sizeof attributes, &descriptor, TRUE};
+    OpenToEveryUser open;
     const std::wstring name = UniqueName(L"attacked");
-    const HANDLE event = CreateEventW(&attributes, TRUE, FALSE, name.c_str());
+    const HANDLE event = CreateEventW(&open.mAttributes, TRUE, FALSE, name.c_str());
     SetEvent(event);
     const ChildProcess attacker(L"setpriv --reuid 65534 --regid 65534 --clear-groups sh -c "
                                 L"\"for i in $(ipcs -s | awk '/^0x/{print $2}'); do ipcrm -s $i; done; "
@@ -84,7 +90,7 @@ TEST(NamedEventOfUsers, NobodyElseCanTakeItAwayOrMakeItFail)
     {
         const bool isOwn = unshare(CLONE_NEWIPC) == 0;
         std::ofstream("/proc/sys/kernel/sem") << "32000 1024000000 500 0"; // no set may be made
-        const bool isMade = CreateEventW(&attributes, TRUE, FALSE, name.c_str()) != nullptr;
+        const bool isMade = CreateEventW(&open.mAttributes, TRUE, FALSE, name.c_str()) != nullptr;
         _exit(isOwn && !isMade && GetLastError() == ERROR_NOT_ENOUGH_MEMORY ? 0 : 1);
     }
     int status = 0;
