@@ -99,15 +99,6 @@ TEST(NamedEvent, IsOneObjectUntilItsLastHandleIsClosed)
     CloseHandle(fresh);
 }
 
-TEST(NamedEvent, NamesDifferByCaseAndHoldNoOtherBackslash)
-{
-    const HANDLE lower = Create(UniqueName(L"case"));
-    EXPECT_FALSE(IsHeld(UniqueName(L"CASE")));
-    CloseHandle(lower);
-    EXPECT_EQ(Create(L"Other\\" + UniqueName(L"x")), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
-}
-
 TEST(NamedEvent, NameIsGoneWhenItsLastHolderIs)
 {
     const AgentFolder folder;

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
-#define SECURITY_WIN32
 #include <windows.h>
-
-#include <security.h>
 
 #include <gtest/gtest.h>
 
@@ -12,11 +9,9 @@
 namespace
 {
 
-using Buffer = std::array<wchar_t, 1024>;
-
 std::wstring MessageOf(DWORD code)
 {
-    Buffer text = {};
+    std::array<wchar_t, 1024> text = {};
     const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
                                         code, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
     return {text.data(), length};
@@ -40,25 +35,4 @@ TEST(SystemMessage, IsTheSystemsOwnTextWithALineEndOrNone)
     EXPECT_EQ(MessageOf(5), L"Access is denied.\r\n");
     EXPECT_EQ(MessageOf(112), L"There is not enough space on the disk.\r\n");
     EXPECT_EQ(MessageOf(267), L"The directory name is invalid.\r\n");
-}
-
-TEST(SystemName, SizesCountTheTerminatorOnTheWayInAndByTheCallOnTheWayOut)
-{
-    Buffer name = {};
-    DWORD size = static_cast<DWORD>(name.size());
-    EXPECT_TRUE(GetComputerNameW(name.data(), &size));
-    EXPECT_EQ(size, std::wcslen(name.data()));
-    EXPECT_GT(size, 0U);
-    DWORD small = size; // no room for the terminator
-    EXPECT_FALSE(GetComputerNameW(name.data(), &small));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_BUFFER_OVERFLOW});
-    EXPECT_EQ(small, size + 1);
-
-    size = static_cast<DWORD>(name.size());
-    EXPECT_TRUE(GetUserNameW(name.data(), &size));
-    EXPECT_EQ(size, std::wcslen(name.data()) + 1);
-    small = size - 1;
-    EXPECT_FALSE(GetUserNameW(name.data(), &small));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
-    EXPECT_EQ(small, size);
 }
