@@ -57,9 +57,9 @@ std::string CountryOf(const char* locale)
     return country.data();
 }
 
-// Some languages have their number by the script that goes without saying: sr_RS is sr_Cyrl_RS there. A
-// number that stands for the language alone, as ICU gives it for en_DK, does not count: no user's default has
-// it.
+// Some languages have their number by the script that goes without saying: az_AZ is az_Latn_AZ there. A
+// number that stands for the language alone, as ICU gives it for en_DK and syr, does not count: no user's
+// default has it.
 LCID NumberOf(const std::string& locale)
 {
     std::array<char, ULOC_FULLNAME_CAPACITY> full = {}; // the last one of each stays 0
@@ -74,7 +74,8 @@ LCID NumberOf(const std::string& locale)
         error = U_ZERO_ERROR;
         uloc_getLocaleForLCID(id, numbered.data(), numbered.size() - 1, &error);
     }
-    return U_SUCCESS(error) && CountryOf(numbered.data()) == CountryOf(locale.c_str()) ? id : 0;
+    const std::string country = CountryOf(numbered.data());
+    return U_SUCCESS(error) && !country.empty() && country == CountryOf(locale.c_str()) ? id : 0;
 }
 
 bool IsStandardC(std::string_view base)
@@ -82,23 +83,28 @@ bool IsStandardC(std::string_view base)
     return base.empty() || base == "C" || base == "POSIX";
 }
 
+std::string IcuLocale(std::string_view name)
+{
+    std::string base(name.substr(0, name.find_first_of(".@")));
+    const std::string_view modifier = PartAfter(name, '@');
+    if (base.starts_with("tl_"))
+        base.replace(0, 2, "fil");                  // the C library's name of Filipino
+    const bool isSerbian = base.starts_with("sr_"); // in Cyrillic there wherever it is spoken
+    const char* script = modifier == "latin" || modifier == "iqtelif"                ? "_Latn"
+                         : modifier == "cyrillic" || (isSerbian && modifier.empty()) ? "_Cyrl"
+                         : modifier == "devanagari"                                  ? "_Deva"
+                                                                                     : "";
+    base.insert(std::min(base.find('_'), base.size()), script);
+    return base + (modifier == "valencia" ? "_VALENCIA" : "");
+}
+
 } // namespace
 
 LCID platform::LcidOfLocale(std::string_view name)
 {
-    std::string base(name.substr(0, name.find_first_of(".@")));
-    if (IsStandardC(base))
+    if (IsStandardC(name.substr(0, name.find_first_of(".@"))))
         return kEnglishUnitedStates;
-    const std::string_view modifier = PartAfter(name, '@');
-    if (base.starts_with("tl_"))
-        base.replace(0, 2, "fil"); // the C library's name of Filipino
-    const char* script = modifier == "latin"        ? "_Latn"
-                         : modifier == "cyrillic"   ? "_Cyrl"
-                         : modifier == "devanagari" ? "_Deva"
-                                                    : "";
-    base.insert(std::min(base.find('_'), base.size()), script);
-    base += modifier == "valencia" ? "_VALENCIA" : "";
-    const LCID id = NumberOf(base);
+    const LCID id = NumberOf(IcuLocale(name));
     return id == 0 ? LOCALE_CUSTOM_DEFAULT : id;
 }
 
@@ -147,7 +153,7 @@ std::string platform::LocaleWithoutNumber()
     const std::string system = SystemLocale();
     if (isWithout(user) && isWithout(system) && user != system)
         return {};
-    return isWithout(user) ? user : isWithout(system) ? system : std::string();
+    return IcuLocale(isWithout(user) ? user : isWithout(system) ? system : std::string());
 }
 
 LCID GetUserDefaultLCID()

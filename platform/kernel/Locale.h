@@ -18,8 +18,8 @@ PLATFORM_EXPORT LCID LcidOfLocale(std::string_view name);
 // The locale that the lines of a locale.conf(5) set: LC_ALL, LC_NUMERIC or LANG, the first that is there.
 PLATFORM_EXPORT std::string LocaleOfFile(std::string_view content);
 
-// The name that LOCALE_CUSTOM_DEFAULT stands for, the user's default or the system's; empty when neither has
-// that number, and when both have and differ.
+// What LOCALE_CUSTOM_DEFAULT stands for, as ICU names it, the user's default or the system's; empty when
+// neither has that number, and when both have and differ.
 std::string LocaleWithoutNumber();
 
 // Name of the user's character set, as ICU takes it: the one in the locale's name, also where the system

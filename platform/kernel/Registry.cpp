@@ -41,7 +41,7 @@ std::wstring LocaleText(DWORD id)
     if (id == LOCALE_CUSTOM_DEFAULT)
     {
         const std::string name = LocaleWithoutNumber();
-        return name.empty() ? std::wstring() : LocaleText(name.substr(0, name.find_first_of(".@")).c_str());
+        return name.empty() ? std::wstring() : LocaleText(name.c_str());
     }
     std::array<char, ULOC_FULLNAME_CAPACITY> locale = {};
     UErrorCode error = U_ZERO_ERROR;
@@ -50,7 +50,13 @@ std::wstring LocaleText(DWORD id)
         return {};
     const std::string name = locale.data();
     const bool isChinese = name.starts_with("zh_Han"); // Hans, Hant
-    return LocaleText(isChinese ? ("zh" + name.substr(7)).c_str() : name.c_str());
+    std::wstring text = LocaleText(isChinese ? ("zh" + name.substr(7)).c_str() : name.c_str());
+    // The published tags have Windows' own names of these two languages.
+    if (text.starts_with(L"qu-"))
+        text.insert(2, L"z");
+    if (text.starts_with(L"ckb-"))
+        text.replace(0, 3, L"ku");
+    return text;
 }
 
 // The text of a value by its name, the locale's number as "%04X" writes it.

@@ -109,6 +109,7 @@ TEST(NumberFormat, IsTheUsersOwn)
         {"C", std::nan(""), L"nan"},
         {"C", -HUGE_VAL, L"-inf"},
         {"de_DE.UTF-8", 1234567.25, L"1234567,25"},
+        {"fa_IR.UTF-8", 1.2, L"1.2"}, // not in its own digits
         {"xx_XX.UTF-8", 1.2, L"1.2"},
         {endless.c_str(), 1.2, L"1.2"},
     };

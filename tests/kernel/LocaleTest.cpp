@@ -40,6 +40,9 @@ TEST(Locale, HasTheNumberThatWindowsGivesIt)
         {"ca_ES@valencia", 0x0803},
         {"ks_IN@devanagari", 0x0860},
         {"tl_PH", 0x0464},
+        {"sr_ME", 0x301A},
+        {"tt_RU@iqtelif", LOCALE_CUSTOM_DEFAULT}, // Windows has it in Cyrillic alone
+        {"syr", LOCALE_CUSTOM_DEFAULT},
         {kLong.c_str(), LOCALE_CUSTOM_DEFAULT},
     };
     for (const Row& row : rows)
@@ -70,7 +73,7 @@ TEST(Locale, SystemsIsReadFromItsFile)
 // Wine has the key without values.
 TEST(Locale, RegistryNamesItByItsShortTagWithTheRegistrysSizesAndErrors)
 {
-    const Variable lang("LC_ALL", "en_DK.UTF-8");
+    const Variable lang("LC_ALL", "be_BY.UTF-8@latin");
     HKEY key = nullptr;
     EXPECT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Other", &key), ERROR_FILE_NOT_FOUND);
     ASSERT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, L"software\\classes\\MIME\\Database\\Rfc1766", &key),
@@ -87,7 +90,9 @@ TEST(Locale, RegistryNamesItByItsShortTagWithTheRegistrysSizesAndErrors)
     const Row rows[] = {
         {L"0409", L"en-us;English (United States)"},
         {L"281A", L"sr-cyrl-rs;Serbian (Cyrillic, Serbia)"},
-        {L"0C00", L"en-dk;English (Denmark)"},
+        {L"0C00", L"be-latn-by;Belarusian (Latin, Belarus)"},
+        {L"0C6B", L"quz-pe;Quechua (Peru)"},
+        {L"0492", L"ku-arab-iq;Central Kurdish (Arabic, Iraq)"},
         {L"0804", L"zh-cn;Chinese (China)"},
         {L"241A", L"sr-latn-rs;Serbian (Latin, Serbia)"},
         {L"241a", L"sr-latn-rs;Serbian (Latin, Serbia)"},
