@@ -4,6 +4,7 @@
 #include "foundation/Kelvane.h"
 
 #include <chrono>
+#include <compare>
 #include <utility>
 
 namespace
@@ -11,7 +12,16 @@ namespace
 
 using namespace std::chrono;
 
-sys_days DateOf(const SYSTEMTIME& rule, int year)
+// 0 where the rule is the year's edge, by which Windows marks that one of the year's halves is missing.
+struct Day
+{
+    int month = 0;
+    int day = 0;
+
+    auto operator<=>(const Day&) const = default;
+};
+
+Day DayOf(const SYSTEMTIME& rule, int year)
 {
     const auto of = std::chrono::year(year) / static_cast<int>(rule.wMonth);
     sys_days date;
@@ -26,9 +36,14 @@ sys_days DateOf(const SYSTEMTIME& rule, int year)
         date = rule.wDay == kLastWeek ? sys_days(of / day[last]) : sys_days(of / day[rule.wDay]);
     }
     // Midnight at a day's end is kept as its last millisecond.
-    const bool midnight =
+    const bool dayEnds =
         rule.wHour == 23 && rule.wMinute == 59 && rule.wSecond == 59 && rule.wMilliseconds == 999;
-    return midnight ? date + days(1) : date;
+    const bool dayBegins =
+        rule.wHour == 0 && rule.wMinute == 0 && rule.wSecond == 0 && rule.wMilliseconds == 0;
+    const year_month_day fields(dayEnds ? date + days(1) : date);
+    const Day found = {static_cast<int>(static_cast<unsigned>(fields.month())),
+                       static_cast<int>(static_cast<unsigned>(fields.day()))};
+    return (dayEnds || dayBegins) && found == Day{1, 1} ? Day{} : found;
 }
 
 } // namespace
@@ -41,14 +56,12 @@ void GetTimeZoneTransitionDates(int year, int& month1, int& day1, int& month2, i
         !GetTimeZoneInformationForYear(static_cast<USHORT>(year), nullptr, &zone) ||
         zone.StandardDate.wMonth == 0 || zone.DaylightDate.wMonth == 0)
         return;
-    sys_days first = DateOf(zone.DaylightDate, year);
-    sys_days second = DateOf(zone.StandardDate, year);
-    if (second < first)
+    Day first = DayOf(zone.DaylightDate, year);
+    Day second = DayOf(zone.StandardDate, year);
+    if (first == Day{} || (second != Day{} && second < first))
         std::swap(first, second);
-    const year_month_day from(first);
-    const year_month_day to(second);
-    month1 = static_cast<int>(static_cast<unsigned>(from.month()));
-    day1 = static_cast<int>(static_cast<unsigned>(from.day()));
-    month2 = static_cast<int>(static_cast<unsigned>(to.month()));
-    day2 = static_cast<int>(static_cast<unsigned>(to.day()));
+    month1 = first.month;
+    day1 = first.day;
+    month2 = second.month;
+    day2 = second.day;
 }
