@@ -158,28 +158,23 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
 {
     // An unattended shipment that is under way elsewhere.
     const HANDLE other = CreateEventW(nullptr, FALSE, FALSE, L"Global\\Tavo_FTP");
-    const struct
-    {
-        const wchar_t* commandLine;
-        bool clicks;
-        bool starts;
-        INT_PTR result; // 1: the dialog has ended itself
-    } rows[] = {
+    // Whether the button is clicked, whether a shipment starts, and 1 where the dialog ends itself.
+    const std::tuple<const wchar_t*, bool, bool, INT_PTR> rows[] = {
         {L"T", false, false, kEnded},
         {L"T", true, true, kEnded},
         {L"T -FTP_LOG=x", false, true, kEnded},
         {L"T -FTP_LOG -AUTOCLOSE", false, false, kEnded},
         {L"T -FTP_LOG=x -AUTOCLOSE=yes", false, false, 1},
     };
-    for (const auto& row : rows)
+    for (const auto& [commandLine, clicks, starts, result] : rows)
     {
-        gCmdLineParser.Parse(row.commandLine);
+        gCmdLineParser.Parse(commandLine);
         const OpenConsole console(
-            [&row](OpenConsole& open)
+            [&](OpenConsole& open)
             {
-                if (row.clicks)
+                if (clicks)
                     SendMessageW(open.m_hWnd, WM_COMMAND, IDC_FTP_LOGS, 0);
-                EXPECT_EQ(IsEnabled(::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS)), !row.starts) << row.commandLine;
+                EXPECT_EQ(IsEnabled(::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS)), !starts) << commandLine;
                 MSG message;
                 int posted = 0;
                 // Taken away here: no shipment is to run.
@@ -188,12 +183,12 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
                         ++posted;
                     else
                         DispatchMessageW(&message);
-                EXPECT_EQ(posted, row.starts ? 1 : 0) << row.commandLine;
+                EXPECT_EQ(posted, starts ? 1 : 0) << commandLine;
                 EXPECT_EQ(open.Written(), L"");
-                if (row.result == kEnded)
+                if (result == kEnded)
                     open.EndDialog(kEnded);
             });
-        EXPECT_EQ(console.Result(), row.result) << row.commandLine;
+        EXPECT_EQ(console.Result(), result) << commandLine;
     }
     gCmdLineParser.Parse(L"T");
     CloseHandle(other);

@@ -118,25 +118,17 @@ TEST(MacSurvey, TellsTheSizeThatTheListNeeds)
 
 TEST(FormatToBuffer, FillsPlaceholdersAndCutsAtTheRoom)
 {
-    struct Case
-    {
-        const wchar_t* format;
-        PlaceholderValues values;
-        int size;
-        int result;
-        const wchar_t* text;
-    };
-    const Case kCases[] = {
+    const std::tuple<const wchar_t*, PlaceholderValues, int, int, const wchar_t*> kCases[] = {
         {L"{0:02X}", {10}, 5, 2, L"0A"},   {L"{}-{}", {1, 2}, 10, 3, L"1-2"},
         {L"{1}{}", {1, 2}, 10, 2, L"22"}, // the running index counts the placeholders closed so far
         {L"a{1:u}b", {1}, 10, 4, L"a@@@"}, {L"abcdef", {}, 4, 3, L"abc"},
         {L"abc", {}, 4, 3, L"abc"},        {L"", {}, 1, 0, L""},
     };
-    for (const Case& test : kCases)
+    for (const auto& [format, values, size, result, text] : kCases)
     {
         wchar_t buffer[16] = L"***************";
-        EXPECT_EQ(FormatToBuffer(test.format, buffer, test.size, test.values), test.result) << test.format;
-        EXPECT_STREQ(buffer, test.text) << test.format;
+        EXPECT_EQ(FormatToBuffer(format, buffer, size, values), result) << format;
+        EXPECT_STREQ(buffer, text) << format;
     }
     wchar_t small[4];
     EXPECT_EQ(FormatToBuffer(L"{0:s}", small, 4, {L"too long"}), -1);

@@ -9,11 +9,7 @@
 TEST(DateFormat, ShowsTheLocalDateOrWhyItCannot)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    const struct
-    {
-        DateValue value;
-        const wchar_t* expected;
-    } kCases[] = {
+    const std::pair<DateValue, const wchar_t*> kCases[] = {
         {{}, L""},
         {{5.0, eDateNull}, L""},
         {DateValue{99.999, eDateValid}, L"[bad date value - 99.999000]"},
@@ -23,8 +19,8 @@ TEST(DateFormat, ShowsTheLocalDateOrWhyItCannot)
         {DateValue{2958465.5, eDateValid}, L"{invalid date - 2958465.500000 }"},
         {DateValue{nan, eDateValid}, L"{invalid date - nan }"},
     };
-    for (const auto& row : kCases)
-        EXPECT_EQ(FormatLocalDate(row.value), row.expected);
+    for (const auto& [value, expected] : kCases)
+        EXPECT_EQ(FormatLocalDate(value), expected);
 
     tm april{};
     april.tm_mday = 9;

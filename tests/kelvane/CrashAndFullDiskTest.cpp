@@ -178,39 +178,32 @@ TEST(Threads, AreNamedForTheKernelInWholeCharacters)
 // An installed program folder is read-only, and a link in it leads to the settings.
 TEST(Settings, BehindALinkAreWrittenWhereItLeads)
 {
-    struct Row
-    {
-        const char* why;
-        const char* link;
-        const char* end; // where the link leads to, in the end
-        bool exists;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, const char*, bool> rows[] = {
         {"a file that is there", "var/stored.json", "var/stored.json", true},
         {"none yet: the link is broken until the first write", "var/stored.json", "var/stored.json", false},
         {"from one link to another", "var/onward", "var/deep/stored.json", false},
         {"up and down again", "var/../var/deep/stored.json", "var/deep/stored.json", true},
     };
-    for (const Row& row : rows)
+    for (const auto& [why, link, end, exists] : rows)
     {
-        SCOPED_TRACE(row.why);
+        SCOPED_TRACE(why);
         const AgentFolder folder;
         namespace fs = std::filesystem;
         fs::create_directories(folder.Path() / "var/deep");
         fs::create_symlink("deep/stored.json", folder.Path() / "var/onward");
-        fs::create_symlink(row.link, folder.Path() / "Tavo.settings.json");
-        if (row.exists)
-            folder.Write(row.end, "{\"LogFileCount\": 3}\n");
+        fs::create_symlink(link, folder.Path() / "Tavo.settings.json");
+        if (exists)
+            folder.Write(end, "{\"LogFileCount\": 3}\n");
         EXPECT_EQ(folder.Run({"get:LogFileCount", "set:LogFileCount:9"}).answers,
-                  row.exists ? "3\ntrue\n" : "5\ntrue\n");
+                  exists ? "3\ntrue\n" : "5\ntrue\n");
         EXPECT_TRUE(fs::is_symlink(folder.Path() / "Tavo.settings.json"));
-        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder.Path() / row.end)));
-        EXPECT_EQ(folder.Read(row.end), "{\n  \"LogFileCount\": 9\n}\n");
+        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder.Path() / end)));
+        EXPECT_EQ(folder.Read(end), "{\n  \"LogFileCount\": 9\n}\n");
 
         // What cannot be understood is set aside beside its own place, which is left free.
-        folder.Write(row.end, "broken");
+        folder.Write(end, "broken");
         EXPECT_EQ(folder.Run({"get:LogFileCount"}).answers, "5\n");
-        const fs::path aside = (folder.Path() / row.end).parent_path() / "Tavo.settings.broken-1.json";
+        const fs::path aside = (folder.Path() / end).parent_path() / "Tavo.settings.broken-1.json";
         EXPECT_EQ(folder.Read(aside), "broken");
         EXPECT_TRUE(fs::is_symlink(folder.Path() / "Tavo.settings.json"));
     }

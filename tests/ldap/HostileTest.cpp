@@ -19,7 +19,6 @@ using Connection = LdapPeer::Connection;
 using Script = std::function<void(Connection&)>;
 
 constexpr unsigned char kSearchDone = 0x65;
-constexpr unsigned char kSearchReference = 0x73;
 constexpr unsigned char kExtendedResponse = 0x78;
 constexpr int kForever = 1'000'000'000;
 
@@ -56,26 +55,16 @@ Script AtBind(const std::function<void(Connection&)>& answer)
     };
 }
 
-Script AtSearch(const std::function<std::string()>& operation, int count)
+Script Entries(const std::function<std::vector<Connection::Attribute>()>& attributes, int count)
 {
     return [=](Connection& peer)
     {
         peer.AcceptBind();
         peer.ReadRequest();
-        SendMany(peer, peer.Message(operation()), count);
+        SendMany(peer, peer.Message(Connection::Entry("cn=any", attributes())), count);
         peer.SendMessage(Connection::Result(kSearchDone, 0));
         peer.ReadRequest();
     };
-}
-
-Script Entries(const std::function<std::vector<Connection::Attribute>()>& attributes, int count)
-{
-    return AtSearch([=] { return Connection::Entry("cn=any", attributes()); }, count);
-}
-
-std::string Mega(std::size_t count)
-{
-    return std::string(count << 20U, 'x');
 }
 
 std::vector<Connection::Attribute> Attributes(int count)
@@ -96,14 +85,14 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
         TypedMethod method = kSimplePlain;
     };
     constexpr const char* kTooMuch =
-        "(00000046)\nLDAP:GetChildNodes failed with 70, Results Too Large: the server "
+        "(00000046)\n[] LDAP:GetChildNodes failed with 70, Results Too Large: the server "
         "sent more than 64 MB at []\n";
     const Case kCases[] = {
         {"messages that nobody asked for", AtBind([](Connection&) {}),
-         "failed (00000055)\nTimeout: the server gave no complete answer in time\n"},
+         "failed (00000055)\n[] Timeout: the server gave no complete answer in time[] \n"},
         {"an answer of 60 MB",
          AtBind([](Connection& peer) { peer.Send(std::string("\x30\x84\x03\xc0\x00\x00\x02\x01\x01", 9)); }),
-         "failed (00000046)\nResults Too Large: the server sent a message of more than 16 MB\n"},
+         "failed (00000046)\n[] Results Too Large: the server sent a message of more than 16 MB[] \n"},
         // An answer to each of the log-on's two requests.
         {"messages without an operation",
          [](Connection& peer)
@@ -113,24 +102,15 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
                  peer.SendMessage(std::string("\x61\xa1\x0a", 3));
              peer.ReadRequest();
          },
-         "failed (00000054)\nDecoding Error: the server's answer is not an LDAP message\nEND TEST\n", kNtlm},
+         "failed (00000054)\n[] Decoding Error: the server's answer is not an LDAP message[] \n[] END TEST\n",
+         kNtlm},
         {"entries", Entries([] { return Attributes(1); }, kForever), kTooMuch},
-        {"large entries",
-         Entries(
-             [] {
-                 return std::vector<Connection::Attribute>{{"a", {Mega(1)}}};
-             },
-             kForever),
-         kTooMuch},
-        {"referrals",
-         AtSearch([] { return BerElementOf(kSearchReference, BerText("ldap://elsewhere.example/")); },
-                  kForever),
-         kTooMuch},
         {"the largest values",
          Entries(
-             [] {
+             []
+             {
                  return std::vector<Connection::Attribute>{
-                     {"namingContexts", std::vector<std::string>(15, Mega(1))}};
+                     {"namingContexts", std::vector<std::string>(15, std::string(1U << 20U, 'x'))}};
              },
              4),
          "Got 4 objects back\n"},

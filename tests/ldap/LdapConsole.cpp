@@ -30,6 +30,7 @@ std::string CodeText(unsigned code)
         {0x31, "Invalid Credentials"},
         {0x35, "Unwilling To Perform"},
         {0x51, "Server Down"},
+        {0x33, "Busy"},
         {0x52, "Local Error"},
         {0x59, "Parameter Error"},
     };
@@ -39,7 +40,7 @@ std::string CodeText(unsigned code)
 // Windows' client knows the code alone.
 std::string CodeText(unsigned code, const std::string& cause)
 {
-    return CodeText(code) + (cause.empty() || RunsOnWindows() ? "" : ": " + cause) + "\n";
+    return CodeText(code) + (cause.empty() || RunsOnWindows() ? "" : ": " + cause);
 }
 
 std::string ResultText(unsigned code)
@@ -51,30 +52,30 @@ std::string ResultText(unsigned code)
 
 std::string Begun(const TypedMethod& method)
 {
-    return "\n" + std::string(method.number == eLDAPAuthSimpleSSL ? "ldap_sslinit" : "ldap_init") +
-           " begin ... end\n";
+    return std::string("[] \n[] ") + (method.number == eLDAPAuthSimpleSSL ? "ldap_sslinit" : "ldap_init") +
+           " begin ... [] end\n";
 }
 
 std::string Opened(const TypedMethod& method)
 {
-    return Begun(method) + "Set TCP keep alive - " + ResultText(RunsOnWindows() ? kWineKeepAlive : 0) +
-           "Set no follow referrals - " + ResultText(0) + "ldap_connect(" + kServerMark + ") begin ...";
+    return Begun(method) + "[] Set TCP keep alive - " + ResultText(RunsOnWindows() ? kWineKeepAlive : 0) +
+           "[] Set no follow referrals - " + ResultText(0) + "[] ldap_connect(" + kServerMark + ") begin ...";
 }
 
 std::string BindText(const TypedMethod& method)
 {
-    return Opened(method) + ResultText(0) + "Set protocol ver=3 - " + ResultText(0) +
-           "Set timeout (15 sec) - " + ResultText(0) + method.call + " begin ...";
+    return Opened(method) + "[] " + ResultText(0) + "[] Set protocol ver=3 - " + ResultText(0) +
+           "[] Set timeout (15 sec) - " + ResultText(0) + "[] " + method.call + " begin ...";
 }
 
-std::string SearchText(const std::string& scope)
+std::string SearchText(const std::string& scope, unsigned code)
 {
-    return "ldap_search_s[Scope=" + scope + ", filter=(objectClass=*)] begin ...";
+    return "[] ldap_search_s[Scope=" + scope + ", filter=(objectClass=*)] begin ...[] " + ResultText(code);
 }
-
-const std::string kRootWalked = SearchText("base") + ResultText(0) + "Got 1 objects back\n";
 
 } // namespace
+
+std::string gAppended;
 
 std::vector<std::string> Typed(const LdapAnswers& answers)
 {
@@ -88,6 +89,11 @@ std::vector<std::string> Typed(const LdapAnswers& answers)
             answers.button};
 }
 
+std::string WithoutNumbers(const std::string& console)
+{
+    return std::regex_replace(console, std::regex(R"(\[[0-9]+ms\] )"), "[] ");
+}
+
 std::string RunLdapTest(const LdapAnswers& answers,
                         const std::vector<std::pair<std::string, std::string>>& environment)
 {
@@ -97,10 +103,10 @@ std::string RunLdapTest(const LdapAnswers& answers,
     start.environment = environment;
     start.limit = std::chrono::minutes(3); // a loaded machine draws slowly under Wine
     const ProgramOutcome outcome = folder.Run(start);
-    const std::string console = WithoutTimes(outcome.console);
+    const std::string console = WithoutNumbers(outcome.console);
     if (!outcome.ended)
         return "the program did not end:\n" + console;
-    const std::size_t begin = console.find("========= LDAP");
+    const std::size_t begin = console.find("[] \n========= LDAP");
     return begin == std::string::npos ? "" : console.substr(begin);
 }
 
@@ -115,27 +121,27 @@ std::string RunLdapCalls(const LdapAnswers& answers)
     creds.mUser = wide(answers.user);
     creds.mPassword = wide(answers.password);
     creds.mAuthMethod = answers.method.number;
-    std::string console;
-    const LdapConsole append = [&console](const wchar_t* text)
+    gAppended.clear();
+    const LdapConsole append = [](const wchar_t* text)
     {
         const std::u8string bytes = std::filesystem::path(text).u8string();
-        console.append(bytes.begin(), bytes.end());
+        gAppended.append("[] ").append(bytes.begin(), bytes.end());
     };
     TestLdapServer(creds, append, [&append](LDAP* session) { WalkLdapTree(session, append); });
-    std::erase(console, '\r');
-    return console.substr(1); // without the line end in front
+    std::erase(gAppended, '\r');
+    return gAppended;
 }
 
 std::string Framed(const LdapAnswers& answers, const std::string& attempts)
 {
-    return "========= LDAP =========\nServer: " + answers.server + "\nDomain: " + answers.domain +
-           "\nUser: " + answers.user + "\n" +
-           std::regex_replace(attempts, std::regex(kServerMark), answers.server) + "END TEST\n";
+    return "[] \n========= LDAP =========\n[] Server: " + answers.server + "\n[] Domain: " + answers.domain +
+           "\n[] User: " + answers.user + "\n" +
+           std::regex_replace(attempts, std::regex(kServerMark), answers.server) + "[] END TEST\n";
 }
 
-std::string NoSession(const TypedMethod& method)
+std::string NoSession(const TypedMethod& method, const std::string& error)
 {
-    return Begun(method) + "LDAP: Failed to initialize LDAP session.  Err=0, Success\n";
+    return Begun(method) + "[] LDAP: Failed to initialize LDAP session.  Err=" + error + "\n";
 }
 
 std::string NotConnected(const TypedMethod& method, const std::string& cause)
@@ -143,27 +149,32 @@ std::string NotConnected(const TypedMethod& method, const std::string& cause)
     // Wine's client says that it is connected, and connects for the bind.
     if (RunsOnWindows())
         return Refused(method, 0x51, cause);
-    return Opened(method) + ResultText(0x51) + "LDAP: Failed to connect to LDAP server " + kServerMark +
-           ".  Err=81, " + CodeText(0x51, cause);
+    return Opened(method) + "[] " + ResultText(0x51) + "[] LDAP: Failed to connect to LDAP server " +
+           kServerMark + ".  Err=81, " + CodeText(0x51, cause) + "\n";
 }
 
 std::string Refused(const TypedMethod& method, unsigned code, const std::string& cause)
 {
-    return BindText(method) + ResultText(code) + CodeText(code, cause);
+    return BindText(method) + "[] " + ResultText(code) + "[] " + CodeText(code, cause) + "[] \n";
 }
 
 std::string Bound(const TypedMethod& method)
 {
-    return BindText(method) + ResultText(0);
+    return BindText(method) + "[] " + ResultText(0);
+}
+
+std::string Found(const std::string& scope, const std::string& objects)
+{
+    return SearchText(scope, 0) + "[] Got " + objects + " objects back\n";
+}
+
+std::string NotFound(const std::string& scope, unsigned code, const std::string& base)
+{
+    return SearchText(scope, code) + "[] LDAP:GetChildNodes failed with " + std::to_string(code) + ", " +
+           CodeText(code) + " at [" + base + "]\n";
 }
 
 std::string Walked(const std::string& children)
 {
-    return kRootWalked + SearchText("one_level") + ResultText(0) + "Got " + children + " objects back\n";
-}
-
-std::string WalkRefused(unsigned code, const std::string& base)
-{
-    return kRootWalked + SearchText("one_level") + ResultText(code) + "LDAP:GetChildNodes failed with " +
-           std::to_string(code) + ", " + CodeText(code) + " at [" + base + "]\n";
+    return Found("base", "1") + Found("one_level", children);
 }

@@ -39,23 +39,29 @@ struct LdapAnswers
 // The lines of input that open the dialog, fill it and press its button.
 std::vector<std::string> Typed(const LdapAnswers& answers);
 
-// Runs the program, presses the LDAP button and gives the test's part of the console, less the prefixes.
+// The console's text with "[] " in place of each prefix, which says where an append begins.
+std::string WithoutNumbers(const std::string& console);
+
+// Runs the program, presses the LDAP button and gives the test's part of the console so.
 std::string RunLdapTest(const LdapAnswers& answers,
                         const std::vector<std::pair<std::string, std::string>>& environment = {});
 
-// Makes the calls of a test in this process and gives its text. For Wine, whose windows take seconds for what
-// the client does at once.
+// Makes the calls of a test in this process and gives its text, which grows in gAppended. Also for Wine,
+// whose windows take seconds for what the client does at once.
 std::string RunLdapCalls(const LdapAnswers& answers);
+extern std::string gAppended;
 
 // The text of a test with what its attempts say.
 std::string Framed(const LdapAnswers& answers, const std::string& attempts);
 
 // One attempt each; `cause` is what follows the code's text where the client tells it.
-std::string NoSession(const TypedMethod& method);
+std::string NoSession(const TypedMethod& method, const std::string& error);
 std::string NotConnected(const TypedMethod& method, const std::string& cause);
 std::string Refused(const TypedMethod& method, unsigned code, const std::string& cause = {});
 std::string Bound(const TypedMethod& method);
 
+// One search each; `scope` is "base" or "one_level".
+std::string Found(const std::string& scope, const std::string& objects);
+std::string NotFound(const std::string& scope, unsigned code, const std::string& base);
 // The walk after a bind: one root entry, and what the second search gave.
 std::string Walked(const std::string& children);
-std::string WalkRefused(unsigned code, const std::string& base);

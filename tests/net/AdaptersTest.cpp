@@ -55,12 +55,7 @@ std::string AdaptersAfter(const std::string& setUp)
 
 TEST(Adapters, AreListedWithTypeLengthAndAddressByRisingIndex)
 {
-    struct Case
-    {
-        const char* setUp;
-        const char* adapters;
-    };
-    constexpr Case kCases[] = {
+    constexpr std::pair<const char*, const char*> kCases[] = {
         // A loopback has no address here, whatever the system says.
         {"true", "24 0 \n"},
         {"ip link add v0 address 00:11:22:33:44:55 type veth peer name v1 address 02:00:00:00:00:01",
@@ -75,8 +70,8 @@ TEST(Adapters, AreListedWithTypeLengthAndAddressByRisingIndex)
     };
     if (AdaptersAfter("true").empty())
         GTEST_SKIP() << "no right to make a network namespace";
-    for (const Case& test : kCases)
-        EXPECT_EQ(AdaptersAfter(test.setUp), test.adapters) << test.setUp;
+    for (const auto& [setUp, adapters] : kCases)
+        EXPECT_EQ(AdaptersAfter(setUp), adapters) << setUp;
 }
 
 TEST(Adapters, AskForRoomAndRefuseWhatIsNotOffered)

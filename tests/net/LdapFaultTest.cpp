@@ -110,15 +110,10 @@ Script Answer(std::function<void(Connection&)> answer)
     };
 }
 
-Script Bytes(const char* bytes, std::size_t count)
+// Answers it with one message.
+Script Message(const std::string& operation)
 {
-    return Answer([text = std::string(bytes, count)](Connection& peer) { peer.Send(text); });
-}
-
-Script BindResult(unsigned char code, const char* text = "", const std::string& more = {})
-{
-    return Answer([=](Connection& peer)
-                  { peer.SendMessage(Connection::Result(kBindResponse, code, text, more)); });
+    return Answer([=](Connection& peer) { peer.SendMessage(operation); });
 }
 
 Script BoundThen(std::function<void(Connection&)> answer)
@@ -164,18 +159,14 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
     const Case kCases[] = {
         {"closes after the request", Case::Bind, [](Connection& peer) { peer.ReadRequest(); }, 0x51,
          L"Server Down: the server closed the connection"},
-        {"garbage", Case::Bind, Bytes("HTTP/1.1 400 Bad Request\r\n\r\n", 28), 0x54,
-         L"Decoding Error: the server's answer is not an LDAP message"},
         {"a referral", Case::Bind,
-         BindResult(0x0a, "", BerElementOf(0xa3, BerText("ldap://127.0.0.1:1/dc=elsewhere"))), 0x0a,
-         L"Referral: ldap://127.0.0.1:1/dc=elsewhere"},
-        {"an answer of another kind", Case::Bind,
-         Answer([](Connection& peer) { peer.SendMessage(Connection::Result(kSearchDone, 0)); }), 0x54,
+         Message(Connection::Result(kBindResponse, 0x0a, "",
+                                    BerElementOf(0xa3, BerText("ldap://127.0.0.1:1/dc=elsewhere")))),
+         0x0a, L"Referral: ldap://127.0.0.1:1/dc=elsewhere"},
+        {"an answer of another kind", Case::Bind, Message(Connection::Result(kSearchDone, 0)), 0x54,
          L"Decoding Error: the server answered another question"},
         {"a result without its texts", Case::Bind,
-         Answer([](Connection& peer)
-                { peer.SendMessage(BerElementOf(kBindResponse, std::string("\x0a\x01\x00", 3))); }),
-         0x54, L"Decoding Error"},
+         Message(BerElementOf(kBindResponse, std::string("\x0a\x01\x00", 3))), 0x54, L"Decoding Error"},
         {"a notice of disconnection", Case::Bind, Unasked({kGoingDown}, idle(seconds(0))), 0x34,
          L"Unavailable: going down"},
         // The library does not outlive the first.
@@ -212,23 +203,16 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
                  peer.SendMessage(Connection::Result(kSearchDone, 0x04));
              }),
          0x04, L"Size Limit Exceeded"},
-        {"time limit", Case::Search,
-         BoundThen([](Connection& peer)
-                   { peer.SendMessage(Connection::Result(kSearchDone, 0x03, "too long")); }),
-         0x03, L"Time Limit Exceeded: too long"},
         {"the end in the middle", Case::Search,
-         BoundThen(
-             [](Connection& peer) {
-                 peer.SendMessage(Connection::Entry("dc=one", {{"dc", {"one"}}}));
-             }),
-         0x51, L"Server Down: the server closed the connection"},
+         BoundThen([](Connection& peer) { peer.SendMessage(Connection::Entry("dc=one", {})); }), 0x51,
+         L"Server Down: the server closed the connection"},
         {"a notice of disconnection in the middle", Case::Search,
          [](Connection& peer)
          {
              const Connection unasked = peer;
              peer.AcceptBind() && peer.ReadRequest();
              for (int i = 0; i < 100; ++i)
-                 peer.SendMessage(Connection::Entry("dc=one", {{"dc", {"one"}}}));
+                 peer.SendMessage(Connection::Entry("dc=one", {}));
              unasked.SendMessage(kGoingDown);
              peer.ReadRequest();
          },
@@ -268,27 +252,13 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
 
 TEST(LdapSearch, GivesEveryMessageWithWhatItHolds)
 {
-    std::vector<std::string> many;
-    std::vector<std::wstring> manyWide;
-    for (int i = 0; i < 10'000; ++i)
-    {
-        many.push_back("dc=" + std::to_string(i));
-        manyWide.push_back(L"dc=" + std::to_wstring(i));
-    }
     using Entries = std::vector<std::vector<Connection::Attribute>>;
-    struct Case
-    {
-        const char* what;
-        Entries sent;
-        std::vector<Attributes> got;
-    };
-    const Case kCases[] = {
+    const std::tuple<const char*, Entries, std::vector<Attributes>> kCases[] = {
         {"no entry: the result is a message", {}, {{}}},
         {"no attribute", {{}}, {{}}},
         {"names that differ only in case",
          {{{"NAMINGCONTEXTS", {"a"}}, {"namingContexts", {"b"}}}},
          {{{L"NAMINGCONTEXTS", {L"a"}}, {L"namingContexts", {L"b"}}}}},
-        {"10,000 naming contexts", {{{"namingContexts", many}}}, {{{L"namingContexts", manyWide}}}},
         {"no value", {{{"empty", {}}}}, {{{L"empty", {}}}}},
         {"names and values beyond ASCII",
          {{{"gr\xc3\xbc\xc3\x9f", {"\xf0\x9f\x98\x80"}}}},
@@ -296,13 +266,13 @@ TEST(LdapSearch, GivesEveryMessageWithWhatItHolds)
         {"100,000 entries", Entries(100'000, {{"objectClass", {"top", "person"}}}),
          std::vector<Attributes>(100'000, {{L"objectClass", {L"top", L"person"}}})},
     };
-    for (const Case& test : kCases)
+    for (const auto& [what, sent, got] : kCases)
     {
-        SCOPED_TRACE(test.what);
+        SCOPED_TRACE(what);
         const LdapPeer peer(BoundThen(
-            [&test](Connection& connection)
+            [&sent = sent](Connection& connection)
             {
-                for (const auto& attributes : test.sent)
+                for (const auto& attributes : sent)
                     connection.SendMessage(Connection::Entry("", attributes));
                 connection.SendMessage(Connection::Result(kSearchDone, 0, "some words"));
                 connection.ReadRequest();
@@ -312,7 +282,7 @@ TEST(LdapSearch, GivesEveryMessageWithWhatItHolds)
         ASSERT_EQ(session.Bind(), 0u);
         const SearchOutcome outcome = Search(session);
         EXPECT_EQ(outcome.code, 0u);
-        EXPECT_TRUE(outcome.messages == test.got) << outcome.messages.size() << " messages";
+        EXPECT_TRUE(outcome.messages == got) << outcome.messages.size() << " messages";
     }
 }
 

@@ -121,17 +121,12 @@ TEST(String, AnswersAboutItsParts)
 
 TEST(String, TrimsAndReplaces)
 {
-    const struct
-    {
-        const wchar_t* text;
-        const wchar_t* set;
-        const wchar_t* expected;
-    } kCases[] = {
+    const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*> kCases[] = {
         {L"\"a\"b\"", L"\"", L"a\"b"}, {L"--", L"-", L""},       {L"", L"-", L""},
         {L"abc", L"xyz", L"abc"},      {L"xyazy", L"zyx", L"a"},
     };
-    for (const auto& row : kCases)
-        EXPECT_EQ(ZTString(row.text).Trim(row.set), row.expected);
+    for (const auto& [text, set, expected] : kCases)
+        EXPECT_EQ(ZTString(text).Trim(set), expected);
     EXPECT_EQ(ZTString(L" \t\r\n a b \v\f").Trim(), L"a b");
     EXPECT_EQ(ZTString(L"  a ").TrimLeft(), L"a ");
     EXPECT_EQ(ZTString(L"  a ").TrimRight(), L"  a");

@@ -70,13 +70,7 @@ TEST(Report, TellsTheTimeZoneOfTheMachineAndTheLocaleOfItsUser)
         GTEST_SKIP() << "a Windows machine has its zone, and a user his locale, whatever a process says";
     const time_t now = time(nullptr);
     const int month = localtime(&now)->tm_mon + 1;
-    const struct
-    {
-        const char* zone;
-        const char* locale;
-        std::vector<std::string> lines;
-        const char* mailZone; // a pattern where the season decides
-    } rows[] = {
+    const std::tuple<const char*, const char*, std::vector<std::string>, const char*> rows[] = {
         {"America/St_Johns",
          "ru_RU.KOI8-R",
          {"Timezone base bias: 210", "Daylight Bias: -60",
@@ -102,14 +96,14 @@ TEST(Report, TellsTheTimeZoneOfTheMachineAndTheLocaleOfItsUser)
          "\\+0300"},
     };
     const ProgramFolder folder;
-    for (const auto& row : rows)
+    for (const auto& [zone, locale, lines, mailZone] : rows)
     {
         const std::string console =
-            WithoutTimes(folder.Run({{}, {}, {{"TZ", row.zone}, {"LC_ALL", row.locale}}}).console);
-        for (const std::string& line : row.lines)
-            EXPECT_THAT(console, HasSubstr("\n" + line + "\n")) << row.zone;
+            WithoutTimes(folder.Run({{}, {}, {{"TZ", zone}, {"LC_ALL", locale}}}).console);
+        for (const std::string& line : lines)
+            EXPECT_THAT(console, HasSubstr("\n" + line + "\n")) << zone;
         EXPECT_THAT(console,
-                    ContainsRegex("\nCurrent RFC822 mail time: [^\n]* " + std::string(row.mailZone) + "\n"));
+                    ContainsRegex("\nCurrent RFC822 mail time: [^\n]* " + std::string(mailZone) + "\n"));
     }
 }
 

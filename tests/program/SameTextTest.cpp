@@ -23,13 +23,8 @@ std::string OutputOf(const std::string& command)
     return text;
 }
 
-struct Difference
-{
-    const char* line; // the values after this beginning are not compared
-    const char* why;
-};
-
-constexpr Difference kDifferences[] = {
+// A line whose values are not compared, and why.
+constexpr std::pair<const char*, const char*> kDifferences[] = {
     {"Current Computer: ", "the Windows side asks for the NetBIOS name, in capitals and cut to 15"},
     {"Current local time: ", "\"%c\" belongs to the C runtime, and the clock moves on"},
     {"Current RFC822 mail time: ", "the clock moves on"},
@@ -48,9 +43,9 @@ std::vector<std::string> Compared(const std::string& console)
     std::vector<std::string> lines;
     for (std::string line : Lines(WithoutTimes(console)))
     {
-        for (const Difference& difference : kDifferences)
-            if (line.rfind(difference.line, 0) == 0)
-                line = difference.line;
+        for (const auto& [start, why] : kDifferences)
+            if (line.rfind(start, 0) == 0)
+                line = start;
         if (line.find("Current Computer") != std::string::npos)
             lines.clear(); // what stands above the report is how a display shows a dialog
         lines.push_back(line);

@@ -50,18 +50,12 @@ TEST(AccessCheck, GrantsWhatTheOneEntryAllowsItsGroup)
     ASSERT_TRUE(AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS,
                                          0, 0, 0, 0, 0, 0, &administrators));
     ASSERT_TRUE(AllocateAndInitializeSid(&authority, 5, 21, 1, 2, 3, 9999, 0, 0, 0, &stranger));
-    struct Row
-    {
-        PSID sid;
-        DWORD desired;
-        bool granted;
-    };
-    const Row rows[] = {
+    const std::tuple<PSID, DWORD, bool> rows[] = {
         {administrators, 1, true}, {administrators, 3, true}, {administrators, 4, false},
         {stranger, 1, false},      {nullptr, 1, false},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(IsGranted(row.sid, row.desired), row.granted) << "row " << &row - rows;
+    for (const auto& [sid, desired, granted] : rows)
+        EXPECT_EQ(IsGranted(sid, desired), granted) << sid << " " << desired;
     FreeSid(administrators);
     FreeSid(stranger);
 }
