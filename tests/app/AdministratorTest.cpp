@@ -5,9 +5,6 @@
 
 #include <windows.h>
 
-namespace
-{
-
 TEST(AdministratorTest, LeavesTheThreadWithItsOwnToken)
 {
     IsUserAdministrator();
@@ -15,5 +12,3 @@ TEST(AdministratorTest, LeavesTheThreadWithItsOwnToken)
     EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, FALSE, &token));
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NO_TOKEN));
 }
-
-} // namespace

@@ -11,9 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cwchar>
-#include <functional>
 #include <regex>
-#include <string>
 
 namespace
 {

@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <iterator>
-#include <tuple>
 
 namespace
 {
@@ -24,13 +22,8 @@ Adapter Card(std::vector<BYTE> address)
     return {IF_TYPE_ETHERNET_CSMACD, std::move(address), length};
 }
 
-struct Survey
-{
-    std::wstring result;
-    std::wstring log;
-};
-
-Survey SurveyOf(const std::vector<Adapter>& adapters)
+// Its result and its log.
+std::pair<std::wstring, std::wstring> SurveyOf(const std::vector<Adapter>& adapters)
 {
     std::vector<IP_ADAPTER_ADDRESSES> records(std::max<std::size_t>(adapters.size(), 1));
     for (std::size_t i = 0; i < adapters.size(); ++i)
@@ -40,9 +33,9 @@ Survey SurveyOf(const std::vector<Adapter>& adapters)
         records[i].PhysicalAddressLength = adapters[i].length;
         std::ranges::copy(adapters[i].address, records[i].PhysicalAddress);
     }
-    Survey survey;
-    survey.result = ChooseMacAddress(records.data(), records.data() + records.size(), survey.log);
-    return survey;
+    std::wstring log;
+    const std::wstring result = ChooseMacAddress(records.data(), records.data() + records.size(), log);
+    return {result, log};
 }
 
 TEST(MacSurvey, TakesTheLowestAddressOfTheStrictestRuleThatFindsOne)
@@ -88,11 +81,7 @@ TEST(MacSurvey, TakesTheLowestAddressOfTheStrictestRuleThatFindsOne)
          L"try:0-addrLen=0,try:1-addrLen=0,try:2-addrLen=0,macCount=0, ret="},
     };
     for (const auto& [why, adapters, result, log] : kCases)
-    {
-        const Survey survey = SurveyOf(adapters);
-        EXPECT_EQ(survey.result, result) << why;
-        EXPECT_EQ(survey.log, log) << why;
-    }
+        EXPECT_EQ(SurveyOf(adapters), std::pair(result, log)) << why;
 }
 
 TEST(MacSurvey, StopsAtTheEndOfTheList)

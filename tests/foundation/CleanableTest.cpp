@@ -5,11 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <atomic>
-#include <memory>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace
 {

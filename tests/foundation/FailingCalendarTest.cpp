@@ -6,12 +6,7 @@
 
 #include <dlfcn.h>
 
-namespace
-{
-
-bool gbThrows = false;
-
-} // namespace
+static bool gbThrows = false;
 
 extern "C" std::size_t FormatTime(wchar_t* buffer, std::size_t room, const wchar_t* format,
                                   const tm* time) __asm__("wcsftime");

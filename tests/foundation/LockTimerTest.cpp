@@ -5,20 +5,11 @@
 #include "foundation/Locks.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
-namespace
-{
-
-CLockCS* gLock = nullptr;
-std::int64_t gMark = 0;
-DWORD gWait = 0;
-std::vector<std::string> gCalls;
-
-} // namespace
+static CLockCS* gLock = nullptr;
+static std::int64_t gMark = 0;
+static DWORD gWait = 0;
+static std::vector<std::string> gCalls;
 
 bool gbRecordLockWaits = false;
 
@@ -43,37 +34,31 @@ void RecordLockWait(const wchar_t* label, DWORD wait)
 
 TEST(LockTimer, IsAskedOnlyWhereAWaitCanBeBooked)
 {
-    const struct
+    // Why, the switch, the label, the timer's mark and wait, the calls.
+    const std::tuple<const char*, bool, const wchar_t*, std::int64_t, DWORD, std::vector<std::string>>
+        kCases[] = {
+            {"the switch is off", false, L"Queue", 7, 9, {}},
+            {"the lock has no label", true, nullptr, 7, 9, {}},
+            {"no mark was given", true, L"Queue", 0, 9, {"start"}},
+            {"there was no wait", true, L"Queue", 7, 0, {"start", "end 7"}},
+            {"the shortest wait", true, L"Queue", 7, 1, {"start", "end 7", "record 1"}},
+            {"a mark may be negative", true, L"Queue", -7, 9, {"start", "end -7", "record 9"}},
+        };
+    for (const auto& [why, record, label, mark, wait, calls] : kCases)
     {
-        const char* why;
-        bool record;
-        const wchar_t* label;
-        std::int64_t mark;
-        DWORD wait;
-        std::vector<std::string> calls;
-    } kCases[] = {
-        {"the switch is off", false, L"Queue", 7, 9, {}},
-        {"the lock has no label", true, nullptr, 7, 9, {}},
-        {"no mark was given", true, L"Queue", 0, 9, {"start"}},
-        {"there was no wait", true, L"Queue", 7, 0, {"start", "end 7"}},
-        {"the shortest wait", true, L"Queue", 7, 1, {"start", "end 7", "record 1"}},
-        {"a mark may be negative", true, L"Queue", -7, 9, {"start", "end -7", "record 9"}},
-    };
-    for (const auto& row : kCases)
-    {
-        SCOPED_TRACE(row.why);
+        SCOPED_TRACE(why);
         CLockCS lock;
         gLock = &lock;
-        lock.mLabel = row.label;
-        gbRecordLockWaits = row.record;
-        gMark = row.mark;
-        gWait = row.wait;
+        lock.mLabel = label;
+        gbRecordLockWaits = record;
+        gMark = mark;
+        gWait = wait;
         gCalls.clear();
         {
             const CAcquireCS acquired(lock);
             EXPECT_EQ(acquired.mHeld, 1u);
         }
-        EXPECT_EQ(gCalls, row.calls);
+        EXPECT_EQ(gCalls, calls);
     }
 }
 

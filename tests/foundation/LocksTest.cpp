@@ -3,12 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
 #include <future>
-#include <memory>
 #include <thread>
-#include <vector>
 
 namespace
 {

@@ -5,7 +5,6 @@
 #include "tests/fuzz/Require.h"
 
 #include <cstring>
-#include <string>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -7,16 +7,12 @@
 #include "text/Unicode.h"
 
 #include <algorithm>
-#include <string>
-
-namespace
-{
 
 constexpr std::string_view kSecret = "Kesto-42";
 constexpr std::size_t kCutMark = 3; // "..."
 constexpr int kMostLines = 101;     // of one answer
 
-void RequireHarmless(std::string_view text)
+static void RequireHarmless(std::string_view text)
 {
     const std::size_t characters = text::FromUtf8(text).size();
     Require(characters <= kLongestText + kCutMark);
@@ -33,15 +29,13 @@ void RequireHarmless(std::string_view text)
         Require(MakeHarmless(text, kSecret) == text);
 }
 
-int OnEvent(void* lines, int eventId, int paramCount, void* params[], int*)
+static int OnEvent(void* lines, int eventId, int paramCount, void* params[], int*)
 {
     Require(eventId == kIPWorksDialogue && paramCount == 2);
     ++*static_cast<int*>(lines);
     RequireHarmless(static_cast<const char*>(params[1]));
     return 0;
 }
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -6,7 +6,6 @@
 #include "platform/net/LdapGss.h"
 #include "tests/fuzz/Require.h"
 
-#include <algorithm>
 #include <ctime>
 
 #include <poll.h>
@@ -18,19 +17,14 @@ using namespace platform;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
-namespace
-{
-
 constexpr seconds kLimit{17}; // 15 for a call, one of grace, and one for a slow machine
 constexpr long kNanoseconds = 1'000'000'000;
 
-int gServer = -1; // its socket
-bool gbServerStays = false;
-std::string_view gAnswers;        // still to be said
-std::size_t gSize = 0;            // of all of them
-steady_clock::duration gWaited{}; // what the clock is ahead
-
-} // namespace
+static int gServer = -1; // its socket
+static bool gbServerStays = false;
+static std::string_view gAnswers;        // still to be said
+static std::size_t gSize = 0;            // of all of them
+static steady_clock::duration gWaited{}; // what the clock is ahead
 
 // OpenLDAP's library loses a request whose answer it cannot read, 4 KB with each connection that breaks so.
 extern "C" const char* __asan_default_options()

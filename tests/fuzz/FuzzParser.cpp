@@ -4,8 +4,6 @@
 #include "app/CmdLineParser.h"
 #include "tests/fuzz/Require.h"
 
-#include <string>
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::wstring text(data, data + size);

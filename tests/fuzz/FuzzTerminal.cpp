@@ -10,16 +10,12 @@
 #include "text/Unicode.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 using namespace platform;
 
-namespace
-{
-
 const std::wstring kPassword = L"\x2603\x2603\x2603"; // that no caption holds
 
-Window& Add(Window& dialog, WindowKind kind, UINT id, const wchar_t* text, int row)
+static Window& Add(Window& dialog, WindowKind kind, UINT id, const wchar_t* text, int row)
 {
     Window& control = *dialog.children.emplace_back(std::make_unique<Window>());
     control.kind = kind;
@@ -31,7 +27,7 @@ Window& Add(Window& dialog, WindowKind kind, UINT id, const wchar_t* text, int r
     return control;
 }
 
-void Fill(Window& dialog)
+static void Fill(Window& dialog)
 {
     dialog.dialog = std::make_unique<DialogState>();
     dialog.dialog->defaultButton = IDOK;
@@ -46,8 +42,6 @@ void Fill(Window& dialog)
     Add(dialog, WindowKind::Label, 0xFFFF, L"LDAP Server:", 0);
     Add(dialog, WindowKind::Label, 0xFFFF, L"Password:", 1);
 }
-
-} // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
 {

@@ -8,17 +8,13 @@
 #include <unicode/utf8.h>
 
 #include <cstring>
-#include <string>
 
-namespace
-{
-
-bool IsSurrogate(wchar_t character)
+static bool IsSurrogate(wchar_t character)
 {
     return character >= 0xD800 && character <= 0xDFFF;
 }
 
-std::wstring WellFormed(std::string_view bytes)
+static std::wstring WellFormed(std::string_view bytes)
 {
     std::wstring wide;
     const auto length = static_cast<int32_t>(bytes.size());
@@ -32,15 +28,13 @@ std::wstring WellFormed(std::string_view bytes)
     return wide;
 }
 
-void CheckShown(const std::wstring& wide)
+static void CheckShown(const std::wstring& wide)
 {
     const std::wstring safe = text::SafeToShow(wide, L"\n");
     Require(safe.size() == wide.size() && text::SafeToShow(safe, L"\n") == safe);
     for (const wchar_t character : safe)
         Require(character == L'\n' || text::IsSafeToShow(static_cast<char32_t>(character)));
 }
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <thread>
 
 using testing::HasSubstr;
@@ -34,11 +33,6 @@ struct Fault
     Moved moved = Moved::eNothing;
     bool passive = true;
 };
-
-void PrintTo(const Fault& fault, std::ostream* out)
-{
-    *out << fault.name;
-}
 
 const std::vector<Fault> kFaults = {
     {"NoRoomAtTheGreeting", {.greeting = "421 Too many users.\r\n"}, 421, "421 Too many users."},
@@ -87,14 +81,7 @@ const std::vector<Fault> kFaults = {
     {"SilentGoodbye", {.answers = {{"QUIT", kSilence}}}, 0, "", Moved::eAll},
     {"GreetingOf10MB", {.greeting = "220 " + std::string(10000000, 'x') + "\r\n"}, kIPWorksConnectionLost},
     {"GreetingOf300Lines",
-     {.greeting =
-          []
-      {
-          std::string lines;
-          for (int i = 0; i < 300; ++i)
-              lines += "220-More.\r\n";
-          return lines + "220 Ready.\r\n";
-      }()},
+     {.greeting = Repeated("220-More.\r\n", 300) + "220 Ready.\r\n"},
      0,
      "",
      Moved::eAll},
@@ -102,9 +89,7 @@ const std::vector<Fault> kFaults = {
 
 } // namespace
 
-class FaultTest : public testing::TestWithParam<Fault>
-{
-};
+using FaultTest = testing::TestWithParam<Fault>;
 
 TEST_P(FaultTest, GivesItsResultAndNoMore)
 {
@@ -149,7 +134,8 @@ TEST_P(FaultTest, GivesItsResultAndNoMore)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Faults, FaultTest, testing::ValuesIn(kFaults), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Faults, FaultTest, testing::ValuesIn(kFaults),
+                         [](const auto& fault) { return fault.param.name; });
 
 TEST(Upload, HostThatCannotBeFoundAndPortThatIsClosedAreNamedInBothModes)
 {

@@ -6,27 +6,47 @@
 #include "tests/support/ScriptedFtpServer.h"
 #include "tests/support/TestFolder.h"
 
-#include <chrono>
-#include <cstdint>
-#include <filesystem>
-#include <string>
-#include <vector>
-
 constexpr const char* kTestPassword = "Kesto-42";
 
 class Recorder
 {
 public:
-    explicit Recorder(FtpScript script = {}, const std::string& content = "content");
+    explicit Recorder(FtpScript script = {}, const std::string& content = "content")
+        : server(std::move(script)), mHandle(IPWorks_FTP_Create(&Recorder::OnEvent, this))
+    {
+        WriteFile(File(), content);
+        Config("CodePage=65001");
+        Config("RemotePort=" + std::to_string(server.Port()));
+        SetText(kIPWorksUser, "zt-ftp");
+        SetText(kIPWorksPassword, kTestPassword);
+        SetText(kIPWorksRemoteHost, "127.0.0.1");
+        SetText(kIPWorksRemoteFile, "archive.zip");
+        SetLocalFile(File());
+    }
     ~Recorder() { IPWorks_FTP_Destroy(mHandle); }
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
 
-    int Config(const std::string& setting);
-    int SetText(int property, const char* text);
-    int SetNumber(int property, int number);
-    int SetLocalFile(const std::filesystem::path& path);
-    int Do(int method, const char* parameter = nullptr);
+    int Config(const std::string& setting) { return Do(kIPWorksConfig, setting.c_str()); }
+    int SetText(int property, const char* text)
+    {
+        return IPWorks_FTP_Set(mHandle, property, 0, const_cast<char*>(text), 0);
+    }
+    int SetNumber(int property, int number)
+    {
+        return IPWorks_FTP_Set(mHandle, property, 0, Value(number), 0);
+    }
+    int SetLocalFile(const std::filesystem::path& path)
+    {
+        std::wstring wide = path.wstring();
+        return IPWorks_FTP_Set(mHandle, kIPWorksLocalFile, 0, wide.data(), 0);
+    }
+    int Do(int method, const char* parameter = nullptr)
+    {
+        void* params[] = {const_cast<char*>(parameter), nullptr};
+        int lengths[] = {0};
+        return IPWorks_FTP_Do(mHandle, method, parameter == nullptr ? 0 : 1, params, lengths, 0);
+    }
     int Upload() { return Do(kIPWorksUpload); }
     std::string LastError() const { return IPWorks_FTP_GetLastError(mHandle); }
 
@@ -38,7 +58,14 @@ public:
     // "status 4 Logged in", "error 530 ...", "> USER x", "< 230 ...", "approve problem", "started name",
     // "ended 0". Progress is not among them.
     std::vector<std::string> events;
-    std::vector<std::string> Of(const std::string& kind) const;
+    std::vector<std::string> Of(const std::string& kind) const
+    {
+        std::vector<std::string> found;
+        for (const std::string& event : events)
+            if (event.starts_with(kind + " "))
+                found.push_back(event);
+        return found;
+    }
 
     struct Progress
     {
@@ -54,7 +81,47 @@ public:
     bool approves = true;
 
 private:
-    static int OnEvent(void* object, int eventId, int paramCount, void* params[], int lengths[]);
+    static int Number(void* param) { return static_cast<int>(reinterpret_cast<std::intptr_t>(param)); }
+    static std::string Text(void* param) { return static_cast<const char*>(param); }
+    static void* Value(int number) { return reinterpret_cast<void*>(static_cast<std::intptr_t>(number)); }
+    static int OnEvent(void* object, int eventId, int paramCount, void* params[], int lengths[])
+    {
+        Recorder& recorder = *static_cast<Recorder*>(object);
+        const auto note = [&recorder](const std::string& line) { recorder.events.push_back(line); };
+        switch (eventId)
+        {
+        case kIPWorksStatus:
+            note("status " + std::to_string(Number(params[1])) + " " + Text(params[2]));
+            break;
+        case kIPWorksFailure:
+            note("error " + std::to_string(Number(params[0])) + " " + Text(params[1]));
+            break;
+        case kIPWorksDialogue:
+            note((Number(params[0]) == 0 ? "> " : "< ") + Text(params[1]));
+            break;
+        case kIPWorksApprove:
+            note("approve " + Text(params[3]));
+            recorder.certificate.assign(static_cast<const char*>(params[0]),
+                                        static_cast<std::size_t>(lengths[0]));
+            recorder.subject = Text(params[1]);
+            recorder.issuer = Text(params[2]);
+            params[4] = Value(recorder.approves ? 1 : 0);
+            break;
+        case kIPWorksStarted:
+            note("started " + Text(params[0]));
+            break;
+        case kIPWorksEnded:
+            note("ended " + std::to_string(Number(params[0])));
+            break;
+        case kIPWorksProgress:
+            recorder.progress.push_back({std::chrono::steady_clock::now(),
+                                         *static_cast<std::int64_t*>(params[1]), Number(params[2])});
+            break;
+        default:
+            note("unknown event " + std::to_string(eventId) + " of " + std::to_string(paramCount));
+        }
+        return 0;
+    }
 
     TestFolder mDirectory{"tavo-test-"};
     void* mHandle;

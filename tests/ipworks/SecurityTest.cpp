@@ -8,13 +8,8 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-namespace
-{
-
 constexpr const char* kHost = "127.0.0.1";
 constexpr std::int64_t kMiddle = 4000000;
-
-} // namespace
 
 TEST(Security, BothConnectionsAreEncryptedAndTheCertificateIsAskedAboutOnce)
 {

@@ -8,10 +8,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-namespace
-{
-
-void ExpectTrueProgress(const Recorder& recorder, std::int64_t total)
+static void ExpectTrueProgress(const Recorder& recorder, std::int64_t total)
 {
     ASSERT_FALSE(recorder.progress.empty());
     std::int64_t before = 0;
@@ -26,8 +23,6 @@ void ExpectTrueProgress(const Recorder& recorder, std::int64_t total)
     }
     EXPECT_EQ(total, before);
 }
-
-} // namespace
 
 TEST(Upload, PassiveBringsTheFileAndTellsOfEveryStep)
 {

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <thread>
-#include <vector>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define TAVO_UNCHECKED                                                                                       \

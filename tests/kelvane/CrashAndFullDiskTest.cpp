@@ -4,13 +4,11 @@
 #include "tests/support/AgentFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <random>
 #include <regex>
 #include <thread>

@@ -4,20 +4,9 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-
-std::string Utf8(const ZTString& text)
+static std::string Utf8(const ZTString& text)
 {
     return static_cast<const char*>(StrConverter(text));
-}
-
-std::string Repeated(const std::string& part, std::size_t times)
-{
-    std::string text;
-    while (times-- > 0)
-        text += part;
-    return text;
 }
 
 TEST(FileNames, HoldOnlyWhatBothSystemsAllow)
@@ -164,5 +153,3 @@ TEST(SystemErrors, ReadAsCodeAndTextInOneLine)
         EXPECT_EQ(ZTString(message(code)).TrimRight(), message(code)) << code;
     }
 }
-
-} // namespace

@@ -3,27 +3,22 @@
 #include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <map>
 #include <regex>
 #include <thread>
-#include <tuple>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-namespace
-{
-
 // The line less its time, process and thread.
-std::string Rest(const std::string& line)
+static std::string Rest(const std::string& line)
 {
     const std::size_t at = line.find("] ");
     return at == std::string::npos ? line : line.substr(at + 2);
 }
 
-std::vector<std::string> Texts(const AgentFolder& folder)
+static std::vector<std::string> Texts(const AgentFolder& folder)
 {
     std::vector<std::string> texts = Lines(folder.Log());
     for (std::string& line : texts)
@@ -191,5 +186,3 @@ TEST(Log, ThatCannotBeWrittenSaysSoOnceAndStopsNothing)
     EXPECT_EQ(Lines(outcome.errors).size(), 1u) << outcome.errors;
     EXPECT_THAT(outcome.errors, HasSubstr("blocked"));
 }
-
-} // namespace

@@ -4,17 +4,12 @@
 #include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
-#include <chrono>
 #include <thread>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-namespace
-{
 
 // Their names and defaults.
 constexpr std::array<std::pair<const char*, const char*>, 6> kSettings{
@@ -25,7 +20,7 @@ constexpr std::array<std::pair<const char*, const char*>, 6> kSettings{
      {"LogFileCount", "5"},
      {"RecordLockWaits", "0"}}};
 
-std::string AllOf(const AgentFolder& folder)
+static std::string AllOf(const AgentFolder& folder)
 {
     std::vector<std::string> steps{"init"};
     for (const auto& [name, fallback] : kSettings)
@@ -33,7 +28,7 @@ std::string AllOf(const AgentFolder& folder)
     return folder.Run(steps).answers;
 }
 
-std::string Nested(std::size_t levels)
+static std::string Nested(std::size_t levels)
 {
     return "{\"a\": " + std::string(levels, '[') + std::string(levels, ']') + "}";
 }
@@ -241,5 +236,3 @@ TEST(Settings, OfProcessesThatWriteAtOnceAreAllStored)
     EXPECT_THAT(folder.Settings(), HasSubstr("\"note\": \"kept\""));
     EXPECT_THAT(folder.Names("Tavo.settings"), ElementsAre("Tavo.settings.json"));
 }
-
-} // namespace

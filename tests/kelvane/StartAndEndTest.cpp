@@ -2,13 +2,9 @@
 #include "tests/support/AgentFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using testing::HasSubstr;
 using testing::Not;
-
-namespace
-{
 
 TEST(Shutdown, IsLoggedWithTheBookOfLockWaitsWhereItWasKept)
 {
@@ -40,5 +36,3 @@ TEST(Listener, NeverHoldsUpOrCrashesTheEndOfTheProgram)
             EXPECT_EQ(outcome.errors, "");
         }
 }
-
-} // namespace

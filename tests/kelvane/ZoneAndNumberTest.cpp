@@ -5,16 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
-
-namespace
-{
 
 constexpr int kFirstYear = 2017;
 constexpr const char* kNone = "00-00 00-00, 00-00 00-00, 00-00 00-00, 00-00 00-00, 00-00 00-00, 00-00 00-00, "
                               "00-00 00-00";
 
-std::string DatesOf(int year)
+static std::string DatesOf(int year)
 {
     int dates[4];
     GetTimeZoneTransitionDates(year, dates[0], dates[1], dates[2], dates[3]);
@@ -24,7 +20,7 @@ std::string DatesOf(int year)
 }
 
 // A Windows program runs in the zone that it was started in; its data knows two changes a year at most.
-bool CanRunIn(std::string_view zone)
+static bool CanRunIn(std::string_view zone)
 {
     const char* const own = std::getenv("TZ");
     return !RunsOnWindows() || (own != nullptr && own == zone);
@@ -109,5 +105,3 @@ TEST(NumberFormat, IsTheUsersOwn)
         EXPECT_EQ(FormatFloatingPointNum(number, false, -1), shown) << name << " " << number;
     }
 }
-
-} // namespace

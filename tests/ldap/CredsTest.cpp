@@ -6,9 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
-
 namespace
 {
 

@@ -5,20 +5,15 @@
 #include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <regex>
-
-namespace
-{
 
 // Skips the case when there is no directory.
 #define NEED_DIRECTORY()                                                                                     \
     if (!std::getenv("TAVO_LDAP_PORT"))                                                                      \
     GTEST_SKIP() << "no slapd on this machine"
 
-std::string Port(const char* name)
+static std::string Port(const char* name)
 {
     const char* port = std::getenv(name);
     return port ? port : "";
@@ -178,5 +173,3 @@ TEST(Directory, IsTestedWithoutTheLibrarysSetUp)
                                     {"LDAPTLS_REQCERT", "never"}}),
               Framed(answers, Bound(kDigest) + Walked("3")));
 }
-
-} // namespace

@@ -2,16 +2,11 @@
 // The LDAP test of the program that ships against a domain controller of the Windows kind. Runs through
 // tests/support/with-domain, on the controller itself.
 #include "tests/ldap/LdapConsole.h"
+#include "tests/support/TestFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <regex>
-#include <sstream>
-
-namespace
-{
 
 const std::string kController = "dc1.tavo.example";
 const std::string kDirectory = "directory.tavo.example";
@@ -20,16 +15,13 @@ const std::string kWrongNtlm =
 const std::string kWrongSimple =
     "80090308: LdapErr: DSID-0C0903A9, comment: AcceptSecurityContext error, data 52e, v1db1";
 
-std::string ControllerLog()
+static std::string ControllerLog()
 {
-    std::ifstream file(std::getenv("TAVO_DOMAIN_LOG"));
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+    return ReadFile(std::getenv("TAVO_DOMAIN_LOG"));
 }
 
 // How the controller says the last log-on over LDAP was made: "krb5", "NTLMSSP" or "simple bind".
-std::string LastLogOn()
+static std::string LastLogOn()
 {
     const std::string log = ControllerLog();
     static const std::regex logOn(R"(Successful AuthZ: \[LDAP,([^\]]*)\])");
@@ -40,7 +32,7 @@ std::string LastLogOn()
 }
 
 // How often the controller has been given a wrong password; enough of them lock a user out.
-std::ptrdiff_t WrongPasswords()
+static std::ptrdiff_t WrongPasswords()
 {
     const std::string log = ControllerLog();
     static const std::regex wrong(R"(status \[NT_STATUS_WRONG_PASSWORD\])");
@@ -48,7 +40,7 @@ std::ptrdiff_t WrongPasswords()
 }
 
 // The test's text. How many objects the last context has differs from one controller to the next.
-std::string Tested(const LdapAnswers& answers, bool hasDefaultRealm)
+static std::string Tested(const LdapAnswers& answers, bool hasDefaultRealm)
 {
     static const std::regex many("Got ([2-9]|[1-9][0-9]+) objects");
     const char* const file = hasDefaultRealm ? std::getenv("TAVO_KRB5_CONFIG") : "/dev/null";
@@ -61,6 +53,11 @@ TEST(Domain, IsTestedAsTheDialogSays)
     const std::string beyondAscii = "Pässw0rd😀!";
     const std::string full = "alice@tavo.example";
     const std::string walk = Walked("many");
+    const std::string allRefused =
+        Refused(kSimpleSsl, 0x31, kWrongSimple) + Refused(kNtlm, 0x31, kWrongNtlm) +
+        Refused(kDigest, 0x01, "SASL: Failed to start authentication system: NT_STATUS_INVALID_PARAMETER") +
+        Refused(kDpa, 0x07) + Refused(kNegotiate, 0x31, "Kerberos: Preauthentication failed") +
+        Refused(kSimplePlain, 0x08, "BindSimple: Transport encryption required.");
     const auto as = [](const std::string& port, const std::string& domain, const std::string& user,
                        const std::string& password, const TypedMethod& method,
                        const std::string& server = kController)
@@ -95,22 +92,10 @@ TEST(Domain, IsTestedAsTheDialogSays)
         // The controller wants the user's full name for a simple bind.
         {as("0", "TAVO", "alice", right, kTryAll),
          Refused(kSimpleSsl, 0x31, kWrongSimple) + Bound(kNtlm) + walk, "NTLMSSP"},
-        {as("0", "TAVO", full, "wrong", kTryAll),
-         Refused(kSimpleSsl, 0x31, kWrongSimple) + Refused(kNtlm, 0x31, kWrongNtlm) +
-             Refused(kDigest, 0x01,
-                     "SASL: Failed to start authentication system: NT_STATUS_INVALID_PARAMETER") +
-             Refused(kDpa, 0x07) + Refused(kNegotiate, 0x31, "Kerberos: Preauthentication failed") +
-             Refused(kSimplePlain, 0x08, "BindSimple: Transport encryption required."),
-         "", 3},
+        {as("0", "TAVO", full, "wrong", kTryAll), allRefused, "", 3},
         // Each method asks once, whatever Kerberos might ask on its own account; a simple bind needs a whole
         // name.
-        {as("0", "", "alice", "wrong", kTryAll),
-         Refused(kSimpleSsl, 0x31, kWrongSimple) + Refused(kNtlm, 0x31, kWrongNtlm) +
-             Refused(kDigest, 0x01,
-                     "SASL: Failed to start authentication system: NT_STATUS_INVALID_PARAMETER") +
-             Refused(kDpa, 0x07) + Refused(kNegotiate, 0x31, "Kerberos: Preauthentication failed") +
-             Refused(kSimplePlain, 0x08, "BindSimple: Transport encryption required."),
-         "", 2, true},
+        {as("0", "", "alice", "wrong", kTryAll), allRefused, "", 2, true},
         {as("389", "TAVO", "alice", "", kNegotiate), Refused(kNegotiate, 0x31, "no password was given")},
         // A name that does not say which realm it belongs to.
         {as("389", "", "carol@corp.example", right, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
@@ -130,5 +115,3 @@ TEST(Domain, IsTestedAsTheDialogSays)
             EXPECT_EQ(LastLogOn(), logOn);
     }
 }
-
-} // namespace

@@ -5,9 +5,7 @@
 #include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <chrono>
 #include <regex>
 
 #include <sys/resource.h>

@@ -4,14 +4,8 @@
 #include "ldap/LdapTest.h"
 #include "tests/support/ProgramFolder.h"
 
-#include <array>
 #include <cstdio>
-#include <filesystem>
-#include <map>
 #include <regex>
-
-namespace
-{
 
 // Stands for the server's name until the whole text is put together.
 const std::string kServerMark = "<server>";
@@ -19,7 +13,7 @@ const std::string kServerMark = "<server>";
 // Wine's client has no such option.
 constexpr unsigned kWineKeepAlive = 0x5c;
 
-std::string CodeText(unsigned code)
+static std::string CodeText(unsigned code)
 {
     static const std::map<unsigned, std::string> texts = {
         {0x01, "Operations Error"},
@@ -38,42 +32,40 @@ std::string CodeText(unsigned code)
 }
 
 // Windows' client knows the code alone.
-std::string CodeText(unsigned code, const std::string& cause)
+static std::string CodeText(unsigned code, const std::string& cause)
 {
     return CodeText(code) + (cause.empty() || RunsOnWindows() ? "" : ": " + cause);
 }
 
-std::string ResultText(unsigned code)
+static std::string ResultText(unsigned code)
 {
     std::array<char, 32> text{};
     std::snprintf(text.data(), text.size(), "%s (%08X)\n", code == 0 ? "succeeded" : "failed", code);
     return text.data();
 }
 
-std::string Begun(const TypedMethod& method)
+static std::string Begun(const TypedMethod& method)
 {
     return std::string("[] \n[] ") + (method.number == eLDAPAuthSimpleSSL ? "ldap_sslinit" : "ldap_init") +
            " begin ... [] end\n";
 }
 
-std::string Opened(const TypedMethod& method)
+static std::string Opened(const TypedMethod& method)
 {
     return Begun(method) + "[] Set TCP keep alive - " + ResultText(RunsOnWindows() ? kWineKeepAlive : 0) +
            "[] Set no follow referrals - " + ResultText(0) + "[] ldap_connect(" + kServerMark + ") begin ...";
 }
 
-std::string BindText(const TypedMethod& method)
+static std::string BindText(const TypedMethod& method)
 {
     return Opened(method) + "[] " + ResultText(0) + "[] Set protocol ver=3 - " + ResultText(0) +
            "[] Set timeout (15 sec) - " + ResultText(0) + "[] " + method.call + " begin ...";
 }
 
-std::string SearchText(const std::string& scope, unsigned code)
+static std::string SearchText(const std::string& scope, unsigned code)
 {
     return "[] ldap_search_s[Scope=" + scope + ", filter=(objectClass=*)] begin ...[] " + ResultText(code);
 }
-
-} // namespace
 
 std::string gAppended;
 

@@ -5,10 +5,6 @@
 
 #include "ldap/LDAPCreds.h"
 
-#include <string>
-#include <utility>
-#include <vector>
-
 // The combo box's text, its number, and what the console calls the bind.
 struct TypedMethod
 {

@@ -10,16 +10,11 @@
 #include <cstdlib>
 #include <future>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include <sched.h>
 
-namespace
-{
-
 // One line an adapter: type, length, address.
-std::string DescribeAdapters()
+static std::string DescribeAdapters()
 {
     ULONG size = 0;
     if (GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, nullptr, &size) != ERROR_BUFFER_OVERFLOW)
@@ -40,7 +35,7 @@ std::string DescribeAdapters()
 }
 
 // Runs `setUp` in a network namespace and describes its adapters; empty when there is no right to make one.
-std::string AdaptersAfter(const std::string& setUp)
+static std::string AdaptersAfter(const std::string& setUp)
 {
     // Not in this thread: its network would be another one afterwards.
     return std::async(std::launch::async,
@@ -86,5 +81,3 @@ TEST(Adapters, AskForRoomAndRefuseWhatIsNotOffered)
     EXPECT_EQ(record.Length, 0u);
     EXPECT_EQ(GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, &record, nullptr), ERROR_INVALID_PARAMETER);
 }
-
-} // namespace

@@ -11,8 +11,6 @@
 
 #include <array>
 #include <chrono>
-#include <optional>
-#include <thread>
 
 #include <netinet/in.h>
 #include <sched.h>

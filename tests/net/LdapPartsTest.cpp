@@ -6,9 +6,6 @@
 
 using namespace platform;
 
-namespace
-{
-
 TEST(LdapHosts, AreReadFromAListOfNamesAndAddresses)
 {
     const std::pair<const char*, std::vector<LdapHost>> kCases[] = {
@@ -46,5 +43,3 @@ TEST(LdapHosts, AreReadFromAListOfNamesAndAddresses)
     for (const char* text : {"ldap://dc1", "ldaps://dc1:636"})
         EXPECT_EQ(refusal(text, 389), "the server's name is wanted, not a URL");
 }
-
-} // namespace

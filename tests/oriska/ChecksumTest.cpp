@@ -4,14 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <string>
-
-namespace
-{
 
 // The checksum's definition, a bit at a time: the polynomial of ECMA-182, reflected, all ones before and
 // after.
-std::uint64_t BitByBit(const unsigned char* bytes, std::size_t count)
+static std::uint64_t BitByBit(const unsigned char* bytes, std::size_t count)
 {
     std::uint64_t remainder = ~std::uint64_t{0};
     for (std::size_t i = 0; i < count; ++i)
@@ -22,8 +18,6 @@ std::uint64_t BitByBit(const unsigned char* bytes, std::size_t count)
     }
     return ~remainder;
 }
-
-} // namespace
 
 // Every length around the steps of the table and every alignment: the places where a sliced loop goes wrong.
 TEST(Checksum, AgreesWithItsDefinitionAtEveryLengthAndAlignment)

@@ -4,10 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <limits>
-#include <string>
-#include <type_traits>
-#include <tuple>
 
 namespace
 {

@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <thread>
-#include <vector>
 
 TEST(LockWaits, AreBookedByLabelFromAnyThread)
 {

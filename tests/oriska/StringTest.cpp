@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <string>
-#include <type_traits>
 
 namespace
 {

@@ -3,7 +3,6 @@
 #include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <windows.h>
 
@@ -12,9 +11,6 @@
 
 using testing::ContainsRegex;
 using testing::HasSubstr;
-
-namespace
-{
 
 // One line of the report; a prefix in front means that an append of its own begins there.
 constexpr const char* kReport[] = {
@@ -106,5 +102,3 @@ TEST(Report, TellsTheTimeZoneOfTheMachineAndTheLocaleOfItsUser)
                     ContainsRegex("\nCurrent RFC822 mail time: [^\n]* " + std::string(mailZone) + "\n"));
     }
 }
-
-} // namespace

@@ -5,11 +5,9 @@
 #include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <windows.h>
 
-#include <chrono>
 #include <csignal>
 #include <future>
 #include <regex>

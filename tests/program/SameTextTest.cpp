@@ -7,12 +7,8 @@
 
 #include <cstdio>
 #include <fstream>
-#include <memory>
 
-namespace
-{
-
-std::string OutputOf(const std::string& command)
+static std::string OutputOf(const std::string& command)
 {
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
     std::string text;
@@ -38,7 +34,7 @@ constexpr std::pair<const char*, const char*> kDifferences[] = {
     {"System default locale: ", "the prefix has a registry of its own"},
 };
 
-std::vector<std::string> Compared(const std::string& console)
+static std::vector<std::string> Compared(const std::string& console)
 {
     std::vector<std::string> lines;
     for (std::string line : Lines(WithoutTimes(console)))
@@ -64,5 +60,3 @@ TEST(SameText, BothProgramsReportTheSameOfOneMachine)
     ASSERT_GT(here.size(), 20u);
     EXPECT_EQ(here, there);
 }
-
-} // namespace

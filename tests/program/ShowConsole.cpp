@@ -9,11 +9,8 @@
 
 namespace fs = std::filesystem;
 
-namespace
-{
-
 // With the files' ages, which decide what is shipped.
-void CopyTree(const fs::path& from, const fs::path& to)
+static void CopyTree(const fs::path& from, const fs::path& to)
 {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(from))
     {
@@ -25,8 +22,6 @@ void CopyTree(const fs::path& from, const fs::path& to)
         fs::last_write_time(copy, entry.last_write_time());
     }
 }
-
-} // namespace
 
 int main(int argc, char** argv)
 {

@@ -3,7 +3,6 @@
 #include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 
@@ -12,12 +11,9 @@
 
 namespace fs = std::filesystem;
 
-namespace
-{
-
 // Runs a command of the shell, in which "$PROGRAM" is the program; gives what it says, and its exit code
 // where that is not 0.
-std::string Said(const ProgramFolder& folder, const std::string& command)
+static std::string Said(const ProgramFolder& folder, const std::string& command)
 {
     fs::permissions(folder.Path(), fs::perms(0755));
     const fs::path said = folder.Path() / "said";
@@ -27,8 +23,6 @@ std::string Said(const ProgramFolder& folder, const std::string& command)
                         .c_str());
     return ReadFile(said) + (status == 0 ? "" : "ended with " + std::to_string(WEXITSTATUS(status)));
 }
-
-} // namespace
 
 TEST(SickMachine, WithoutAThreadGetsAnAnswerToo)
 {

@@ -8,47 +8,23 @@
 
 TEST(TerminalScript, ReadsTheSameTextAsEver)
 {
-    std::string tenMegabytes;
-    for (int i = 0; i < 1'000'000; ++i)
-        tenMegabytes += "0123456789";
-    const ProgramFolder folder;
-    const ProgramOutcome outcome = folder.Run({{},
-                                               {"what",
-                                                "CRC64",
-                                                "Input=a\U0001F600b",
-                                                "Get CRC64",
-                                                "Wide characters=off",
-                                                "get",
-                                                "1018=" + tenMegabytes,
-                                                "Get",
-                                                "Wide=maybe",
-                                                "Wide=on",
-                                                "1019",
-                                                "OK",
-                                                "ldap",
-                                                "Cancel",
-                                                "LDAP ...",
-                                                "Server=there",
-                                                "LDAP Server= localhost ",
-                                                "Port=70000",
-                                                "Domain=d",
-                                                "user=Gr\xc3\xb6\xc3\x9f",
-                                                "Password=s e",
-                                                "Auth=7",
-                                                "auth=Simple bind",
-                                                "Auth=2",
-                                                "OK"},
-                                               {{"LC_ALL", "C.UTF-8"}}});
+    const std::string script =
+        "what\nCRC64\nInput=a\U0001F600b\nGet CRC64\nWide characters=off\nget\n1018=" +
+        Repeated("0123456789", 1'000'000) +
+        "\nGet\nWide=maybe\nWide=on\n1019\nOK\nldap\nCancel\nLDAP ...\nServer=there\n"
+        "LDAP Server= localhost \nPort=70000\nDomain=d\nuser=Gr\xc3\xb6\xc3\x9f\nPassword=s e\n"
+        "Auth=7\nauth=Simple bind\nAuth=2\nOK";
+    const ProgramOutcome outcome = ProgramFolder().Run({{}, Lines(script), {{"LC_ALL", "C.UTF-8"}}});
     ASSERT_TRUE(outcome.ended);
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
 
-    std::string script = WithoutTimes(outcome.console);
-    const std::size_t report = script.find("Current Computer: ");
-    const std::size_t last = script.find("Customer service: ");
-    ASSERT_NE(last, std::string::npos) << script;
-    script.replace(report, script.find('\n', last) - report, "(report)");
-    EXPECT_EQ(script, R"(ZT Diagnostics
+    std::string shown = WithoutTimes(outcome.console);
+    const std::size_t report = shown.find("Current Computer: ");
+    const std::size_t last = shown.find("Customer service: ");
+    ASSERT_NE(last, std::string::npos) << shown;
+    shown.replace(report, shown.find('\n', last) - report, "(report)");
+    EXPECT_EQ(shown, R"(ZT Diagnostics
 (report)
 Not understood. Press: Close, LDAP ..., FTP Logs to Support, CRC64
 Dialog

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <string>
 #include <string_view>
 
 namespace
@@ -73,13 +72,8 @@ TEST(FTPEventSink, GivesEachEventItsRecordAndItsResultBack)
 {
     NotingFTP ftp;
     std::int64_t size = std::int64_t{5} << 40;
-    struct Row
-    {
-        int event;
-        std::vector<void*> params;
-        int length;           // of the block or text with a length
-        std::string expected; // with the reserved 0
-    } rows[] = {
+    // Its number and parameters, the length of its block or text, and what is noted with the reserved 0.
+    const std::tuple<int, std::vector<void*>, int, std::string> rows[] = {
         {1, {Value("Control"), Value(4), Value("Logged in")}, 0, "1: Control 4 Logged in 0"},
         {2, {Value("a"), Value("b"), Value(-3), &size, Value("c")}, 0, "2: a b -3 5497558138880 c 0"},
         {3, {Value(-1)}, 0, "3: -1 0"},
@@ -90,19 +84,18 @@ TEST(FTPEventSink, GivesEachEventItsRecordAndItsResultBack)
         {8, {Value(8)}, 0, "8: 8 0"},
         {9, {Value(0), &size, Value(99), Value("text")}, 4, "9: 0 5497558138880 99 text 0"},
     };
-    for (Row& row : rows)
+    for (auto [event, params, length, expected] : rows)
     {
         int lengths[5] = {};
-        lengths[row.event == 9 ? 3 : 0] = row.length;
-        EXPECT_EQ(row.event * 10,
-                  FTPEventSink(static_cast<FTP*>(&ftp), row.event, static_cast<int>(row.params.size()),
-                               row.params.data(), lengths));
-        EXPECT_EQ(row.expected, ftp.noted);
+        lengths[event == 9 ? 3 : 0] = length;
+        EXPECT_EQ(event * 10, FTPEventSink(static_cast<FTP*>(&ftp), event, static_cast<int>(params.size()),
+                                           params.data(), lengths));
+        EXPECT_EQ(expected, ftp.noted);
+        if (event == 6)
+            EXPECT_EQ(Value(-7), params[4]) << "the decision goes back with its sign";
         FTP silent;
-        EXPECT_EQ(0, FTPEventSink(&silent, row.event, 0, row.params.data(), lengths));
+        EXPECT_EQ(0, FTPEventSink(&silent, event, 0, params.data(), lengths));
     }
-    // The decision goes back with its sign.
-    EXPECT_EQ(Value(-7), rows[5].params[4]);
 
     ftp.noted.clear();
     for (const int unknown : {0, 10})

@@ -9,10 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <map>
-#include <string>
-
 namespace
 {
 
@@ -102,18 +98,13 @@ extern "C"
     }
 }
 
-namespace
-{
-
-std::vector<std::string> RunFtpProc(const std::filesystem::path& file)
+static std::vector<std::string> RunFtpProc(const std::filesystem::path& file)
 {
     gPosted.clear();
     FTPProc(new FTPProcArgs{ZTString(file.wstring().c_str()), ZTString(L"remote.zip")});
     EXPECT_TRUE(gbFTPDone);
     return gPosted;
 }
-
-} // namespace
 
 using Texts = std::vector<std::string>;
 

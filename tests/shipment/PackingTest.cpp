@@ -144,14 +144,6 @@ TEST_F(LogDirectory, BehindALinkOfAnotherAccountIsNotUsed)
     EXPECT_FALSE(fs::exists(unpacked / "secret"));
 }
 
-TEST_F(LogDirectory, ThatIsMissingIsMadeAnewByTheProgramsOwnLog)
-{
-    const RealFtpServer server(kFtpUser, kFtpPassword);
-    fs::remove_all(Logs());
-    EXPECT_THAT(Verdicts(Ship("case")), ElementsAre("Compression finished.  Exit Code: 0", kSent));
-    EXPECT_TRUE(fs::exists(Unpack(server.Directory() / "case.zip") / "Tavo.log"));
-}
-
 TEST_F(LogDirectory, OnAFullDiskGivesAnArchiverError)
 {
     ASSERT_EQ(0, mount("none", Logs().c_str(), "tmpfs", 0, "size=3m"));

@@ -8,16 +8,12 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <ctime>
 
 namespace fs = std::filesystem;
 
-namespace
-{
-
 constexpr std::int64_t kCutOff = 1700000000;
 
-void MakeFile(const fs::path& path, std::int64_t seconds)
+static void MakeFile(const fs::path& path, std::int64_t seconds)
 {
     WriteFile(path, "x");
     // One clock for all systems: the distance from now.
@@ -25,12 +21,10 @@ void MakeFile(const fs::path& path, std::int64_t seconds)
     fs::last_write_time(path, fs::file_time_type::clock::now() - age);
 }
 
-ZTString OldNames(const fs::path& directory, std::int64_t cutOff)
+static ZTString OldNames(const fs::path& directory, std::int64_t cutOff)
 {
     return GetStringFromSet(OldFileNames(ZTString(directory.wstring().c_str()), cutOff), L"|");
 }
-
-} // namespace
 
 TEST(ArchiveName, TakesTheWantedNameOrTheDate)
 {

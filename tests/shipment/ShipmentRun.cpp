@@ -117,3 +117,12 @@ fs::path Unpack(const fs::path& archive, int expected)
     EXPECT_EQ(expected, WEXITSTATUS(std::system(command.c_str())));
     return target;
 }
+
+int main(int argc, char** argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    gHasOwnNetwork = EnterOwnNetwork();
+    if (gHasOwnNetwork)
+        PointHostHere(TAVO_SUPPORT_HOST);
+    return RUN_ALL_TESTS();
+}

@@ -7,10 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <string>
-#include <vector>
-
 extern bool gHasOwnNetwork;
 
 constexpr const char* kFtpUser = "zt-ftp";

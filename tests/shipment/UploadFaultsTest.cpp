@@ -5,8 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
-
 using testing::StartsWith;
 using namespace std::string_literals;
 

@@ -10,12 +10,8 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <cwchar>
-#include <string>
-#include <string_view>
 #include <thread>
-#include <vector>
 
 namespace
 {

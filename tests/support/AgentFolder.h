@@ -7,7 +7,6 @@
 #include "tests/support/TestFolder.h"
 
 #include <atomic>
-#include <vector>
 
 struct AgentOutcome
 {

@@ -8,9 +8,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace
-{
-
 constexpr unsigned char kSequence = 0x30;
 constexpr unsigned char kSet = 0x31;
 constexpr unsigned char kInteger = 0x02;
@@ -18,21 +15,13 @@ constexpr unsigned char kOctets = 0x04;
 constexpr unsigned char kEnumerated = 0x0a;
 constexpr unsigned char kSearchEntry = 0x64;
 
-bool ReadExactly(int socket, std::string& bytes, std::size_t count)
+// Empty when the client has gone.
+static std::string ReadExactly(int socket, std::size_t count)
 {
-    while (count > 0)
-    {
-        char buffer[4096];
-        const ssize_t got = recv(socket, buffer, std::min(count, sizeof(buffer)), 0);
-        if (got <= 0)
-            return false;
-        bytes.append(buffer, static_cast<std::size_t>(got));
-        count -= static_cast<std::size_t>(got);
-    }
-    return true;
+    std::string bytes(count, '\0');
+    const ssize_t got = recv(socket, bytes.data(), count, MSG_WAITALL);
+    return got == static_cast<ssize_t>(count) ? bytes : "";
 }
-
-} // namespace
 
 std::string BerElementOf(unsigned char tag, const std::string& content)
 {
@@ -53,24 +42,18 @@ std::string BerText(const std::string& text)
 bool LdapPeer::Connection::ReadRequest()
 {
     // 30 LL 02 01 NN ..., or 30 8x LL.. 02 01 NN ...
-    std::string head;
-    if (!ReadExactly(mSocket, head, 2))
-        return false;
-    std::size_t length = static_cast<unsigned char>(head[1]);
+    const std::string head = ReadExactly(mSocket, 2);
+    std::size_t length = head.empty() ? 0 : static_cast<unsigned char>(head[1]);
     if (length >= 0x80)
     {
-        std::string lengthBytes;
-        if (!ReadExactly(mSocket, lengthBytes, length & 0x7f))
-            return false;
+        const std::string bytes = ReadExactly(mSocket, length & 0x7f);
         length = 0;
-        for (const char byte : lengthBytes)
+        for (const char byte : bytes)
             length = length << 8 | static_cast<unsigned char>(byte);
     }
-    std::string request;
-    if (!ReadExactly(mSocket, request, length))
-        return false;
-    mNumber = static_cast<std::uint8_t>(request[2]);
-    return true;
+    const std::string request = ReadExactly(mSocket, length);
+    mNumber = request.empty() ? 0 : static_cast<std::uint8_t>(request[2]);
+    return !request.empty();
 }
 
 bool LdapPeer::Connection::Send(const std::string& bytes) const

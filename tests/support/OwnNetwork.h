@@ -5,8 +5,6 @@
 
 #include "tests/support/TestFolder.h"
 
-#include <filesystem>
-#include <string>
 #include <sys/types.h>
 
 // Puts the calling process, and what it starts, into a network that holds nothing but loopback, with named

@@ -2,11 +2,9 @@
 #include "tests/support/OwnNetwork.h"
 
 #include <crypt.h>
-#include <net/if.h>
 #include <netinet/in.h>
 #include <sched.h>
 #include <signal.h>
-#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
@@ -16,38 +14,23 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <set>
 #include <thread>
 
 namespace fs = std::filesystem;
 
-namespace
-{
-
 constexpr uid_t kUser = 64321; // of no other account
 constexpr std::uint16_t kFtpPort = 21;
 
-std::set<fs::path> gReplaced;
+static std::set<fs::path> gReplaced;
 
-void RestoreSystemFile(const fs::path& path)
+static void RestoreSystemFile(const fs::path& path)
 {
     if (gReplaced.erase(path) == 1)
         umount2(path.c_str(), MNT_DETACH);
 }
 
-bool RaiseLoopback()
-{
-    const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    ifreq request{};
-    std::strcpy(request.ifr_name, "lo");
-    request.ifr_flags = IFF_UP | IFF_RUNNING;
-    const bool done = ioctl(socket, SIOCSIFFLAGS, &request) == 0;
-    close(socket);
-    return done;
-}
-
-bool Answers(std::uint16_t port)
+static bool Answers(std::uint16_t port)
 {
     const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
@@ -59,13 +42,12 @@ bool Answers(std::uint16_t port)
     return does;
 }
 
-} // namespace
-
 bool EnterOwnNetwork()
 {
     // With named events of its own: an unattended run elsewhere must not refuse those in here.
     if (unshare(CLONE_NEWNET | CLONE_NEWNS | CLONE_NEWIPC) != 0 ||
-        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 || !RaiseLoopback())
+        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        std::system("ip link set lo up") != 0)
     {
         std::perror("a network of its own");
         return false;

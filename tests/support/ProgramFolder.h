@@ -7,11 +7,8 @@
 #include "tests/support/TestFolder.h"
 
 #include <chrono>
-#include <filesystem>
 #include <functional>
-#include <string>
 #include <utility>
-#include <vector>
 
 // Which of the two programs this is; for the few cases that one system cannot hold.
 bool RunsOnWindows();

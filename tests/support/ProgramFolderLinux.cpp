@@ -3,9 +3,7 @@
 #include "tests/support/ProgramFolder.h"
 
 #include <fcntl.h>
-#include <grp.h>
 #include <poll.h>
-#include <pwd.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <map>
 
 namespace
 {
@@ -41,33 +38,22 @@ struct Pipe
     std::array<int, 2> mEnds{-1, -1};
 };
 
-// The caller's environment with the changes of `start`, and without a display unless the test names one.
-std::vector<std::string> EnvironmentOf(const ProgramStart& start)
+// As the shell would be told: the user, the environment with the changes of `start`, and without a display
+// unless the test names one, then the program.
+std::vector<std::string> CommandOf(const ProgramStart& start, const std::string& program)
 {
-    std::map<std::string, std::string> variables;
-    for (char** variable = environ; *variable != nullptr; ++variable)
-    {
-        const std::string text = *variable;
-        variables[text.substr(0, text.find('='))] = text.substr(text.find('=') + 1);
-    }
-    variables["DISPLAY"] = variables["WAYLAND_DISPLAY"] = "";
+    std::vector<std::string> command = {"/usr/bin/env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY"};
     for (const auto& [name, value] : start.environment)
-        variables[name] = value;
-    std::vector<std::string> texts;
-    for (const auto& [name, value] : variables)
+        if (value.empty())
+            command.insert(command.end(), {"-u", name});
+    for (const auto& [name, value] : start.environment)
         if (!value.empty())
-            texts.push_back(name + "=" + value);
-    return texts;
-}
-
-// For exec; `texts` must outlive them.
-std::vector<char*> Pointers(const std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    for (const std::string& text : texts)
-        pointers.push_back(const_cast<char*>(text.c_str()));
-    pointers.push_back(nullptr);
-    return pointers;
+            command.push_back(name + "=" + value);
+    if (start.asOtherUser)
+        command.insert(command.end(), {"setpriv", "--reuid=nobody", "--regid=65534", "--clear-groups"});
+    command.push_back(program);
+    command.insert(command.end(), start.arguments.begin(), start.arguments.end());
+    return command;
 }
 
 // Takes what is there from the pipe; false at its end.
@@ -150,12 +136,11 @@ std::filesystem::path ProgramFolder::Program() const
 
 ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
 {
-    std::vector<std::string> arguments = start.arguments;
-    arguments.insert(arguments.begin(), Program().string());
-    const std::vector<std::string> environment = EnvironmentOf(start);
-    const std::vector<char*> argumentPointers = Pointers(arguments);
-    const std::vector<char*> environmentPointers = Pointers(environment);
-    const passwd* user = start.asOtherUser ? getpwnam("nobody") : nullptr;
+    const std::vector<std::string> command = CommandOf(start, Program().string());
+    std::vector<char*> pointers;
+    for (const std::string& word : command)
+        pointers.push_back(const_cast<char*>(word.c_str()));
+    pointers.push_back(nullptr);
     Pipe input, output, errors;
     const pid_t child = fork();
     if (child == 0)
@@ -166,9 +151,7 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
         dup2(input.mEnds[0], STDIN_FILENO);
         dup2(output.mEnds[1], STDOUT_FILENO);
         dup2(errors.mEnds[1], STDERR_FILENO);
-        if (!start.asOtherUser || (user != nullptr && setgroups(0, nullptr) == 0 &&
-                                   setgid(user->pw_gid) == 0 && setuid(user->pw_uid) == 0))
-            execve(argumentPointers[0], argumentPointers.data(), environmentPointers.data());
+        execv(pointers[0], pointers.data());
         _exit(127);
     }
     input.CloseRead();

@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <cstdlib>
-#include <optional>
 #include <set>
 
 namespace

@@ -5,13 +5,10 @@
 #include <cstdlib>
 #include <thread>
 
-namespace
-{
-
 constexpr std::chrono::milliseconds kWait{5};
 constexpr int kWaits = 6000;
 
-std::string Hex(const std::string& text)
+static std::string Hex(const std::string& text)
 {
     constexpr const char* kDigits = "0123456789abcdef";
     std::string hex;
@@ -20,12 +17,10 @@ std::string Hex(const std::string& text)
     return hex;
 }
 
-std::string Line(const std::string& key, const std::string& value)
+static std::string Line(const std::string& key, const std::string& value)
 {
     return Hex(key) + " " + Hex(value) + "\n";
 }
-
-} // namespace
 
 ScriptedFtpServer::ScriptedFtpServer(const FtpScript& script, std::uint16_t port)
 {

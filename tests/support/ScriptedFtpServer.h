@@ -10,8 +10,6 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
-#include <string>
-#include <vector>
 
 // An answer that ends the control connection without a word.
 constexpr const char* kHangUp = "(hang up)";

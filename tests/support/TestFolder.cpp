@@ -28,6 +28,14 @@ void WriteFile(const std::filesystem::path& path, const std::string& content)
     std::ofstream(path, std::ios::binary) << content;
 }
 
+std::string Repeated(const std::string& part, std::size_t times)
+{
+    std::string text;
+    while (times-- > 0)
+        text += part;
+    return text;
+}
+
 std::string RandomBytes(std::size_t count)
 {
     std::mt19937_64 generator(count);

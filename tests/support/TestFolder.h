@@ -16,6 +16,8 @@ std::vector<std::string> Lines(const std::string& text);
 // Makes the folders above it too.
 void WriteFile(const std::filesystem::path& path, const std::string& content);
 
+std::string Repeated(const std::string& part, std::size_t times);
+
 // Bytes that differ from place to place, and do not get fewer in an archive.
 std::string RandomBytes(std::size_t count);
 

@@ -5,11 +5,8 @@
 
 using platform::Window;
 
-namespace
-{
-
 // Among the newest dialog, its owners and their controls.
-Window* Find(HWND handle)
+static Window* Find(HWND handle)
 {
     for (Window* dialog = platform::TopDialog(); dialog != nullptr; dialog = dialog->parent)
     {
@@ -21,8 +18,6 @@ Window* Find(HWND handle)
     }
     return nullptr;
 }
-
-} // namespace
 
 HWND TopWindow()
 {

@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-
 TEST(Unicode, EachByteSurvivesTheWayToWideTextAndBack)
 {
     const std::pair<std::string, std::wstring> rows[] = {
@@ -73,5 +70,3 @@ TEST(SafeToShow, LeavesNothingThatATerminalObeysOrThatTurnsAReadersEye)
         EXPECT_EQ(text::SafeToShow(shown), safe);
     EXPECT_EQ(text::SafeToShow(L"a\tb\r\n\u202E", L"\t\n"), L"a\tb \n ");
 }
-
-} // namespace
