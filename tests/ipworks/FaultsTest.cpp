@@ -34,6 +34,11 @@ struct Fault
     bool passive = true;
 };
 
+void PrintTo(const Fault& fault, std::ostream* out)
+{
+    *out << fault.name;
+}
+
 const std::vector<Fault> kFaults = {
     {"NoRoomAtTheGreeting", {.greeting = "421 Too many users.\r\n"}, 421, "421 Too many users."},
     {"HangUpAtTheGreeting", {.greeting = kHangUp}, kIPWorksConnectionLost},
@@ -134,8 +139,7 @@ TEST_P(FaultTest, GivesItsResultAndNoMore)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Faults, FaultTest, testing::ValuesIn(kFaults),
-                         [](const auto& fault) { return fault.param.name; });
+INSTANTIATE_TEST_SUITE_P(Faults, FaultTest, testing::ValuesIn(kFaults), testing::PrintToStringParamName());
 
 TEST(Upload, HostThatCannotBeFoundAndPortThatIsClosedAreNamedInBothModes)
 {

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/Kelvane.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <csignal>
 #include <thread>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -101,13 +102,24 @@ TEST(CatchSEH, WorksOnEveryThreadAtOnceAndNested)
 TEST(CatchSEHDeathTest, LeavesOtherFaultsDeadly)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(
-        {
-            CodeOf(WriteToNull);
-            const volatile Fault call = WriteToNull;
-            call();
-        },
-        "");
+    const Fault others[] = {[]
+                            {
+                                CodeOf(WriteToNull);
+                                const volatile Fault call = WriteToNull;
+                                call();
+                            },
+                            []
+                            {
+                                const CatchSEH ofAnotherThread;
+                                std::thread(WriteToNull).join();
+                            },
+                            []
+                            {
+                                const CatchSEH guard;
+                                raise(SIGSEGV); // sent, not met
+                            }};
+    for (const Fault other : others)
+        EXPECT_DEATH(other(), testing::Not(testing::HasSubstr("terminate called")));
 }
 
 } // namespace

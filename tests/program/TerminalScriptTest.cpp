@@ -15,7 +15,6 @@ TEST(TerminalScript, ReadsTheSameTextAsEver)
         "LDAP Server= localhost \nPort=70000\nDomain=d\nuser=Gr\xc3\xb6\xc3\x9f\nPassword=s e\n"
         "Auth=7\nauth=Simple bind\nAuth=2\nOK";
     const ProgramOutcome outcome = ProgramFolder().Run({{}, Lines(script), {{"LC_ALL", "C.UTF-8"}}});
-    ASSERT_TRUE(outcome.ended);
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
 
