@@ -34,13 +34,21 @@ AgentOutcome AgentFolder::Run(const std::vector<std::string>& steps, bool asNobo
 {
     const std::string answers = "answers-" + std::to_string(++mRuns);
     const std::array<std::string, 2> files{answers, answers + ".errors"};
+    std::wstring user;
     if (asNobody)
+    {
         for (const std::string& name : files)
         {
             Write(name, "");
             fs::permissions(Path() / name, fs::perms(0666));
         }
-    const std::wstring user = asNobody ? L"setpriv --reuid=65534 --regid=65534 --clear-groups " : L"";
+        // The tree may lie where only root may look.
+        for (const char* name : {"libKelvane.so", "libOriska.so", "libtavoplatform.so"})
+            fs::copy_file(fs::path(TAVO_AGENT).parent_path().parent_path() / "bin" / name, Path() / name,
+                          fs::copy_options::skip_existing);
+        user = L"setpriv --reuid=65534 --regid=65534 --clear-groups env \"LD_LIBRARY_PATH=" +
+               Path().wstring() + L"\" ";
+    }
     AgentOutcome outcome;
     outcome.exitCode = ChildProcess(user + Line(answers, steps)).ExitCode();
     outcome.answers = Read(files[0]);

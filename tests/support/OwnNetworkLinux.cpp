@@ -61,6 +61,8 @@ void ReplaceSystemFile(const fs::path& path, const std::string& content)
     const TestFolder directory; // the mount holds what it was
     const fs::path file = directory.Path() / "content";
     WriteFile(file, content);
+    if (!fs::exists(path))
+        WriteFile(path, ""); // a bare system has no hosts
     fs::permissions(file, fs::status(path).permissions());
     if (mount(file.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0)
         gReplaced.insert(path);
