@@ -40,14 +40,6 @@ bool HasOpenSsl()
     return library != nullptr && std::string_view(library).substr(0, 8) == "OpenSSL/";
 }
 
-// From 7.87.0 on and before 8.0.0 the file would go out in plain text on a connection that the server opened
-// (https://github.com/curl/curl/issues/10666).
-bool ForgetsToEncrypt()
-{
-    const unsigned version = curl_version_info(CURLVERSION_NOW)->version_num;
-    return version >= 0x075700 && version < 0x080000;
-}
-
 // Bytes received, 0 when none are there yet, -1 when none will come.
 int ReceiveTls(SSL* tls, char* buffer, int capacity)
 {
@@ -377,7 +369,7 @@ int CurlUpload::OnSocket(void* self, curl_socket_t socket, curlsocktype purpose)
     // Whoever connects first to our open port would get the file.
     if (!SamePeer(socket, upload.mControl))
         upload.Stop(kIPWorksConnectFailed, "A stranger opened the data connection.");
-    else if (upload.mSecured && ForgetsToEncrypt())
+    else if (upload.mSecured && LeavesDirectDataReadable())
         upload.Stop(kIPWorksSecurityFailed, "This libcurl cannot encrypt a data connection in direct mode.");
     return upload.mStopped.code == kIPWorksOk ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
 }

@@ -37,5 +37,9 @@ bool IsBroken(curl_socket_t socket, std::chrono::milliseconds limit);
 // Bytes received, 0 when none are there yet, -1 when none will come.
 int Receive(curl_socket_t socket, char* buffer, int capacity);
 
+// Whether this system's libcurl sends a file in plain text under TLS on a data connection that the server
+// opened, as 7.87.0 to 7.88.1 do (https://github.com/curl/curl/issues/10666).
+bool LeavesDirectDataReadable();
+
 // 0, or a system's error code.
 int CloseSocket(curl_socket_t socket);

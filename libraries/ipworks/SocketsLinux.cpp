@@ -78,6 +78,12 @@ int Receive(curl_socket_t socket, char* buffer, int capacity)
     return length < 0 && (errno == EAGAIN || errno == EINTR) ? 0 : -1;
 }
 
+bool LeavesDirectDataReadable()
+{
+    const unsigned version = curl_version_info(CURLVERSION_NOW)->version_num;
+    return version >= 0x075700 && version < 0x080000;
+}
+
 int CloseSocket(curl_socket_t socket)
 {
     return close(socket);

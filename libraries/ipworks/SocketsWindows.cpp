@@ -67,6 +67,12 @@ int Receive(curl_socket_t socket, char* buffer, int capacity)
     return length < 0 && WSAGetLastError() == WSAEWOULDBLOCK ? 0 : -1;
 }
 
+// The copy that is linked in is mended: packaging/windows/curl-active-tls.patch.
+bool LeavesDirectDataReadable()
+{
+    return false;
+}
+
 int CloseSocket(curl_socket_t socket)
 {
     return closesocket(socket);
