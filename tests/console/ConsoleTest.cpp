@@ -78,6 +78,10 @@ TEST(Console, PutsTheTimeBeforeEachTextAndAddsNoLineEnd)
             open.AppendLine(L"");
             open.AppendLine(L"two\r\nlines\r\n");
             EXPECT_EQ(open.WrittenWithoutTimes(), L"[] left open[] [] two\r\nlines\r\n");
+            const HWND output = ::GetDlgItem(open.m_hWnd, IDC_OUTPUT);
+            SetWindowTextW(output, L"what the control holds counts");
+            open.AppendLine(L"");
+            EXPECT_EQ(TextOf(output).substr(0, 30), L"what the control holds counts[");
             open.EndDialog(kEnded);
         });
     EXPECT_EQ(console.Result(), kEnded);

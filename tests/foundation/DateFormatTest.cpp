@@ -41,6 +41,14 @@ TEST(DateFormat, ShowsTheMailForm)
         {DateValue{2958465.0, eDateValid}, L"Fri, 31 Dec 9999 00:00:00 "},
         {{}, L"???, -1 ??? -1 -1:-1:-1 "},
     };
+    const std::wstring days = L"SunMonTueWedThuFriSat", months = L"JanFebMarAprMayJunJulAugSepOctNovDec";
+    for (int day = 0; day < 365; ++day) // of 2023, which began on a Sunday
+    {
+        const DateValue date{44927.0 + day, eDateValid};
+        const ZTString text = FormatRFC822Date(date);
+        EXPECT_EQ(text.Left(3), days.substr(static_cast<std::size_t>(day % 7 * 3), 3).c_str()) << day;
+        EXPECT_NE(text.Find(months.substr(static_cast<std::size_t>(date.GetMonth() * 3 - 3), 3).c_str()), -1);
+    }
     // The zone of the moment stands in the report's test.
     for (const auto& [value, expected] : kCases)
     {

@@ -21,7 +21,7 @@ TEST(Upload, FileThatAnotherAccountCouldHavePutThereIsNotSent)
     for (const auto& [path, problem] : rows)
     {
         recorder.SetLocalFile(path);
-        EXPECT_EQ(kIPWorksLocalFileFailed, recorder.Upload());
+        EXPECT_EQ(1004, recorder.Upload());
         EXPECT_EQ("1004 Cannot open the local file: " + problem, recorder.LastError());
     }
     EXPECT_TRUE(recorder.server.Commands().empty());

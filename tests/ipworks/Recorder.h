@@ -6,6 +6,8 @@
 #include "tests/support/ScriptedFtpServer.h"
 #include "tests/support/TestFolder.h"
 
+#include <gtest/gtest.h>
+
 constexpr const char* kTestPassword = "Kesto-42";
 
 class Recorder
@@ -88,6 +90,8 @@ private:
     {
         Recorder& recorder = *static_cast<Recorder*>(object);
         const auto note = [&recorder](const std::string& line) { recorder.events.push_back(line); };
+        constexpr int kParameters[] = {0, 3, 0, 0, 2, 2, 5, 1, 1, 4}; // of each event
+        EXPECT_EQ(paramCount, kParameters[eventId]);
         switch (eventId)
         {
         case kIPWorksStatus:
@@ -118,7 +122,7 @@ private:
                                          *static_cast<std::int64_t*>(params[1]), Number(params[2])});
             break;
         default:
-            note("unknown event " + std::to_string(eventId) + " of " + std::to_string(paramCount));
+            note("unknown event " + std::to_string(eventId));
         }
         return 0;
     }

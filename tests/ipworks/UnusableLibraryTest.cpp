@@ -28,7 +28,7 @@ TEST(Component, LibraryThatLacksAnOptionIsNotUsedAndNamed)
 {
     Recorder recorder;
     gRefused = CURLOPT_SSL_CTX_FUNCTION;
-    EXPECT_EQ(kIPWorksOtherFailure, recorder.Upload());
+    EXPECT_EQ(1011, recorder.Upload());
     EXPECT_THAT(recorder.LastError(),
                 testing::StartsWith("1011 The transfer library cannot be used: SSL_CTX_FUNCTION: "));
     EXPECT_TRUE(recorder.server.Commands().empty());

@@ -107,7 +107,7 @@ TEST(Upload, FileThatIsMissingOrHasASecondNameFailsWithoutAConnection)
     for (const auto& [path, problem] : rows)
     {
         recorder.SetLocalFile(path);
-        EXPECT_EQ(kIPWorksLocalFileFailed, recorder.Upload());
+        EXPECT_EQ(1004, recorder.Upload());
         EXPECT_THAT(recorder.LastError(), StartsWith("1004 Cannot open the local file: " + problem));
     }
     EXPECT_TRUE(recorder.server.Commands().empty());
@@ -141,31 +141,39 @@ TEST(Component, UnknownNumbersAndInjectedTextGiveACodeAndAText)
 {
     Recorder recorder;
     const auto said = [&recorder](int result) { return std::to_string(result) + "|" + recorder.LastError(); };
-    const struct
-    {
-        std::string said;
-        std::string expected; // beginning
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {said(recorder.SetNumber(1, 0)), "1002|1002 Unknown property: 1"},
+        {said(recorder.SetNumber(kIPWorksPassive, 2)), "1003|1003 Passive mode is 1 or 0."},
+        {said(recorder.SetNumber(41, 1)), "1003|1003 The transfer mode can only be 2, binary."},
+        {said(recorder.Do(kIPWorksConfig)), "1003|1003 A configuration is one text."},
+        {said(recorder.Do(1)), "1002|1002 Unknown method: 1"},
+        {said(recorder.Config("Unknown=1")), "1002|1002 Unknown configuration: Unknown=1"},
         {said(recorder.Config("RemotePort=65536")),
          "1003|1003 Bad value in the configuration: RemotePort=65536"},
         // What would put a second command on the line, or another file into the path.
-        {said(recorder.SetText(kIPWorksUser, "a\r\nDELE b")), "1003|1003 A user"},
-        {said(recorder.SetText(kIPWorksPassword, "a\nDELE b")), "1003|1003 A password"},
-        {said(recorder.SetText(kIPWorksRemoteFile, "a\r\nDELE b")), "1003|1003 The remote file"},
-        {said(recorder.SetText(kIPWorksRemoteFile, "../a")), "1003|1003 The remote file"},
-        {said(recorder.SetText(kIPWorksRemoteHost, "host/other@third")), "1003|1003 The remote host"},
+        {said(recorder.SetText(kIPWorksUser, "a\r\nDELE b")), "1003|1003 A user name is one line."},
+        {said(recorder.SetText(kIPWorksPassword, "a\nDELE b")), "1003|1003 A password is one line."},
+        {said(recorder.SetText(kIPWorksRemoteFile, "a\r\nDELE b")),
+         "1003|1003 The remote file is not a bare file name."},
+        {said(recorder.SetText(kIPWorksRemoteFile, "../a")),
+         "1003|1003 The remote file is not a bare file name."},
+        {said(recorder.SetText(kIPWorksRemoteHost, "host/other@third")),
+         "1003|1003 The remote host is not a host name."},
     };
     for (const auto& [text, expected] : rows)
-        EXPECT_THAT(text, StartsWith(expected));
+        EXPECT_EQ(text, expected);
     EXPECT_TRUE(recorder.events.empty());
 }
 
 TEST(Component, NullHandleIsAnsweredByEveryCall)
 {
     EXPECT_EQ(nullptr, IPWorks_FTP_Create(nullptr, nullptr));
-    EXPECT_EQ(kIPWorksBadHandle, IPWorks_FTP_Set(nullptr, kIPWorksPassive, 0, nullptr, 0));
-    EXPECT_EQ(kIPWorksBadHandle, IPWorks_FTP_Do(nullptr, kIPWorksUpload, 0, nullptr, nullptr, 0));
+    EXPECT_EQ(1001, IPWorks_FTP_Set(nullptr, kIPWorksPassive, 0, nullptr, 0));
+    EXPECT_EQ(1001, IPWorks_FTP_Do(nullptr, kIPWorksUpload, 0, nullptr, nullptr, 0));
     EXPECT_STREQ("1001 There is no component.", IPWorks_FTP_GetLastError(nullptr));
     EXPECT_EQ(0, IPWorks_FTP_Destroy(nullptr));
+    void* const fresh = IPWorks_FTP_Create([](void*, int, int, void**, int*) { return 0; }, nullptr);
+    EXPECT_EQ(1003, IPWorks_FTP_Do(fresh, kIPWorksUpload, 0, nullptr, nullptr, 0));
+    EXPECT_STREQ("1003 The remote host or the remote file is not set.", IPWorks_FTP_GetLastError(fresh));
+    EXPECT_EQ(0, IPWorks_FTP_Destroy(fresh));
 }

@@ -49,6 +49,7 @@ unsigned long CodeOf(Fault fault)
     }
     catch (const SEHException& exception)
     {
+        EXPECT_STREQ(exception.what(), "hardware fault");
         return exception.Code();
     }
     return 0;

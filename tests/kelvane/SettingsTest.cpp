@@ -126,9 +126,15 @@ TEST(Settings, OfTheWrongTypeCountAsTheirDefaultsAndTheLogSaysSo)
     for (const auto& [name, fallback] : kSettings)
         fallbacks += std::string(fallback) + "\n";
     EXPECT_EQ(AllOf(folder), fallbacks);
-    for (const auto& [name, fallback] : kSettings)
-        EXPECT_THAT(folder.Log(), HasSubstr(std::string("The default of ") + name +
-                                            " holds, not what is stored: it takes "));
+    const char* const takes[] = {"a text",
+                                 "a text",
+                                 "a number from 0 to 2",
+                                 "a number from 0 to 4194304",
+                                 "a number from 0 to 99",
+                                 "a number from 0 to 1"};
+    for (std::size_t i = 0; i < kSettings.size(); ++i)
+        EXPECT_THAT(folder.Log(), HasSubstr(std::string("The default of ") + kSettings[i].first +
+                                            " holds, not what is stored: it takes " + takes[i] + "\n"));
 }
 
 TEST(Settings, ThatCannotBeUnderstoodAreSetAside)
@@ -146,7 +152,9 @@ TEST(Settings, ThatCannotBeUnderstoodAreSetAside)
         EXPECT_EQ(folder.Run({writes ? "set:LogLevel:2" : "get:LogLevel"}).answers, writes ? "true\n" : "2\n")
             << number;
         EXPECT_EQ(folder.Read(aside), broken);
-        EXPECT_THAT(folder.Log(), HasSubstr("was moved to " + aside));
+        EXPECT_THAT(folder.Log(),
+                    HasSubstr("failure: Tavo.settings.json could not be understood and was moved to " +
+                              aside + ": defaults hold\n"));
         EXPECT_EQ(folder.Settings(), writes ? "{\n  \"LogLevel\": 2\n}\n" : "");
     }
     folder.Write("Tavo.settings.json", Nested(64));
@@ -191,8 +199,21 @@ TEST(Settings, ThatCannotBeUnderstoodNorMovedAwayHoldNobodyUp)
     EXPECT_EQ(folder.Run({"init", "get:LogLevel", "set:LogLevel:1"}, true).answers, "2\nfalse\n");
     // Far below the time that a process waits for another one's lock.
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
-    EXPECT_THAT(folder.Log(), HasSubstr("cannot be understood and cannot be moved away"));
     EXPECT_EQ(folder.Settings(), "{");
+    // Where the lock can be had.
+    const auto open = [&folder](const char* name, int mode)
+    { std::filesystem::permissions(folder.Path() / name, std::filesystem::perms(mode)); };
+    folder.Write("Tavo.settings.lock", "");
+    open("Tavo.settings.lock", 0666);
+    folder.Run({"set:LogLevel:1"}, true);
+    open("Tavo.settings.json", 0);
+    EXPECT_EQ(folder.Run({"init", "get:LogLevel", "set:LogLevel:1"}, true).answers, "2\nfalse\n");
+    for (const char* text :
+         {"Tavo.settings.json cannot be understood and cannot be moved away: defaults hold\n",
+          "LogLevel is not changed: Tavo.settings.json cannot be understood\n",
+          "Tavo.settings.json cannot be read: defaults hold\n",
+          "LogLevel is not changed: Tavo.settings.json cannot be read\n"})
+        EXPECT_THAT(folder.Log(), HasSubstr(text));
 }
 
 TEST(Settings, ThatAWriteWouldMakeTooLargeToReadAreRefused)

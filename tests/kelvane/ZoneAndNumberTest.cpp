@@ -94,6 +94,7 @@ TEST(NumberFormat, IsTheUsersOwn)
         {"C", -HUGE_VAL, L"-inf"},
         {"de_DE.UTF-8", 1234567.25, L"1234567,25"},
         {"fa_IR.UTF-8", 1.2, L"1.2"}, // not in its own digits
+        {"ar_EG.UTF-8", 1.2, L"1.2"}, // not its own digits
         {"xx_XX.UTF-8", 1.2, L"1.2"},
         {endless.c_str(), 1.2, L"1.2"},
     };
@@ -102,6 +103,14 @@ TEST(NumberFormat, IsTheUsersOwn)
         if (RunsOnWindows() && std::string_view(name) != "C")
             continue; // the format lies in the registry there, which all tests share
         const Variable locale("LC_ALL", name);
-        EXPECT_EQ(FormatFloatingPointNum(number, false, -1), shown) << name << " " << number;
+        EXPECT_EQ(FormatFloatingPointNum(number, false, -1).AsView(), shown) << name << " " << number;
+    }
+    const Variable all("LC_ALL", nullptr);
+    const Variable language("LANG", "de_DE.UTF-8");
+    for (const auto& [numeric, shown] : {std::pair("", L"1,2"), {"C", L"1.2"}})
+    {
+        const Variable variable("LC_NUMERIC", numeric);
+        if (!RunsOnWindows())
+            EXPECT_EQ(FormatFloatingPointNum(1.2, false, -1), shown) << numeric;
     }
 }

@@ -6,7 +6,7 @@
 
 #include <winldap.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <dlfcn.h>
 
@@ -63,6 +63,7 @@ Script Searched(const std::vector<Answer>& answers)
         {
             if (!peer.ReadRequest())
                 return;
+            EXPECT_THAT(peer.Request(), testing::EndsWith(BerText("distinguishedName")));
             if (!answer.odd.empty())
                 peer.SendMessage(answer.odd);
             for (const auto& attributes : answer.entries)

@@ -88,7 +88,7 @@ TEST(Format, ReadsBracesAndIndices)
 TEST(Format, ChecksASpecAgainstTheTypeOfItsValue)
 {
     Check({
-        {L"{0:s}|{0:S}|{0:f}|{0:n}|{0:x}|{0:+d}", {5}, L"5|5|5|5|5|5"},
+        {L"{0:s}|{0:S}|{0:f}|{0:n}|{0:x}|{0:+d}", {12}, L"12|12|12|12|12|12"},
         {L"{0:d}|{0:u}|{0:n}", {L"text"}, L"text|text|text"},
         {L"{0:d}|{0:s}|{0:g}", {1.5}, L"1.5|1.5|1.5"},
         {L"{0:*d}|{0:%}|{0:5}|{0:dd}|{0:.}|{0:-}|{0:ld}", {5}, L"5|5|5|5|5|5|5"},

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // The run modes that need no console, as the program that ships runs them: all that they log, show and leave.
-#include "foundation/Veld.h"
 #include "tests/support/AgentFolder.h"
 #include "tests/support/ProgramFolder.h"
 
@@ -200,7 +199,7 @@ TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
             continue; // the user of this prefix is an administrator
         SCOPED_TRACE(CommandLineOf(row.arguments));
         // As the service holds it: the program opens this very object.
-        const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, FORCE_CORE_EVENT);
+        const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, L"Global\\Tavo_ForceCoreDump");
         ASSERT_NE(event, nullptr);
         const ProgramFolder folder;
         OpenLog(folder);
@@ -250,8 +249,7 @@ TEST(ForcedDump, MakesAnEventThatTheServicesAccountMayOpen)
         Sleep(10);
     Sleep(500); // and the event is there
     const AgentFolder service;
-    const std::string name(FORCE_CORE_EVENT, FORCE_CORE_EVENT + std::wcslen(FORCE_CORE_EVENT));
-    EXPECT_EQ(service.Run({"open:" + Encoded(name)}, true).answers,
+    EXPECT_EQ(service.Run({"open:" + Encoded("Global\\Tavo_ForceCoreDump")}, true).answers,
               std::to_string(ERROR_ALREADY_EXISTS) + "\n");
     EXPECT_TRUE(run.get().ended);
 }

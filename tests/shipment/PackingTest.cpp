@@ -138,7 +138,8 @@ TEST_F(LogDirectory, BehindALinkOfAnotherAccountIsNotUsed)
     ASSERT_EQ(lchown(link.c_str(), 1, 1), 0);
     WriteFile(folder.Path() / "Tavo.settings.json", "{\"LogDirectory\": \"" + link.string() + "\"}");
     const RealFtpServer server(kFtpUser, kFtpPassword);
-    EXPECT_THAT(Ship("case").errors, HasSubstr("the log directory " + link.string() + " is not used"));
+    EXPECT_THAT(Ship("case").errors, HasSubstr("Tavo: the log directory " + link.string() +
+                                               " is not used: another account has put a link there\n"));
     const fs::path unpacked = Unpack(server.Directory() / "case.zip");
     EXPECT_TRUE(fs::exists(unpacked / "Tavo.log"));
     EXPECT_FALSE(fs::exists(unpacked / "secret"));

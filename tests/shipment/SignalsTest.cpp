@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // The program that ships, ended by a signal in each of its states.
-#include "foundation/Veld.h"
 #include "tests/shipment/ShipmentRun.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LdapPeer.h"
@@ -61,7 +60,7 @@ protected:
             for (const auto& entry : fs::directory_iterator(Logs()))
                 EXPECT_THAT(entry.path().filename(), testing::AnyOf("Tavo.log", "old.log", "big.log"));
             EXPECT_TRUE(IsFree(L"Global\\Tavo_FTP"));
-            EXPECT_TRUE(IsFree(FORCE_CORE_EVENT));
+            EXPECT_TRUE(IsFree(L"Global\\Tavo_ForceCoreDump"));
         }
     }
 };
@@ -81,7 +80,8 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
 
     start.arguments = {"-FORCE_DEBUG_DUMP_SILENT"};
     bool held = false;
-    start.signalWhen = [&held](const std::string&, int) { return IsSet(FORCE_CORE_EVENT, held); };
+    start.signalWhen = [&held](const std::string&, int)
+    { return IsSet(L"Global\\Tavo_ForceCoreDump", held); };
     ExpectOrderlyEndBySignals("forced dump", start);
 
     const LdapPeer silent([](LdapPeer::Connection& peer) { peer.ReadRequest(), peer.ReadRequest(); });

@@ -51,9 +51,9 @@ bool LdapPeer::Connection::ReadRequest()
         for (const char byte : bytes)
             length = length << 8 | static_cast<unsigned char>(byte);
     }
-    const std::string request = ReadExactly(mSocket, length);
-    mNumber = request.empty() ? 0 : static_cast<std::uint8_t>(request[2]);
-    return !request.empty();
+    mRequest = ReadExactly(mSocket, length);
+    mNumber = mRequest.empty() ? 0 : static_cast<std::uint8_t>(mRequest[2]);
+    return !mRequest.empty();
 }
 
 bool LdapPeer::Connection::Send(const std::string& bytes) const

@@ -24,6 +24,7 @@ public:
 
         // Waits for a whole request and remembers its number. False when the client has gone.
         bool ReadRequest();
+        const std::string& Request() const { return mRequest; } // the last one's bytes
         // False when the client has gone.
         bool Send(const std::string& bytes) const;
 
@@ -41,6 +42,7 @@ public:
 
     private:
         int mSocket;
+        std::string mRequest;
         std::uint8_t mNumber = 0; // of the last request; our clients do not count further
     };
 
