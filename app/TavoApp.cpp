@@ -59,7 +59,7 @@ BOOL CTavoApp::InitInstance()
         return FALSE;
     }
 
-    _beginthread(GUIListenForShutdown, 1, nullptr);
+    _beginthread(GUIListenForShutdown, 0, nullptr);
     if (gCmdLineParser.HasKey(L"SETCONFIG"))
     {
         SignalShutdown(RunSetConfig());
