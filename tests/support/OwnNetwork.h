@@ -32,5 +32,6 @@ public:
 
 private:
     TestFolder mDirectory{"tavo-test-"};
+    TestFolder mEmpty{"tavo-empty-"}; // where it has no need of files: its service makes one when it starts
     pid_t mProcess = -1;
 };

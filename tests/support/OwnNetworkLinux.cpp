@@ -92,8 +92,9 @@ RealFtpServer::RealFtpServer(const std::string& user, const std::string& passwor
     const fs::path configuration = directory.Path() / "vsftpd.conf";
     WriteFile(configuration, "listen=YES\nlisten_address=127.0.0.1\nbackground=NO\nanonymous_enable=NO\n"
                              "local_enable=YES\nwrite_enable=YES\nlocal_umask=022\nutf8_filesystem=YES\n"
-                             "seccomp_sandbox=NO\npam_service_name=vsftpd\nxferlog_enable=NO\n" +
-                                 settings);
+                             "seccomp_sandbox=NO\npam_service_name=vsftpd\nxferlog_enable=NO\n"
+                             "secure_chroot_dir=" +
+                                 mEmpty.Path().string() + "\n" + settings);
     mProcess = fork();
     if (mProcess == 0)
     {
