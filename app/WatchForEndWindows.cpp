@@ -19,6 +19,8 @@ BOOL WINAPI OnEnding(DWORD)
 
 LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
+    if (message == WM_CLOSE) // taskkill posts it to every window of a process
+        return 0;
     if (message != WM_ENDSESSION || wParam == FALSE)
         return DefWindowProcW(window, message, wParam, lParam);
     EndRun(L"ended with the session");
