@@ -11,12 +11,6 @@ namespace
 
 constexpr const wchar_t* kClass = L"TavoSessionEnd";
 
-BOOL WINAPI OnEnding(DWORD)
-{
-    EndRun(L"ended by its console");
-    return FALSE; // the process ends
-}
-
 LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_CLOSE) // taskkill posts it to every window of a process
@@ -45,6 +39,5 @@ void __cdecl WatchSession(void*)
 
 void WatchForEnd()
 {
-    SetConsoleCtrlHandler(OnEnding, TRUE);
     _beginthread(WatchSession, 0, nullptr);
 }
