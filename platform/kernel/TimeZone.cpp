@@ -113,6 +113,8 @@ std::string StandardNameOf(const std::string& zone)
         {"Cape Verde Standard Time", "Cabo Verde Standard Time"},
         {"Israel Standard Time", "Jerusalem Standard Time"},
         {"Singapore Standard Time", "Malay Peninsula Standard Time"},
+        {"Turks And Caicos Standard Time", "Turks and Caicos Standard Time"},
+        {"West Bank Standard Time", "West Bank Gaza Standard Time"},
         {"Kaliningrad Standard Time", "Russia TZ 1 Standard Time"},
         {"Russian Standard Time", "Russia TZ 2 Standard Time"},
         {"Russia Time Zone 3", "Russia TZ 3 Standard Time"},

@@ -30,6 +30,11 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
         {"Australia/Lord_Howe", -630, -30, true, L"Lord Howe Standard Time", L"Lord Howe Daylight Time"},
         {"Europe/Dublin", 0, -60, true, L"GMT Standard Time",
          L"GMT Daylight Time"}, // winter is its exception
+        // Not named as their keys are.
+        {"America/Grand_Turk", 300, -60, true, L"Turks and Caicos Standard Time",
+         L"Turks and Caicos Daylight Time"},
+        {"Asia/Hebron", -120, -60, true, L"West Bank Gaza Standard Time", L"West Bank Gaza Daylight Time"},
+        {"Europe/Moscow", -180, -60, false, L"Russia TZ 2 Standard Time", L"Russia TZ 2 Daylight Time"},
         {"UTC", 0, 0, false, L"Coordinated Universal Time", L"Coordinated Universal Time"},
         {"", 0, 0, false, L"Coordinated Universal Time", L"Coordinated Universal Time"},
         {":Europe/Berlin", -60, -60, true, L"W. Europe Standard Time", L"W. Europe Daylight Time"},
