@@ -229,6 +229,9 @@ TEST(Settings, ThatAWriteWouldMakeTooLargeToReadAreRefused)
     EXPECT_THAT(
         folder.Log(),
         HasSubstr("LogFileCount is not changed: Tavo.settings.json would become larger than 1048576 bytes"));
+    folder.Write("Tavo.settings.json", R"({"LogFileCount": 7, "a": ")" + std::string(1'048'576, 'x') + "\"}");
+    EXPECT_EQ(folder.Run({"get:LogFileCount"}).answers, "5\n");
+    EXPECT_THAT(folder.Log(), HasSubstr("Tavo.settings.json cannot be read: defaults hold\n"));
 }
 
 TEST(Settings, OfProcessesThatWriteAtOnceAreAllStored)
