@@ -163,9 +163,9 @@ TEST(Upload, SlowServerThatMovesIsWaitedFor)
     EXPECT_EQ(kLarge, recorder.server.Uploaded().size());
 }
 
-TEST(Upload, AnswerOf300LinesIsShownInPart)
+TEST(Upload, AnswerOf101LinesIsShownInPart)
 {
-    Recorder recorder({.greeting = Repeated("220-More.\r\n", 300) + "220 Ready.\r\n"});
+    Recorder recorder({.greeting = Repeated("220-More.\r\n", 100) + "220 Ready.\r\n"});
     EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
     std::vector<std::string> expected(100, "< 220-More.");
     expected.emplace_back("< ...");
