@@ -36,6 +36,8 @@ std::string TlsText(SSL* tls, int result, int systemError)
     if (ERR_GET_LIB(error) == ERR_LIB_SSL &&
         (reason == SSL_R_WRONG_VERSION_NUMBER || reason == SSL_R_PACKET_LENGTH_TOO_LONG))
         return "the server does not speak TLS on this port";
+    if (ERR_SYSTEM_ERROR(error))
+        return SystemText(reason);
     if (error != 0 && reason != SSL_R_UNEXPECTED_EOF_WHILE_READING)
     {
         const char* text = ERR_reason_error_string(error);
@@ -145,8 +147,11 @@ ber_slen_t LdapChannel::Write(const char* bytes, std::size_t length)
         else if (mTls != nullptr)
         {
             // Before it closed the server may have said why, in an alert that nobody has read.
+            const int systemError = errno;
+            ERR_clear_error();
             char unread = 0;
             const int said = SSL_read(mTls.get(), &unread, 1);
+            errno = systemError;
             End(said > 0 ? result : said);
         }
         else
