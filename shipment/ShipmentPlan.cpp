@@ -37,8 +37,12 @@ ZTString ListedName(std::wstring_view name)
     {
         const std::wstring_view before = name;
         const char32_t point = text::TakePoint(name);
+        const std::size_t units = before.size() - name.size();
         const bool isHalf = point >= 0xD800 && point <= 0xDFFF;
-        listed += isHalf ? L"?" : before.substr(0, before.size() - name.size());
+        // 7-Zip 23.01, which Ubuntu 24.04 has, refuses the whole list for one character that is two in
+        // UTF-16, by which each 7-Zip matches.
+        const bool isRefused = point > 0xFFFF && units == 1;
+        listed += isRefused ? L"??" : isHalf ? L"?" : before.substr(0, units);
     }
     return listed.c_str();
 }
