@@ -76,6 +76,9 @@ private:
     void Command(std::string_view line);
     void Answer(std::string_view line);
     bool IsSending() const { return mAwaitsEnd && !mFileEnded && !mCutShort; }
+    // In direct mode libcurl 7.88 leaves a message about the listening socket there, before anything has
+    // failed.
+    bool HasProblem() const { return mProblem[0] != '\0' && !mProblemIsOld; }
     bool IsInterrupted() const { return IsSending() && IsReadable(mControl, milliseconds(0)); }
     void ReadLastWord();
     bool Stop(int code, std::string_view text);
@@ -231,9 +234,10 @@ UploadResult CurlUpload::Judge(CURLcode code) const
     if (code == CURLE_ABORTED_BY_CALLBACK)
         return {kIPWorksConnectionLost, "The server ended the connection before the end of the file."};
 
-    // In direct mode libcurl 7.88 leaves a message about the listening socket there, before anything has
-    // failed.
-    const std::string text = mProblem[0] == '\0' || mProblemIsOld ? curl_easy_strerror(code) : mProblem;
+    const std::string text = HasProblem() ? mProblem : curl_easy_strerror(code);
+    constexpr int kTooLarge = 100; // CURLE_TOO_LARGE from 8.6.0 on, for an answer without an end
+    if (code == kTooLarge)
+        return {kIPWorksConnectionLost, text};
     switch (code)
     {
     case CURLE_COULDNT_RESOLVE_HOST:
@@ -387,7 +391,7 @@ int CurlUpload::OnCloseSocket(void* self, curl_socket_t socket)
 }
 
 // A server that breaks a transfer off says why, but libcurl does not listen any more once the data connection
-// has failed.
+// has failed. From 8.x on it fails also where a file is cut short, since libcurl sends its end.
 void CurlUpload::ReadLastWord()
 {
     curl_tlssessioninfo* session = nullptr;
@@ -398,7 +402,8 @@ void CurlUpload::ReadLastWord()
 
     const Clock::time_point end = Clock::now() + kLastWordWait;
     std::string heard;
-    while (IsSending() && mStopped.code == kIPWorksOk && heard.size() < kLongestLastWord)
+    while ((IsSending() || (mAwaitsEnd && HasProblem())) && mStopped.code == kIPWorksOk &&
+           heard.size() < kLongestLastWord)
     {
         const milliseconds left = std::chrono::ceil<milliseconds>(end - Clock::now());
         char piece[1024];
