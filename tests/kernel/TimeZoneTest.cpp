@@ -46,6 +46,10 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
     };
     for (const Row& row : rows)
     {
+        // Debian 13 has the old names in a package of their own.
+        if (row.zone == std::string("Asia/Calcutta") &&
+            !std::filesystem::exists("/usr/share/zoneinfo/Asia/Calcutta"))
+            continue;
         const Variable zone("TZ", row.zone);
         TIME_ZONE_INFORMATION information = {};
         const DWORD result = GetTimeZoneInformation(&information);

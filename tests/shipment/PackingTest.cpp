@@ -108,8 +108,8 @@ TEST_F(LogDirectory, WithUnreadableFoldersAPipeALoopAndGreatDepthIsShippedAsFarA
     EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 1", kSent))
         << outcome.console;
     EXPECT_THAT(outcome.console, HasSubstr("Ignoring:\nold.log\npipe\n"));
-    // 2: the loop lies in the archive as a link, which the unpacker refuses to follow.
-    const fs::path unpacked = Unpack(server.Directory() / "case.zip", 2);
+    // The loop lies in the archive as a link, which older unpackers refuse to make.
+    const fs::path unpacked = Unpack(server.Directory() / "case.zip", {0, 2});
     EXPECT_EQ("fresh", ReadFile(unpacked / "fresh.log"));
     EXPECT_EQ("deep", ReadFile(unpacked / fs::relative(deep, Logs()) / "deep.log"));
 }

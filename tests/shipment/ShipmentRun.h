@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 extern bool gHasOwnNetwork;
 
 constexpr const char* kFtpUser = "zt-ftp";
@@ -58,4 +60,4 @@ protected:
 void MakeOld(const std::filesystem::path& path);
 
 // Unpacks an archive into a new directory beside it and gives that.
-std::filesystem::path Unpack(const std::filesystem::path& archive, int expected = 0);
+std::filesystem::path Unpack(const std::filesystem::path& archive, const std::set<int>& expected = {0});

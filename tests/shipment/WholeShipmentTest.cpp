@@ -110,29 +110,32 @@ TEST_F(WholeShipment, BringsEveryFreshFileAndNothingElse)
     EXPECT_EQ(expected, found);
 
     const std::string logs = Logs().string() + "/";
-    const std::vector<std::string> lines = ShipmentLines(outcome);
+    std::vector<std::string> lines = ShipmentLines(outcome);
+    // libcurl from 8.12 on takes its leave without a word to us.
+    std::erase(lines, "QUIT");
+    std::erase(lines, "221 Goodbye.");
     const std::size_t compression = 4 + kFolders * kFilesInEach / 4 + kOddNames.size();
     ASSERT_GT(lines.size(), compression);
     EXPECT_THAT(std::vector<std::string>(lines.begin(), lines.begin() + 3),
                 ElementsAre("Sending logs in: " + logs,
                             "Sending logs to support as: " + logs + "case 4711.zip", "Ignoring:"));
-    EXPECT_THAT(
-        std::vector<std::string>(lines.begin() + std::ptrdiff_t(compression), lines.end()),
-        ElementsAre("Starting compression via: [\"" + (folder.Path() / "7za.exe").string() +
-                        "\" a -r -ssw -x@uploadIgnoreList.txt \"" + logs + "case 4711.zip\" *]",
-                    "Please wait...", "Compression finished.  Exit Code: 0", "Beginning upload",
-                    "Connecting to " TAVO_SUPPORT_HOST ":21", "220 (vsFTPd 3.0.3)",
-                    "Connected to " TAVO_SUPPORT_HOST, "AUTH TLS", "530 Please login with USER and PASS.",
-                    "AUTH SSL", "530 Please login with USER and PASS.",
-                    "The server offers no encryption: password and file can be read on their way",
-                    "USER zt-ftp", "331 Please specify the password.", "PASS ****", "230 Login successful.",
-                    "Logged in as zt-ftp", "PWD",
-                    "257 \"" + server.Directory().string() + "\" is the current directory", "OPTS UTF8 ON",
-                    "200 Always in UTF8 mode.", "EPSV",
-                    testing::StartsWith("229 Entering Extended Passive Mode (|||"), "TYPE I",
-                    "200 Switching to Binary mode.", "STOR case 4711.zip", "150 Ok to send data.",
-                    "Sending case 4711.zip", "226 Transfer complete.",
-                    "The server has received case 4711.zip", "QUIT", "221 Goodbye.", "Disconnected", kSent));
+    EXPECT_THAT(std::vector<std::string>(lines.begin() + std::ptrdiff_t(compression), lines.end()),
+                ElementsAre("Starting compression via: [\"" + (folder.Path() / "7za.exe").string() +
+                                "\" a -r -ssw -x@uploadIgnoreList.txt \"" + logs + "case 4711.zip\" *]",
+                            "Please wait...", "Compression finished.  Exit Code: 0", "Beginning upload",
+                            "Connecting to " TAVO_SUPPORT_HOST ":21", testing::StartsWith("220 (vsFTPd 3."),
+                            "Connected to " TAVO_SUPPORT_HOST, "AUTH TLS",
+                            "530 Please login with USER and PASS.", "AUTH SSL",
+                            "530 Please login with USER and PASS.",
+                            "The server offers no encryption: password and file can be read on their way",
+                            "USER zt-ftp", "331 Please specify the password.", "PASS ****",
+                            "230 Login successful.", "Logged in as zt-ftp", "PWD",
+                            "257 \"" + server.Directory().string() + "\" is the current directory",
+                            "OPTS UTF8 ON", "200 Always in UTF8 mode.", "EPSV",
+                            testing::StartsWith("229 Entering Extended Passive Mode (|||"), "TYPE I",
+                            "200 Switching to Binary mode.", "STOR case 4711.zip", "150 Ok to send data.",
+                            "Sending case 4711.zip", "226 Transfer complete.",
+                            "The server has received case 4711.zip", "Disconnected", kSent));
     EXPECT_NE(std::string::npos,
               outcome.console.find("FTP_LOG: 100% done, " + std::to_string(packed.size()) + " sent"));
 }
