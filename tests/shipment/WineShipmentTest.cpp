@@ -113,9 +113,9 @@ TEST_F(WineShipment, EndsInOrderWithTheSession)
     // The end of the session comes while the archive is sent, after a request to close that waits for the
     // shipment's end.
     Run("$RUN '" + (windows / "Tavo.exe").string() + "' -FTP_LOG=case </dev/null & cd '" + logs.string() +
-        "'; for i in $(seq 300); do [ ! -s case.zip ] || break; sleep 0.1; done; sleep 3; $RUN taskkill /im "
-        "Tavo.exe; "
-        "sleep 2; [ -e case.zip ] && $RUN wineboot --end-session; wait");
+        "'; for i in $(seq 300); do ss -Htn state established dport = :21 | grep -q . && break; sleep 0.1; "
+        "done; "
+        "sleep 1; $RUN taskkill /im Tavo.exe; sleep 2; [ -e case.zip ] && $RUN wineboot --end-session; wait");
     EXPECT_GT(server.Uploaded().size(), 0U);
     std::vector<std::string> left;
     for (const fs::directory_entry& entry : fs::directory_iterator(logs))
