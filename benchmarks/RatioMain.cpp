@@ -51,8 +51,9 @@ private:
 int main(int argc, char** argv)
 {
     std::string repetitions = "--benchmark_repetitions=5";
+    std::string inTurns = "--benchmark_enable_random_interleaving=true";
     std::string aggregates = "--benchmark_report_aggregates_only=true";
-    std::vector<char*> arguments{argv[0], repetitions.data(), aggregates.data()};
+    std::vector<char*> arguments{argv[0], repetitions.data(), inTurns.data(), aggregates.data()};
     arguments.insert(arguments.end(), argv + 1, argv + argc);
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());

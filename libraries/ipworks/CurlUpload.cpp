@@ -21,7 +21,7 @@ constexpr long kConnectSeconds = 60; // to connect and to log in
 constexpr long kKeepAliveSeconds = 30;
 constexpr milliseconds kLastWordWait{1000};
 constexpr std::size_t kLongestLastWord = 65536;
-constexpr milliseconds kDrainInterval{20};
+constexpr milliseconds kDrainInterval{2};
 
 using CurlHandle = Owned<CURL, curl_easy_cleanup>;
 using CurlList = Owned<curl_slist, curl_slist_free_all>;
