@@ -18,11 +18,43 @@ struct ScriptedDialog
     std::function<bool(HWND, UINT, WPARAM, LPARAM)> serve = [](HWND, UINT, WPARAM, LPARAM) { return false; };
     HWND owner = nullptr;
 
-    INT_PTR Run();
+    INT_PTR Run()
+    {
+        return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_CONTROLS), owner, &Procedure,
+                               reinterpret_cast<LPARAM>(this));
+    }
+
+private:
+    static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        if (message == WM_INITDIALOG)
+            SetWindowLongPtrW(window, DWLP_USER, lParam);
+        auto* const script = reinterpret_cast<ScriptedDialog*>(GetWindowLongPtrW(window, DWLP_USER));
+        if (script == nullptr)
+            return FALSE;
+        if (script->serve(window, message, wParam, lParam))
+            return TRUE;
+        if (message == WM_INITDIALOG)
+            return PostMessageW(window, WM_RUN, 0, 0);
+        if (message == WM_RUN)
+            script->body(window);
+        return message == WM_RUN;
+    }
 };
 
 // The body alone, in a dialog that ends after it.
-void InDialog(const std::function<void(HWND)>& body);
+inline void InDialog(const std::function<void(HWND)>& body)
+{
+    ScriptedDialog dialog;
+    dialog.body = [&](HWND window)
+    {
+        body(window);
+        EndDialog(window, IDOK);
+    };
+    dialog.Run();
+}
 
-LRESULT Send(HWND dialog, int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
-LRESULT Send(HWND dialog, int id, UINT message, WPARAM wParam, const wchar_t* text);
+inline LRESULT Send(HWND dialog, int id, UINT message, WPARAM wParam = 0, const wchar_t* text = nullptr)
+{
+    return SendMessageW(GetDlgItem(dialog, id), message, wParam, reinterpret_cast<LPARAM>(text));
+}

@@ -139,21 +139,30 @@ TEST(PersonAtATerminal, IsAskedBoxByBoxAndToldWhatCloses)
     EXPECT_THAT(screen.WaitFor("icanon\necho"), EndsWith("> quit\nZT Diagnostics is closed.\nicanon\necho"));
 }
 
-TEST(PersonAtATerminal, NeverSeesAPassword)
+TEST(PersonAtATerminal, NeverSeesAPasswordNorMissesTheEditorsLibrary)
 {
-    const ProgramFolder folder;
-    const TerminalScreen screen(Start(folder));
-    screen.WaitFor("\n>");
-    for (const char* line :
-         {"LDAP", "dc", "", "", "admin", "s3cret", "", "Password=s3cret", "show", "Cancel"})
-        screen.Enter(line);
-    screen.WaitFor("is closed");
-    screen.Press("Up Up Up Up Up Up");
-    screen.WaitFor("> LDAP", "is closed");
-    screen.Press("C-u C-d");
-    screen.WaitFor("ZT Diagnostics is closed");
-    EXPECT_THAT(screen.Recorded() + folder.Log(),
-                AllOf(HasSubstr("Password: ......"), Not(HasSubstr("s3cret"))));
+    for (const bool edits : {true, false})
+    {
+        const ProgramFolder folder;
+        if (!edits)
+            std::filesystem::remove(folder.Path() / "libtavoedit.so");
+        const TerminalScreen screen(ThenItsEcho(Start(folder)));
+        screen.WaitFor("\n>");
+        for (const char* line : {"LDAP", "dc", "", "", "admin", "s3cret", "",
+                                 edits ? "Password=s3cret" : "show", "show", "Cancel"})
+            screen.Enter(line);
+        screen.WaitFor("is closed");
+        if (edits)
+        {
+            screen.Press("Up Up Up Up Up Up");
+            screen.WaitFor("> LDAP", "is closed");
+            screen.Press("C-u");
+        }
+        screen.Press("C-d");
+        EXPECT_THAT(screen.WaitFor("icanon\necho"),
+                    AllOf(HasSubstr("Password: ......"), EndsWith("icanon\necho")));
+        EXPECT_THAT(screen.Recorded() + folder.Log(), Not(HasSubstr("s3cret")));
+    }
 }
 
 TEST(PersonAtATerminal, TypesEveryCharacterOfAPasswordAndNoOther)
@@ -285,19 +294,6 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
     screen.WaitFor("> help\nPress:", "fg");
     screen.Enter("quit");
     screen.WaitFor("is closed", "fg");
-}
-
-TEST(PersonAtATerminal, IsServedWithoutTheEditorsLibrary)
-{
-    const ProgramFolder folder;
-    std::filesystem::remove(folder.Path() / "libtavoedit.so");
-    const TerminalScreen screen(ThenItsEcho(Start(folder)));
-    screen.WaitFor("\n>");
-    for (const char* line : {"ldap", "dc", "", "", "", "s3cret", "", "show", "Cancel", "quit"})
-        screen.Enter(line);
-    EXPECT_THAT(screen.WaitFor("icanon\necho"),
-                AllOf(HasSubstr("Password: ......"), EndsWith("icanon\necho")));
-    EXPECT_THAT(screen.Recorded(), Not(HasSubstr("s3cret")));
 }
 
 TEST(UploadProgress, ReckonsRateAndTimeFromTheLinesBefore)

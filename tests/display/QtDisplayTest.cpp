@@ -44,8 +44,6 @@ protected:
     }
 };
 
-using Step = Person::Step;
-
 const std::wstring kBeyondTheBasicPlane = L"m\u00fcller \U0001F511";
 const Step kEscape = [] { Press(Qt::Key_Escape); };
 

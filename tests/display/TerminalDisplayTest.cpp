@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The terminal display as a script has it: through pipes. What the dialogs do runs in a child process, whose
-// streams the test holds.
+// The terminal display as a script has it.
 #include "platform/dialogs/Display.h"
-#include "tests/support/ProgramFolder.h"
+#include "tests/support/TestFolder.h"
 #include "tests/dialogs/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,68 +24,28 @@ namespace
 
 using Scenario = void (*)();
 
-// What the child does, for a minute at most.
-[[noreturn]] void Become(Scenario scenario, const char* locale)
+// What the scenario wrote, which runs in a child process for a minute at most.
+std::string OutputOf(Scenario scenario, const std::string& input, const char* locale = "C.UTF-8")
 {
-    alarm(60);
-    signal(SIGPIPE, SIG_DFL);
-    setenv("LC_ALL", locale, 1);
-    if (!platform::UseDisplay(platform::DisplayKind::Terminal))
-        std::exit(1);
-    scenario();
-    std::exit(0);
-}
-
-// Reads until the end, or until the text has come.
-std::string ReadUntil(int stream, const std::string& wanted)
-{
-    std::string text;
-    char buffer[4096];
-    while (wanted.empty() || text.find(wanted) == std::string::npos)
-    {
-        const ssize_t count = read(stream, buffer, sizeof buffer);
-        if (count <= 0)
-            break;
-        text.append(buffer, static_cast<std::size_t>(count));
-    }
-    return text;
-}
-
-int ExitCode(pid_t process)
-{
-    int status = 0;
-    waitpid(process, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
-}
-
-// What the scenario wrote, whose input is given whole.
-std::string OutputOf(Scenario scenario, const std::string& input, const char* locale = "C.UTF-8",
-                     bool holdsInputOpen = false)
-{
-    int in[2];
-    int out[2];
-    if (pipe2(in, O_CLOEXEC) != 0 || pipe2(out, O_CLOEXEC) != 0)
-        return "no pipe";
+    const TestFolder folder;
+    folder.Write("in", input);
+    std::fflush(stdout); // the child must not say it again
     const pid_t process = fork();
     if (process == 0)
     {
-        dup2(in[0], STDIN_FILENO);
-        dup2(out[1], STDOUT_FILENO);
-        for (const int end : {in[0], in[1], out[0], out[1]})
-            close(end);
-        Become(scenario, locale);
+        alarm(60);
+        setenv("LC_ALL", locale, 1);
+        dup2(open((folder.Path() / "in").c_str(), O_RDONLY), STDIN_FILENO);
+        dup2(creat((folder.Path() / "out").c_str(), 0600), STDOUT_FILENO);
+        if (!platform::UseDisplay(platform::DisplayKind::Terminal))
+            std::exit(1);
+        scenario();
+        std::exit(0);
     }
-    close(in[0]);
-    close(out[1]);
-    EXPECT_EQ(write(in[1], input.data(), input.size()), static_cast<ssize_t>(input.size()));
-    if (!holdsInputOpen)
-        close(in[1]);
-    std::string text = ReadUntil(out[0], "");
-    EXPECT_EQ(ExitCode(process), 0) << text;
-    if (holdsInputOpen)
-        close(in[1]);
-    close(out[0]);
-    return text;
+    int status = 0;
+    waitpid(process, &status, 0);
+    EXPECT_EQ(status, 0);
+    return folder.Read("out");
 }
 
 void AddToLog(HWND dialog, const std::wstring& text)
@@ -160,29 +118,6 @@ void OddText()
         });
 }
 
-void MessageBoxes()
-{
-    InDialog(
-        [](HWND dialog)
-        {
-            for (const UINT type : {MB_YESNO, MB_OK})
-            {
-                const int answer = MessageBoxW(dialog, L"Sure?\r\nReally?", L"Question", type);
-                AddToLog(dialog, L"answer " + std::to_wstring(answer) + L"\r\n");
-            }
-        });
-}
-
-void MuchText()
-{
-    InDialog(
-        [](HWND dialog)
-        {
-            for (int i = 0; i < 300; ++i)
-                AddToLog(dialog, std::wstring(300, L'x') + std::to_wstring(i) + L"\r\n");
-        });
-}
-
 const std::string kFields = "Label: \n"
                             "Box: off\n"
                             "1003: Red (of Red, Green, Green-blue)\n";
@@ -190,20 +125,6 @@ const std::string kOpened = "Controls\n" + kFields;
 const std::string kCanceled = "2 |Red|0\n";
 
 } // namespace
-
-TEST(TerminalDisplay, ShowsTheFieldsAndIsCanceledByTheEndOfInput)
-{
-    EXPECT_EQ(OutputOf(Commands, ""), kOpened + kCanceled);
-}
-
-TEST(TerminalDisplay, ServesAProgramThatWasStartedWithoutAnyInput)
-{
-    const ProgramFolder folder;
-    const std::string command =
-        "cd " + folder.Path().string() + " && env -u DISPLAY -u WAYLAND_DISPLAY timeout 60 ./Tavo >out <&-";
-    EXPECT_EQ(std::system(command.c_str()), 0);
-    EXPECT_THAT(folder.Read("out"), HasSubstr("Current Computer: "));
-}
 
 TEST(TerminalDisplay, ObeysLines)
 {
@@ -248,28 +169,6 @@ TEST(TerminalDisplay, ObeysLines)
     EXPECT_EQ(OutputOf(Commands, input), output + kCanceled);
 }
 
-TEST(TerminalDisplay, DrivesTheDialogOnTop)
-{
-    const Scenario nested = []
-    {
-        ScriptedDialog script;
-        script.serve = [](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
-        {
-            if (message == WM_COMMAND && LOWORD(wParam) == IDC_PUSH)
-            {
-                ScriptedDialog inner;
-                inner.owner = dialog;
-                inner.serve = TraceCommands;
-                inner.Run();
-            }
-            return TraceCommands(dialog, message, wParam, lParam);
-        };
-        script.Run();
-    };
-    EXPECT_EQ(OutputOf(nested, "label=out\npush\nlabel=in\npush\n"),
-              kOpened + kOpened + "1004 in|Red|0\n2 in|Red|0\n1004 out|Red|0\n2 out|Red|0\n");
-}
-
 TEST(TerminalDisplay, EndOfInputWaitsForTheHandlersThatWerePosted)
 {
     EXPECT_EQ(OutputOf(LongHandler, ""),
@@ -306,24 +205,6 @@ TEST(TerminalDisplay, ShowsWhatTheProgramChanges)
                 EndsWith("a line left open\nLabel: new\nBox: on\n, its rest\nall anew\n"));
 }
 
-TEST(TerminalDisplay, AsksAndTakesAnAnswer)
-{
-    const struct
-    {
-        const char* input;
-        const char* answers[2];
-    } cases[] = {{"y\nO\n", {"6", "1"}}, {"", {"7", "1"}}};
-    for (const auto& row : cases)
-    {
-        const std::string asked = "Question\nSure?\nReally?\nPress: ";
-        std::string expected;
-        const char* const* answer = row.answers;
-        for (const char* buttons : {"Yes, No", "OK"})
-            expected += asked + buttons + "\nanswer " + *answer++ + "\n";
-        EXPECT_THAT(OutputOf(MessageBoxes, row.input), EndsWith(expected));
-    }
-}
-
 TEST(TerminalDisplay, SleepsWhileThereIsNothingToDo)
 {
     const Scenario idle = []
@@ -331,13 +212,15 @@ TEST(TerminalDisplay, SleepsWhileThereIsNothingToDo)
         InDialog(
             [](HWND dialog)
             {
+                int held[2];
+                dup2(pipe(held) == 0 ? held[0] : -1, STDIN_FILENO); // no input comes, and it does not end
                 const std::clock_t before = std::clock();
                 MessageBoxTimeoutW(dialog, L"Waits", L"Idle", MB_OK, 0, 1000);
                 const double seconds = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
                 AddToLog(dialog, seconds < 0.1 ? L"idle\r\n" : L"busy " + std::to_wstring(seconds) + L"\r\n");
             });
     };
-    EXPECT_THAT(OutputOf(idle, "", "C.UTF-8", true), EndsWith("idle\n"));
+    EXPECT_THAT(OutputOf(idle, ""), EndsWith("idle\n"));
 }
 
 TEST(TerminalDisplay, LosesNoMoreThanWhatCouldNotBeWritten)
@@ -355,30 +238,4 @@ TEST(TerminalDisplay, LosesNoMoreThanWhatCouldNotBeWritten)
             });
     };
     EXPECT_THAT(OutputOf(fullForAMoment, ""), EndsWith(")\nwritten\n"));
-}
-
-TEST(TerminalDisplay, WritesAllOfAMuchLongerTextThanAPipeHolds)
-{
-    const std::string output = OutputOf(MuchText, "");
-    EXPECT_GT(output.size(), 65536u);
-    EXPECT_TRUE(output.ends_with("x299\n"));
-}
-
-TEST(TerminalDisplay, GoesOnWhenNobodyReadsAnyMore)
-{
-    int out[2];
-    ASSERT_EQ(pipe2(out, O_CLOEXEC), 0);
-    const pid_t process = fork();
-    if (process == 0)
-    {
-        dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-        dup2(out[1], STDOUT_FILENO);
-        close(out[0]);
-        close(out[1]);
-        Become(MuchText, "C.UTF-8");
-    }
-    close(out[1]);
-    ReadUntil(out[0], "x1\n");
-    close(out[0]);
-    EXPECT_EQ(ExitCode(process), 0);
 }
