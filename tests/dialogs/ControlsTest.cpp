@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 TEST(EditControl, KeepsTheTextItIsGivenAndCountsItsLines)
 {
     struct Case
@@ -40,45 +38,6 @@ TEST(EditControl, KeepsTheTextItIsGivenAndCountsItsLines)
             EXPECT_EQ(GetWindowTextW(line, buffer, 4), 3);
             EXPECT_STREQ(buffer, L"abc");
             EXPECT_EQ(buffer[4], L'-') << "wrote past the capacity";
-        });
-}
-
-TEST(CheckBox, ClickTogglesItAndTellsTheDialog)
-{
-    std::vector<WPARAM> clicks;
-    ScriptedDialog script;
-    script.serve = [&](HWND, UINT message, WPARAM wParam, LPARAM)
-    {
-        if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED)
-            clicks.push_back(wParam);
-        return false;
-    };
-    script.body = [&](HWND dialog)
-    {
-        for (const LRESULT check : {BST_CHECKED, BST_UNCHECKED})
-        {
-            Send(dialog, IDC_BOX, BM_CLICK);
-            EXPECT_EQ(Send(dialog, IDC_BOX, BM_GETCHECK), check);
-        }
-        Send(dialog, IDC_BOX, BM_SETCHECK, BST_CHECKED);
-        EXPECT_EQ(FocusedControl(), GetDlgItem(dialog, IDC_BOX)) << "a click gives the focus";
-        EndDialog(dialog, 1);
-    };
-    script.Run();
-    EXPECT_EQ(clicks, (std::vector<WPARAM>{IDC_BOX, IDC_BOX})) << "setting it tells nobody";
-}
-
-TEST(ComboBox, HasDataAndNoSelectionAtFirst)
-{
-    InDialog(
-        [](HWND dialog)
-        {
-            EXPECT_EQ(Send(dialog, IDC_CHOICE, CB_ADDSTRING, 0, L"zebra"), 0);
-            EXPECT_EQ(Send(dialog, IDC_CHOICE, CB_ADDSTRING, 0, L"ant"), 1) << "not sorted";
-            EXPECT_NE(Send(dialog, IDC_CHOICE, CB_SETITEMDATA, 1, 0x123456789ALL), CB_ERR);
-            EXPECT_EQ(Send(dialog, IDC_CHOICE, CB_GETITEMDATA, 1), 0x123456789ALL);
-            EXPECT_EQ(Send(dialog, IDC_CHOICE, CB_GETITEMDATA, 2), CB_ERR);
-            EXPECT_EQ(Send(dialog, IDC_CHOICE, CB_GETCURSEL), CB_ERR);
         });
 }
 

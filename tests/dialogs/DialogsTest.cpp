@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The first focus and the queue, on bare window calls; framework_tests has the loops.
+// The queue, on bare window calls; framework_tests has the loops.
 #include "foundation/Kelvane.h"
 #include "tests/dialogs/ScriptedDialog.h"
 
@@ -12,26 +12,6 @@
 
 using testing::Each;
 using testing::ElementsAre;
-
-TEST(Dialog, FirstTabStopIsAnnouncedAndHasTheFocus)
-{
-    HWND announced = nullptr;
-    ScriptedDialog script;
-    script.serve = [&](HWND, UINT message, WPARAM wParam, LPARAM)
-    {
-        if (message == WM_INITDIALOG)
-            announced = reinterpret_cast<HWND>(wParam);
-        return false;
-    };
-    script.body = [&](HWND dialog)
-    {
-        EXPECT_EQ(announced, GetDlgItem(dialog, IDC_LOG)) << "the label before it is not a tab stop";
-        EXPECT_EQ(FocusedControl(), announced);
-        EXPECT_EQ(TopWindow(), dialog);
-        EndDialog(dialog, 1);
-    };
-    EXPECT_EQ(script.Run(), 1);
-}
 
 TEST(Queue, KeepsTheOrderAndDropsWhatTheDialogLeavesBehind)
 {
