@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The program's resources, read back from what the resource compiler made: the texts and the version. The
-// same compiler links the same bytes into the Windows program.
+// The version among the program's resources, read back from what the resource compiler made: the same
+// compiler links the same bytes into the Windows program.
 #include "platform/resource/Resources.h"
 #include "resources/resource.h"
 
@@ -27,22 +27,7 @@ Bytes FindBytes(UINT type, UINT id)
     return {};
 }
 
-std::wstring LoadText(UINT id, int room = 200)
-{
-    wchar_t text[200] = {};
-    const int length = LoadStringW(nullptr, id, text, room);
-    EXPECT_EQ(static_cast<std::size_t>(length), std::wcslen(text));
-    return text;
-}
-
 } // namespace
-
-TEST(Resources, Texts)
-{
-    EXPECT_EQ(LoadText(IDS_ADMINISTRATOR_TEXT, 5), L"This");
-    EXPECT_EQ(LoadText(132), L"") << "the next one of the block";
-    EXPECT_EQ(LoadText(4711), L"");
-}
 
 TEST(Resources, VersionIsTheTrees)
 {

@@ -8,10 +8,10 @@
 #include "tests/framework/testIds.h"
 #include "tests/support/WindowProbe.h"
 
+#include <gtest/gtest.h>
+
 #include <deque>
 #include <functional>
-#include <string>
-#include <vector>
 
 constexpr UINT WM_STEP = WM_USER + 1;
 constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
@@ -27,26 +27,50 @@ public:
     explicit TestDialog(UINT templateId = IDD_PLAIN, CWnd* parent = nullptr) : CDialog(templateId, parent) {}
 
     // Runs the dialog, which must not end before its last step.
-    INT_PTR Run(std::vector<Step> steps);
-
-    // A click on a button, as a person's.
-    void Click(int id);
+    INT_PTR Run(std::vector<Step> steps)
+    {
+        mSteps.assign(steps.begin(), steps.end());
+        const INT_PTR result = DoModal();
+        EXPECT_TRUE(mSteps.empty()) << "the dialog ended before its last step";
+        return result;
+    }
 
     std::vector<std::string> mTrace; // what was called, in order
-    Step mOnOpen;                    // ends the dialog while it opens
     int mPaints = 0;
 
 protected:
-    BOOL OnInitDialog() override;
-    void OnOK() override;
-    void DoDataExchange(CDataExchange* pDX) override;
-
-    afx_msg void OnPaint();
+    BOOL OnInitDialog() override
+    {
+        PostMessageW(m_hWnd, WM_STEP, 0, 0);
+        return CDialog::OnInitDialog();
+    }
+    void OnOK() override
+    {
+        mTrace.emplace_back("OnOK");
+        CDialog::OnOK();
+    }
+    void DoDataExchange(CDataExchange* pDX) override
+    {
+        mTrace.emplace_back(pDX->m_bSaveAndValidate ? "save" : "fill");
+    }
+    afx_msg void OnPaint()
+    {
+        ++mPaints;
+        CDialog::OnPaint();
+    }
     afx_msg HCURSOR OnQueryDragIcon() { return reinterpret_cast<HCURSOR>(this); }
-    afx_msg void OnEnd() { EndDialog(IDC_END); }
     afx_msg void OnWork() { mTrace.emplace_back("work"); }
-    afx_msg LRESULT OnStep(WPARAM wParam, LPARAM lParam);
     afx_msg LRESULT OnAdd(WPARAM wParam, LPARAM lParam) { return static_cast<LRESULT>(wParam) + lParam; }
+    afx_msg LRESULT OnStep(WPARAM, LPARAM)
+    {
+        if (mSteps.empty())
+            return 0;
+        PostMessageW(m_hWnd, WM_STEP, 0, 0);
+        const Step step = std::move(mSteps.front());
+        mSteps.pop_front();
+        step();
+        return 0;
+    }
     DECLARE_MESSAGE_MAP()
 
 private:
@@ -54,4 +78,11 @@ private:
 };
 
 // What the message box on top says; it is then answered with OK.
-std::wstring ReadAndCloseMessageBox();
+inline std::wstring ReadAndCloseMessageBox()
+{
+    constexpr int kMessageBoxText = 0xFFFF;
+    const HWND box = TopWindow();
+    std::wstring text = TextOf(GetDlgItem(box, kMessageBoxText));
+    SendMessageW(box, WM_COMMAND, IDOK, 0);
+    return text;
+}

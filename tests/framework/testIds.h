@@ -5,15 +5,7 @@
 #define IDD_PLAIN 200
 #define IDD_EXCHANGE 201
 
-// The dialog without buttons of the system's own
-#define IDC_LOG 1000
-#define IDC_END 1001
 #define IDC_WORK 1002
-#define IDC_LINE 1003
-
-// The dialog for data exchange
 #define IDC_TEXT 1010
 #define IDC_NUMBER 1011
 #define IDC_AFTER 1012
-#define IDC_CHECK 1013
-#define IDC_CHOICE 1014
