@@ -4,7 +4,6 @@
 #include "tests/support/OwnNetwork.h"
 
 #include <rpcdce.h>
-#include <winber.h>
 #include <winldap.h>
 
 #include <gtest/gtest.h>
@@ -59,41 +58,14 @@ struct Session
     LDAP* handle;
 };
 
-using Attributes = std::vector<std::pair<std::wstring, std::vector<std::wstring>>>;
-
-struct SearchOutcome
+ULONG Search(const Session& session)
 {
-    ULONG code = 0;
-    std::vector<Attributes> messages; // of the result, each with its attributes
-};
-
-SearchOutcome Search(const Session& session)
-{
-    SearchOutcome outcome;
     PWCHAR attributes[] = {Text(L"namingContexts"), nullptr};
     LDAPMessage* result = nullptr;
-    outcome.code = ldap_search_sW(session.handle, Text(L""), LDAP_SCOPE_BASE, Text(L"(objectClass=*)"),
-                                  attributes, 0, &result);
-    for (LDAPMessage* entry = result; entry; entry = ldap_next_entry(session.handle, entry))
-    {
-        Attributes found;
-        BerElement* position = nullptr;
-        for (PWCHAR name = ldap_first_attributeW(session.handle, entry, &position); name;
-             name = ldap_next_attributeW(session.handle, entry, position))
-        {
-            std::vector<std::wstring> values;
-            PWCHAR* list = ldap_get_valuesW(session.handle, entry, name);
-            for (PWCHAR* value = list; value && *value; ++value)
-                values.emplace_back(*value);
-            ldap_value_freeW(list);
-            found.emplace_back(name, values);
-            ldap_memfreeW(name);
-        }
-        ber_free(position, 0);
-        outcome.messages.push_back(found);
-    }
+    const ULONG code = ldap_search_sW(session.handle, Text(L""), LDAP_SCOPE_BASE, Text(L"(objectClass=*)"),
+                                      attributes, 0, &result);
     ldap_msgfree(result);
-    return outcome;
+    return code;
 }
 
 // Answers the bind with what `answer` gives and waits until the client has gone.
@@ -154,8 +126,6 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
     };
     const auto idle = [](seconds time) { return [=](Connection&) { std::this_thread::sleep_for(time); }; };
     const Case kCases[] = {
-        {"closes after the request", Case::Bind, [](Connection& peer) { peer.ReadRequest(); }, 0x51,
-         L"Server Down: the server closed the connection"},
         {"a referral", Case::Bind,
          Message(Connection::Result(kBindResponse, 0x0a, "",
                                     BerElementOf(0xa3, BerText("ldap://127.0.0.1:1/dc=elsewhere")))),
@@ -184,14 +154,6 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
                  }
              }),
          0x31, L"Invalid Credentials"},
-        {"two bytes, then silence", Case::Bind,
-         Answer(
-             [&](Connection& peer)
-             {
-                 peer.Send("\x30\x84");
-                 idle(seconds(16))(peer);
-             }),
-         0x55, L"Timeout: the server gave no complete answer in time", seconds(14), seconds(20)},
         {"size limit", Case::Search,
          BoundThen(
              [](Connection& peer)
@@ -218,8 +180,6 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
          L"Timeout: the server gave no complete answer in time", seconds(1)},
         {"silence in place of TLS", Case::Tls, idle(seconds(5)), 0x51,
          L"Server Down: the TLS handshake was not answered in time", seconds(2)},
-        {"no TLS", Case::Tls, [](Connection& peer) { peer.Send("220 mail server ready\r\n"); }, 0x51,
-         L"Server Down: the server does not speak TLS on this port"},
     };
     for (const Case& test : kCases)
     {
@@ -233,7 +193,7 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
         for (int call = Case::Bind; call <= test.call; ++call)
         {
             ASSERT_EQ(code, 0u);
-            code = call == Case::Bind ? session.Bind() : Search(session).code;
+            code = call == Case::Bind ? session.Bind() : Search(session);
         }
         const auto taken = steady_clock::now() - start;
         EXPECT_EQ(code, test.code);
@@ -243,43 +203,7 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
         EXPECT_LE(taken, test.most);
         // A second connection would not be bound, and would wait for a peer that takes one alone.
         if (test.code == 0x51 && test.call == Case::Search)
-            EXPECT_EQ(Search(session).code, 0x51u);
-    }
-}
-
-TEST(LdapSearch, GivesEveryMessageWithWhatItHolds)
-{
-    using Entries = std::vector<std::vector<Connection::Attribute>>;
-    const std::tuple<const char*, Entries, std::vector<Attributes>> kCases[] = {
-        {"no entry: the result is a message", {}, {{}}},
-        {"no attribute", {{}}, {{}}},
-        {"names that differ only in case",
-         {{{"NAMINGCONTEXTS", {"a"}}, {"namingContexts", {"b"}}}},
-         {{{L"NAMINGCONTEXTS", {L"a"}}, {L"namingContexts", {L"b"}}}}},
-        {"no value", {{{"empty", {}}}}, {{{L"empty", {}}}}},
-        {"names and values beyond ASCII",
-         {{{"gr\xc3\xbc\xc3\x9f", {"\xf0\x9f\x98\x80"}}}},
-         {{{L"gr\u00fc\u00df", {L"\U0001F600"}}}}},
-        {"100,000 entries", Entries(100'000, {{"objectClass", {"top", "person"}}}),
-         std::vector<Attributes>(100'000, {{L"objectClass", {L"top", L"person"}}})},
-    };
-    for (const auto& [what, sent, got] : kCases)
-    {
-        SCOPED_TRACE(what);
-        const LdapPeer peer(BoundThen(
-            [&sent = sent](Connection& connection)
-            {
-                for (const auto& attributes : sent)
-                    connection.SendMessage(Connection::Entry("", attributes));
-                connection.SendMessage(Connection::Result(kSearchDone, 0, "some words"));
-                connection.ReadRequest();
-            }));
-        const Session session(peer.Port());
-        ASSERT_EQ(session.Connect(), 0u);
-        ASSERT_EQ(session.Bind(), 0u);
-        const SearchOutcome outcome = Search(session);
-        EXPECT_EQ(outcome.code, 0u);
-        EXPECT_TRUE(outcome.messages == got) << outcome.messages.size() << " messages";
+            EXPECT_EQ(Search(session), 0x51u);
     }
 }
 
@@ -297,9 +221,6 @@ TEST(LdapConnect, TellsWhatTheSystemSays)
         EXPECT_EQ(session.Connect(), 0x51u);
         EXPECT_STREQ(ldap_err2stringW(LdapGetLastError()), text);
     }
-    EXPECT_EQ(ldap_initW(Text(L"localhost"), 65536), nullptr);
-    EXPECT_STREQ(ldap_err2stringW(LdapGetLastError()),
-                 L"Parameter Error: the port is not a number from 1 to 65535");
 }
 
 bool IsASocketKeptAlive()
