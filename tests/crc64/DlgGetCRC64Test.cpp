@@ -74,25 +74,6 @@ TEST(DlgGetCRC64, ShowsTheSumOfATextInBothForms)
         });
 }
 
-TEST(DlgGetCRC64, OpensEmptyAndComputesWhenTheButtonIsPressedAlone)
-{
-    OpenTool tool(
-        [](OpenTool& open)
-        {
-            for (const int id : {IDC_INPUT, IDC_CRC, IDC_CRC_HEX})
-                EXPECT_EQ(open.Shown(id), L"");
-            open.Fill(IDC_INPUT, L"123456789");
-            EXPECT_EQ(open.Shown(IDC_CRC_HEX), L"");
-            open.Compute();
-            EXPECT_EQ(open.Shown(IDC_CRC_HEX), L"CC1CBC7DE1A8AA8D") << "wide characters to begin with";
-            open.TickWide(false);
-            EXPECT_EQ(open.Shown(IDC_CRC_HEX), L"CC1CBC7DE1A8AA8D");
-            open.Fill(IDC_CRC, L"typed over");
-            open.Compute();
-            EXPECT_EQ(open.Shown(IDC_CRC), L"11051210869376104954");
-        });
-}
-
 // One "?" stands for each UTF-16 unit that the user's character set lacks.
 TEST(NarrowChecksum, RunsOverTheTextInTheCharacterSetOfTheUser)
 {
