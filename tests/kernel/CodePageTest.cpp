@@ -24,13 +24,7 @@ std::string ToNarrow(const std::wstring& wide)
 
 TEST(CodePage, AnsiIsTheCharacterSetOfTheUsersLocale)
 {
-    struct Row
-    {
-        const char* locale;
-        const wchar_t* wide;
-        const char* narrow;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const wchar_t*, const char*> rows[] = {
         {"en_US.UTF-8", L"\u00E9\U0001F600", "\xC3\xA9\xF0\x9F\x98\x80"},
         {"de_DE.ISO-8859-1", L"\u00E9\u20AC", "\xE9?"},
         {"de_DE.ISO-8859-15@euro", L"\u20AC", "\xA4"},
@@ -43,10 +37,10 @@ TEST(CodePage, AnsiIsTheCharacterSetOfTheUsersLocale)
         {"xx_YY.ISO-8859-15", L"\u20AC", "\xA4"},      // not there
         {"xx_YY.no-such-set", L"a\u00E9", "a?"},
     };
-    for (const Row& row : rows)
+    for (const auto& [locale, wide, narrow] : rows)
     {
-        const Variable locale("LC_ALL", row.locale);
-        EXPECT_EQ(ToNarrow(row.wide), row.narrow) << row.locale;
+        const Variable variable("LC_ALL", locale);
+        EXPECT_EQ(ToNarrow(wide), narrow) << locale;
     }
 }
 

@@ -122,20 +122,6 @@ TEST(NamedEvent, NameIsGoneWhenItsLastHolderIs)
     EXPECT_FALSE(IsHeld(name));
 }
 
-TEST(NamedEvent, SetReleasesAllProcessesThatWait)
-{
-    const AgentFolder folder;
-    const std::wstring name = UniqueName(L"all");
-    const HANDLE event = Create(name);
-    const ChildProcess first = Waiter(folder, name);
-    const ChildProcess second = Waiter(folder, name);
-    EXPECT_TRUE(first.IsRunning() && second.IsRunning());
-    SetEvent(event);
-    EXPECT_EQ(first.ExitCode(), 0U);
-    EXPECT_EQ(second.ExitCode(), 0U);
-    CloseHandle(event);
-}
-
 TEST(NamedEvent, OfAllWhoCreateItAtOnceExactlyOneIsTheFirst)
 {
     constexpr int kThreads = 4;

@@ -14,30 +14,18 @@ namespace fs = std::filesystem;
 namespace
 {
 
-class FindFile : public testing::Test
+std::map<std::wstring, WIN32_FIND_DATAW> List(const fs::path& pattern)
 {
-protected:
-    void Write(const char* name, const char* content) const { mTestFolder.Write(name, content); }
-
-    std::map<std::wstring, WIN32_FIND_DATAW> List(const std::wstring& pattern) const
-    {
-        std::map<std::wstring, WIN32_FIND_DATAW> found;
-        WIN32_FIND_DATAW data = {};
-        const HANDLE find = FindFirstFileW((mFolder / pattern).wstring().c_str(), &data);
-        if (find == INVALID_HANDLE_VALUE)
-            return found;
-        do
-        {
-            found[data.cFileName] = data;
-        } while (FindNextFileW(find, &data));
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_FILES});
-        EXPECT_TRUE(FindClose(find));
-        return found;
-    }
-
-    const TestFolder mTestFolder;
-    const fs::path& mFolder = mTestFolder.Path();
-};
+    std::map<std::wstring, WIN32_FIND_DATAW> found;
+    WIN32_FIND_DATAW data = {};
+    const HANDLE find = FindFirstFileW(pattern.wstring().c_str(), &data);
+    do
+        found[data.cFileName] = data;
+    while (FindNextFileW(find, &data) != FALSE);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_FILES});
+    EXPECT_TRUE(FindClose(find));
+    return found;
+}
 
 // Seconds since 1970.
 std::int64_t Seconds(FILETIME time)
@@ -48,17 +36,18 @@ std::int64_t Seconds(FILETIME time)
 
 } // namespace
 
-TEST_F(FindFile, ListsAFolderWithKindSizeAndTime)
+TEST(FindFile, ListsAFolderWithKindSizeAndTime)
 {
-    Write("old.log", "12345");
-    Write("new.txt", "");
-    fs::create_directory(mFolder / "sub");
+    const TestFolder folder;
+    folder.Write("old.log", "12345");
+    folder.Write("new.txt", "");
+    fs::create_directory(folder.Path() / "sub");
     using namespace std::chrono;
     const auto old = fs::file_time_type::clock::now() - hours(24 * 30);
-    fs::last_write_time(mFolder / "old.log", old);
+    fs::last_write_time(folder.Path() / "old.log", old);
     const std::int64_t now = duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
 
-    auto found = List(L"*");
+    auto found = List(folder.Path() / "*");
     ASSERT_EQ(found.size(), 5U); // with . and ..
     EXPECT_EQ(found[L"."].dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY, DWORD{FILE_ATTRIBUTE_DIRECTORY});
     EXPECT_EQ(found[L"sub"].dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY, DWORD{FILE_ATTRIBUTE_DIRECTORY});
@@ -71,23 +60,26 @@ TEST_F(FindFile, ListsAFolderWithKindSizeAndTime)
     EXPECT_NEAR(static_cast<double>(Seconds(found[L"new.txt"].ftLastWriteTime)), static_cast<double>(now), 5);
 }
 
-TEST_F(FindFile, SaysWhatIsMissing)
+TEST(FindFile, SaysWhatIsMissing)
 {
+    const TestFolder folder;
     WIN32_FIND_DATAW data = {};
-    EXPECT_EQ(FindFirstFileW((mFolder / L"none" / L"*").wstring().c_str(), &data), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(FindFirstFileW((folder.Path() / L"none" / L"*").wstring().c_str(), &data),
+              INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
     EXPECT_FALSE(FindNextFileW(INVALID_HANDLE_VALUE, &data));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
 }
 
-TEST_F(FindFile, DeleteTakesAFileAndNothingElse)
+TEST(FindFile, DeleteTakesAFileAndNothingElse)
 {
-    Write("file", "x");
-    fs::create_directory(mFolder / "sub");
-    EXPECT_TRUE(DeleteFileW((mFolder / L"file").wstring().c_str()));
-    EXPECT_FALSE(fs::exists(mFolder / "file"));
-    EXPECT_FALSE(DeleteFileW((mFolder / L"file").wstring().c_str()));
+    const TestFolder folder;
+    folder.Write("file", "x");
+    fs::create_directory(folder.Path() / "sub");
+    EXPECT_TRUE(DeleteFileW((folder.Path() / L"file").wstring().c_str()));
+    EXPECT_FALSE(fs::exists(folder.Path() / "file"));
+    EXPECT_FALSE(DeleteFileW((folder.Path() / L"file").wstring().c_str()));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
-    EXPECT_FALSE(DeleteFileW((mFolder / L"sub").wstring().c_str()));
+    EXPECT_FALSE(DeleteFileW((folder.Path() / L"sub").wstring().c_str()));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
 }

