@@ -10,28 +10,16 @@
 namespace
 {
 
-struct Report
-{
-    std::string text;
-    std::uint64_t count;
-    std::uint64_t sizeKB;
-
-    bool operator==(const Report&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const Report& report)
-{
-    return out << report.text << ", " << report.count << ", " << report.sizeKB << " KB";
-}
+// The text, the count and the size in KB.
+using Report = std::tuple<std::string, std::uint64_t, std::uint64_t>;
 
 Report ReportOf(Cleanable& object)
 {
     ZTString text;
-    Report report{};
-    object.GetReport(text, report.count, report.sizeKB);
-    for (int i = 0; i < text.GetLength(); ++i)
-        report.text += static_cast<char>(text[i]);
-    return report;
+    std::uint64_t count = 0;
+    std::uint64_t size = 0;
+    object.GetReport(text, count, size);
+    return {{text.GetString(), text.GetString() + text.GetLength()}, count, size};
 }
 
 std::size_t Registered()
@@ -98,11 +86,11 @@ TEST(Cleanable, IsRegisteredWhileItLivesAndKeepsItsMemoryWhenCleaned)
 TEST(Cleanable, ReportsElementsOfAnySize)
 {
     CleanableVector<std::uint64_t> eights;
-    EXPECT_EQ(ReportOf(eights).sizeKB, 0u);
-    eights.mItems.resize(127);
-    EXPECT_EQ(ReportOf(eights).sizeKB, 0u);
-    eights.mItems.resize(128);
-    EXPECT_EQ(ReportOf(eights).sizeKB, 1u);
+    for (const std::size_t count : {0u, 127u, 128u})
+    {
+        eights.mItems.resize(count);
+        EXPECT_EQ(std::get<2>(ReportOf(eights)), count / 128);
+    }
 
     CleanableVector<char> characters;
     characters.mItems.resize(2047);
@@ -110,21 +98,20 @@ TEST(Cleanable, ReportsElementsOfAnySize)
 
     CleanableVector<std::array<char, 100'000>> blocks;
     blocks.mItems.resize(3);
-    EXPECT_EQ(ReportOf(blocks).sizeKB, 292u);
+    EXPECT_EQ(std::get<2>(ReportOf(blocks)), 292u);
 }
 
 TEST(Cleanable, CountsTheTextOfTheFrameworksStrings)
 {
     CleanableVector<CStringW> strings;
-    EXPECT_EQ(ReportOf(strings).sizeKB, 0u);
     strings.mItems.assign(10, CStringW(std::wstring(1019, L'x').c_str()));
     std::uint64_t characters = 0;
     for (const CStringW& item : strings.mItems)
         characters += static_cast<std::uint64_t>(item.GetAllocLength()) + 5;
     EXPECT_GE(characters, 10240u);
-    const Report report = ReportOf(strings);
-    EXPECT_EQ(report.sizeKB, characters * 2 / 1024);
-    EXPECT_EQ(report.text, "ZTString in CleanableVector<ZTString >"); // the blank is the compiler's
+    EXPECT_EQ(ReportOf(strings),
+              (Report{"ZTString in CleanableVector<ZTString >", 10, characters * 2 / 1024}))
+        << "the blank is the compiler's";
 }
 
 TEST(Cleanable, WaitsForTheRegistryAreBookedByTheNamesOfItsLocks)

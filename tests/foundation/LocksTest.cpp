@@ -76,25 +76,6 @@ TEST(Locks, CanBeTakenAgainByTheirOwner)
     EXPECT_TRUE(entered);
 }
 
-TEST(Locks, AreExclusiveAmongEightThreads)
-{
-    CLockCS lock;
-    int counter = 0; // races without the lock
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back(
-            [&]
-            {
-                for (int round = 0; round < 20'000; ++round)
-                {
-                    const CAcquireCS acquired(lock);
-                    ++counter;
-                }
-            });
-    threads.clear();
-    EXPECT_EQ(counter, 160'000);
-}
-
 TEST(Locks, ArePassedOverBeforeTheyAreMadeAndAfterTheyAreGone)
 {
     // As a static object's memory is before its constructor runs.
