@@ -53,6 +53,16 @@ TEST(Security, DirectModeIsEncryptedOrRefused)
     EXPECT_EQ(result != 0, recorder.progress.empty());
 }
 
+// Whoever connects first to the open port would get the file.
+TEST(Security, DirectModeGivesNothingToAStranger)
+{
+    Recorder recorder({.directFrom = "127.0.0.2"});
+    recorder.SetNumber(kIPWorksPassive, 0);
+    EXPECT_EQ(1006, recorder.Upload());
+    EXPECT_EQ("1006 A stranger opened the data connection.", recorder.LastError());
+    EXPECT_EQ("", recorder.server.Uploaded());
+}
+
 TEST(Security, CertificateThatIsExpiredAndOfAnotherHostEndsTheUploadBeforeTheLoginUnlessApproved)
 {
     Recorder recorder({.certificate = "elsewhere.example"});

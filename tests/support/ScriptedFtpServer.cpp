@@ -24,14 +24,15 @@ static std::string Line(const std::string& key, const std::string& value)
 
 ScriptedFtpServer::ScriptedFtpServer(const FtpScript& script, std::uint16_t port)
 {
-    std::string text =
-        Line("port", std::to_string(port)) + Line("greeting", script.greeting) +
-        Line("inSingleBytes", std::to_string(script.inSingleBytes)) +
-        Line("passiveAddress", script.passiveAddress) + Line("breakAt", std::to_string(script.breakAt)) +
-        Line("breakAnswer", script.breakAnswer) + Line("atBreak", script.atBreak) +
-        Line("bytesPerSecond", std::to_string(script.bytesPerSecond)) + Line("farewell", script.farewell) +
-        Line("farewellAfter", std::to_string(script.farewellAfter.count())) +
-        Line("certificate", script.certificate);
+    std::string text = Line("port", std::to_string(port)) + Line("greeting", script.greeting) +
+                       Line("inSingleBytes", std::to_string(script.inSingleBytes)) +
+                       Line("passiveAddress", script.passiveAddress) + Line("directFrom", script.directFrom) +
+                       Line("breakAt", std::to_string(script.breakAt)) +
+                       Line("breakAnswer", script.breakAnswer) + Line("atBreak", script.atBreak) +
+                       Line("bytesPerSecond", std::to_string(script.bytesPerSecond)) +
+                       Line("farewell", script.farewell) +
+                       Line("farewellAfter", std::to_string(script.farewellAfter.count())) +
+                       Line("certificate", script.certificate);
     for (const auto& [verb, answer] : script.answers)
         text += Hex("answer") + " " + Line(verb, answer);
     mFolder.Write("script", text);

@@ -25,6 +25,7 @@ struct FtpScript
     std::map<std::string, std::string> answers{};
     bool inSingleBytes = false;
     std::string passiveAddress = "127,0,0,1"; // what PASV says
+    std::string directFrom = "127.0.0.1";     // whence it opens the data connection itself
 
     // At this byte of an upload: the answer, if any, goes out, then what is to happen happens.
     std::int64_t breakAt = -1;
