@@ -48,18 +48,6 @@ std::vector<int> CommandsAfter(const std::function<void(HWND)>& body)
 
 } // namespace
 
-TEST(Input, ComesAfterAllPostedMessages)
-{
-    EXPECT_THAT(CommandsAfter(
-                    [](HWND dialog)
-                    {
-                        UserClicked(ControlOfTop(IDC_PUSH));
-                        UserClicked(ControlOfTop(IDC_BOX));
-                        PostMessageW(dialog, WM_NOTE, 0, 0);
-                    }),
-                ElementsAre(0, IDC_PUSH, IDC_BOX, IDCANCEL));
-}
-
 TEST(Input, IsDroppedWhenItsControlCannotTakeItAnyMore)
 {
     EXPECT_THAT(CommandsAfter(
