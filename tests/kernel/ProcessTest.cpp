@@ -5,12 +5,9 @@
 
 TEST(Process, SplitsTheCommandLineAsTheCRuntimeDoes)
 {
-    struct Row
-    {
-        const wchar_t* line;
-        const char* words; // one a line
-    };
-    const Row rows[] = {
+    const std::pair<const wchar_t*, const char*> rows[] = {
+        // the words, one a line
+
         {L"a b\tc", "a\nb\nc\n"},
         {L"  \"a b\"   c", "a b\nc\n"},
         {L"\"\" x", "\nx\n"},                           // an empty word
@@ -23,13 +20,13 @@ TEST(Process, SplitsTheCommandLineAsTheCRuntimeDoes)
         {L"\"open end", "open end\n"},
     };
     const AgentFolder folder;
-    for (const Row& row : rows)
+    for (const auto& [line, words] : rows)
     {
         // The relative name shows that the working directory is the one asked for.
-        const ChildProcess agent(L"\"" + folder.Agent().wstring() + L"\" out.txt arguments " + row.line,
+        const ChildProcess agent(L"\"" + folder.Agent().wstring() + L"\" out.txt arguments " + line,
                                  folder.Path());
         EXPECT_EQ(agent.ExitCode(), 0U);
-        EXPECT_EQ(folder.Read("out.txt"), row.words) << "row " << &row - rows;
+        EXPECT_EQ(folder.Read("out.txt"), words);
     }
 }
 
