@@ -86,40 +86,35 @@ const std::string kFailureHint = ".   Perhaps Tavo.exe needs to be run as an adm
 
 const std::string kNotALevel = "failure: LogLevel is not changed: it takes a number from 0 to 2\n";
 
-struct SetConfigRow
-{
-    std::vector<std::string> value; // of the switch, or none
-    std::string logged;
-    const char* refused = nullptr; // the setting that a box tells of; null: no box
-};
-
-const SetConfigRow kSetConfig[] = {
-    // Only the first colon splits, and the blank survives the quotes.
-    {{"CustomerServiceText:Call us: now"}, "progress: Setting CustomerServiceText = 'Call us: now'\n"},
-    {{"customerservicetext:"}, "progress: Setting customerservicetext = ''\n"},
-    {{"LogFileCount:7"}, "progress: Setting LogFileCount = 7\n"},
-    {{"LogFileCount:0x10"}, "progress: Setting LogFileCount = 16\n"},
-    {{"LogLevel:0"}, "progress: Setting LogLevel = 0\n"}, // no later run logs anything
-    {{"LogLevel:on"}, kNotALevel + "failure: Failed to set LogLevel = 4294967295\n", "LogLevel"},
-    {{"LogLevel:3"}, kNotALevel + "failure: Failed to set LogLevel = 3\n", "LogLevel"},
-    {{"NoSuchSetting:1"}, "failure: Got unknown setting: NoSuchSetting\n"},
-    {{":5"}, "failure: Got unknown setting: \n"},
-    {{"LogFileCount"}, ""}, // no colon
-    {{}, ""},
-};
-
 TEST(SetConfig, ChangesOneSettingAndSaysSoInTheLog)
 {
-    for (const SetConfigRow& row : kSetConfig)
+    // The switch's value, what is logged, and the setting that a box tells of.
+    const std::tuple<std::vector<std::string>, std::string, std::string> rows[] = {
+        // Only the first colon splits, and the blank survives the quotes.
+        {{"CustomerServiceText:Call us: now"},
+         "progress: Setting CustomerServiceText = 'Call us: now'\n",
+         ""},
+        {{"customerservicetext:"}, "progress: Setting customerservicetext = ''\n", ""},
+        {{"LogFileCount:7"}, "progress: Setting LogFileCount = 7\n", ""},
+        {{"LogFileCount:0x10"}, "progress: Setting LogFileCount = 16\n", ""},
+        {{"LogLevel:0"}, "progress: Setting LogLevel = 0\n", ""}, // no later run logs anything
+        {{"LogLevel:on"}, kNotALevel + "failure: Failed to set LogLevel = 4294967295\n", "LogLevel"},
+        {{"LogLevel:3"}, kNotALevel + "failure: Failed to set LogLevel = 3\n", "LogLevel"},
+        {{"NoSuchSetting:1"}, "failure: Got unknown setting: NoSuchSetting\n", ""},
+        {{":5"}, "failure: Got unknown setting: \n", ""},
+        {{"LogFileCount"}, "", ""}, // no colon
+        {{}, "", ""},
+    };
+    for (const auto& [value, logged, refused] : rows)
     {
-        std::vector<std::string> arguments = row.value;
+        std::vector<std::string> arguments = value;
         arguments.insert(arguments.begin(), "-SETCONFIG");
         SCOPED_TRACE(CommandLineOf(arguments));
         const ProgramFolder folder;
         const ProgramOutcome outcome = folder.Run({arguments, {}, {}});
         EXPECT_EQ(outcome.exitCode, 0);
-        EXPECT_EQ(outcome.console, row.refused != nullptr ? kFailureBox + row.refused + kFailureHint : "");
-        EXPECT_EQ(LogOf(folder), Logged(ThisUser(), arguments, row.logged, "4: finished SETCONFIG"));
+        EXPECT_EQ(outcome.console, refused.empty() ? "" : kFailureBox + refused + kFailureHint);
+        EXPECT_EQ(LogOf(folder), Logged(ThisUser(), arguments, logged, "4: finished SETCONFIG"));
     }
 }
 
@@ -164,15 +159,6 @@ TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
               "Tavo: the log in " + (closed.Path() / "Logs/").string() + " cannot be written\n");
 }
 
-struct DumpRow
-{
-    std::vector<std::string> arguments;
-    std::vector<std::string> input;
-    bool triggered;
-    std::string shown;
-    bool asNobody = false;
-};
-
 const std::string kConfirm =
     "Confirm Forced Dump\nContinuing will cause a controlled crash of the monitoring service in "
     "order to create a debug dump file.  You can restart the service (if it doesn't start again "
@@ -182,41 +168,37 @@ const std::string kSuccess =
     "Success\nTriggered debug dump.  The .dmp file should be in the log directory in just a moment.\n" +
     Press("OK");
 
-const DumpRow kDumps[] = {
-    {{"-FORCE_DEBUG_DUMP_SILENT"}, {}, true, ""},
-    {{"-FORCE_DEBUG_DUMP", "-FORCE_DEBUG_DUMP_SILENT"}, {}, true, ""},
-    {{"-FORCE_DEBUG_DUMP"}, {"Yes"}, true, kConfirm + kSuccess},
-    {{"-FORCE_DEBUG_DUMP", "-SETCONFIG", "LogFileCount:3"}, {"No"}, false, kConfirm},
-    {{"/force_debug_dump"}, {}, false, kConfirm},
-    {{"-FORCE_DEBUG_DUMP"}, {"No"}, false, kConfirm, true},
-};
-
 TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
 {
     using Seconds = std::chrono::duration<double>;
     if (!LeaveNamedEventsOfOthers())
         GTEST_SKIP() << "no right to have named events of its own";
-    for (const DumpRow& row : kDumps)
+    // The arguments, the input, what is shown, whether the event is set, and whether the user has no rights.
+    const std::tuple<std::vector<std::string>, std::vector<std::string>, std::string, bool, bool> rows[] = {
+        {{"-FORCE_DEBUG_DUMP_SILENT"}, {}, "", true, false},
+        {{"-FORCE_DEBUG_DUMP", "-FORCE_DEBUG_DUMP_SILENT"}, {}, "", true, false},
+        {{"-FORCE_DEBUG_DUMP"}, {"Yes"}, kConfirm + kSuccess, true, false},
+        {{"-FORCE_DEBUG_DUMP", "-SETCONFIG", "LogFileCount:3"}, {"No"}, kConfirm, false, false},
+        {{"/force_debug_dump"}, {}, kConfirm, false, false},
+        {{"-FORCE_DEBUG_DUMP"}, {"No"}, kConfirm, false, true},
+    };
+    for (const auto& [arguments, input, shown, triggered, asNobody] : rows)
     {
-        if (row.asNobody && RunsOnWindows())
+        if (asNobody && RunsOnWindows())
             continue; // the user of this prefix is an administrator
-        SCOPED_TRACE(CommandLineOf(row.arguments));
+        SCOPED_TRACE(CommandLineOf(arguments));
         // As the service holds it: the program opens this very object.
         const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, L"Global\\Tavo_ForceCoreDump");
         ASSERT_NE(event, nullptr);
         const ProgramFolder folder;
         OpenLog(folder);
         const auto start = std::chrono::steady_clock::now();
-        auto run = std::async(
-            std::launch::async,
-            [&] {
-                return folder.Run({row.arguments, row.input, {}, std::chrono::seconds(60), row.asNobody});
-            });
+        const ProgramStart steps{arguments, input, {}, std::chrono::seconds(60), asNobody};
+        auto run = std::async(std::launch::async, [&] { return folder.Run(steps); });
         constexpr DWORD kPatience = 20000;
-        EXPECT_EQ(WaitForSingleObject(event, row.triggered ? kPatience : 1000) == WAIT_OBJECT_0,
-                  row.triggered);
+        EXPECT_EQ(WaitForSingleObject(event, triggered ? kPatience : 1000) == WAIT_OBJECT_0, triggered);
         const auto set = std::chrono::steady_clock::now();
-        while (row.triggered && WaitForSingleObject(event, 0) == WAIT_OBJECT_0)
+        while (triggered && WaitForSingleObject(event, 0) == WAIT_OBJECT_0)
             Sleep(20);
         const auto reset = std::chrono::steady_clock::now();
         const ProgramOutcome outcome = run.get();
@@ -224,16 +206,16 @@ TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
         CloseHandle(event);
 
         EXPECT_EQ(outcome.exitCode, 0);
-        if (row.triggered)
+        if (triggered)
         {
             EXPECT_GE(Seconds(reset - start).count(), 6.0);
             EXPECT_GE(Seconds(reset - set).count(), 5.0) << "a busy machine sees it late";
             EXPECT_LT(Seconds(reset - set).count(), 15.0);
         }
-        EXPECT_EQ(outcome.console, row.shown);
+        EXPECT_EQ(outcome.console, shown);
         EXPECT_EQ(LogOf(folder),
-                  Logged(row.asNobody ? "nobody" : ThisUser(), row.arguments, "",
-                         row.triggered ? "2: got FORCE_DEBUG_DUMP_SILENT" : "2: got FORCE_DEBUG_DUMP"));
+                  Logged(asNobody ? "nobody" : ThisUser(), arguments, "",
+                         triggered ? "2: got FORCE_DEBUG_DUMP_SILENT" : "2: got FORCE_DEBUG_DUMP"));
     }
 }
 
@@ -244,10 +226,8 @@ TEST(ForcedDump, MakesAnEventThatTheServicesAccountMayOpen)
     if (!LeaveNamedEventsOfOthers())
         GTEST_SKIP() << "no right to have named events of its own";
     const ProgramFolder folder;
-    auto run = std::async(std::launch::async,
-                          [&] {
-                              return folder.Run({{"-FORCE_DEBUG_DUMP_SILENT"}, {}, {}});
-                          });
+    const ProgramStart silent{{"-FORCE_DEBUG_DUMP_SILENT"}, {}, {}};
+    auto run = std::async(std::launch::async, [&] { return folder.Run(silent); });
     while (folder.Log().find("CmdLine") == std::string::npos)
         Sleep(10);
     Sleep(500); // and the event is there
