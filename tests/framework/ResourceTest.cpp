@@ -14,20 +14,15 @@ using namespace platform;
 extern "C" const BYTE tavo_resources_begin[];
 extern "C" const BYTE tavo_resources_end[];
 
-namespace
-{
-
 constexpr UINT kVersion = 16; // for which compiler and headers have names of different forms
 
-Bytes FindBytes(UINT type, UINT id)
+static Bytes FindBytes(UINT type, UINT id)
 {
     for (const Resource& resource : ReadResFile({tavo_resources_begin, tavo_resources_end}))
         if (resource.type.Is(type) && resource.name.Is(id))
             return resource.data;
     return {};
 }
-
-} // namespace
 
 TEST(Resources, VersionIsTheTrees)
 {

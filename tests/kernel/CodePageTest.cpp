@@ -7,10 +7,7 @@
 
 #include <string>
 
-namespace
-{
-
-std::string ToNarrow(const std::wstring& wide)
+static std::string ToNarrow(const std::wstring& wide)
 {
     const int length = static_cast<int>(wide.size());
     const int size = WideCharToMultiByte(CP_ACP, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
@@ -19,8 +16,6 @@ std::string ToNarrow(const std::wstring& wide)
               size);
     return narrow;
 }
-
-} // namespace
 
 TEST(CodePage, AnsiIsTheCharacterSetOfTheUsersLocale)
 {

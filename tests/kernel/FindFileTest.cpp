@@ -11,10 +11,7 @@
 
 namespace fs = std::filesystem;
 
-namespace
-{
-
-std::map<std::wstring, WIN32_FIND_DATAW> List(const fs::path& pattern)
+static std::map<std::wstring, WIN32_FIND_DATAW> List(const fs::path& pattern)
 {
     std::map<std::wstring, WIN32_FIND_DATAW> found;
     WIN32_FIND_DATAW data = {};
@@ -28,13 +25,11 @@ std::map<std::wstring, WIN32_FIND_DATAW> List(const fs::path& pattern)
 }
 
 // Seconds since 1970.
-std::int64_t Seconds(FILETIME time)
+static std::int64_t Seconds(FILETIME time)
 {
     const std::int64_t units = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
     return units / 10000000 - 11644473600;
 }
-
-} // namespace
 
 TEST(FindFile, ListsAFolderWithKindSizeAndTime)
 {
