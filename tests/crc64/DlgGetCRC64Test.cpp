@@ -12,66 +12,44 @@
 namespace
 {
 
-// Open for as long as `onOpen` runs.
-class OpenTool : public CDlgGetCRC64
+// Computes the sums of some texts as soon as it is open, and closes.
+class Tool : public CDlgGetCRC64
 {
-public:
-    explicit OpenTool(std::function<void(OpenTool&)> onOpen) : mOnOpen(std::move(onOpen))
-    {
-        EXPECT_EQ(DoModal(), IDCANCEL);
-    }
-
-    void Fill(int id, const wchar_t* text) { SetWindowTextW(::GetDlgItem(m_hWnd, id), text); }
-    void TickWide(bool tick)
-    {
-        SendMessageW(::GetDlgItem(m_hWnd, IDC_WIDE_CHARS), BM_SETCHECK, tick ? BST_CHECKED : BST_UNCHECKED,
-                     0);
-    }
-    void Compute() { SendMessageW(m_hWnd, WM_COMMAND, IDC_GET_CRC64, 0); }
-    std::wstring Shown(int id) { return TextOf(::GetDlgItem(m_hWnd, id)); }
-
-protected:
     BOOL OnInitDialog() override
     {
-        const BOOL result = CDlgGetCRC64::OnInitDialog();
-        mOnOpen(*this);
+        const std::tuple<std::wstring, bool, const wchar_t*, const wchar_t*> kCases[] = {
+            {L"", true, L"0", L"00000000"}, // at least eight digits
+            {L"", false, L"0", L"00000000"},
+            {L"123456789", true, L"14707837731928058509", L"CC1CBC7DE1A8AA8D"},
+            {L"123456789", false, L"11051210869376104954", L"995DC9BBDF1939FA"},
+            // Four bytes for the one in the middle.
+            {L"a\U0001F600b", true, L"3752509983267961028", L"341397F2B8CB38C4"},
+            {std::wstring(70'000, L'x'), true, L"6362979464528801182", L"584DD81C48582D9E"},
+        };
+        CDlgGetCRC64::OnInitDialog();
+        const auto control = [this](int id) { return ::GetDlgItem(m_hWnd, id); };
+        for (const auto& [text, wide, decimal, hexadecimal] : kCases)
+        {
+            SetWindowTextW(control(IDC_INPUT), text.c_str());
+            SendMessageW(control(IDC_WIDE_CHARS), BM_SETCHECK, wide ? BST_CHECKED : BST_UNCHECKED, 0);
+            for (int press = 0; press < 2; ++press)
+            {
+                SendMessageW(m_hWnd, WM_COMMAND, IDC_GET_CRC64, 0);
+                EXPECT_EQ(TextOf(control(IDC_CRC)), decimal) << text.substr(0, 9) << wide;
+                EXPECT_EQ(TextOf(control(IDC_CRC_HEX)), hexadecimal);
+                EXPECT_EQ(TextOf(control(IDC_INPUT)), text);
+            }
+        }
         EndDialog(IDCANCEL);
-        return result;
+        return FALSE;
     }
-
-private:
-    std::function<void(OpenTool&)> mOnOpen;
 };
 
 } // namespace
 
 TEST(DlgGetCRC64, ShowsTheSumOfATextInBothForms)
 {
-    const std::tuple<std::wstring, bool, const wchar_t*, const wchar_t*> kCases[] = {
-        {L"", true, L"0", L"00000000"}, // at least eight digits
-        {L"", false, L"0", L"00000000"},
-        {L"123456789", true, L"14707837731928058509", L"CC1CBC7DE1A8AA8D"},
-        {L"123456789", false, L"11051210869376104954", L"995DC9BBDF1939FA"},
-        // Four bytes for the one in the middle.
-        {L"a\U0001F600b", true, L"3752509983267961028", L"341397F2B8CB38C4"},
-        {std::wstring(70'000, L'x'), true, L"6362979464528801182", L"584DD81C48582D9E"},
-    };
-    OpenTool tool(
-        [&](OpenTool& open)
-        {
-            for (const auto& [text, wide, decimal, hexadecimal] : kCases)
-            {
-                open.Fill(IDC_INPUT, text.c_str());
-                open.TickWide(wide);
-                for (int press = 0; press < 2; ++press)
-                {
-                    open.Compute();
-                    EXPECT_EQ(open.Shown(IDC_CRC), decimal) << text.substr(0, 9) << wide;
-                    EXPECT_EQ(open.Shown(IDC_CRC_HEX), hexadecimal);
-                    EXPECT_EQ(open.Shown(IDC_INPUT), text);
-                }
-            }
-        });
+    EXPECT_EQ(Tool().DoModal(), IDCANCEL);
 }
 
 // One "?" stands for each UTF-16 unit that the user's character set lacks.

@@ -4,7 +4,7 @@
 #define ORISKA_STATIC_DEFINE
 #include "foundation/Locks.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 static CLockCS* gLock = nullptr;
 static std::int64_t gMark = 0;

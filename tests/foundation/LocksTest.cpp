@@ -3,36 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <future>
 #include <thread>
-
-namespace
-{
-
-struct RecordingSwitch
-{
-    RecordingSwitch() { gbRecordLockWaits = true; }
-    ~RecordingSwitch() { gbRecordLockWaits = false; }
-};
-
-// Holds the lock on another thread for a while; returns when it is held.
-std::thread HoldElsewhere(CLockCS& lock, std::chrono::milliseconds time)
-{
-    std::promise<void> held;
-    std::future<void> isHeld = held.get_future();
-    std::thread holder(
-        [&lock, held = std::move(held), time]() mutable
-        {
-            const CAcquireCS acquired(lock);
-            held.set_value();
-            std::this_thread::sleep_for(time);
-        });
-    isHeld.wait();
-    return holder;
-}
-
-} // namespace
 
 TEST(Locks, KnowTheirOwnerAndTheLastOne)
 {
@@ -49,7 +20,7 @@ TEST(Locks, KnowTheirOwnerAndTheLastOne)
     EXPECT_EQ(lock.mLastOwnerThread, GetCurrentThreadId());
     acquired.Release();
     // Free for others, though the holder still lives.
-    HoldElsewhere(lock, std::chrono::milliseconds(0)).join();
+    std::thread([&lock] { const CAcquireCS held(lock); }).join();
     EXPECT_NE(lock.mLastOwnerThread, GetCurrentThreadId());
 }
 
@@ -89,7 +60,6 @@ TEST(Locks, ArePassedOverBeforeTheyAreMadeAndAfterTheyAreGone)
         EXPECT_EQ(first.mAcquiredCS, nullptr);
         first.Release();
     };
-    const RecordingSwitch recording;
     EXPECT_EQ(lock->mState, 0u);
     passedOver();
     std::construct_at(lock);
