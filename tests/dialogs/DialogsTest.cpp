@@ -4,7 +4,6 @@
 #include "tests/dialogs/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <thread>
@@ -73,7 +72,7 @@ TEST(Queue, LosesNothingOfEightThreads)
     constexpr LPARAM kPosts = 1000;
     std::vector<LPARAM> next(kThreads, 0);
     std::size_t received = 0;
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     ScriptedDialog script;
     script.serve = [&](HWND dialog, UINT message, WPARAM thread, LPARAM number)
     {
@@ -99,7 +98,5 @@ TEST(Queue, LosesNothingOfEightThreads)
                 });
     };
     script.Run();
-    for (std::thread& thread : threads)
-        thread.join();
     EXPECT_THAT(next, Each(kPosts));
 }

@@ -5,15 +5,11 @@
 #include "tests/dialogs/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using namespace platform;
 using testing::ElementsAre;
 
-namespace
-{
-
-Window& ControlOfTop(UINT id)
+static Window& ControlOfTop(UINT id)
 {
     for (const auto& control : TopDialog()->children)
         if (control->id == id)
@@ -23,7 +19,7 @@ Window& ControlOfTop(UINT id)
 
 // Runs a body that does what a person does, who then closes the dialog; gives the commands, and 0 for a note,
 // in the order of their coming.
-std::vector<int> CommandsAfter(const std::function<void(HWND)>& body)
+static std::vector<int> CommandsAfter(const std::function<void(HWND)>& body)
 {
     std::vector<int> seen;
     ScriptedDialog script;
@@ -45,8 +41,6 @@ std::vector<int> CommandsAfter(const std::function<void(HWND)>& body)
     script.Run();
     return seen;
 }
-
-} // namespace
 
 TEST(Input, IsDroppedWhenItsControlCannotTakeItAnyMore)
 {

@@ -7,7 +7,6 @@
 #include "tests/dialogs/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <unistd.h>
 
@@ -20,34 +19,18 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-namespace
-{
-
-std::string Start(const ProgramFolder& folder)
-{
-    return folder.Program().string();
-}
-
 // What the terminal says about itself after the program's end.
-std::string ThenItsEcho(const std::string& line)
+static std::string ThenItsEcho(const std::string& line)
 {
     return line + "; stty -a | grep -ow -e '-*echo' -e '-*icanon'";
 }
 
 // A test of this program as what runs in a terminal: its dialogs, and nothing else.
-std::string Scene(const std::string& name)
+static std::string Scene(const std::string& name)
 {
     return std::filesystem::read_symlink("/proc/self/exe").string() +
            " --gtest_also_run_disabled_tests --gtest_brief=1 --gtest_filter=Scene.DISABLED_" + name;
 }
-
-void AddLine(HWND dialog, const std::wstring& text)
-{
-    const HWND log = GetDlgItem(dialog, IDC_LOG);
-    SetWindowTextW(log, (TextOf(log) + text + L"\r\n").c_str());
-}
-
-} // namespace
 
 // Asks for a password and says what it was.
 TEST(Scene, DISABLED_Password)
@@ -59,7 +42,7 @@ TEST(Scene, DISABLED_Password)
         if (message == WM_INITDIALOG)
             SetWindowTextW(GetDlgItem(dialog, -1), L"Password:");
         if (message == WM_COMMAND && LOWORD(wParam) == IDC_PUSH)
-            AddLine(dialog, L"It was (" + TextOf(GetDlgItem(dialog, IDC_LINE)) + L")");
+            AddToLog(dialog, L"It was (" + TextOf(GetDlgItem(dialog, IDC_LINE)) + L")\r\n");
         if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL)
             EndDialog(dialog, 0);
         return false;
@@ -75,18 +58,18 @@ TEST(Scene, DISABLED_Upload)
         {
             for (int percent = 1; percent <= 100; ++percent)
             {
-                AddLine(dialog, L"[5ms] FTP_LOG: " + std::to_wstring(percent) + L"% done, " +
-                                    std::to_wstring(percent * 100000) + L" sent");
+                AddToLog(dialog, L"[5ms] FTP_LOG: " + std::to_wstring(percent) + L"% done, " +
+                                     std::to_wstring(percent * 100000) + L" sent\r\n");
                 std::this_thread::sleep_for(std::chrono::milliseconds(20));
             }
-            AddLine(dialog, L"[6ms] FTP_LOG: Successfully sent logs to Support");
+            AddToLog(dialog, L"[6ms] FTP_LOG: Successfully sent logs to Support\r\n");
         });
 }
 
 TEST(PersonAtATerminal, IsAskedBoxByBoxAndToldWhatCloses)
 {
     const ProgramFolder folder;
-    const TerminalScreen screen(ThenItsEcho(Start(folder)));
+    const TerminalScreen screen(ThenItsEcho(folder.Program()));
     screen.WaitFor("\n>");
     // Typed faster than it is asked for.
     for (const char* line : {"ldap", "  127.0.0.1 ", "1", "", "\u00fc\u20ac admin", "secret", "3", "show",
@@ -146,7 +129,7 @@ TEST(PersonAtATerminal, NeverSeesAPasswordNorMissesTheEditorsLibrary)
         const ProgramFolder folder;
         if (!edits)
             std::filesystem::remove(folder.Path() / "libtavoedit.so");
-        const TerminalScreen screen(ThenItsEcho(Start(folder)));
+        const TerminalScreen screen(ThenItsEcho(folder.Program()));
         screen.WaitFor("\n>");
         for (const char* line : {"LDAP", "dc", "", "", "admin", "s3cret", "",
                                  edits ? "Password=s3cret" : "show", "show", "Cancel"})
@@ -186,7 +169,7 @@ TEST(PersonAtATerminal, TypesEveryCharacterOfAPasswordAndNoOther)
 TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
 {
     const ProgramFolder folder;
-    const TerminalScreen screen(Start(folder));
+    const TerminalScreen screen(folder.Program());
     screen.WaitFor("\n>");
     screen.Type("elp");
     screen.Press("Home F5 h End PageUp Enter");
@@ -239,7 +222,7 @@ TEST(PersonAtATerminal, SeesFailuresInRedUnlessNoColourIsWanted)
     const ProgramFolder folder;
     for (const char* wish : {"NO_COLOR=", "NO_COLOR=1", "TERM=vt100"})
     {
-        const TerminalScreen screen(Start(folder), wish);
+        const TerminalScreen screen(folder.Program(), wish);
         screen.WaitFor("\n>");
         for (const char* line : {"LDAP", "127.0.0.1", "1", "", "", "", "3", ""})
             screen.Enter(line);
@@ -272,16 +255,16 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
     for (const char* signal : {"INT", "TERM", "HUP", "QUIT", "SEGV", "ABRT"})
     {
         // A sanitizer keeps SIGSEGV to itself unless it is told.
-        const TerminalScreen screen(ThenItsEcho("trap : INT QUIT; " + Start(folder)),
+        const TerminalScreen screen(ThenItsEcho("trap : INT QUIT; " + folder.Program().string()),
                                     "ASAN_OPTIONS=handle_segv=0 TSAN_OPTIONS=handle_segv=0");
         screen.WaitFor("\n>");
         screen.Type("half a line");
         screen.WaitFor("half");
-        std::system(("pkill -" + std::string(signal) + " -f '^" + Start(folder) + "'").c_str());
+        std::system(("pkill -" + std::string(signal) + " -f '^" + folder.Program().string() + "'").c_str());
         EXPECT_THAT(screen.WaitFor("icanon\necho", "half"), EndsWith("icanon\necho")) << signal;
     }
     const TerminalScreen screen("bash --norc");
-    screen.Enter(Start(folder));
+    screen.Enter(folder.Program());
     screen.WaitFor("\n>");
     screen.Type("hel");
     screen.Press("C-z");

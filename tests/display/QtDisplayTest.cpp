@@ -6,7 +6,6 @@
 #include "tests/support/TestFolder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QAccessible>
 #include <QApplication>
@@ -60,38 +59,26 @@ QWidget& Shown(const platform::Window& control)
     return *static_cast<QWidget*>(control.shown);
 }
 
-double WidestWord(const QString& text, const QFont& font, bool breaksLines)
-{
-    double widest = 0.0;
-    for (const QString& word : breaksLines ? text.split(u' ') : QStringList(text))
-        widest = std::max(widest, QFontMetricsF(font).horizontalAdvance(word));
-    return widest;
-}
-
 void ExpectRoomForText(const platform::Window& control)
 {
     const QWidget& widget = Shown(control);
     const std::string name = "control " + std::to_string(control.id) + " \"" +
                              QString::fromStdWString(control.text).toStdString() + '"';
-    EXPECT_GE(widget.height() + 0.5, QFontMetricsF(widget.font()).height()) << name;
+    const QFontMetricsF metrics(widget.font());
+    EXPECT_GE(widget.height() + 0.5, metrics.height()) << name;
     if (control.kind == WindowKind::Label || control.kind == WindowKind::PushButton ||
         control.kind == WindowKind::CheckBox)
-    {
-        const bool breaksLines = (control.style & BS_MULTILINE) != 0;
         EXPECT_GE(widget.width(),
-                  WidestWord(QString::fromStdWString(control.text), widget.font(), breaksLines))
+                  metrics
+                      .boundingRect(QRectF(0, 0, widget.width(), 0),
+                                    (control.style & BS_MULTILINE) != 0 ? Qt::TextWordWrap : 0,
+                                    QString::fromStdWString(control.text))
+                      .width())
             << name;
-    }
     EXPECT_TRUE(TopWidget().rect().contains(widget.geometry())) << name;
 }
 
-std::wstring Lines(int count)
-{
-    std::wstring lines;
-    for (int i = 0; i < count; ++i)
-        lines += L"[" + std::to_wstring(i) + L"ms] a line\r\n";
-    return lines;
-}
+const QString kHundredLines = QString::fromStdString(Repeated("[5ms] a line\r\n", 100));
 
 void Append(const std::wstring& added)
 {
@@ -101,7 +88,7 @@ void Append(const std::wstring& added)
 
 void ShowHundredLines()
 {
-    SetWindowTextW(ControlOf(IDC_OUTPUT), Lines(100).c_str());
+    SetWindowTextW(ControlOf(IDC_OUTPUT), kHundredLines.toStdWString().c_str());
     SendMessageW(ControlOf(IDC_OUTPUT), EM_LINESCROLL, 0, 101);
 }
 
@@ -328,7 +315,7 @@ TEST_F(QtDisplay, AppendedTextIsSeenAndLeavesTheSelectionAlone)
         EXPECT_TRUE(shown.endsWith("open, then closed\nlast"));
         EXPECT_EQ(WidgetOf<QPlainTextEdit>(IDC_OUTPUT).toPlainText(), shown);
         Press(Qt::Key_C, Qt::ControlModifier);
-        EXPECT_EQ(QApplication::clipboard()->text(), QString::fromStdWString(Lines(100)).remove(u'\r'));
+        EXPECT_EQ(QApplication::clipboard()->text(), QString(kHundredLines).remove(u'\r'));
     };
     Use(IDD_CONSOLE, {selectAllAndAppend, copy, kEscape}, nullptr, ShowHundredLines);
 }

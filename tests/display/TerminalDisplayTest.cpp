@@ -5,7 +5,6 @@
 #include "tests/dialogs/ScriptedDialog.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -46,12 +45,6 @@ std::string OutputOf(Scenario scenario, const std::string& input, const char* lo
     waitpid(process, &status, 0);
     EXPECT_EQ(status, 0);
     return folder.Read("out");
-}
-
-void AddToLog(HWND dialog, const std::wstring& text)
-{
-    const HWND log = GetDlgItem(dialog, IDC_LOG);
-    SetWindowTextW(log, (TextOf(log) + text).c_str());
 }
 
 // Shows in its log every command that it gets and what its controls then hold.

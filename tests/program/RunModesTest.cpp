@@ -10,7 +10,6 @@
 #include <csignal>
 #include <future>
 #include <regex>
-#include <thread>
 
 using testing::HasSubstr;
 
