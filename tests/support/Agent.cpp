@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cwchar>
+#include <sstream>
 #include <thread>
 
 namespace
@@ -52,28 +53,18 @@ std::string Decoded(const std::string& text)
 std::vector<ZTString> Words(const std::string& step)
 {
     std::vector<ZTString> words;
-    for (std::size_t at = 0; at <= step.size();)
-    {
-        const std::size_t end = std::min(step.find(':', at), step.size());
-        words.emplace_back(Decoded(step.substr(at, end - at)).c_str());
-        at = end + 1;
-    }
+    std::istringstream rest(step);
+    for (std::string word; std::getline(rest, word, ':');)
+        words.emplace_back(Decoded(word).c_str());
     words.resize(4);
     return words;
-}
-
-ZTString Number(DWORD value)
-{
-    ZTString number;
-    number.Format(L"{0:u}", value);
-    return number;
 }
 
 ZTString Show(eConfigID id)
 {
     if (GetConfigType(id) == eParamString)
         return GetConfigStr(id, nullptr);
-    return Number(GetConfigDWord(id, nullptr));
+    return std::to_wstring(GetConfigDWord(id, nullptr)).c_str();
 }
 
 bool Set(eConfigID id, const ZTString& value)
@@ -145,7 +136,7 @@ void Do(const std::string& step)
     else if (verb == L"open") // answers with the last error
     {
         CreateEventW(nullptr, TRUE, FALSE, words[1]);
-        Answer(Number(GetLastError()));
+        Answer(std::to_wstring(GetLastError()).c_str());
     }
     else if (verb == L"await") // sets the second event when it begins to wait for the first
         Await(words[1], words[2]);

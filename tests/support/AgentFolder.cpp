@@ -2,7 +2,6 @@
 #include "tests/support/AgentFolder.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 
 namespace fs = std::filesystem;
@@ -33,11 +32,11 @@ ChildProcess AgentFolder::Start(const std::vector<std::string>& steps) const
 AgentOutcome AgentFolder::Run(const std::vector<std::string>& steps, bool asNobody) const
 {
     const std::string answers = "answers-" + std::to_string(++mRuns);
-    const std::array<std::string, 2> files{answers, answers + ".errors"};
+    const std::string errors = answers + ".errors";
     std::wstring user;
     if (asNobody)
     {
-        for (const std::string& name : files)
+        for (const std::string& name : {answers, errors})
         {
             Write(name, "");
             fs::permissions(Path() / name, fs::perms(0666));
@@ -49,14 +48,8 @@ AgentOutcome AgentFolder::Run(const std::vector<std::string>& steps, bool asNobo
         user = L"setpriv --reuid=65534 --regid=65534 --clear-groups env \"LD_LIBRARY_PATH=" +
                Path().wstring() + L"\" ";
     }
-    AgentOutcome outcome;
-    outcome.exitCode = ChildProcess(user + Line(answers, steps)).ExitCode();
-    outcome.answers = Read(files[0]);
-    outcome.errors = Read(files[1]);
-    std::error_code ignored; // the folder goes as a whole
-    for (const std::string& name : files)
-        fs::remove(Path() / name, ignored);
-    return outcome;
+    const DWORD exitCode = ChildProcess(user + Line(answers, steps)).ExitCode();
+    return {exitCode, Read(answers), Read(errors)};
 }
 
 std::vector<std::string> AgentFolder::Names(const std::string& start) const
@@ -74,9 +67,9 @@ std::string Encoded(const std::string& text)
     std::string encoded;
     for (const char byte : text)
     {
-        std::array<char, 4> form{};
-        std::snprintf(form.data(), form.size(), "%%%02X", static_cast<unsigned char>(byte));
-        encoded += form.data();
+        char form[4];
+        std::snprintf(form, sizeof form, "%%%02X", static_cast<unsigned char>(byte));
+        encoded += form;
     }
     return encoded;
 }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ChildProcess.h"
 
-ChildProcess::ChildProcess(std::wstring line, const std::filesystem::path& folder)
+ChildProcess::ChildProcess(std::wstring line, const std::filesystem::path& folder, bool isHidden)
 {
     const std::wstring directory = folder.wstring();
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESHOWWINDOW;
+    startup.dwFlags = isHidden ? STARTF_USESHOWWINDOW : 0;
     startup.wShowWindow = SW_HIDE;
     if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
                         directory.empty() ? nullptr : directory.c_str(), &startup, &mInformation))

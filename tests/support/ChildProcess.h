@@ -11,8 +11,9 @@
 class ChildProcess
 {
 public:
-    // `line` is the command line as it stands; without a folder it runs in this process's one.
-    explicit ChildProcess(std::wstring line, const std::filesystem::path& folder = {});
+    // `line` is the command line as it stands; without a folder it runs in this process's one. What is hidden
+    // shows no window, and on Linux reads and writes nothing of ours.
+    explicit ChildProcess(std::wstring line, const std::filesystem::path& folder = {}, bool isHidden = true);
     ~ChildProcess();
     ChildProcess(ChildProcess&& other) noexcept
         : mInformation(std::exchange(other.mInformation, {})), mError(other.mError)

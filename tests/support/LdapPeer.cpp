@@ -58,14 +58,7 @@ bool LdapPeer::Connection::ReadRequest()
 
 bool LdapPeer::Connection::Send(const std::string& bytes) const
 {
-    for (std::size_t at = 0; at < bytes.size();)
-    {
-        const ssize_t put = send(mSocket, bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
-        if (put <= 0)
-            return false;
-        at += static_cast<std::size_t>(put);
-    }
-    return true;
+    return send(mSocket, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
 }
 
 std::string LdapPeer::Connection::Message(const std::string& operation) const

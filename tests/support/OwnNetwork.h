@@ -12,7 +12,7 @@
 // is not allowed.
 bool EnterOwnNetwork();
 
-// From now on this process sees `content` in place of the file `path`.
+// From now on this process sees `content` in place of the file `path`, until that is unmounted.
 void ReplaceSystemFile(const std::filesystem::path& path, const std::string& content);
 
 // Makes `host` an alias of 127.0.0.1.

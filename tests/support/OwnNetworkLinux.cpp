@@ -2,45 +2,19 @@
 #include "tests/support/OwnNetwork.h"
 
 #include <crypt.h>
-#include <netinet/in.h>
 #include <sched.h>
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <set>
-#include <thread>
 
 namespace fs = std::filesystem;
 
 constexpr uid_t kUser = 64321; // of no other account
-constexpr std::uint16_t kFtpPort = 21;
-
-static std::set<fs::path> gReplaced;
-
-static void RestoreSystemFile(const fs::path& path)
-{
-    if (gReplaced.erase(path) == 1)
-        umount2(path.c_str(), MNT_DETACH);
-}
-
-static bool Answers(std::uint16_t port)
-{
-    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const bool does = connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    close(socket);
-    return does;
-}
 
 bool EnterOwnNetwork()
 {
@@ -57,16 +31,13 @@ bool EnterOwnNetwork()
 
 void ReplaceSystemFile(const fs::path& path, const std::string& content)
 {
-    RestoreSystemFile(path);
     const TestFolder directory; // the mount holds what it was
     const fs::path file = directory.Path() / "content";
     WriteFile(file, content);
     if (!fs::exists(path))
         WriteFile(path, ""); // a bare system has no hosts
     fs::permissions(file, fs::status(path).permissions());
-    if (mount(file.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0)
-        gReplaced.insert(path);
-    else
+    if (mount(file.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
         std::perror(path.c_str());
 }
 
@@ -103,14 +74,14 @@ RealFtpServer::RealFtpServer(const std::string& user, const std::string& passwor
         std::perror("vsftpd");
         _exit(127);
     }
-    for (int i = 0; i < 250 && !Answers(kFtpPort); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    if (std::system("timeout 5 sh -c 'until ss -Hltn sport = :21 | grep -q .; do sleep 0.02; done'") != 0)
+        std::fputs("vsftpd is not there\n", stderr);
 }
 
 RealFtpServer::~RealFtpServer()
 {
     kill(mProcess, SIGTERM);
     waitpid(mProcess, nullptr, 0);
-    RestoreSystemFile("/etc/passwd");
-    RestoreSystemFile("/etc/shadow");
+    umount2("/etc/passwd", MNT_DETACH);
+    umount2("/etc/shadow", MNT_DETACH);
 }

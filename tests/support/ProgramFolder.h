@@ -18,7 +18,7 @@ bool LeaveNamedEventsOfOthers();
 
 struct ProgramOutcome
 {
-    bool ended = false; // false: it was ended because its time ran out
+    bool ended = true; // false: it was ended because its time ran out
     int exitCode = -1;
     std::string console; // UTF-8, "\n" line ends: what the user saw, boxes and dialogs included
     std::string errors;  // standard error; Linux only
@@ -32,7 +32,7 @@ struct ProgramStart
     std::vector<std::string> arguments;
     // Lines of input: a button's caption, or ID=text. When they are used up the dialog on top is cancelled.
     std::vector<std::string> input;
-    // Set in the program's environment; an empty value takes the variable out.
+    // Set in the program's environment; Linux only.
     std::vector<std::pair<std::string, std::string>> environment;
     std::chrono::seconds limit{60};
     bool asOtherUser = false; // as a user without rights ("nobody"); Linux only

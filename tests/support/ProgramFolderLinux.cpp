@@ -3,116 +3,15 @@
 #include "tests/support/ProgramFolder.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
+#include <thread>
 
-namespace
-{
-
-struct Pipe
-{
-    Pipe()
-    {
-        if (pipe2(mEnds.data(), O_CLOEXEC) != 0)
-            std::abort();
-    }
-    ~Pipe()
-    {
-        CloseRead();
-        CloseWrite();
-    }
-    void CloseRead() { Close(mEnds[0]); }
-    void CloseWrite() { Close(mEnds[1]); }
-    static void Close(int& end)
-    {
-        if (end >= 0)
-            close(end);
-        end = -1;
-    }
-    std::array<int, 2> mEnds{-1, -1};
-};
-
-// As the shell would be told: the user, the environment with the changes of `start`, and without a display
-// unless the test names one, then the program.
-std::vector<std::string> CommandOf(const ProgramStart& start, const std::string& program)
-{
-    std::vector<std::string> command = {"/usr/bin/env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY"};
-    for (const auto& [name, value] : start.environment)
-        if (value.empty())
-            command.insert(command.end(), {"-u", name});
-    for (const auto& [name, value] : start.environment)
-        if (!value.empty())
-            command.push_back(name + "=" + value);
-    if (start.asOtherUser)
-        command.insert(command.end(), {"setpriv", "--reuid=nobody", "--regid=65534", "--clear-groups"});
-    command.push_back(program);
-    command.insert(command.end(), start.arguments.begin(), start.arguments.end());
-    return command;
-}
-
-// Takes what is there from the pipe; false at its end.
-bool Drain(int end, std::string& text)
-{
-    char buffer[65536];
-    const ssize_t count = read(end, buffer, sizeof(buffer));
-    if (count <= 0)
-        return false;
-    text.append(buffer, static_cast<std::size_t>(count));
-    return true;
-}
-
-// Gives the input when what it waits for is there.
-void DrainBoth(pid_t child, Pipe& output, Pipe& errors, Pipe& input, const ProgramStart& start,
-               ProgramOutcome& outcome)
-{
-    bool signalWaits = start.signal != 0;
-    std::chrono::steady_clock::time_point signalled;
-    const auto deadline = std::chrono::steady_clock::now() + start.limit;
-    std::string text;
-    for (const std::string& line : start.input)
-        text += line + "\n";
-    bool given = false;
-    while (output.mEnds[0] >= 0 || errors.mEnds[0] >= 0)
-    {
-        if (!given && outcome.console.find(start.awaited) != std::string::npos)
-        {
-            given = true;
-            // What fits a pipe cannot block; a program that is gone already takes nothing.
-            [[maybe_unused]] const ssize_t taken = write(input.mEnds[1], text.data(), text.size());
-            if (start.awaited.empty() && !signalWaits)
-                input.CloseWrite();
-        }
-        if (signalWaits && start.signalWhen(outcome.console, child))
-        {
-            signalWaits = false;
-            signalled = std::chrono::steady_clock::now();
-            kill(child, start.signal);
-            if (std::ranges::count(start.ignoredSignals, start.signal) != 0)
-                input.CloseWrite();
-        }
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            deadline - std::chrono::steady_clock::now());
-        pollfd ends[] = {{output.mEnds[0], POLLIN, 0}, {errors.mEnds[0], POLLIN, 0}};
-        constexpr int kLook = 20; // ms
-        if (left.count() <= 0 ||
-            (poll(ends, 2, signalWaits ? kLook : static_cast<int>(left.count())) <= 0 && !signalWaits))
-            return;
-        if (ends[0].revents != 0 && !Drain(output.mEnds[0], outcome.console))
-            output.CloseRead();
-        if (ends[1].revents != 0 && !Drain(errors.mEnds[0], outcome.errors))
-            errors.CloseRead();
-    }
-    outcome.secondsAfterSignal =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - signalled).count();
-}
-
-} // namespace
+using Clock = std::chrono::steady_clock;
 
 bool RunsOnWindows()
 {
@@ -134,6 +33,20 @@ std::filesystem::path ProgramFolder::Program() const
     return Path() / "Tavo";
 }
 
+// As the shell would be told: the user, the environment with the changes of `start`, and without a display
+// unless the test names one, then the program.
+static std::vector<std::string> CommandOf(const ProgramStart& start, const std::string& program)
+{
+    std::vector<std::string> command = {"/usr/bin/env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY"};
+    for (const auto& [name, value] : start.environment)
+        command.push_back(name + "=" + value);
+    if (start.asOtherUser)
+        command.insert(command.end(), {"setpriv", "--reuid=nobody", "--regid=65534", "--clear-groups"});
+    command.push_back(program);
+    command.insert(command.end(), start.arguments.begin(), start.arguments.end());
+    return command;
+}
+
 ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
 {
     const std::vector<std::string> command = CommandOf(start, Program().string());
@@ -141,32 +54,68 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
     for (const std::string& word : command)
         pointers.push_back(const_cast<char*>(word.c_str()));
     pointers.push_back(nullptr);
-    Pipe input, output, errors;
+    const TestFolder said;
+    const auto file = [&said](const char* name)
+    { return open((said.Path() / name).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600); };
+    const int console = file("console"), errors = file("errors");
+    int input[2];
+    if (pipe2(input, O_CLOEXEC) != 0)
+        std::abort();
     const pid_t child = fork();
     if (child == 0)
     {
         for (const int number : start.ignoredSignals)
             signal(number, SIG_IGN);
         // Allocates nothing: a thread that has stayed behind may hold the allocator's lock.
-        dup2(input.mEnds[0], STDIN_FILENO);
-        dup2(output.mEnds[1], STDOUT_FILENO);
-        dup2(errors.mEnds[1], STDERR_FILENO);
+        dup2(input[0], STDIN_FILENO);
+        dup2(console, STDOUT_FILENO);
+        dup2(errors, STDERR_FILENO);
         execv(pointers[0], pointers.data());
         _exit(127);
     }
-    input.CloseRead();
-    output.CloseWrite();
-    errors.CloseWrite();
+    for (const int end : {input[0], console, errors})
+        close(end);
     signal(SIGPIPE, SIG_IGN);
 
+    std::string lines;
+    for (const std::string& line : start.input)
+        lines += line + "\n";
+    const auto endInput = [&input] { close(std::exchange(input[1], -1)); };
+    bool given = false;
+    bool signalWaits = start.signal != 0;
+    Clock::time_point signalled;
+    const Clock::time_point deadline = Clock::now() + start.limit;
     ProgramOutcome outcome;
-    DrainBoth(child, output, errors, input, start, outcome);
-    outcome.ended = output.mEnds[0] < 0 && errors.mEnds[0] < 0;
-    if (!outcome.ended)
-        kill(child, SIGKILL);
     int status = 0;
-    waitpid(child, &status, 0);
+    while (waitpid(child, &status, WNOHANG) == 0)
+    {
+        outcome.console = said.Read("console");
+        if (!given && outcome.console.find(start.awaited) != std::string::npos)
+        {
+            given = true;
+            // A program that is gone already takes nothing.
+            [[maybe_unused]] const ssize_t taken = write(input[1], lines.data(), lines.size());
+            if (start.awaited.empty() && !signalWaits)
+                endInput();
+        }
+        if (signalWaits && start.signalWhen(outcome.console, child))
+        {
+            signalWaits = false;
+            signalled = Clock::now();
+            kill(child, start.signal);
+            if (std::ranges::count(start.ignoredSignals, start.signal) != 0)
+                endInput();
+        }
+        outcome.ended = Clock::now() <= deadline;
+        if (!outcome.ended)
+            kill(child, SIGKILL);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    endInput();
+    outcome.secondsAfterSignal = std::chrono::duration<double>(Clock::now() - signalled).count();
     outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     outcome.leftAnImage = WIFSIGNALED(status) && WCOREDUMP(status);
+    outcome.console = said.Read("console");
+    outcome.errors = said.Read("errors");
     return outcome;
 }

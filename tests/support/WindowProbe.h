@@ -14,7 +14,7 @@ HWND FocusedControl();
 // False as well for a window that has gone.
 bool IsEnabled(HWND window);
 
-std::wstring TextOf(HWND window);
+std::wstring TextOf(HWND window); // also one of another process
 std::wstring SelectionOf(HWND edit);
 
 // Moves the focus to a control and presses a key there (VK_RETURN or VK_ESCAPE). The key is served like any
