@@ -10,9 +10,6 @@
 
 #include <sys/resource.h>
 
-namespace
-{
-
 using Connection = LdapPeer::Connection;
 using Script = std::function<void(Connection&)>;
 
@@ -32,7 +29,7 @@ constexpr std::chrono::seconds kLimit{20};
 constexpr long kMostMemory = 200 * 1024; // KiB
 
 // Sends a message many times over, until the client has gone.
-void SendMany(const Connection& peer, const std::string& message, int count)
+static void SendMany(const Connection& peer, const std::string& message, int count)
 {
     std::string block;
     int inBlock = 0;
@@ -42,7 +39,7 @@ void SendMany(const Connection& peer, const std::string& message, int count)
         ;
 }
 
-Script AtBind(const std::function<void(Connection&)>& answer)
+static Script AtBind(const std::function<void(Connection&)>& answer)
 {
     return [=](Connection& peer)
     {
@@ -53,7 +50,7 @@ Script AtBind(const std::function<void(Connection&)>& answer)
     };
 }
 
-Script Entries(const std::function<std::vector<Connection::Attribute>()>& attributes, int count)
+static Script Entries(const std::function<std::vector<Connection::Attribute>()>& attributes, int count)
 {
     return [=](Connection& peer)
     {
@@ -65,7 +62,7 @@ Script Entries(const std::function<std::vector<Connection::Attribute>()>& attrib
     };
 }
 
-std::vector<Connection::Attribute> Attributes(int count)
+static std::vector<Connection::Attribute> Attributes(int count)
 {
     std::vector<Connection::Attribute> attributes;
     for (int i = 0; i < count; ++i)
@@ -155,5 +152,3 @@ TEST(LdapTest, CountsItsLinesFromItsStart)
         << console;
     EXPECT_LT(std::stoi(opening[1]), 2000) << console;
 }
-
-} // namespace

@@ -3,6 +3,7 @@
 
 #include "ldap/LdapTest.h"
 #include "tests/support/ProgramFolder.h"
+#include "text/Unicode.h"
 
 #include <cstdio>
 #include <regex>
@@ -39,9 +40,9 @@ static std::string CodeText(unsigned code, const std::string& cause)
 
 static std::string ResultText(unsigned code)
 {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%s (%08X)\n", code == 0 ? "succeeded" : "failed", code);
-    return text.data();
+    char text[32];
+    std::snprintf(text, sizeof text, "%s (%08X)\n", code == 0 ? "succeeded" : "failed", code);
+    return text;
 }
 
 static std::string Begun(const TypedMethod& method)
@@ -104,8 +105,7 @@ std::string RunLdapTest(const LdapAnswers& answers,
 
 std::string RunLdapCalls(const LdapAnswers& answers)
 {
-    const auto wide = [](const std::string& text)
-    { return ZTString(std::filesystem::path(std::u8string(text.begin(), text.end())).wstring().c_str()); };
+    const auto wide = [](const std::string& utf8) { return ZTString(text::FromUtf8(utf8).c_str()); };
     LDAPCreds creds;
     creds.mServer = wide(answers.server);
     creds.mPort = static_cast<DWORD>(std::stoul(answers.port));
@@ -114,11 +114,7 @@ std::string RunLdapCalls(const LdapAnswers& answers)
     creds.mPassword = wide(answers.password);
     creds.mAuthMethod = answers.method.number;
     gAppended.clear();
-    const LdapConsole append = [](const wchar_t* text)
-    {
-        const std::u8string bytes = std::filesystem::path(text).u8string();
-        gAppended.append("[] ").append(bytes.begin(), bytes.end());
-    };
+    const LdapConsole append = [](const wchar_t* appended) { gAppended += "[] " + text::ToUtf8(appended); };
     TestLdapServer(creds, append, [&append](LDAP* session) { WalkLdapTree(session, append); });
     std::erase(gAppended, '\r');
     return gAppended;

@@ -13,11 +13,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-namespace
-{
-
 // All that the process can write to.
-std::string MemoryOf(int id)
+static std::string MemoryOf(int id)
 {
     const std::string process = "/proc/" + std::to_string(id);
     const int memory = open((process + "/mem").c_str(), O_RDONLY | O_CLOEXEC);
@@ -39,7 +36,7 @@ std::string MemoryOf(int id)
 }
 
 // Each character in so many bytes, the lowest first.
-std::string Widened(const std::string& text, std::size_t width)
+static std::string Widened(const std::string& text, std::size_t width)
 {
     std::string wide;
     for (const char character : text)
@@ -83,5 +80,3 @@ TEST(Password, IsGoneFromMemoryASecondAfterTheTest)
         EXPECT_FALSE(holds(Widened(password, sizeof(wchar_t))));
     }
 }
-
-} // namespace
