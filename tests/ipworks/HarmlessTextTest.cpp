@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "libraries/ipworks/HarmlessText.h"
+#include "tests/support/TestFolder.h"
 
 #include <gtest/gtest.h>
 
 TEST(HarmlessText, HoldsNothingThatATerminalObeysAndNoSecret)
 {
     using namespace std::string_literals;
-    const struct
-    {
-        std::string text;
-        std::string expected;
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"226 Done.\r\n", "226 Done."},
         {"\r\n", ""},
         {"a\0b\x1B[2Jc\x9B"s, "a b [2Jc\xEF\xBF\xBD"},
@@ -26,9 +23,8 @@ TEST(HarmlessText, HoldsNothingThatATerminalObeysAndNoSecret)
     // No part of the secret shows where a long text is cut.
     for (std::size_t before = 3980; before < 4030; ++before)
     {
-        std::string text(before, '\x9B'); // three bytes each when shown
-        for (int i = 0; i < 300; ++i)
-            text += "Kesto-42";
+        // Three bytes each when shown.
+        const std::string text = std::string(before, '\x9B') + Repeated("Kesto-42", 300);
         EXPECT_EQ(std::string::npos, MakeHarmless(text, "Kesto-42").find('K')) << before;
     }
     EXPECT_EQ("no secret", MakeHarmless("no secret", ""));

@@ -8,31 +8,25 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-static void ExpectTrueProgress(const Recorder& recorder, std::int64_t total)
-{
-    ASSERT_FALSE(recorder.progress.empty());
-    std::int64_t before = 0;
-    for (std::size_t i = 0; i < recorder.progress.size(); ++i)
-    {
-        const Recorder::Progress& event = recorder.progress[i];
-        EXPECT_GT(event.bytes, before);
-        EXPECT_EQ(event.bytes * 100 / total, event.percent);
-        if (i > 0 && event.bytes < total)
-            EXPECT_GE(event.at - recorder.progress[i - 1].at, std::chrono::milliseconds(100));
-        before = event.bytes;
-    }
-    EXPECT_EQ(total, before);
-}
-
 TEST(Upload, PassiveBringsTheFileAndTellsOfEveryStep)
 {
-    const std::string content = RandomBytes(300000);
+    constexpr std::int64_t kSize = 300000;
+    const std::string content = RandomBytes(kSize);
     Recorder recorder({}, content);
     EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
     EXPECT_TRUE(content == recorder.server.Uploaded());
     EXPECT_EQ("archive.zip", recorder.server.UploadedName());
     EXPECT_EQ("", recorder.LastError());
-    ExpectTrueProgress(recorder, 300000);
+    Recorder::Progress before{};
+    for (const Recorder::Progress& event : recorder.progress)
+    {
+        EXPECT_GT(event.bytes, before.bytes);
+        EXPECT_EQ(event.bytes * 100 / kSize, event.percent);
+        if (event.bytes < kSize)
+            EXPECT_GE(event.at - before.at, std::chrono::milliseconds(100));
+        before = event;
+    }
+    EXPECT_EQ(kSize, before.bytes);
 
     EXPECT_THAT(
         recorder.Of("status"),
