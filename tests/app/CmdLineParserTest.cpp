@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-
 using Values = std::map<std::wstring, std::wstring>;
 
 struct Row
@@ -55,7 +52,7 @@ const std::vector<Row> kRows = {
 };
 
 // All that the parser holds: a key is a part of the text, and counts in any case.
-Values ValuesOf(const CCmdLineParser& parser, const std::wstring& text)
+static Values ValuesOf(const CCmdLineParser& parser, const std::wstring& text)
 {
     Values values;
     for (std::size_t start = 0; start <= text.size(); ++start)
@@ -94,5 +91,3 @@ TEST(CmdLineParser, ASecondTextReplacesTheFirstAndANullTextChangesNothing)
     parser.Parse(L"");
     EXPECT_FALSE(parser.HasKey(L"b"));
 }
-
-} // namespace

@@ -13,9 +13,6 @@
 #include <cwchar>
 #include <regex>
 
-namespace
-{
-
 constexpr int kEnded = 7;
 constexpr UINT WM_DEEP = WM_USER + 3; // has OpenConsole do something that takes long
 constexpr DWORD kMinute = 60000;      // in ms
@@ -202,5 +199,3 @@ TEST(TimedBox, GivesTheResultOfItsCallerWhenTimeRunsOut)
         GTEST_SKIP() << "Wine's MessageBoxTimeoutW heeds no time";
     EXPECT_EQ(TimedMessageBox(L"A title", L"a text", MB_OK, 1, 42), 42);
 }
-
-} // namespace

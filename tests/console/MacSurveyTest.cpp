@@ -6,9 +6,6 @@
 
 #include <iterator>
 
-namespace
-{
-
 struct Adapter
 {
     ULONG type;
@@ -16,14 +13,14 @@ struct Adapter
     ULONG length;
 };
 
-Adapter Card(std::vector<BYTE> address)
+static Adapter Card(std::vector<BYTE> address)
 {
     const ULONG length = static_cast<ULONG>(address.size());
     return {IF_TYPE_ETHERNET_CSMACD, std::move(address), length};
 }
 
 // Its result and its log.
-std::pair<std::wstring, std::wstring> SurveyOf(const std::vector<Adapter>& adapters)
+static std::pair<std::wstring, std::wstring> SurveyOf(const std::vector<Adapter>& adapters)
 {
     std::vector<IP_ADAPTER_ADDRESSES> records(std::max<std::size_t>(adapters.size(), 1));
     for (std::size_t i = 0; i < adapters.size(); ++i)
@@ -122,5 +119,3 @@ TEST(FormatToBuffer, FillsPlaceholdersAndCutsAtTheRoom)
     wchar_t small[4];
     EXPECT_EQ(FormatToBuffer(L"{0:s}", small, 4, {L"too long"}), -1);
 }
-
-} // namespace
