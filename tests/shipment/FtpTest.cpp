@@ -6,20 +6,17 @@
 #include <sstream>
 #include <string_view>
 
-namespace
-{
-
-void* Value(int number)
+static void* Value(int number)
 {
     return reinterpret_cast<void*>(number);
 }
 
-void* Value(const char* text)
+static void* Value(const char* text)
 {
     return const_cast<char*>(text);
 }
 
-std::string_view Part(const void* text, int length)
+static std::string_view Part(const void* text, int length)
 {
     return {static_cast<const char*>(text), static_cast<std::size_t>(length)};
 }
@@ -65,8 +62,6 @@ private:
         return event * 10;
     }
 };
-
-} // namespace
 
 TEST(FTPEventSink, GivesEachEventItsRecordAndItsResultBack)
 {

@@ -9,9 +9,6 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-
 using Sink = int (*)(void*, int, int, void**, int*);
 
 struct Component
@@ -36,12 +33,10 @@ struct Component
 Component gComponent;
 std::vector<std::string> gPosted;
 
-void* Text(const char* text)
+static void* Text(const char* text)
 {
     return const_cast<char*>(text);
 }
-
-} // namespace
 
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
@@ -160,17 +155,4 @@ TEST(FTPProc, GoesOnAfterRefusedPropertiesAndTriesDirectModeWhenNothingWasSentWh
         RunFtpProc(file));
     EXPECT_EQ((Texts{"do 20 0  0 0", "set 24 0 0 0", "do 20 0  0 0", "destroy"}),
               Texts(gComponent.calls.end() - 4, gComponent.calls.end()));
-}
-
-TEST(FTPProc, MakesNoSecondAttemptWhenTheFirstHadSentSomething)
-{
-    const TestFolder folder;
-    gLastFTPPercent = 0;
-    gComponent = {.uploads = {[]
-                              {
-                                  gComponent.Progress(1, 5);
-                                  return 552;
-                              }}};
-    EXPECT_EQ((Texts{"FTP_LOG: 1% done, 5 sent\r\n", "FTP_LOG: Log FTP failed with: the last error\r\n"}),
-              RunFtpProc(folder.Path() / "missing"));
 }

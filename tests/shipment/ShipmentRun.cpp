@@ -3,9 +3,9 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <pwd.h>
+#include <regex>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -31,9 +31,7 @@ void ShipmentTest::ExpectOrderlyEnd(const ProgramOutcome& outcome) const
 {
     EXPECT_EQ(0, outcome.exitCode) << outcome.console << outcome.errors;
     EXPECT_EQ(std::string::npos, outcome.console.find(kFtpPassword));
-    EXPECT_TRUE(std::all_of(outcome.console.begin(), outcome.console.end(),
-                            [](char c) { return static_cast<unsigned char>(c) >= 0x20 || c == '\n'; }))
-        << outcome.console;
+    EXPECT_THAT(outcome.console, testing::Each(testing::AnyOf('\n', testing::Ge(' '), testing::Lt('\0'))));
     std::vector<std::string> left;
     std::error_code ignored; // it may be missing
     for (const fs::directory_entry& entry : fs::directory_iterator(Logs(), ignored))
@@ -92,13 +90,12 @@ std::vector<std::string> ShipmentLines(const ProgramOutcome& outcome)
 
 std::vector<std::string> Verdicts(const ProgramOutcome& outcome)
 {
-    std::vector<std::string> found;
-    for (const std::string& line : ShipmentLines(outcome))
-        for (const char* text : {"Error - ", "Passive upload", "Successfully", "Log FTP failed", "### ",
-                                 "Failed to launch", "Timed out", "Compression finished"})
-            if (line.rfind(text, 0) == 0)
-                found.push_back(line);
-    return found;
+    std::vector<std::string> lines = ShipmentLines(outcome);
+    static const std::regex verdict(
+        "(Error - |Passive upload|Successfully|Log FTP failed|### |Failed to launch|"
+        "Timed out|Compression finished).*");
+    std::erase_if(lines, [](const std::string& line) { return !std::regex_match(line, verdict); });
+    return lines;
 }
 
 std::vector<std::string> NothingPacked(const std::string& exitCode, const std::string& problem)
@@ -108,13 +105,17 @@ std::vector<std::string> NothingPacked(const std::string& exitCode, const std::s
             "Log FTP failed with: " + error};
 }
 
-fs::path Unpack(const fs::path& archive, const std::set<int>& expected)
+Tree Unpack(const fs::path& archive, const std::set<int>& expected)
 {
     const fs::path target = archive.string() + ".unpacked";
     const std::string command = "'" TAVO_PROGRAM_DIR "/7za.exe' x -y -o'" + target.string() + "' '" +
                                 archive.string() + "' >/dev/null </dev/null";
     EXPECT_THAT(expected, testing::Contains(WEXITSTATUS(std::system(command.c_str()))));
-    return target;
+    Tree files;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(target))
+        if (entry.is_regular_file())
+            files[fs::relative(entry.path(), target).string()] = ReadFile(entry.path());
+    return files;
 }
 
 int main(int argc, char** argv)

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 
 extern bool gHasOwnNetwork;
@@ -59,5 +60,6 @@ protected:
 
 void MakeOld(const std::filesystem::path& path);
 
-// Unpacks an archive into a new directory beside it and gives that.
-std::filesystem::path Unpack(const std::filesystem::path& archive, const std::set<int>& expected = {0});
+// The files of an archive: relative path to content.
+using Tree = std::map<std::string, std::string>;
+Tree Unpack(const std::filesystem::path& archive, const std::set<int>& expected = {0});

@@ -15,10 +15,7 @@
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-namespace
-{
-
-bool IsHeld(const wchar_t* name)
+static bool IsHeld(const wchar_t* name)
 {
     const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, name);
     const bool isHeld = GetLastError() == ERROR_ALREADY_EXISTS;
@@ -26,16 +23,19 @@ bool IsHeld(const wchar_t* name)
     return isHeld;
 }
 
-std::function<bool(const std::string&, int)> Shows(const std::string& text)
+static std::function<bool(const std::string&, int)> Shows(const std::string& text)
 {
     return [text](const std::string& console, int) { return console.find(text) != std::string::npos; };
 }
 
-class Signals : public ShipmentTest
+using Signals = ShipmentTest;
+
+TEST_F(Signals, EndARunInOrderInEachOfItsStates)
 {
-protected:
-    // Sends each of the signals to a program in the state that `start` brings about.
-    void ExpectOrderlyEndBySignals(const std::string& state, ProgramStart start)
+    WriteFile(Logs() / "old.log", "old");
+    MakeOld(Logs() / "old.log");
+    WriteFile(Logs() / "big.log", RandomBytes(3000000));
+    const auto expectOrderlyEnd = [this](const std::string& state, ProgramStart start)
     {
         for (const auto& [number, name] :
              {std::pair(SIGINT, "SIGINT"), {SIGTERM, "SIGTERM"}, {SIGHUP, "SIGHUP"}})
@@ -52,25 +52,16 @@ protected:
                 EXPECT_THAT(entry.path().filename(), testing::AnyOf("Tavo.log", "old.log", "big.log"));
             EXPECT_FALSE(IsHeld(L"Global\\Tavo_FTP") || IsHeld(L"Global\\Tavo_ForceCoreDump"));
         }
-    }
-};
-
-} // namespace
-
-TEST_F(Signals, EndARunInOrderInEachOfItsStates)
-{
-    WriteFile(Logs() / "old.log", "old");
-    MakeOld(Logs() / "old.log");
-    WriteFile(Logs() / "big.log", RandomBytes(3000000));
+    };
 
     ProgramStart start;
     start.arguments = {"-FORCE_DEBUG_DUMP"};
     start.signalWhen = Shows("Are you sure");
-    ExpectOrderlyEndBySignals("box", start);
+    expectOrderlyEnd("box", start);
 
     start.arguments = {"-FORCE_DEBUG_DUMP_SILENT"};
     start.signalWhen = [](const std::string&, int) { return IsHeld(L"Global\\Tavo_ForceCoreDump"); };
-    ExpectOrderlyEndBySignals("forced dump", start);
+    expectOrderlyEnd("forced dump", start);
 
     const LdapPeer silent([](LdapPeer::Connection& peer) { peer.ReadRequest(), peer.ReadRequest(); });
     start.arguments = {};
@@ -82,7 +73,7 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
                    "Authentication=Digest",
                    "OK"};
     start.signalWhen = Shows("ldap_bind_s(Digest) begin");
-    ExpectOrderlyEndBySignals("LDAP call", start);
+    expectOrderlyEnd("LDAP call", start);
     start.input = {};
 
     start.arguments = {"-FTP_LOG=case", "-AUTOCLOSE=yes"};
@@ -91,7 +82,7 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
     ReplaceArchiver("[ ! -e '" + whole.string() + "' ] || exec \"$REAL\" \"$@\"; echo half > case.zip; " +
                     "echo half > case.zip.tmp; echo $$ > '" + id + "'; exec sleep 60");
     start.signalWhen = [&id](const std::string&, int) { return fs::exists(id) && !ReadFile(id).empty(); };
-    ExpectOrderlyEndBySignals("packing", start);
+    expectOrderlyEnd("packing", start);
     const pid_t archiver = std::stoi(ReadFile(id));
     for (int tries = 0; kill(archiver, 0) == 0 && tries < 100; ++tries)
         Sleep(20); // a new parent has to collect it
@@ -100,7 +91,7 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
     WriteFile(whole, "");
     ScriptedFtpServer server({.bytesPerSecond = 200000}, kFtpPort);
     start.signalWhen = Shows("% done, ");
-    ExpectOrderlyEndBySignals("sending", start);
+    expectOrderlyEnd("sending", start);
 }
 
 TEST_F(Signals, ThatWereIgnoredFromTheStartStayIgnored)
