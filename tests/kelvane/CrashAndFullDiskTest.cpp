@@ -85,19 +85,18 @@ umount disk/agent && umount disk
     if (std::system("unshare --mount true 2>/dev/null") != 0)
         GTEST_SKIP() << "needs root for a mount of its own";
     ASSERT_EQ(std::system(command.c_str()), 0) << folder.Read("output") << folder.Read("errors");
-    const std::string output = folder.Read("output");
-    EXPECT_THAT(output, testing::MatchesRegex("true\nfalse\nold\nTavo: the log in [^\n]*cannot be "
-                                              "written\nLogs\nTavo.settings.json\nagent\nfiller\ntrue\n"));
+    EXPECT_THAT(folder.Read("output"),
+                testing::MatchesRegex("true\nfalse\nold\nTavo: the log in [^\n]*cannot be "
+                                      "written\nLogs\nTavo.settings.json\nagent\nfiller\ntrue\n"));
     // A line that had no room is torn; the next one is a line of its own.
-    for (const char* text : {"before", "mended", "after"})
-        EXPECT_TRUE(std::regex_search(
-            folder.Read("log"),
-            std::regex("(^|\n)[^\n]{29} \\[[^\n]*\\] progress: " + std::string(text) + "\n")))
+    const std::string log = folder.Read("log");
+    for (const std::string text : {"before", "mended", "after"})
+        EXPECT_TRUE(
+            std::regex_search(log, std::regex("(^|\n)[^\n]{29} \\[[^\n]*\\] progress: " + text + "\n")))
             << text << ":\n"
-            << folder.Read("log");
-    EXPECT_THAT(folder.Read("log"),
-                HasSubstr("CustomerServiceText is not changed: Tavo.settings.json cannot be written: No "
-                          "space left on device\n"));
+            << log;
+    EXPECT_THAT(log, HasSubstr("CustomerServiceText is not changed: Tavo.settings.json cannot be written: No "
+                               "space left on device\n"));
 }
 
 // The changes of an account that may read the folder and no more.
@@ -162,13 +161,12 @@ TEST(TextFiles, AreNotWrittenThroughALinkThatAnotherAccountPlanted)
 
 TEST(Threads, AreNamedForTheKernelInWholeCharacters)
 {
-    std::thread(
+    std::jthread(
         []
         {
             ThreadInit(L"14 characters \u00FC");
             EXPECT_EQ(ReadFile("/proc/thread-self/comm"), "14 characters \n");
-        })
-        .join();
+        });
 }
 
 // An installed program folder is read-only, and a link in it leads to the settings.
