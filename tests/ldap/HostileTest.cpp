@@ -13,8 +13,6 @@
 using Connection = LdapPeer::Connection;
 using Script = std::function<void(Connection&)>;
 
-constexpr unsigned char kSearchDone = 0x65;
-constexpr unsigned char kExtendedResponse = 0x78;
 constexpr int kForever = 1'000'000'000;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -31,10 +29,8 @@ constexpr long kMostMemory = 200 * 1024; // KiB
 // Sends a message many times over, until the client has gone.
 static void SendMany(const Connection& peer, const std::string& message, int count)
 {
-    std::string block;
-    int inBlock = 0;
-    for (; inBlock == 0 || (block.size() < 1U << 20U && inBlock < count); ++inBlock)
-        block += message;
+    const int inBlock = std::min(count, 1 + (1 << 20) / static_cast<int>(message.size()));
+    const std::string block = Repeated(message, static_cast<std::size_t>(inBlock));
     for (int sent = 0; sent < count && peer.Send(block); sent += inBlock)
         ;
 }
@@ -46,7 +42,7 @@ static Script AtBind(const std::function<void(Connection&)>& answer)
         const Connection unasked = peer;
         peer.ReadRequest();
         answer(peer);
-        SendMany(unasked, unasked.Message(Connection::Result(kExtendedResponse, 0)), kForever);
+        SendMany(unasked, unasked.Message(Connection::Result(0x78, 0)), kForever);
     };
 }
 
@@ -57,16 +53,21 @@ static Script Entries(const std::function<std::vector<Connection::Attribute>()>&
         peer.AcceptBind();
         peer.ReadRequest();
         SendMany(peer, peer.Message(Connection::Entry("cn=any", attributes())), count);
-        peer.SendMessage(Connection::Result(kSearchDone, 0));
+        peer.SendMessage(Connection::Result(0x65, 0));
         peer.ReadRequest();
     };
+}
+
+static std::vector<Connection::Attribute> Values(const char* name, int count, std::size_t size)
+{
+    return {{name, std::vector<std::string>(static_cast<std::size_t>(count), std::string(size, 'x'))}};
 }
 
 static std::vector<Connection::Attribute> Attributes(int count)
 {
     std::vector<Connection::Attribute> attributes;
-    for (int i = 0; i < count; ++i)
-        attributes.push_back({std::to_string(i), {}});
+    while (count-- > 0)
+        attributes.push_back({std::to_string(count), {}});
     return attributes;
 }
 
@@ -82,6 +83,7 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
     constexpr const char* kTooMuch =
         "(00000046)\n[] LDAP:GetChildNodes failed with 70, Results Too Large: the server "
         "sent more than 64 MB at []\n";
+    constexpr const char* kFour = "Got 4 objects back\n";
     const Case kCases[] = {
         {"messages that nobody asked for", AtBind([](Connection&) {}),
          "failed (00000055)\n[] Timeout: the server gave no complete answer in time[] \n"},
@@ -100,23 +102,9 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
          "failed (00000054)\n[] Decoding Error: the server's answer is not an LDAP message[] \n[] END TEST\n",
          kNtlm},
         {"entries", Entries([] { return Attributes(1); }, kForever), kTooMuch},
-        {"the largest values",
-         Entries(
-             []
-             {
-                 return std::vector<Connection::Attribute>{
-                     {"namingContexts", std::vector<std::string>(15, std::string(1U << 20U, 'x'))}};
-             },
-             4),
-         "Got 4 objects back\n"},
-        {"attributes", Entries([] { return Attributes(kMany); }, 4), "Got 4 objects back\n"},
-        {"values",
-         Entries(
-             [] {
-                 return std::vector<Connection::Attribute>{{"a", std::vector<std::string>(7 * kMany)}};
-             },
-             4),
-         "Got 4 objects back\n"},
+        {"the largest values", Entries([] { return Values("namingContexts", 15, 1U << 20U); }, 4), kFour},
+        {"attributes", Entries([] { return Attributes(kMany); }, 4), kFour},
+        {"values", Entries([] { return Values("a", 7 * kMany, 0); }, 4), kFour},
     };
     for (const Case& test : kCases)
     {

@@ -12,9 +12,6 @@
 
 #include <regex>
 
-namespace
-{
-
 using Connection = LdapPeer::Connection;
 using Script = std::function<void(Connection&)>;
 
@@ -22,13 +19,11 @@ const std::string kNoList = "(no list is given back)";
 const std::string kResult = "(the result is given back)";
 
 template <class Argument>
-ULONG GiveBack(const char* name, Argument argument, const std::string& note)
+static ULONG GiveBack(const char* name, Argument argument, const std::string& note)
 {
     gAppended += note;
     return reinterpret_cast<ULONG (*)(Argument)>(dlsym(RTLD_NEXT, name))(argument);
 }
-
-} // namespace
 
 // In the place of the client's own, to which they lead.
 ULONG ldap_value_freeW(PWCHAR* values)
@@ -41,9 +36,6 @@ ULONG ldap_msgfree(LDAPMessage* result)
     return GiveBack("wldap32_ldap_msgfree", result, kResult);
 }
 
-namespace
-{
-
 constexpr unsigned char kSearchDone = 0x65;
 
 // Answers a bind and then each search with what it finds and the code that ends it.
@@ -54,7 +46,7 @@ struct Answer
     std::string odd{}; // an operation before them
 };
 
-Script Searched(const std::vector<Answer>& answers)
+static Script Searched(const std::vector<Answer>& answers)
 {
     return [answers](Connection& peer)
     {
@@ -75,7 +67,7 @@ Script Searched(const std::vector<Answer>& answers)
 }
 
 // A result is given back before its line, which serves messages.
-void ExpectTold(unsigned port, const TypedMethod& method, const std::string& attempt)
+static void ExpectTold(unsigned port, const TypedMethod& method, const std::string& attempt)
 {
     const LdapAnswers answers = {"127.0.0.1", std::to_string(port), "EXAMPLE", "cn=user", "password", method};
     EXPECT_EQ(RunLdapCalls(answers),
@@ -115,5 +107,3 @@ TEST(LdapTest, TakesTheUsualPortsForPort0)
     const LdapPeer tls([](Connection& peer) { peer.Send("220 no TLS\r\n"); }, 636);
     ExpectTold(0, kSimpleSsl, NotConnected(kSimpleSsl, "the server does not speak TLS on this port"));
 }
-
-} // namespace
