@@ -8,16 +8,9 @@
 
 struct Adapter
 {
-    ULONG type;
     std::vector<BYTE> address;
-    ULONG length;
+    ULONG type = IF_TYPE_ETHERNET_CSMACD;
 };
-
-static Adapter Card(std::vector<BYTE> address)
-{
-    const ULONG length = static_cast<ULONG>(address.size());
-    return {IF_TYPE_ETHERNET_CSMACD, std::move(address), length};
-}
 
 // Its result and its log.
 static std::pair<std::wstring, std::wstring> SurveyOf(const std::vector<Adapter>& adapters)
@@ -27,8 +20,10 @@ static std::pair<std::wstring, std::wstring> SurveyOf(const std::vector<Adapter>
     {
         records[i].Next = i + 1 < adapters.size() ? &records[i + 1] : nullptr;
         records[i].IfType = adapters[i].type;
-        records[i].PhysicalAddressLength = adapters[i].length;
-        std::ranges::copy(adapters[i].address, records[i].PhysicalAddress);
+        records[i].PhysicalAddressLength = static_cast<ULONG>(adapters[i].address.size());
+        std::copy_n(adapters[i].address.begin(),
+                    std::min(adapters[i].address.size(), sizeof records[i].PhysicalAddress),
+                    records[i].PhysicalAddress);
     }
     std::wstring log;
     const std::wstring result = ChooseMacAddress(records.data(), records.data() + records.size(), log);
@@ -37,39 +32,38 @@ static std::pair<std::wstring, std::wstring> SurveyOf(const std::vector<Adapter>
 
 TEST(MacSurvey, TakesTheLowestAddressOfTheStrictestRuleThatFindsOne)
 {
-    const Adapter loopback = {IF_TYPE_SOFTWARE_LOOPBACK, {}, 0};
+    // A length beyond the field passes the walk up to 15; the text ends with the field.
+    const std::vector<BYTE> longest = {0x10, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14};
+    std::vector<BYTE> tooLong = longest;
+    tooLong.push_back(15);
     const std::tuple<const char*, std::vector<Adapter>, std::wstring, std::wstring> kCases[] = {
         {"one ordinary card",
-         {Card({0x00, 0x11, 0x22, 0x33, 0x44, 0x55}), Card({0x4c, 0xcc, 0x6a, 0xab, 0xcd, 0xef})},
+         {{{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}}, {{0x4c, 0xcc, 0x6a, 0xab, 0xcd, 0xef}}},
          L"4CCC6AABCDEF",
          L"try:0-add=0[gu:1,v:0,fvz:1],add=1[gu:1,v:0,fvz:0],mac:4CCC6AABCDEF,macCount=1, ret=4CCC6AABCDEF"},
         {"first byte 0 is left to the second rule",
-         {loopback, Card({0x00, 0x11, 0x22, 0x33, 0x44, 0x55})},
+         {{{}, IF_TYPE_SOFTWARE_LOOPBACK}, {{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}}},
          L"001122334455",
          L"try:0-addrLen=0,add=0[gu:1,v:0,fvz:1],try:1-addrLen=0,add=1[gu:1,v:0,fvz:1],mac:001122334455,"
          L"macCount=1, ret=001122334455"},
         {"only locally administered and virtual ones: the last rule takes them all",
-         {Card({0x0a, 0, 0, 0, 0, 2}),
-          {IF_TYPE_TUNNEL, {0x04, 0, 0, 0, 0, 9}, 6},
-          Card({0x0a, 0, 0, 0, 0, 1})},
+         {{{0x0a, 0, 0, 0, 0, 2}}, {{0x04, 0, 0, 0, 0, 9}, IF_TYPE_TUNNEL}, {{0x0a, 0, 0, 0, 0, 1}}},
          L"040000000009",
          L"try:0-add=0[gu:0,v:0,fvz:0],add=0[gu:1,v:1,fvz:0],add=0[gu:0,v:0,fvz:0],"
          L"try:1-add=0[gu:0,v:0,fvz:0],add=0[gu:1,v:1,fvz:0],add=0[gu:0,v:0,fvz:0],"
          L"try:2-add=1[gu:0,v:0,fvz:0],mac:0A0000000002,add=1[gu:1,v:1,fvz:0],mac:040000000009,"
          L"add=1[gu:0,v:0,fvz:0],mac:0A0000000001,macCount=3, ret=040000000009"},
         {"equal addresses count once, a lower one of a later rule does not compete",
-         {Card({0x10, 0, 0, 0, 0, 1}), Card({0x02, 0, 0, 0, 0, 0}), Card({0x10, 0, 0, 0, 0, 1})},
+         {{{0x10, 0, 0, 0, 0, 1}}, {{0x02, 0, 0, 0, 0, 0}}, {{0x10, 0, 0, 0, 0, 1}}},
          L"100000000001",
          L"try:0-add=1[gu:1,v:0,fvz:0],mac:100000000001,add=0[gu:0,v:0,fvz:0],add=1[gu:1,v:0,fvz:0],"
          L"mac:100000000001,macCount=1, ret=100000000001"},
         {"the shorter of two with the same beginning",
-         {Card({0x10, 0x20, 0x30}), Card({0x10, 0x20})},
+         {{{0x10, 0x20, 0x30}}, {{0x10, 0x20}}},
          L"1020",
          L"try:0-add=1[gu:1,v:0,fvz:0],mac:102030,add=1[gu:1,v:0,fvz:0],mac:1020,macCount=2, ret=1020"},
-        // A length beyond the field passes the walk up to 15; the text ends with the field.
         {"lengths that no platform gives",
-         {{IF_TYPE_ETHERNET_CSMACD, {0x10, 1, 2, 3, 4, 5, 6, 7}, 15},
-          {IF_TYPE_ETHERNET_CSMACD, {0x10, 1, 2, 3, 4, 5, 6, 7}, 16}},
+         {{longest}, {tooLong}},
          L"1001020304050607",
          L"try:0-add=1[gu:1,v:0,fvz:0],mac:1001020304050607,addrLen=16,macCount=1, ret=1001020304050607"},
         {"no adapter: the zeroed buffer is one record without address",

@@ -6,9 +6,6 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-
 class Minimised : public CTavoDlg
 {
     BOOL OnInitDialog() override
@@ -29,8 +26,6 @@ class Minimised : public CTavoDlg
         return TRUE;
     }
 };
-
-} // namespace
 
 TEST(Console, DrawsItsIconInTheMiddleWhileItIsMinimised)
 {
