@@ -6,13 +6,8 @@
 
 TEST(EditControl, KeepsTheTextItIsGivenAndCountsItsLines)
 {
-    struct Case
-    {
-        const wchar_t* text;
-        LRESULT lines;
-    };
     // One after the other: a text that only grows at its end goes a way of its own.
-    const Case cases[] = {
+    const std::pair<const wchar_t*, LRESULT> cases[] = {
         {L"one", 1}, {L"one\r\n", 2},  {L"one\r\ntwo", 2}, // the caret can stand after the last break
         {L"one", 1}, {L"", 1},         {L"on", 1},         {L"on\r", 1},
         {L"on", 1},  {L"\r\n\r\n", 3}, {L"\r\n\r\na", 3},  {L"a\r\nb\r\nc", 3},
@@ -21,11 +16,11 @@ TEST(EditControl, KeepsTheTextItIsGivenAndCountsItsLines)
         [&](HWND dialog)
         {
             const HWND log = GetDlgItem(dialog, IDC_LOG);
-            for (const Case& row : cases)
+            for (const auto& [text, lines] : cases)
             {
-                EXPECT_TRUE(SetWindowTextW(log, row.text));
-                EXPECT_EQ(TextOf(log), row.text);
-                EXPECT_EQ(SendMessageW(log, EM_GETLINECOUNT, 0, 0), row.lines) << &row - cases;
+                EXPECT_TRUE(SetWindowTextW(log, text));
+                EXPECT_EQ(TextOf(log), text);
+                EXPECT_EQ(SendMessageW(log, EM_GETLINECOUNT, 0, 0), lines) << TextOf(log);
             }
             EXPECT_TRUE(SetWindowTextW(log, nullptr));
             EXPECT_EQ(TextOf(log), L"");
@@ -54,6 +49,9 @@ TEST(AnyControl, CanBeDisabledAndFocused)
             SetFocus(line);
             EXPECT_EQ(SetFocus(push), line);
             EXPECT_EQ(FocusedControl(), push);
+            Send(dialog, IDC_BOX, BM_CLICK);
+            EXPECT_EQ(FocusedControl(), GetDlgItem(dialog, IDC_BOX)) << "a click gives the focus";
+            SetFocus(push);
             EnableWindow(push, FALSE);
             EXPECT_EQ(FocusedControl(), nullptr) << "a disabled control has no focus";
             EXPECT_EQ(GetAncestor(push, GA_ROOT), dialog);

@@ -281,13 +281,8 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
 
 TEST(UploadProgress, ReckonsRateAndTimeFromTheLinesBefore)
 {
-    struct Case
-    {
-        const wchar_t* line;
-        int milliseconds; // since the first
-        const wchar_t* shown;
-    };
-    const Case cases[] = {
+    // A line, the milliseconds since the first, and what is shown.
+    const std::tuple<const wchar_t*, int, const wchar_t*> cases[] = {
         {L"1% done, 1000 sent\r\n", 0, L"1% done, 1000 sent"},
         {L"[1ms] FTP_LOG: 10% done, 10000 sent\r\n", 1000,
          L"[1ms] FTP_LOG: 10% done, 10000 sent, 9 KB/s, 0:10 left"},
@@ -297,12 +292,11 @@ TEST(UploadProgress, ReckonsRateAndTimeFromTheLinesBefore)
         {L"2% done, 900 sent\r\n", 2000, L"2% done, 900 sent"}, // a new attempt
     };
     const Clock::time_point start{std::chrono::seconds(1)};
-    for (const Case& row : cases)
+    for (const auto& [line, milliseconds, shown] : cases)
     {
         platform::UploadProgress progress;
-        progress.Describe(cases[0].line, start);
-        EXPECT_EQ(progress.Describe(row.line, start + std::chrono::milliseconds(row.milliseconds)),
-                  row.shown);
+        progress.Describe(std::get<0>(cases[0]), start);
+        EXPECT_EQ(progress.Describe(line, start + std::chrono::milliseconds(milliseconds)), shown);
     }
     EXPECT_EQ(platform::UploadProgress().Describe(L"50% of it", start), std::nullopt);
 }

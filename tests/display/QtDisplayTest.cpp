@@ -191,21 +191,17 @@ TEST_F(QtDisplay, WindowIconHasEverySizeOfTheResource)
 
 TEST_F(QtDisplay, TabGoesThroughTheControlsInTheTemplatesOrder)
 {
-    const struct
-    {
-        int dialog;
-        std::vector<int> order;
-    } cases[] = {
+    const std::pair<int, std::vector<int>> cases[] = {
         {IDD_CONSOLE, {IDC_OUTPUT, IDC_CLOSE, IDC_LDAP, IDC_FTP_LOGS, IDC_CRC64, IDC_OUTPUT}},
         {IDD_LDAP_CREDS,
          {IDC_SERVER, IDC_PORT, IDC_DOMAIN, IDC_USER, IDC_PASSWORD, IDC_AUTH_METHOD, IDOK, IDCANCEL,
           IDC_SERVER}},
         {IDD_CRC64, {IDOK, IDCANCEL, IDC_INPUT, IDC_WIDE_CHARS, IDC_GET_CRC64, IDC_CRC, IDC_CRC_HEX, IDOK}},
     };
-    for (const auto& row : cases)
+    for (const auto& [dialog, expected] : cases)
     {
         std::vector<int> order;
-        std::vector<Step> steps(row.order.size(),
+        std::vector<Step> steps(expected.size(),
                                 [&order]
                                 {
                                     order.push_back(
@@ -213,34 +209,30 @@ TEST_F(QtDisplay, TabGoesThroughTheControlsInTheTemplatesOrder)
                                     Press(Qt::Key_Tab);
                                 });
         steps.push_back(kEscape);
-        Use(row.dialog, steps);
-        EXPECT_EQ(order, row.order) << "dialog " << row.dialog;
+        Use(dialog, steps);
+        EXPECT_EQ(order, expected) << "dialog " << dialog;
     }
 }
 
 TEST_F(QtDisplay, EnterAndEscPressTheButtonsThatTheyShould)
 {
-    const struct
-    {
-        int dialog;
-        int focus;
-        Qt::Key key;
-        int result;
-    } cases[] = {
+    // The dialog, what has the focus, the key, and how the dialog ends.
+    const std::tuple<int, int, Qt::Key, int> cases[] = {
         {IDD_CONSOLE, IDC_OUTPUT, Qt::Key_Return, IDOK}, // which no control has
         {IDD_CONSOLE, IDC_OUTPUT, Qt::Key_Escape, IDCANCEL},
         {IDD_LDAP_CREDS, IDC_DOMAIN, Qt::Key_Enter, IDOK}, // the default button
         {IDD_LDAP_CREDS, IDC_AUTH_METHOD, Qt::Key_Return, IDOK},
         {IDD_LDAP_CREDS, IDC_AUTH_METHOD, Qt::Key_Escape, IDCANCEL},
     };
-    for (const auto& row : cases)
-        EXPECT_EQ(Use(row.dialog, {[&]
-                                   {
-                                       WidgetOf(row.focus).setFocus();
-                                       Press(row.key);
-                                   }}),
-                  row.result)
-            << "dialog " << row.dialog << ", control " << row.focus << ", key " << row.key;
+    for (const auto& [dialog, focus, key, result] : cases)
+    {
+        const Step press = [&focus = focus, &key = key]
+        {
+            WidgetOf(focus).setFocus();
+            Press(key);
+        };
+        EXPECT_EQ(Use(dialog, {press}), result) << "control " << focus << ", key " << key;
+    }
 }
 
 TEST_F(QtDisplay, ProgramReadsWhatThePersonEntered)
@@ -382,22 +374,17 @@ TEST_F(QtDisplay, FindSelectsPlacesGoesOnAtTheOtherEndAndSaysWhatItMissed)
             EXPECT_TRUE(std::ranges::any_of(labels, [&](const auto* label) { return label->text() == text; }))
                 << text;
         };
-        const struct
+        const std::tuple<Qt::Key, Qt::KeyboardModifiers, int, const char*> rows[] = {
+            {Qt::Key_Return, {}, 0, ""},
+            {Qt::Key_F3, {}, 2, ""},
+            {Qt::Key_F3, {}, 0, "Went on from the start"},
+            {Qt::Key_F3, Qt::ShiftModifier, 2, "Went on from the end"}};
+        for (const auto& [key, modifiers, found, said] : rows)
         {
-            Qt::Key key;
-            Qt::KeyboardModifiers modifiers;
-            int line;
-            const char* said;
-        } rows[] = {{Qt::Key_Return, {}, 0, ""},
-                    {Qt::Key_F3, {}, 2, ""},
-                    {Qt::Key_F3, {}, 0, "Went on from the start"},
-                    {Qt::Key_F3, Qt::ShiftModifier, 2, "Went on from the end"}};
-        for (const auto& row : rows)
-        {
-            Press(row.key, row.modifiers);
-            EXPECT_EQ(line(), row.line) << row.said;
+            Press(key, modifiers);
+            EXPECT_EQ(line(), found) << said;
             EXPECT_EQ(output.textCursor().selectedText().toLower(), "failed");
-            says(row.said);
+            says(said);
         }
         Append(L"four\r\n");
         EXPECT_EQ(output.textCursor().selectedText(), "FAILED") << "a new line leaves the selection";
@@ -521,13 +508,7 @@ TEST_F(QtDisplay, MessageBoxTakesAKeyForAnAnswerAndNoCloseBox)
 
 TEST_F(QtDisplay, ScreenReadersHearTheLabelsAndWhatAControlIs)
 {
-    const struct
-    {
-        int dialog;
-        int control;
-        const char* name;
-        QAccessible::Role role;
-    } cases[] = {
+    const std::tuple<int, int, const char*, QAccessible::Role> cases[] = {
         {IDD_LDAP_CREDS, IDC_SERVER, "LDAP Server:", QAccessible::EditableText},
         {IDD_LDAP_CREDS, IDC_PASSWORD, "Password:", QAccessible::EditableText},
         {IDD_LDAP_CREDS, IDC_AUTH_METHOD, "Authentication:", QAccessible::ComboBox},
@@ -538,15 +519,15 @@ TEST_F(QtDisplay, ScreenReadersHearTheLabelsAndWhatAControlIs)
         {IDD_CONSOLE, IDC_OUTPUT, "ZT Diagnostics", QAccessible::EditableText},
         {IDD_CONSOLE, IDC_FTP_LOGS, "FTP Logs to Support", QAccessible::Button},
     };
-    for (const auto& row : cases)
+    for (const auto& [dialog, control, name, role] : cases)
     {
-        const Step look = [&]
+        const Step look = [&control = control, &name = name, &role = role]
         {
-            const QAccessibleInterface& face = *QAccessible::queryAccessibleInterface(&WidgetOf(row.control));
-            EXPECT_EQ(face.text(QAccessible::Name).toStdString(), row.name);
-            EXPECT_EQ(face.role(), row.role) << row.name;
+            const QAccessibleInterface& face = *QAccessible::queryAccessibleInterface(&WidgetOf(control));
+            EXPECT_EQ(face.text(QAccessible::Name).toStdString(), name);
+            EXPECT_EQ(face.role(), role) << name;
         };
-        Use(row.dialog, {look, kEscape});
+        Use(dialog, {look, kEscape});
     }
 }
 

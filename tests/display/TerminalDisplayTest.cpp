@@ -123,12 +123,7 @@ TEST(TerminalDisplay, ObeysLines)
 {
     const std::string usage = "Not understood. Press: Push, Default. Fill: Label, Box, 1003\n";
     // One after the other in one dialog; 1004 shows what its controls hold.
-    struct Case
-    {
-        std::string input;
-        std::string output;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"Push\n", "1004 |Red|0\n"},
         {"  pU \r\n", "1004 |Red|0\n"}, // any case, the beginning, blanks around
         {"\n\n", ""},
@@ -154,10 +149,10 @@ TEST(TerminalDisplay, ObeysLines)
     };
     std::string input;
     std::string output = kOpened;
-    for (const Case& row : cases)
+    for (const auto& [lines, answer] : cases)
     {
-        input += row.input;
-        output += row.output;
+        input += lines;
+        output += answer;
     }
     EXPECT_EQ(OutputOf(Commands, input), output + kCanceled);
 }

@@ -78,4 +78,5 @@ TEST(Adapters, AskForMoreRoom)
     EXPECT_EQ(GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, &record, &tooSmall), ERROR_BUFFER_OVERFLOW);
     EXPECT_EQ(tooSmall, size);
     EXPECT_EQ(record.Length, 0u);
+    EXPECT_EQ(GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, &record, nullptr), ERROR_INVALID_PARAMETER);
 }
