@@ -6,15 +6,15 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 using namespace platform;
 using testing::ElementsAre;
 
 static Window& ControlOfTop(UINT id)
 {
-    for (const auto& control : TopDialog()->children)
-        if (control->id == id)
-            return *control;
-    return *TopDialog();
+    return **std::ranges::find(
+        TopDialog()->children, id, [](const auto& control) { return control->id; });
 }
 
 // Runs a body that does what a person does, who then closes the dialog; gives the commands, and 0 for a note,

@@ -8,4 +8,3 @@
 #define IDC_PUSH 1004
 #define IDC_HIDDEN 1006
 #define IDC_DEFAULT 1007
-#define IDI_ANY 128

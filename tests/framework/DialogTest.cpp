@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Modal dialogs: loops within loops, ends in the middle of a handler, keys, and the way of a message to its
-// handler.
+// Modal dialogs: a loop within another, and the way of a message to its handler.
 #include "tests/framework/TestDialog.h"
 
 #include <gmock/gmock.h>

@@ -7,6 +7,8 @@
 #include <chrono>
 #include <thread>
 
+namespace fs = std::filesystem;
+
 namespace
 {
 
@@ -27,20 +29,15 @@ bool IsHeld(const std::wstring& name)
     return error == ERROR_ALREADY_EXISTS;
 }
 
-std::string Narrow(const std::wstring& ascii)
-{
-    return {ascii.begin(), ascii.end()};
-}
-
-// A process that waits for `name`, and does so already.
-ChildProcess Waiter(const AgentFolder& folder, const std::wstring& name)
+// A process that holds `name`, and does so already.
+ChildProcess Holder(const AgentFolder& folder, const std::wstring& name)
 {
     const std::wstring ready = UniqueName(L"ready");
     const HANDLE event = Create(ready);
-    ChildProcess process = folder.Start({"await:" + Narrow(name) + ":" + Narrow(ready)});
+    ChildProcess process =
+        folder.Start({"await:" + fs::path(name).string() + ":" + fs::path(ready).string()});
     EXPECT_EQ(WaitForSingleObject(event, kLong), DWORD{WAIT_OBJECT_0});
     CloseHandle(event);
-    Sleep(kShort); // ready is said just before the wait begins
     return process;
 }
 
@@ -103,14 +100,14 @@ TEST(NamedEvent, NameIsGoneWhenItsLastHolderIs)
 {
     const AgentFolder folder;
     const std::wstring name = UniqueName(L"killed");
-    const ChildProcess holder = Waiter(folder, name);
+    const ChildProcess holder = Holder(folder, name);
     const HANDLE own = Create(name);
     holder.Kill();
     EXPECT_TRUE(IsHeld(name)) << "there is another holder";
     CloseHandle(own);
     EXPECT_FALSE(IsHeld(name));
 
-    const ChildProcess alone = Waiter(folder, name);
+    const ChildProcess alone = Holder(folder, name);
     EXPECT_TRUE(IsHeld(name));
     alone.Kill();
     const HANDLE fresh = Create(name);
@@ -118,7 +115,8 @@ TEST(NamedEvent, NameIsGoneWhenItsLastHolderIs)
     EXPECT_EQ(WaitForSingleObject(fresh, 0), DWORD{WAIT_TIMEOUT});
     CloseHandle(fresh);
 
-    EXPECT_EQ(folder.Run({"open:" + Narrow(name)}).answers, "0\n") << "and ends without closing it";
+    EXPECT_EQ(folder.Run({"open:" + fs::path(name).string()}).answers, "0\n")
+        << "and ends without closing it";
     EXPECT_FALSE(IsHeld(name));
 }
 
