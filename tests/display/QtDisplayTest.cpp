@@ -24,7 +24,6 @@
 #include <clocale>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
 
 using platform::WindowKind;
 
@@ -434,10 +433,8 @@ TEST_F(QtDisplay, MenuWrapsLinesAndKeysChangeTheSizeOfTheText)
 TEST_F(QtDisplay, SaveAsWritesAPrivateFileInPlaceOfALinkAndTellsAnError)
 {
     const TestFolder folder;
-    const std::filesystem::path saved = folder.Path() / "saved.txt";
-    const std::filesystem::path aim = folder.Path() / "aim";
-    std::ofstream(aim) << "untouched";
-    std::filesystem::create_symlink(aim, saved);
+    folder.Write("aim", "untouched");
+    std::filesystem::create_symlink(folder.Path() / "aim", folder.Path() / "saved.txt");
     std::filesystem::create_directory(folder.Path() / "in the way.txt");
     const auto saveAs = [](const std::filesystem::path& path)
     {
