@@ -56,14 +56,12 @@ TEST(Input, IsDroppedWhenItsControlCannotTakeItAnyMore)
                     [](HWND dialog)
                     {
                         UserClicked(ControlOfTop(IDC_PUSH));
-                        ScriptedDialog above;
-                        above.owner = dialog;
-                        above.body = [](HWND window)
+                        const auto pump = [](HWND window)
                         {
                             Pump();
                             EndDialog(window, 1);
                         };
-                        above.Run();
+                        ScriptedDialog{.body = pump, .owner = dialog}.Run();
                     }),
                 ElementsAre(IDCANCEL))
         << "the dialog was disabled under another one";

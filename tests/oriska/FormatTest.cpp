@@ -39,10 +39,7 @@ TEST(Format, GivesEachFormOfTheLanguage)
         {L"{0}|{1}|{2}", {text, L"wide", "narrow"}, L"text|wide|narrow"},
         {L"{0}|{1}|{2}", {-5, 7u, 18446744073709551615ull}, L"-5|7|18446744073709551615"},
         {L"{0:s}|{1:s}|{1:.2s}{1:.0s}", {text, L"wide"}, L"text|wide|wi"},
-        {L"{0:S}",
-         {"Gr\xC3\xBC\xC3\x9F"
-          "e"},
-         L"Grüße"},
+        {L"{0:S}", {"Grüße"}, L"Grüße"},
         {L"{0:d}|{0:u}", {-1}, L"-1|4294967295"},
         {L"{0:d}|{0:u}", {-1ll}, L"-1|18446744073709551615"},
         {L"{0:d}", {4294967295u}, L"-1"}, // signed in its own width, as printf reads it
