@@ -65,13 +65,8 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
 
     const LdapPeer silent([](LdapPeer::Connection& peer) { peer.ReadRequest(), peer.ReadRequest(); });
     start.arguments = {};
-    start.input = {"LDAP ...",
-                   "LDAP Server=127.0.0.1",
-                   "Port=" + std::to_string(silent.Port()),
-                   "Username=a",
-                   "Password=b",
-                   "Authentication=Digest",
-                   "OK"};
+    start.input = Lines("LDAP ...\nLDAP Server=127.0.0.1\nPort=" + std::to_string(silent.Port()) +
+                        "\nUsername=a\nPassword=b\nAuthentication=Digest\nOK");
     start.signalWhen = Shows("ldap_bind_s(Digest) begin");
     expectOrderlyEnd("LDAP call", start);
     start.input = {};

@@ -44,7 +44,7 @@ protected:
 TEST_F(WineShipment, BringsTheFreshFilesAndSaysWhatItDoes)
 {
     const std::string fresh = RandomBytes(5000000);
-    const std::string cyrillic = "\xD0\xBD\xD0\xBE\xD0\xB2.log";
+    const std::string cyrillic = "нов.log";
     WriteFile(Logs() / "sub folder" / "fresh.log", fresh);
     WriteFile(Logs() / "sub folder" / cyrillic, "fresh");
     for (const std::string& old : {std::string("old.log"), "old " + cyrillic})
