@@ -6,14 +6,10 @@
 #include <csignal>
 #include <thread>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// The faults are meant; a sanitizer would report them first.
 #define TAVO_UNCHECKED                                                                                       \
     [[gnu::no_sanitize_address, gnu::no_sanitize_undefined, gnu::no_sanitize_thread, gnu::noinline]]
-#else
-#define TAVO_UNCHECKED [[gnu::noinline]]
-#endif
 
-// The faults are meant; a sanitizer would report them first.
 TAVO_UNCHECKED static void WriteToNull()
 {
     volatile int* volatile place = nullptr;
