@@ -15,7 +15,6 @@ struct Row
 
 const std::vector<Row> kRows = {
     {L"", {}, "nothing"},
-    {L"-a", {{L"a", L""}}, "a lone switch"},
     {L"-a -b", {{L"a", L""}, {L"b", L""}}, "two"},
     {L"/A:1 -b=2", {{L"a", L"1"}, {L"b", L"2"}}, "both switch characters, both separators, any case"},
     {L"-a 1", {{L"a", L"1"}}, "blank as separator"},

@@ -77,6 +77,7 @@ TEST(Console, PutsTheTimeSinceTheStartTickIn32BitsBeforeEachTextAndAddsNoLineEnd
             unsigned wrapped = 0;
             EXPECT_EQ(std::swscanf(open.Written().c_str(), L"[%ums]", &wrapped), 1);
             EXPECT_GE(wrapped, 0U - kMinute);
+            PostMessageW(open.m_hWnd, WM_COMMAND, IDC_CLOSE, 0); // lets the handler that runs end
             open.AppendLine(L"");
             open.AppendLine(L"two\r\nlines\r\n");
             EXPECT_EQ(open.WrittenWithoutTimes(), L"[] left open[] [] two\r\nlines\r\n");
@@ -84,9 +85,8 @@ TEST(Console, PutsTheTimeSinceTheStartTickIn32BitsBeforeEachTextAndAddsNoLineEnd
             SetWindowTextW(output, L"what the control holds counts");
             open.AppendLine(L"");
             EXPECT_EQ(TextOf(output).substr(0, 30), L"what the control holds counts[");
-            open.EndDialog(kEnded);
         });
-    EXPECT_EQ(console.mResult, kEnded);
+    EXPECT_EQ(console.mResult, 1);
 }
 
 TEST(Console, ShowsPostedLinesInTheirOrderHoweverDeepTheyNest)
@@ -121,21 +121,6 @@ TEST(Console, ServesPostedLinesInAHandlerAtTheDepthWherePumpsEnd)
             EXPECT_EQ(open.mDeepAnswer, L"[] deep\r\n[] from a thread\r\n[] and another\r\n");
             open.EndDialog(kEnded);
         });
-}
-
-TEST(Console, CloseLetsTheHandlerThatRunsEnd)
-{
-    std::wstring written;
-    const OpenConsole console(
-        [&written](OpenConsole& open)
-        {
-            PostMessageW(open.m_hWnd, WM_COMMAND, IDC_CLOSE, 0);
-            open.AppendLine(L"pumps the click\r\n");
-            open.AppendLine(L"goes on\r\n");
-            written = open.WrittenWithoutTimes();
-        });
-    EXPECT_EQ(console.mResult, 1);
-    EXPECT_EQ(written, L"[] pumps the click\r\n[] goes on\r\n");
 }
 
 TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableTheButton)
