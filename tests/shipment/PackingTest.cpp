@@ -91,6 +91,10 @@ TEST_F(LogDirectory, WithUnreadableFoldersAPipeALoopAndGreatDepthIsShippedAsFarA
     WriteFile(Logs() / "closed" / "secret.log", "secret");
     fs::create_directory_symlink("..", Logs() / "closed" / "parent");
     fs::create_directory_symlink(".", Logs() / "self");
+    const TestFolder elsewhere; // whose names are not those of the logs
+    elsewhere.Write("another.log", "old");
+    MakeOld(elsewhere.Path() / "another.log");
+    fs::create_directory_symlink(elsewhere.Path(), Logs() / "link");
     fs::path deep = Logs();
     for (int level = 0; level < 200; ++level)
         deep /= "level";
