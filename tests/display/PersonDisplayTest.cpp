@@ -122,9 +122,9 @@ TEST(PersonAtATerminal, IsAskedBoxByBoxAndToldWhatCloses)
     EXPECT_THAT(screen.WaitFor("icanon\necho"), EndsWith("> quit\nZT Diagnostics is closed.\nicanon\necho"));
 }
 
-TEST(PersonAtATerminal, NeverSeesAPasswordNorMissesTheEditorsLibrary)
+TEST(PersonAtATerminal, NeverSeesAPassword)
 {
-    for (const bool edits : {true, false})
+    for (const bool edits : {true, false}) // with the editor's library and without
     {
         const ProgramFolder folder;
         if (!edits)

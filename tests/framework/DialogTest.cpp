@@ -82,31 +82,23 @@ TEST(ModalDialog, PaintsAreOver)
     });
 }
 
-TEST(MessageMap, GivesTheResultOfTheHandler)
+TEST(MessageMap, GivesTheResultOfARowAndLeavesTheRestToTheBase)
 {
     TestDialog dialog;
+    const auto send = [&](UINT message, WPARAM wParam, LPARAM lParam = 0)
+    { return SendMessageW(dialog.m_hWnd, message, wParam, lParam); };
     dialog.Run({
         [&]
         {
             // The second needs all 64 bits.
-            EXPECT_EQ(SendMessageW(dialog.m_hWnd, WM_ADD, 1000, -1001), -1);
-            EXPECT_EQ(SendMessageW(dialog.m_hWnd, WM_ADD, 1, 0x123456789ALL), 0x123456789BLL);
-            EXPECT_EQ(SendMessageW(dialog.m_hWnd, WM_QUERYDRAGICON, 0, 0),
-                      reinterpret_cast<LRESULT>(&dialog));
-            EXPECT_EQ(SendMessageW(dialog.m_hWnd, WM_USER + 9, 0, 0), 0) << "the result of another message";
-            dialog.EndDialog(1);
+            EXPECT_EQ(send(WM_ADD, 1000, -1001), -1);
+            EXPECT_EQ(send(WM_ADD, 1, 0x123456789ALL), 0x123456789BLL);
+            EXPECT_EQ(send(WM_QUERYDRAGICON, 0), reinterpret_cast<LRESULT>(&dialog));
+            EXPECT_EQ(send(WM_USER + 9, 0), 0) << "the result of another message";
+            send(WM_COMMAND, MAKEWPARAM(IDC_WORK, BN_CLICKED));
+            send(WM_COMMAND, MAKEWPARAM(IDC_WORK, 5)); // a notification without a row
+            send(WM_COMMAND, IDOK);
         },
-    });
-}
-
-TEST(MessageMap, ServesANotificationByItsRowAndOthersByTheBase)
-{
-    TestDialog dialog;
-    dialog.Run({
-        [&] { SendMessageW(dialog.m_hWnd, WM_COMMAND, MAKEWPARAM(IDC_WORK, BN_CLICKED), 0); },
-        // Another notification of the same button has no row.
-        [&] { SendMessageW(dialog.m_hWnd, WM_COMMAND, MAKEWPARAM(IDC_WORK, 5), 0); },
-        [&] { SendMessageW(dialog.m_hWnd, WM_COMMAND, IDOK, 0); },
     });
     EXPECT_THAT(dialog.mTrace, ElementsAre("fill", "work", "OnOK", "save"));
 }
