@@ -3,8 +3,6 @@
 // with and how much of the file went out.
 #include "tests/ipworks/Recorder.h"
 
-#include <gmock/gmock.h>
-
 #include <thread>
 
 using namespace std::string_literals;

@@ -2,8 +2,6 @@
 // What another account may have put into the place of the file that is to be sent. Linux only.
 #include "tests/ipworks/Recorder.h"
 
-#include <gmock/gmock.h>
-
 #include <unistd.h>
 
 TEST(Upload, FileThatAnotherAccountCouldHavePutThereIsNotSent)

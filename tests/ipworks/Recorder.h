@@ -6,7 +6,7 @@
 #include "tests/support/ScriptedFtpServer.h"
 #include "tests/support/TestFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 constexpr const char* kTestPassword = "Kesto-42";
 

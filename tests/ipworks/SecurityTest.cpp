@@ -3,8 +3,6 @@
 #include "tests/ipworks/Recorder.h"
 #include "tests/support/ProgramFolder.h"
 
-#include <gmock/gmock.h>
-
 using testing::ElementsAre;
 using testing::HasSubstr;
 

@@ -4,7 +4,6 @@
 #include "tests/ipworks/Recorder.h"
 
 #include <curl/curl.h>
-#include <gmock/gmock.h>
 
 #include <cstdarg>
 #include <dlfcn.h>

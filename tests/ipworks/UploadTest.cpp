@@ -2,8 +2,6 @@
 // What the component does when all goes well, and how it answers what it does not know.
 #include "tests/ipworks/Recorder.h"
 
-#include <gmock/gmock.h>
-
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;

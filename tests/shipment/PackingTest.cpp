@@ -2,8 +2,6 @@
 // What can go wrong before the upload: the archiver, and the directory that it packs.
 #include "tests/shipment/ShipmentRun.h"
 
-#include <gmock/gmock.h>
-
 #include <sys/stat.h>
 
 #include <thread>

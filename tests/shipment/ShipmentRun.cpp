@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/shipment/ShipmentRun.h"
 
-#include <gmock/gmock.h>
-
 #include <cstdlib>
 #include <pwd.h>
 #include <regex>

@@ -5,7 +5,7 @@
 #include "tests/support/OwnNetwork.h"
 #include "tests/support/ProgramFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <map>
 #include <set>

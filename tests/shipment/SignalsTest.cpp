@@ -5,8 +5,6 @@
 #include "tests/support/LdapPeer.h"
 #include "tests/support/ScriptedFtpServer.h"
 
-#include <gmock/gmock.h>
-
 #include <sys/stat.h>
 #include <unistd.h>
 

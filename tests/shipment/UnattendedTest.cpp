@@ -3,8 +3,6 @@
 #include "tests/shipment/ShipmentRun.h"
 #include "tests/support/ScriptedFtpServer.h"
 
-#include <gmock/gmock.h>
-
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;

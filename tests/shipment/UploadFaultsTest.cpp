@@ -3,8 +3,6 @@
 #include "tests/shipment/ShipmentRun.h"
 #include "tests/support/ScriptedFtpServer.h"
 
-#include <gmock/gmock.h>
-
 using testing::StartsWith;
 using namespace std::string_literals;
 

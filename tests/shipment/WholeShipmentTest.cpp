@@ -2,8 +2,6 @@
 // From the start to the archive on a real server.
 #include "tests/shipment/ShipmentRun.h"
 
-#include <gmock/gmock.h>
-
 #include <cstdlib>
 #include <ctime>
 

@@ -4,8 +4,6 @@
 #include "tests/shipment/ShipmentRun.h"
 #include "tests/support/ScriptedFtpServer.h"
 
-#include <gmock/gmock.h>
-
 #include <cstdlib>
 
 namespace fs = std::filesystem;
