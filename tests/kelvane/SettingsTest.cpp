@@ -89,12 +89,12 @@ TEST(Settings, LeaveWhatAPersonWroteInItsPlace)
 {
     const AgentFolder folder;
     folder.Write("Tavo.settings.json",
-                 R"({"note": ["kept", 1.5, null], "loglevel": 1, "Other": {"a": true}})");
+                 R"({"note": ["kept ü", 1.5, null], "loglevel": 1, "Other": {"a": true}})");
     EXPECT_EQ(folder.Run({"get:LogLevel", "set:LogLevel:0", "set:LogFileCount:9"}).answers,
               "1\ntrue\ntrue\n");
     EXPECT_EQ(folder.Settings(), R"({
   "note": [
-    "kept",
+    "kept ü",
     1.5,
     null
   ],
