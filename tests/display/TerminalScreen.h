@@ -2,12 +2,10 @@
 // A terminal of 80 columns and 24 rows, as tmux(1) emulates it, in which a person's keys are pressed.
 #pragma once
 
-#include "tests/support/TestFolder.h"
+#include "tests/support/ProgramFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <cstdio>
 #include <regex>
 #include <thread>
 
@@ -75,14 +73,8 @@ private:
 
     std::string Tmux(const std::string& arguments) const
     {
-        const std::string command =
-            "tmux -u -f /dev/null -S '" + mFolder.Path().string() + "/socket' " + arguments + " 2>&1";
-        std::string output;
-        FILE* const pipe = popen(command.c_str(), "re");
-        for (int byte = 0; (byte = fgetc(pipe)) != EOF;)
-            output += static_cast<char>(byte);
-        EXPECT_EQ(pclose(pipe), 0) << command << output;
-        return output;
+        return Said("tmux -u -f /dev/null -S '" + mFolder.Path().string() + "/socket' " + arguments +
+                    " 2>&1");
     }
 
     TestFolder mFolder{"tavo-screen-"};

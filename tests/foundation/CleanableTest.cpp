@@ -64,6 +64,8 @@ TEST(Cleanable, SixVectorsAreRegisteredBeforeTheProgramStarts)
         EXPECT_EQ(vector->mLock.mState, kLockUsable);
         EXPECT_EQ(vector->mLock.mLabel, nullptr);
     }
+    EXPECT_STREQ(GetgCleanablesCS().mLabel, L"gCleanablesCS");
+    EXPECT_STREQ(GetgCleanablesDeleteCS().mLabel, L"gCleanablesDeleteCS");
 }
 
 TEST(Cleanable, IsRegisteredWhileItLivesAndKeepsItsMemoryWhenCleaned)
@@ -99,6 +101,8 @@ TEST(Cleanable, ReportsElementsOfAnySize)
     CleanableVector<std::array<char, 100'000>> blocks;
     blocks.mItems.resize(3);
     EXPECT_EQ(std::get<2>(ReportOf(blocks)), 292u);
+    EXPECT_EQ(DescribeContainer(nullptr, nullptr), L"unknown in CleanableVector")
+        << "where the library cannot tell names";
 }
 
 TEST(Cleanable, CountsTheTextOfTheFrameworksStrings)
@@ -112,17 +116,6 @@ TEST(Cleanable, CountsTheTextOfTheFrameworksStrings)
     EXPECT_EQ(ReportOf(strings),
               (Report{"ZTString in CleanableVector<ZTString >", 1000, characters * 2 / 1024}))
         << "the blank is the compiler's";
-}
-
-TEST(Cleanable, WaitsForTheRegistryAreBookedByTheNamesOfItsLocks)
-{
-    EXPECT_STREQ(GetgCleanablesCS().mLabel, L"gCleanablesCS");
-    EXPECT_STREQ(GetgCleanablesDeleteCS().mLabel, L"gCleanablesDeleteCS");
-}
-
-TEST(Cleanable, IsDescribedWithoutNamesThatTheLibraryCannotTell)
-{
-    EXPECT_EQ(DescribeContainer(nullptr, nullptr), L"unknown in CleanableVector");
 }
 
 TEST(Cleanable, StandsEightThreadsAndAWalkerOfTheRegistry)
@@ -142,16 +135,12 @@ TEST(Cleanable, StandsEightThreadsAndAWalkerOfTheRegistry)
             {
                 for (int round = 0; round < 200; ++round)
                 {
-                    {
-                        const CAcquireCS lock(shared.mLock);
-                        shared.mItems.emplace_back(L"element");
-                    }
                     CleanableVector<int> own;
                     {
-                        const CAcquireCS lock(own.mLock);
+                        const CAcquireCS lock(shared.mLock), ownLock(own.mLock);
+                        shared.mItems.emplace_back(L"element");
                         own.mItems.resize(150);
                     }
-                    ReportOf(own);
                     if (round % 8 == i)
                         shared.Clean();
                     shared.GetCount();

@@ -68,11 +68,6 @@ std::string ThisUser()
     return name;
 }
 
-ProgramStart AsNobody(std::vector<std::string> arguments, std::vector<std::string> input = {})
-{
-    return {std::move(arguments), std::move(input), {}, std::chrono::seconds(60), true};
-}
-
 // A folder whose log everybody may write.
 void OpenLog(const ProgramFolder& folder)
 {
@@ -117,25 +112,6 @@ TEST(SetConfig, ChangesOneSettingAndSaysSoInTheLog)
     }
 }
 
-TEST(SetConfig, AUserWhoMayNotWriteIsTold)
-{
-    if (RunsOnWindows())
-        GTEST_SKIP() << "the user of this prefix may write everywhere";
-    const ProgramFolder folder;
-    OpenLog(folder);
-    // The switch with a value passes the gate, so the refusal is the store's.
-    const std::vector<std::string> arguments = {"-FTP_LOG", "x", "-SETCONFIG", "CustomerServiceText:Zq17"};
-    const ProgramOutcome outcome = folder.Run(AsNobody(arguments));
-    EXPECT_EQ(outcome.console, kFailureBox + "CustomerServiceText" + kFailureHint);
-    EXPECT_EQ(LogOf(folder),
-              Logged("nobody", arguments,
-                     "failure: CustomerServiceText is not changed: Tavo.settings.lock cannot be had: another "
-                     "process holds it, or this user may not make it\n"
-                     "failure: Failed to set CustomerServiceText = 'Zq17'\n",
-                     "4: finished SETCONFIG"));
-    EXPECT_EQ(folder.Read("Tavo.settings.json"), "");
-}
-
 TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
 {
     if (RunsOnWindows())
@@ -143,18 +119,31 @@ TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
     const std::string warning =
         "Administrator Warning\nThis application can only be run by an administrator of this computer.\n" +
         Press("OK");
-    const std::vector<std::string> rows[] = {{}, {"-FTP_LOG"}, {"-SETCONFIG", "LogFileCount:3"}};
-    for (const std::vector<std::string>& arguments : rows)
+    // The arguments, what is shown and logged, and the end.
+    const std::tuple<std::vector<std::string>, std::string, std::string, std::string> rows[] = {
+        {{}, warning, "", "2: console not admin"},
+        {{"-FTP_LOG"}, warning, "", "2: console not admin"},
+        {{"-SETCONFIG", "LogFileCount:3"}, warning, "", "2: console not admin"},
+        // The switch with a value passes the gate, so the refusal is the store's.
+        {{"-FTP_LOG", "x", "-SETCONFIG", "CustomerServiceText:Zq17"},
+         kFailureBox + "CustomerServiceText" + kFailureHint,
+         "failure: CustomerServiceText is not changed: Tavo.settings.lock cannot be had: another process "
+         "holds it, or this user may not make it\n"
+         "failure: Failed to set CustomerServiceText = 'Zq17'\n",
+         "4: finished SETCONFIG"},
+    };
+    for (const auto& [arguments, shown, logged, end] : rows)
     {
         const ProgramFolder folder;
         OpenLog(folder);
-        const ProgramOutcome outcome = folder.Run(AsNobody(arguments));
+        const ProgramOutcome outcome = folder.Run({.arguments = arguments, .asOtherUser = true});
         EXPECT_EQ(outcome.exitCode, 0);
-        EXPECT_EQ(outcome.console, warning);
-        EXPECT_EQ(LogOf(folder), Logged("nobody", arguments, "", "2: console not admin"));
+        EXPECT_EQ(outcome.console, shown);
+        EXPECT_EQ(LogOf(folder), Logged("nobody", arguments, logged, end));
+        EXPECT_EQ(folder.Read("Tavo.settings.json"), "");
     }
     const ProgramFolder closed;
-    EXPECT_EQ(closed.Run(AsNobody({})).errors,
+    EXPECT_EQ(closed.Run({.asOtherUser = true}).errors,
               "Tavo: the log in " + (closed.Path() / "Logs/").string() + " cannot be written\n");
 }
 
@@ -192,8 +181,9 @@ TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
         const ProgramFolder folder;
         OpenLog(folder);
         const auto start = std::chrono::steady_clock::now();
-        const ProgramStart steps{arguments, input, {}, std::chrono::seconds(60), asNobody};
-        auto run = std::async(std::launch::async, [&] { return folder.Run(steps); });
+        auto run = std::async(
+            std::launch::async,
+            [&] { return folder.Run({.arguments = arguments, .input = input, .asOtherUser = asNobody}); });
         constexpr DWORD kPatience = 20000;
         EXPECT_EQ(WaitForSingleObject(event, triggered ? kPatience : 1000) == WAIT_OBJECT_0, triggered);
         const auto set = std::chrono::steady_clock::now();
@@ -225,8 +215,7 @@ TEST(ForcedDump, MakesAnEventThatTheServicesAccountMayOpen)
     if (!LeaveNamedEventsOfOthers())
         GTEST_SKIP() << "no right to have named events of its own";
     const ProgramFolder folder;
-    const ProgramStart silent{{"-FORCE_DEBUG_DUMP_SILENT"}, {}, {}};
-    auto run = std::async(std::launch::async, [&] { return folder.Run(silent); });
+    auto run = std::async(std::launch::async, [&] { return folder.Run({{"-FORCE_DEBUG_DUMP_SILENT"}}); });
     while (folder.Log().find("CmdLine") == std::string::npos)
         Sleep(10);
     Sleep(500); // and the event is there

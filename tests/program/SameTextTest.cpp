@@ -5,19 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <fstream>
-
-static std::string OutputOf(const std::string& command)
-{
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    std::string text;
-    char buffer[4096];
-    for (std::size_t count = 0; (count = fread(buffer, 1, sizeof(buffer), pipe.get())) > 0;)
-        text.append(buffer, count);
-    std::erase(text, '\r');
-    return text;
-}
 
 // A line whose values are not compared, and why.
 constexpr std::pair<const char*, const char*> kDifferences[] = {
@@ -39,6 +27,7 @@ static std::vector<std::string> Compared(const std::string& console)
     std::vector<std::string> lines;
     for (std::string line : Lines(WithoutTimes(console)))
     {
+        std::erase(line, '\r');
         for (const auto& [start, why] : kDifferences)
             if (line.rfind(start, 0) == 0)
                 line = start;
@@ -55,8 +44,8 @@ TEST(SameText, BothProgramsReportTheSameOfOneMachine)
     if (!std::ifstream(windows))
         GTEST_SKIP() << "the Windows program is not built";
     const std::vector<std::string> there =
-        Compared(OutputOf(std::string(TAVO_SOURCE_DIR) + "/scripts/wine-run " + windows));
-    const std::vector<std::string> here = Compared(OutputOf(std::string(TAVO_TEST_DIR) + "/show_console"));
+        Compared(Said(std::string(TAVO_SOURCE_DIR) + "/scripts/wine-run " + windows));
+    const std::vector<std::string> here = Compared(Said(std::string(TAVO_TEST_DIR) + "/show_console"));
     ASSERT_GT(here.size(), 20u);
     EXPECT_EQ(here, there);
 }

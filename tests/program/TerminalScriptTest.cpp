@@ -9,7 +9,7 @@
 TEST(TerminalScript, ReadsTheSameTextAsEver)
 {
     const std::string script =
-        "what\nCRC64\nInput=a\U0001F600b\nGet CRC64\nWide characters=off\nget\n1018=" +
+        "what\nCRC64\nGet CRC64\nInput=a\U0001F600b\nGet CRC64\nWide characters=off\nget\n1018=" +
         Repeated("0123456789", 1'000'000) +
         "\nGet\nWide=maybe\nWide=on\n1019\nOK\nldap\nCancel\nLDAP ...\nServer=there\n"
         "LDAP Server= localhost \nPort=70000\nDomain=d\nuser=Gr\xc3\xb6\xc3\x9f\nPassword=s e\n"
@@ -31,6 +31,8 @@ Input:
 Wide characters: on
 CRC64: 
 CRC64 Hex: 
+CRC64: 0
+CRC64 Hex: 00000000
 CRC64: 3752509983267961028
 CRC64 Hex: 341397F2B8CB38C4
 Wide characters: off

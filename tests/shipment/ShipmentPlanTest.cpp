@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "shipment/ShipmentPlan.h"
 
-#include "foundation/DateValue.h"
 #include "foundation/Kelvane.h"
 #include "tests/support/TestFolder.h"
 
@@ -12,15 +11,6 @@
 namespace fs = std::filesystem;
 
 constexpr std::int64_t kCutOff = 1700000000;
-
-TEST(ArchiveName, TakesTheWantedNameOrTheDate)
-{
-    const DateValue today = DateFromTime(std::time(nullptr));
-    ZTString dated;
-    dated.Format(L"Logs-{0}-{1}-{2}", today.GetYear(), today.GetMonth(), today.GetDay());
-    EXPECT_EQ(dated, ArchiveName(L" \t\r\n "));
-    EXPECT_EQ(L"case 4711", ArchiveName(L"\t\r\n case 4711 \r\n\t"));
-}
 
 TEST(OldFileNames, ExactlyTheCutOffIsNotOld)
 {

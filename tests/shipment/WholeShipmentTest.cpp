@@ -97,7 +97,7 @@ TEST_F(WholeShipment, BringsEveryFreshFileAndNothingElse)
     const std::string wanted = "x it's 100% #1;type=a Л日😀";
     const std::string name = ".._" + wanted + ".zip";
     const std::string shown = InAscii(name);
-    ProgramStart start = Unattended(" ..\\" + wanted + " ");
+    ProgramStart start = Unattended("\t\r\n ..\\" + wanted + " \r\n\t");
     start.environment = {{"LANG", "C"}, {"LC_ALL", "C"}};
     const ProgramOutcome outcome = Ship(start);
 

@@ -29,11 +29,11 @@ struct ProgramOutcome
 // A start of the program, with what its user does.
 struct ProgramStart
 {
-    std::vector<std::string> arguments;
+    std::vector<std::string> arguments{};
     // Lines of input: a button's caption, or ID=text. When they are used up the dialog on top is cancelled.
-    std::vector<std::string> input;
+    std::vector<std::string> input{};
     // Set in the program's environment; Linux only.
-    std::vector<std::pair<std::string, std::string>> environment;
+    std::vector<std::pair<std::string, std::string>> environment{};
     std::chrono::seconds limit{60};
     bool asOtherUser = false; // as a user without rights ("nobody"); Linux only
     // What the console must say before the user does anything. On Windows it must also stand still by then;
@@ -64,6 +64,9 @@ public:
 private:
     TestFolder mDirectory{"tavo-test-"};
 };
+
+// What a command of the shell writes, and then "ended with N" where that is not 0; Linux only.
+std::string Said(const std::string& command);
 
 // The console's text less the "[...ms] " prefixes, whose numbers differ from run to run.
 std::string WithoutTimes(const std::string& console);

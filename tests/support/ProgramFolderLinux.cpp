@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <thread>
 
@@ -26,6 +27,16 @@ bool LeaveNamedEventsOfOthers()
 void SetVariable(const char* name, const char* value)
 {
     value != nullptr ? setenv(name, value, 1) : unsetenv(name);
+}
+
+std::string Said(const std::string& command)
+{
+    std::FILE* const pipe = popen(command.c_str(), "re");
+    std::string text;
+    for (int byte = 0; (byte = std::fgetc(pipe)) != EOF;)
+        text += static_cast<char>(byte);
+    const int status = pclose(pipe);
+    return text + (status == 0 ? "" : "ended with " + std::to_string(WEXITSTATUS(status)));
 }
 
 std::filesystem::path ProgramFolder::Program() const
