@@ -12,14 +12,14 @@ struct TypedMethod
     eLDAPAuthMethod number;
     const char* call;
 };
-inline constexpr TypedMethod kTryAll{"Try all", eLDAPAuthTryAll, ""};
-inline constexpr TypedMethod kSimpleSsl{"Simple bind - SSL", eLDAPAuthSimpleSSL, "ldap_simple_bind_s"};
-inline constexpr TypedMethod kSimplePlain{"Simple bind - plain text", eLDAPAuthSimplePlain,
+inline constexpr TypedMethod kTryAll{"Try all", eLDAPAuthMethod{0}, ""};
+inline constexpr TypedMethod kSimpleSsl{"Simple bind - SSL", eLDAPAuthMethod{1}, "ldap_simple_bind_s"};
+inline constexpr TypedMethod kSimplePlain{"Simple bind - plain text", eLDAPAuthMethod{6},
                                           "ldap_bind_s(plain text)"};
-inline constexpr TypedMethod kNtlm{"NTLM", eLDAPAuthNTLM, "ldap_bind_s(NTLM)"};
-inline constexpr TypedMethod kDigest{"Digest", eLDAPAuthDigest, "ldap_bind_s(Digest)"};
-inline constexpr TypedMethod kDpa{"DPA", eLDAPAuthDPA, "ldap_bind_s(DPA)"};
-inline constexpr TypedMethod kNegotiate{"Negotiate", eLDAPAuthNegotiate, "ldap_bind_s(negotiate)"};
+inline constexpr TypedMethod kNtlm{"NTLM", eLDAPAuthMethod{3}, "ldap_bind_s(NTLM)"};
+inline constexpr TypedMethod kDigest{"Digest", eLDAPAuthMethod{4}, "ldap_bind_s(Digest)"};
+inline constexpr TypedMethod kDpa{"DPA", eLDAPAuthMethod{5}, "ldap_bind_s(DPA)"};
+inline constexpr TypedMethod kNegotiate{"Negotiate", eLDAPAuthMethod{7}, "ldap_bind_s(negotiate)"};
 
 struct LdapAnswers
 {
