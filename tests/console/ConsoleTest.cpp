@@ -49,7 +49,7 @@ private:
     {
         const std::size_t before = WrittenWithoutTimes().size();
         for (const wchar_t* line : {L"from a thread\r\n", L"and another\r\n"})
-            PostMessageW(gConsoleWnd, WM_FTP_LINE, 0, reinterpret_cast<LPARAM>(_wcsdup(line)));
+            PostMessageW(gConsoleWnd, 0x402, 0, reinterpret_cast<LPARAM>(_wcsdup(line)));
         AppendLine(L"deep\r\n");
         mDeepAnswer = WrittenWithoutTimes().substr(before);
         return 0;
@@ -99,7 +99,7 @@ TEST(Console, ShowsPostedLinesInTheirOrderHoweverDeepTheyNest)
             for (int number = 0; number < 100; ++number)
             {
                 const std::wstring line = std::to_wstring(number) + L"\r\n";
-                PostMessageW(gConsoleWnd, WM_FTP_LINE, 0, reinterpret_cast<LPARAM>(_wcsdup(line.c_str())));
+                PostMessageW(gConsoleWnd, 0x402, 0, reinterpret_cast<LPARAM>(_wcsdup(line.c_str())));
                 expected += L"[] " + line;
             }
             open.AppendLine(L"first\r\n");
@@ -115,7 +115,7 @@ TEST(Console, ServesPostedLinesInAHandlerAtTheDepthWherePumpsEnd)
         [](OpenConsole& open)
         {
             for (int number = 0; number < 15; ++number)
-                PostMessageW(gConsoleWnd, WM_FTP_LINE, 0, reinterpret_cast<LPARAM>(_wcsdup(L"nested\r\n")));
+                PostMessageW(gConsoleWnd, 0x402, 0, reinterpret_cast<LPARAM>(_wcsdup(L"nested\r\n")));
             PostMessageW(gConsoleWnd, WM_DEEP, 0, 0);
             open.AppendLine(L"first\r\n");
             EXPECT_EQ(open.mDeepAnswer, L"[] deep\r\n[] from a thread\r\n[] and another\r\n");
@@ -148,7 +148,7 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
                 int posted = 0;
                 // Taken away here: no shipment is to run.
                 while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-                    if (message.message == WM_FTP_LOGS && message.hwnd == open.m_hWnd)
+                    if (message.message == 0x401 && message.hwnd == open.m_hWnd)
                         ++posted;
                     else
                         DispatchMessageW(&message);

@@ -19,10 +19,11 @@ struct Component
     std::vector<std::function<int()>> uploads{}; // one for each attempt
     std::vector<std::string> calls{};
 
-    void Raise(int event, std::vector<void*> params) const
+    std::vector<void*> Raise(int event, std::vector<void*> params) const
     {
         int lengths[5] = {};
         EXPECT_EQ(0, sink(owner, event, static_cast<int>(params.size()), params.data(), lengths));
+        return params;
     }
     void Progress(int percent, std::int64_t bytes) const
     {
@@ -114,6 +115,8 @@ TEST(FTPProc, SetsSevenPropertiesUploadsOnceAndPostsALineForEachChangeOfThePerce
                                   gComponent.Raise(1, {Text("C"), nullptr, Text("status")});
                                   gComponent.Raise(5, {nullptr, Text("220 trace")});
                                   gComponent.Raise(7, {Text("started")});
+                                  const auto answer = gComponent.Raise(6, std::vector<void*>(5));
+                                  EXPECT_EQ(reinterpret_cast<void*>(1), answer[4]) << "approved";
                                   gComponent.Progress(0, 1);
                                   gComponent.Progress(50, 100);
                                   gComponent.Progress(50, 101);
