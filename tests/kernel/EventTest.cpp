@@ -20,15 +20,6 @@ HANDLE Create(const std::wstring& name)
     return CreateEventW(nullptr, TRUE, FALSE, name.c_str());
 }
 
-// Whether somebody holds the name; holds it no longer itself.
-bool IsHeld(const std::wstring& name)
-{
-    const HANDLE event = Create(name);
-    const DWORD error = GetLastError();
-    CloseHandle(event);
-    return error == ERROR_ALREADY_EXISTS;
-}
-
 // A process that holds `name`, and does so already.
 ChildProcess Holder(const AgentFolder& folder, const std::wstring& name)
 {

@@ -13,14 +13,6 @@
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-static bool IsHeld(const wchar_t* name)
-{
-    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, name);
-    const bool isHeld = GetLastError() == ERROR_ALREADY_EXISTS;
-    CloseHandle(event);
-    return isHeld;
-}
-
 static std::function<bool(const std::string&, int)> Shows(const std::string& text)
 {
     return [text](const std::string& console, int) { return console.find(text) != std::string::npos; };

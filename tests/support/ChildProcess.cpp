@@ -1,6 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ChildProcess.h"
 
+bool IsHeld(const std::wstring& name)
+{
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, name.c_str());
+    const bool isHeld = GetLastError() == ERROR_ALREADY_EXISTS;
+    CloseHandle(event);
+    return isHeld;
+}
+
 ChildProcess::ChildProcess(std::wstring line, const std::filesystem::path& folder, bool isHidden)
 {
     const std::wstring directory = folder.wstring();

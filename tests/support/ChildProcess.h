@@ -7,6 +7,9 @@
 #include <string>
 #include <utility>
 
+// Whether some process holds the event of that name; this one holds it no longer.
+bool IsHeld(const std::wstring& name);
+
 // A process that a test starts.
 class ChildProcess
 {
