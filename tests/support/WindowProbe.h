@@ -17,5 +17,9 @@ bool IsEnabled(HWND window);
 std::wstring TextOf(HWND window); // also one of another process
 std::wstring SelectionOf(HWND edit);
 
+// Moves the focus to a control and presses a key there (VK_RETURN or VK_ESCAPE). The key is served like any
+// input, not at once.
+void PressKey(HWND dialog, int controlId, WORD key);
+
 // Serves the messages that wait.
 void Pump();

@@ -42,3 +42,9 @@ std::wstring SelectionOf(HWND edit)
     const Window* found = Find(edit);
     return found->text.substr(found->selectionStart, found->selectionEnd - found->selectionStart);
 }
+
+void PressKey(HWND dialog, int controlId, WORD key)
+{
+    SetFocus(GetDlgItem(dialog, controlId));
+    platform::UserPressed(*Find(dialog), key);
+}
