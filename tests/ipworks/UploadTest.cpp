@@ -143,6 +143,7 @@ TEST(Component, UnknownNumbersAndInjectedTextGiveACodeAndAText)
         {said(recorder.Config("Unknown=1")), "1002|1002 Unknown configuration: Unknown=1"},
         {said(recorder.Config("RemotePort=65536")),
          "1003|1003 Bad value in the configuration: RemotePort=65536"},
+        {said(recorder.Config("StallSeconds=0")), "1003|1003 Bad value in the configuration: StallSeconds=0"},
         // What would put a second command on the line, or another file into the path.
         {said(recorder.SetText(kIPWorksUser, "a\r\nDELE b")), "1003|1003 A user name is one line."},
         {said(recorder.SetText(kIPWorksPassword, "a\nDELE b")), "1003|1003 A password is one line."},
@@ -155,6 +156,7 @@ TEST(Component, UnknownNumbersAndInjectedTextGiveACodeAndAText)
     };
     for (const auto& [text, expected] : rows)
         EXPECT_EQ(text, expected);
+    EXPECT_EQ(0, recorder.Config("StallSeconds=1"));
     EXPECT_TRUE(recorder.events.empty());
 }
 
