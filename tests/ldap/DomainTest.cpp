@@ -61,7 +61,7 @@ TEST(Domain, IsTestedAsTheDialogSays)
     const auto as = [](const std::string& port, const std::string& domain, const std::string& user,
                        const std::string& password, const TypedMethod& method,
                        const std::string& server = kController)
-    { return LdapAnswers{server, port, domain, user, password, method}; };
+    { return LdapAnswers{port, user, password, method, server, domain}; };
     struct Case
     {
         LdapAnswers answers;

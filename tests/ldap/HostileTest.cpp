@@ -111,7 +111,7 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
         SCOPED_TRACE(test.what);
         const LdapPeer peer(test.script);
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_THAT(RunLdapTest({"127.0.0.1", std::to_string(peer.Port()), "", "cn=any", "any", test.method}),
+        EXPECT_THAT(RunLdapTest({std::to_string(peer.Port()), "cn=any", "any", test.method, "127.0.0.1"}),
                     testing::HasSubstr(test.told));
         const auto taken = std::chrono::steady_clock::now() - start;
         rusage largest{}; // of the programs that have ended
@@ -132,7 +132,7 @@ TEST(LdapTest, CountsItsLinesFromItsStart)
     ProgramStart start;
     start.arguments = {"-FTP_LOG=case"};
     start.awaited = "Beginning upload";
-    start.input = Typed({"127.0.0.1", "9", "", "cn=any", "any", kSimplePlain});
+    start.input = Typed({"9", "cn=any", "any", kSimplePlain});
     start.input.emplace_back("Close");
     const std::string console = ProgramFolder().Run(start).console;
     std::smatch opening;

@@ -23,12 +23,12 @@ inline constexpr TypedMethod kNegotiate{"Negotiate", eLDAPAuthMethod{7}, "ldap_b
 
 struct LdapAnswers
 {
-    std::string server;
     std::string port;
-    std::string domain;
     std::string user;
     std::string password;
     TypedMethod method;
+    std::string server = "localhost";
+    std::string domain{};
     std::string button = "OK";
 };
 

@@ -69,7 +69,7 @@ static Script Searched(const std::vector<Answer>& answers)
 // A result is given back before its line, which serves messages.
 static void ExpectTold(unsigned port, const TypedMethod& method, const std::string& attempt)
 {
-    const LdapAnswers answers = {"127.0.0.1", std::to_string(port), "EXAMPLE", "cn=user", "password", method};
+    const LdapAnswers answers = {std::to_string(port), "cn=user", "password", method, "127.0.0.1", "EXAMPLE"};
     EXPECT_EQ(RunLdapCalls(answers),
               Framed(answers, std::regex_replace(attempt, std::regex(R"(\[\] Got)"), kResult + "[] Got")));
 }

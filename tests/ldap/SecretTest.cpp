@@ -60,7 +60,7 @@ TEST(Password, IsGoneFromMemoryASecondAfterTheTest)
         SCOPED_TRACE(method.text);
         std::string memory;
         ProgramStart start;
-        start.input = Typed({"localhost", port, "", "alice", password, method});
+        start.input = Typed({port, "alice", password, method});
         start.signal = SIGABRT;
         start.signalWhen = [&memory](const std::string& console, int process)
         {

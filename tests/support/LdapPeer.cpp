@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/LdapPeer.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include <arpa/inet.h>
@@ -14,14 +15,6 @@ constexpr unsigned char kInteger = 0x02;
 constexpr unsigned char kOctets = 0x04;
 constexpr unsigned char kEnumerated = 0x0a;
 constexpr unsigned char kSearchEntry = 0x64;
-
-// Empty when the client has gone.
-static std::string ReadExactly(int socket, std::size_t count)
-{
-    std::string bytes(count, '\0');
-    const ssize_t got = recv(socket, bytes.data(), count, MSG_WAITALL);
-    return got == static_cast<ssize_t>(count) ? bytes : "";
-}
 
 std::string BerElementOf(unsigned char tag, const std::string& content)
 {
@@ -41,19 +34,17 @@ std::string BerText(const std::string& text)
 
 bool LdapPeer::Connection::ReadRequest()
 {
+    // Our clients write a request with one call, and wait for the answer.
+    std::string bytes(1U << 16U, '\0');
+    const ssize_t got = recv(mSocket, bytes.data(), bytes.size(), 0);
+    bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+    if (bytes.empty())
+        return false;
     // 30 LL 02 01 NN ..., or 30 8x LL.. 02 01 NN ...
-    const std::string head = ReadExactly(mSocket, 2);
-    std::size_t length = head.empty() ? 0 : static_cast<unsigned char>(head[1]);
-    if (length >= 0x80)
-    {
-        const std::string bytes = ReadExactly(mSocket, length & 0x7f);
-        length = 0;
-        for (const char byte : bytes)
-            length = length << 8 | static_cast<unsigned char>(byte);
-    }
-    mRequest = ReadExactly(mSocket, length);
-    mNumber = mRequest.empty() ? 0 : static_cast<std::uint8_t>(mRequest[2]);
-    return !mRequest.empty();
+    const auto length = static_cast<unsigned char>(bytes[1]);
+    mRequest = bytes.substr(length < 0x80 ? 2 : 2 + (length & 0x7fU));
+    mNumber = static_cast<std::uint8_t>(mRequest.at(2));
+    return true;
 }
 
 bool LdapPeer::Connection::Send(const std::string& bytes) const
