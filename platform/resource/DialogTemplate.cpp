@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/resource/DialogTemplate.h"
 
-#include <algorithm>
-#include <array>
-#include <cwctype>
 
 namespace platform
 {
@@ -13,26 +10,22 @@ namespace
 
 constexpr WORD kExtendedSignature = 0xFFFF;
 
-struct ClassName
+// Resource compilers write the system's classes as numbers, also where the script names them.
+ControlClass ClassOf(const ResourceName& name)
 {
-    WORD number;
-    const wchar_t* text;
-    ControlClass windowClass;
-};
-
-constexpr std::array<ClassName, 4> kClasses = {{
-    {0x80, L"BUTTON", ControlClass::Button},
-    {0x81, L"EDIT", ControlClass::Edit},
-    {0x82, L"STATIC", ControlClass::Static},
-    {0x85, L"COMBOBOX", ControlClass::ComboBox},
-}};
-
-ControlClass FindClass(const ResourceName& name)
-{
-    for (const ClassName& known : kClasses)
-        if (name.isNumber ? name.number == known.number : wcscasecmp(name.text.c_str(), known.text) == 0)
-            return known.windowClass;
-    return ControlClass::Other;
+    switch (name.number)
+    {
+    case 0x80:
+        return ControlClass::Button;
+    case 0x81:
+        return ControlClass::Edit;
+    case 0x82:
+        return ControlClass::Static;
+    case 0x85:
+        return ControlClass::ComboBox;
+    default:
+        return ControlClass::Other;
+    }
 }
 
 DialogRect ReadRect(ByteReader& reader)
@@ -55,7 +48,7 @@ ControlTemplate ReadControl(ByteReader& reader)
     control.style = reader.ReadDWord();
     control.rect = ReadRect(reader);
     control.id = reader.ReadDWord();
-    control.windowClass = FindClass(ResourceName::Read(reader));
+    control.windowClass = ClassOf(ResourceName::Read(reader));
     control.text = ResourceName::Read(reader).text;
     reader.ReadBytes(reader.ReadWord()); // creation data
     return control;
