@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/resource/DialogTemplate.h"
 
-
 namespace platform
 {
 

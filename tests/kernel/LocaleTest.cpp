@@ -99,7 +99,7 @@ TEST(Locale, RegistryNamesItByItsShortTagWithTheRegistrysSizesAndErrors)
         EXPECT_EQ(query(name, data, small), ERROR_MORE_DATA);
         EXPECT_EQ(small, size);
     }
-    for (const wchar_t* name : {L"409", L"FFFF", L"x", L""})
+    for (const wchar_t* name : {L"409", L"FFFF", L"7C09", L"x", L""})
         EXPECT_EQ(query(name, data, size), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
 }

@@ -20,11 +20,6 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
         {"Australia/Lord_Howe", -630, -30, true, L"Lord Howe Standard Time", L"Lord Howe Daylight Time"},
         {"Europe/Dublin", 0, -60, true, L"GMT Standard Time",
          L"GMT Daylight Time"}, // winter is its exception
-        // Not named as their keys are.
-        {"America/Grand_Turk", 300, -60, true, L"Turks and Caicos Standard Time",
-         L"Turks and Caicos Daylight Time"},
-        {"Asia/Hebron", -120, -60, true, L"West Bank Gaza Standard Time", L"West Bank Gaza Daylight Time"},
-        {"Europe/Moscow", -180, -60, false, L"Russia TZ 2 Standard Time", L"Russia TZ 2 Daylight Time"},
         {"", 0, 0, false, L"Coordinated Universal Time", L"Coordinated Universal Time"},
         {":Europe/Berlin", -60, -60, true, L"W. Europe Standard Time", L"W. Europe Daylight Time"},
         {link.c_str(), -540, -60, false, L"Tokyo Standard Time", L"Tokyo Daylight Time"},
@@ -56,4 +51,24 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
         EXPECT_EQ(_localtime64(&now)->tm_gmtoff, -60L * bias) << zone;
     }
     _tzset();
+}
+
+TEST(TimeZone, BearsTheNameThatWindowsShowsWhereItsKeyIsAnother)
+{
+    std::wstring names;
+    for (const char* zone :
+         {"UTC", "Atlantic/Cape_Verde", "Asia/Jerusalem", "Asia/Singapore", "America/Grand_Turk",
+          "Asia/Hebron", "Europe/Kaliningrad", "Europe/Moscow", "Europe/Samara", "Asia/Yekaterinburg",
+          "Asia/Novosibirsk", "Asia/Krasnoyarsk", "Asia/Irkutsk", "Asia/Yakutsk", "Asia/Vladivostok",
+          "Asia/Srednekolymsk", "Asia/Kamchatka"})
+    {
+        const Variable variable("TZ", zone);
+        TIME_ZONE_INFORMATION information = {};
+        GetTimeZoneInformation(&information);
+        const std::wstring name = information.StandardName;
+        names += name.substr(0, name.find(L" Standard Time")) + L";";
+    }
+    EXPECT_EQ(names, L"Coordinated Universal Time;Cabo Verde;Jerusalem;Malay Peninsula;Turks and Caicos;"
+                     L"West Bank Gaza;Russia TZ 1;Russia TZ 2;Russia TZ 3;Russia TZ 4;Novosibirsk;"
+                     L"Russia TZ 6;Russia TZ 7;Russia TZ 8;Russia TZ 9;Russia TZ 10;Russia TZ 11;");
 }
