@@ -1,21 +1,100 @@
 // SPDX-License-Identifier: MIT
-// Modal dialogs: a loop within another, and the way of a message to its handler.
-#include "tests/framework/TestDialog.h"
+// Modal dialogs: a loop within another, the way of a message to its handler, and numbers between members and
+// boxes; the dialogs' own tests have the other exchanges.
+#include "framework/afxwin.h"
+#include "tests/dialogs/testIds.h"
+#include "tests/support/WindowProbe.h"
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <optional>
+
 using testing::ElementsAre;
+
+namespace
+{
+
+constexpr UINT WM_STEP = WM_USER + 1;
+constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
+
+// A step that only lets what was posted before it come first.
+void Nothing() {}
+
+// Driven through messages by a list of steps. Each step is a posted message of its own, and the next one is
+// posted before a step runs: when a step opens a nested loop (a dialog, a message box, a handler that pumps)
+// the next one runs inside that loop.
+class TestDialog : public CDialog
+{
+public:
+    using Step = std::function<void()>;
+
+    explicit TestDialog(UINT templateId = IDD_CONTROLS, CWnd* parent = nullptr) : CDialog(templateId, parent)
+    {
+    }
+
+    // Runs the dialog, which must not end before its last step.
+    INT_PTR Run(std::vector<Step> steps)
+    {
+        mSteps.assign(steps.begin(), steps.end());
+        const INT_PTR result = DoModal();
+        EXPECT_TRUE(mSteps.empty()) << "the dialog ended before its last step";
+        return result;
+    }
+
+    std::vector<std::string> mTrace; // what was called, in order
+
+protected:
+    BOOL OnInitDialog() override
+    {
+        PostMessageW(m_hWnd, WM_STEP, 0, 0);
+        return CDialog::OnInitDialog();
+    }
+    void OnOK() override
+    {
+        mTrace.emplace_back("OnOK");
+        CDialog::OnOK();
+    }
+    void DoDataExchange(CDataExchange* pDX) override
+    {
+        mTrace.emplace_back(pDX->m_bSaveAndValidate ? "save" : "fill");
+    }
+    afx_msg void OnWork() { mTrace.emplace_back("work"); }
+    afx_msg LRESULT OnAdd(WPARAM wParam, LPARAM lParam) { return static_cast<LRESULT>(wParam) + lParam; }
+    afx_msg LRESULT OnStep(WPARAM, LPARAM)
+    {
+        if (mSteps.empty())
+            return 0;
+        PostMessageW(m_hWnd, WM_STEP, 0, 0);
+        const Step step = std::move(mSteps.front());
+        mSteps.pop_front();
+        step();
+        return 0;
+    }
+    DECLARE_MESSAGE_MAP()
+
+private:
+    std::deque<Step> mSteps;
+};
 
 BEGIN_MESSAGE_MAP(TestDialog, CDialog)
 ON_WM_PAINT()
-ON_WM_QUERYDRAGICON()
-ON_BN_CLICKED(IDC_WORK, OnWork)
+ON_BN_CLICKED(IDC_PUSH, OnWork)
 ON_MESSAGE(WM_STEP, OnStep)
 ON_MESSAGE(WM_ADD, OnAdd)
 END_MESSAGE_MAP()
 
-namespace
+// What the message box on top says; it is then answered with OK.
+std::wstring ReadAndCloseMessageBox()
 {
+    constexpr int kMessageBoxText = 0xFFFF;
+    const HWND box = TopWindow();
+    std::wstring text = TextOf(GetDlgItem(box, kMessageBoxText));
+    SendMessageW(box, WM_COMMAND, IDOK, 0);
+    return text;
+}
 
 class TestApp : public CWinApp
 {
@@ -30,6 +109,22 @@ BEGIN_MESSAGE_MAP(TestApp, CWinApp)
 ON_COMMAND(ID_HELP, CWinApp::OnHelp)
 END_MESSAGE_MAP()
 
+class ExchangeDialog : public TestDialog
+{
+public:
+    CStringW mBefore;
+    std::uint32_t mNumber = 389;
+    CStringW mAfter;
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override
+    {
+        DDX_Text(pDX, IDC_LOG, mBefore);
+        DDX_Text(pDX, IDC_LINE, mNumber);
+        DDX_Text(pDX, IDC_HIDDEN, mAfter);
+    }
+};
+
 } // namespace
 
 TEST(ModalDialog, FailsWithoutATemplate)
@@ -41,7 +136,7 @@ TEST(ModalDialog, FailsWithoutATemplate)
 TEST(ModalDialog, DisablesItsParentAndReturnsBeforeItThoughThatEndsFirst)
 {
     TestDialog outer;
-    TestDialog inner(IDD_PLAIN, &outer);
+    TestDialog inner(IDD_CONTROLS, &outer);
     bool returned = false;
     const INT_PTR result = outer.Run({
         [&]
@@ -70,13 +165,7 @@ TEST(ModalDialog, PaintsAreOver)
     dialog.Run({
         [&]
         {
-            Pump();
-            dialog.UpdateWindow();
-            EXPECT_GE(dialog.mPaints, 1);
-            const int paints = dialog.mPaints;
-            Pump();
-            dialog.UpdateWindow();
-            EXPECT_EQ(dialog.mPaints, paints) << "OnPaint left something to paint";
+            Pump(); // without an end where OnPaint leaves something to paint
             dialog.EndDialog(1);
         },
     });
@@ -93,10 +182,9 @@ TEST(MessageMap, GivesTheResultOfARowAndLeavesTheRestToTheBase)
             // The second needs all 64 bits.
             EXPECT_EQ(send(WM_ADD, 1000, -1001), -1);
             EXPECT_EQ(send(WM_ADD, 1, 0x123456789ALL), 0x123456789BLL);
-            EXPECT_EQ(send(WM_QUERYDRAGICON, 0), reinterpret_cast<LRESULT>(&dialog));
             EXPECT_EQ(send(WM_USER + 9, 0), 0) << "the result of another message";
-            send(WM_COMMAND, MAKEWPARAM(IDC_WORK, BN_CLICKED));
-            send(WM_COMMAND, MAKEWPARAM(IDC_WORK, 5)); // a notification without a row
+            send(WM_COMMAND, MAKEWPARAM(IDC_PUSH, BN_CLICKED));
+            send(WM_COMMAND, MAKEWPARAM(IDC_PUSH, 5)); // a notification without a row
             send(WM_COMMAND, IDOK);
         },
     });
@@ -119,4 +207,41 @@ TEST(Application, ServesTheCommandsThatTheDialogDoesNot)
         },
         [&] { dialog.EndDialog(1); },
     });
+}
+
+TEST(DataExchange, TakesNumbersOf32BitsAndStaysOpenWithAnyOtherTextSelected)
+{
+    std::vector<std::pair<std::wstring, std::optional<std::uint32_t>>> cases = {
+        {L"0", 0}, {L"4294967295", UINT32_MAX}, {L" \t636 ", 636}, {L"0000000000000007", 7}};
+    // One is 1 in 64 bits, the last has digits of another script.
+    for (const wchar_t* refused : {L"", L"  ", L"ldap", L"-1", L"4294967296", L"18446744073709551617",
+                                   L"389x", L"3 89", L"0x10", L"1.5", L"\xFF13\xFF18\xFF19"})
+        cases.emplace_back(refused, std::nullopt);
+    for (const auto& [text, number] : cases)
+    {
+        ExchangeDialog dialog;
+        std::vector<TestDialog::Step> steps = {
+            [&, &text = text]
+            {
+                SetWindowTextW(::GetDlgItem(dialog.m_hWnd, IDC_LOG), L"before");
+                SetWindowTextW(::GetDlgItem(dialog.m_hWnd, IDC_LINE), text.c_str());
+                SetWindowTextW(::GetDlgItem(dialog.m_hWnd, IDC_HIDDEN), L"after");
+                SendMessageW(dialog.m_hWnd, WM_COMMAND, IDOK, 0);
+            },
+            Nothing,
+            [] { EXPECT_EQ(ReadAndCloseMessageBox(), L"Please enter a positive integer."); },
+            [&, &text = text]
+            {
+                EXPECT_EQ(FocusedControl(), ::GetDlgItem(dialog.m_hWnd, IDC_LINE));
+                EXPECT_EQ(SelectionOf(FocusedControl()), text);
+                dialog.EndDialog(IDCANCEL);
+            },
+        };
+        if (number)
+            steps.resize(1);
+        EXPECT_EQ(dialog.Run(steps), number ? IDOK : IDCANCEL) << text;
+        EXPECT_STREQ(dialog.mBefore, L"before");
+        EXPECT_EQ(dialog.mNumber, number.value_or(389)) << text;
+        EXPECT_STREQ(dialog.mAfter, number ? L"after" : L"") << "the exchange ends with a refusal";
+    }
 }
