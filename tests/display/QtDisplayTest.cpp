@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What a person sees and can do on Qt's display, with the program's own dialogs and no screen.
-#include "tests/display/DialogUser.h"
-
+#include "platform/dialogs/Display.h"
 #include "resources/resource.h"
 #include "tests/support/TestFolder.h"
+#include "tests/support/WindowProbe.h"
 
 #include <gmock/gmock.h>
 
@@ -20,15 +20,101 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
+#include <QTimer>
 
 #include <clocale>
 #include <ctime>
 #include <filesystem>
+#include <functional>
 
 using platform::WindowKind;
 
 namespace
 {
+
+// Of the dialog on top.
+QWidget& TopWidget()
+{
+    return *static_cast<QWidget*>(platform::TopDialog()->shown);
+}
+
+template <typename Widget = QWidget>
+Widget& WidgetOf(int id)
+{
+    for (const auto& control : platform::TopDialog()->children)
+        if (control->id == static_cast<UINT>(id))
+            return dynamic_cast<Widget&>(*static_cast<QWidget*>(control->shown));
+    throw std::out_of_range("no such control");
+}
+
+HWND ControlOf(int id)
+{
+    return GetDlgItem(platform::TopDialog()->handle, id);
+}
+
+// Where the keyboard is.
+void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+}
+
+void Type(const char* text)
+{
+    QTest::keyClicks(QApplication::focusWidget(), text);
+}
+
+using Step = std::function<void()>;
+
+// Takes one step after the other while the program waits for input and the dialog on top has the keyboard. A
+// dialog in which there is nothing to do for 5 s is ended with -2.
+class Person
+{
+public:
+    explicit Person(std::vector<Step> steps) : mSteps(std::move(steps))
+    {
+        QObject::connect(&mTimer, &QTimer::timeout, [this] { Act(); });
+        mTimer.start(10);
+    }
+
+private:
+    void Act()
+    {
+        const platform::Window* dialog = platform::TopDialog();
+        if (dialog == nullptr || dialog->shown == nullptr)
+            return;
+        if (mNext < mSteps.size() && TopWidget().isActiveWindow())
+        {
+            mIdleTurns = 0;
+            mSteps[mNext++]();
+        }
+        else if (++mIdleTurns > 500)
+            EndDialog(dialog->handle, -2);
+    }
+
+    std::vector<Step> mSteps;
+    std::size_t mNext = 0;
+    int mIdleTurns = 0;
+    QTimer mTimer;
+};
+
+INT_PTR Serve(HWND dialog, UINT message, WPARAM wParam, LPARAM onInit)
+{
+    if (message == WM_INITDIALOG)
+        (*reinterpret_cast<const Step*>(onInit))();
+    if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED)
+        EndDialog(dialog, LOWORD(wParam));
+    return message == WM_INITDIALOG || message == WM_COMMAND;
+}
+
+// Shows a dialog of Tavo.rc to a person. The first button that is pressed ends it with the button's id, and
+// so do IDOK and IDCANCEL where it has no such button. `owner` may be null; `onInit` runs before it is shown.
+INT_PTR Use(
+    int dialogId, std::vector<Step> steps, HWND owner = nullptr, const Step& onInit = [] {})
+{
+    const Person person(std::move(steps));
+    return DialogBoxParamW(nullptr, MAKEINTRESOURCEW(dialogId), owner, &Serve,
+                           reinterpret_cast<LPARAM>(&onInit));
+}
 
 class QtDisplay : public testing::Test
 {
@@ -327,28 +413,25 @@ TEST_F(QtDisplay, NoOtherButtonIsPressedWhenThePressedOneIsDisabled)
 
 TEST_F(QtDisplay, ResizedDialogWidensItsBoxesAndKeepsButtonsAtTheirEdge)
 {
-    const struct
-    {
-        int dialog;
-        int control;
-        int left, right, bottom; // how far each edge goes
-    } cases[] = {
+    // The dialog, the control, and how far its left, right and bottom edge go.
+    const std::tuple<int, int, int, int, int> cases[] = {
         {IDD_CONSOLE, IDC_OUTPUT, 0, 300, 200},  {IDD_CONSOLE, IDC_CRC64, 300, 300, 0},
         {IDD_LDAP_CREDS, IDC_SERVER, 0, 300, 0}, {IDD_LDAP_CREDS, IDC_PORT, 0, 0, 0},
         {IDD_LDAP_CREDS, IDOK, 300, 300, 0},
     };
     for (const auto& row : cases)
     {
-        const Step resize = [&]
+        const Step resize = [&row]
         {
+            const auto& [dialog, control, left, right, bottom] = row;
             const QSize smallest = TopWidget().size();
-            const QRect before = WidgetOf(row.control).geometry();
-            TopWidget().resize(smallest + QSize(300, row.dialog == IDD_CONSOLE ? 200 : 0));
-            EXPECT_EQ(WidgetOf(row.control).geometry(), before.adjusted(row.left, 0, row.right, row.bottom));
+            const QRect before = WidgetOf(control).geometry();
+            TopWidget().resize(smallest + QSize(300, dialog == IDD_CONSOLE ? 200 : 0));
+            EXPECT_EQ(WidgetOf(control).geometry(), before.adjusted(left, 0, right, bottom));
             TopWidget().resize(1, 1);
             EXPECT_EQ(TopWidget().size(), smallest);
         };
-        Use(row.dialog, {resize, kEscape});
+        Use(std::get<0>(row), {resize, kEscape});
     }
 }
 
