@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/CommandLine.h"
 
-#include <windows.h>
-
 #include <gtest/gtest.h>
 
 using namespace platform;
@@ -29,13 +27,4 @@ TEST(CommandLine, IsQuotedAsAWindowsUserWouldHaveTypedIt)
     };
     for (const auto& [arguments, line] : rows)
         EXPECT_EQ(JoinCommandLine(arguments), line);
-}
-
-// As early as any static object of the program.
-[[gnu::init_priority(101)]] static const std::wstring gEarly = GetCommandLineW();
-
-TEST(CommandLine, IsThereFromTheFirstStaticObjectOn)
-{
-    EXPECT_EQ(gEarly, GetCommandLineW());
-    EXPECT_NE(gEarly.find(L"kernel_tests"), std::wstring::npos);
 }

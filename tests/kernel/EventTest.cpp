@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <barrier>
 #include <chrono>
 #include <thread>
 
@@ -117,26 +118,20 @@ TEST(NamedEvent, OfAllWhoCreateItAtOnceExactlyOneIsTheFirst)
     constexpr int kRounds = 200;
     const std::wstring name = UniqueName(L"race");
     std::atomic<int> firsts = 0;
-    std::atomic<int> come = 0;
-    const auto meet = [&](int all)
-    {
-        ++come;
-        while (come < all)
-            std::this_thread::yield();
-    };
+    std::barrier all(kThreads);
     std::vector<std::jthread> threads;
     for (int index = 0; index < kThreads; ++index)
         threads.emplace_back(
             [&]
             {
-                for (int round = 0, all = 0; round < kRounds; ++round)
+                for (int round = 0; round < kRounds; ++round)
                 {
                     const HANDLE event = Create(name);
                     firsts += event != nullptr && GetLastError() == ERROR_SUCCESS;
-                    meet(all += kThreads);
+                    all.arrive_and_wait();
                     CloseHandle(event); // the next round begins while others still close
                     if (round % 2 == 0)
-                        meet(all += kThreads);
+                        all.arrive_and_wait();
                 }
             });
     threads.clear();

@@ -1,58 +1,67 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/TestFolder.h"
+#include "tests/support/ProgramFolder.h"
 
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <cstdint>
+#include <cmath>
 #include <map>
 
 namespace fs = std::filesystem;
 
-static std::map<std::wstring, WIN32_FIND_DATAW> List(const fs::path& pattern)
+constexpr DWORD kFolder = FILE_ATTRIBUTE_DIRECTORY;
+constexpr DWORD kLink = FILE_ATTRIBUTE_REPARSE_POINT;
+
+// By name: what it is, the tag of a link, the size of a file, and how long ago it was written, in minutes.
+using Entries = std::map<std::wstring, std::tuple<DWORD, DWORD, DWORD, long>>;
+
+static Entries List(const fs::path& pattern)
 {
-    std::map<std::wstring, WIN32_FIND_DATAW> found;
+    Entries found;
     WIN32_FIND_DATAW data = {};
     const HANDLE find = FindFirstFileW(pattern.wstring().c_str(), &data);
     do
-        found[data.cFileName] = data;
-    while (FindNextFileW(find, &data) != FALSE);
+    {
+        EXPECT_NE(data.dwFileAttributes, 0U);
+        const DWORD kind = data.dwFileAttributes & (kFolder | kLink);
+        const FILETIME written = data.ftLastWriteTime;
+        const auto units = (std::uint64_t{written.dwHighDateTime} << 32) | written.dwLowDateTime;
+        const auto age = static_cast<double>(time(nullptr) + 11644473600) - static_cast<double>(units) / 1e7;
+        found[data.cFileName] = {kind, (kind & kLink) != 0 ? data.dwReserved0 : 0, data.nFileSizeLow,
+                                 std::lround(age / 60)};
+    } while (FindNextFileW(find, &data) != FALSE);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_FILES});
     EXPECT_TRUE(FindClose(find));
     return found;
 }
 
-// Seconds since 1970.
-static std::int64_t Seconds(FILETIME time)
-{
-    const std::int64_t units = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
-    return units / 10000000 - 11644473600;
-}
-
-TEST(FindFile, ListsAFolderWithKindSizeAndTime)
+TEST(FindFile, ListsAFolderWithKindsSizesAndTimes)
 {
     const TestFolder folder;
     folder.Write("old.log", "12345");
+    fs::last_write_time(folder.Path() / "old.log",
+                        fs::file_time_type::clock::now() - std::chrono::hours(720));
     folder.Write("new.txt", "");
     fs::create_directory(folder.Path() / "sub");
-    using namespace std::chrono;
-    const auto old = fs::file_time_type::clock::now() - hours(24 * 30);
-    fs::last_write_time(folder.Path() / "old.log", old);
-    const std::int64_t now = duration_cast<seconds>(system_clock::now().time_since_epoch()).count();
-
-    auto found = List(folder.Path() / "*");
-    ASSERT_EQ(found.size(), 5U); // with . and ..
-    EXPECT_EQ(found[L"."].dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY, DWORD{FILE_ATTRIBUTE_DIRECTORY});
-    EXPECT_EQ(found[L"sub"].dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY, DWORD{FILE_ATTRIBUTE_DIRECTORY});
-    const WIN32_FIND_DATAW& log = found[L"old.log"];
-    EXPECT_EQ(log.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT), 0U);
-    EXPECT_NE(log.dwFileAttributes, 0U);
-    EXPECT_EQ(log.nFileSizeLow, 5U);
-    EXPECT_NEAR(static_cast<double>(Seconds(log.ftLastWriteTime)), static_cast<double>(now - 24 * 30 * 3600),
-                5);
-    EXPECT_NEAR(static_cast<double>(Seconds(found[L"new.txt"].ftLastWriteTime)), static_cast<double>(now), 5);
+    Entries expected = {{L".", {kFolder, 0, 0, 0}},
+                        {L"..", {kFolder, 0, 0, 0}},
+                        {L"sub", {kFolder, 0, 0, 0}},
+                        {L"old.log", {0, 0, 5, 43200}},
+                        {L"new.txt", {0, 0, 0, 0}}};
+    if (!RunsOnWindows()) // Wine makes no such links, and has no names that are not UTF-8
+    {
+        folder.Write("caf\xE9", "x");
+        fs::create_symlink("sub", folder.Path() / "to-folder");
+        fs::create_symlink("caf\xE9", folder.Path() / "to-file");
+        fs::create_symlink("nowhere", folder.Path() / "to-nothing");
+        expected.insert({{L"caf\xDCE9", {0, 0, 1, 0}},
+                         {L"to-folder", {kFolder | kLink, IO_REPARSE_TAG_SYMLINK, 0, 0}},
+                         {L"to-file", {kLink, IO_REPARSE_TAG_SYMLINK, 0, 0}},
+                         {L"to-nothing", {kLink, IO_REPARSE_TAG_SYMLINK, 0, 0}}});
+    }
+    EXPECT_EQ(List(folder.Path() / "*"), expected);
+    EXPECT_EQ(DeleteFileW((folder.Path().wstring() + L"/caf\xDCE9").c_str()), !RunsOnWindows());
 }
 
 TEST(FindFile, SaysWhatIsMissing)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What of the layer shows only from the Linux side: users, signals, open files, names that are not UTF-8.
+#include "foundation/OpenAccess.h"
 #include "tests/support/AgentFolder.h"
 #include "text/Unicode.h"
 
@@ -13,7 +14,6 @@
 
 #include <csignal>
 #include <fstream>
-#include <map>
 
 namespace fs = std::filesystem;
 
@@ -34,28 +34,14 @@ TEST(HandleOnLinux, IsNeverUsedAgainOnceClosed)
     EXPECT_FALSE(FindClose(find));
 }
 
-struct OpenToEveryUser
-{
-    OpenToEveryUser()
-    {
-        InitializeSecurityDescriptor(&mDescriptor, SECURITY_DESCRIPTOR_REVISION);
-        SetSecurityDescriptorDacl(&mDescriptor, TRUE, nullptr, FALSE);
-    }
-
-    SECURITY_DESCRIPTOR mDescriptor = {};
-    SECURITY_ATTRIBUTES mAttributes = {sizeof mAttributes, &mDescriptor, TRUE};
-};
-
 TEST(NamedEventOfUsers, NullAccessListOpensItToEveryUser)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can become another user";
-    OpenToEveryUser open;
     const AgentFolder folder;
     const std::wstring name = UniqueName(L"users");
     const auto openAsNobody = [&] { return folder.Run({"open:" + text::ToUtf8(name)}, true).answers; };
-    for (SECURITY_ATTRIBUTES* const attributes :
-         {&open.mAttributes, static_cast<SECURITY_ATTRIBUTES*>(nullptr)})
+    for (SECURITY_ATTRIBUTES* const attributes : {OpenAccessAttributes(), LPSECURITY_ATTRIBUTES{}})
     {
         const mode_t old = umask(0077); // has no say in it
         const HANDLE event = CreateEventW(attributes, FALSE, FALSE, (L"Global\\" + name).c_str());
@@ -72,9 +58,8 @@ TEST(NamedEventOfUsers, NobodyElseCanTakeItAwayOrMakeItFail)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can become another user";
-    OpenToEveryUser open;
     const std::wstring name = UniqueName(L"attacked");
-    const HANDLE event = CreateEventW(&open.mAttributes, TRUE, FALSE, name.c_str());
+    const HANDLE event = CreateEventW(OpenAccessAttributes(), TRUE, FALSE, name.c_str());
     SetEvent(event);
     const ChildProcess attacker(L"setpriv --reuid 65534 --regid 65534 --clear-groups sh -c "
                                 L"\"for i in $(ipcs -s | awk '/^0x/{print $2}'); do ipcrm -s $i; done; "
@@ -90,7 +75,7 @@ TEST(NamedEventOfUsers, NobodyElseCanTakeItAwayOrMakeItFail)
     {
         const bool isOwn = unshare(CLONE_NEWIPC) == 0;
         std::ofstream("/proc/sys/kernel/sem") << "32000 1024000000 500 0"; // no set may be made
-        const bool isMade = CreateEventW(&open.mAttributes, TRUE, FALSE, name.c_str()) != nullptr;
+        const bool isMade = CreateEventW(OpenAccessAttributes(), TRUE, FALSE, name.c_str()) != nullptr;
         _exit(isOwn && !isMade && GetLastError() == ERROR_NOT_ENOUGH_MEMORY ? 0 : 1);
     }
     int status = 0;
@@ -132,52 +117,4 @@ TEST(ProcessOnLinux, ChildGetsNoFileSignalMaskOrHandlerOfOurs)
     pthread_sigmask(SIG_UNBLOCK, &blocked, nullptr);
     close(inherited);
     EXPECT_EQ(folder.Read("seen"), "/dev/null\n/dev/null\n0\n1\n2\n3\n");
-}
-
-TEST(ProcessOnLinux, SaysWhatIsNoProgram)
-{
-    const TestFolder folder;
-    folder.Write("plain", "text");
-    folder.Write("runnable", "text");
-    fs::permissions(folder.Path() / "runnable", fs::perms::owner_all);
-    const auto error = [&](const wchar_t* name)
-    { return ChildProcess(L"\"" + folder.Path().wstring() + name + L"\"").Error(); };
-    EXPECT_EQ(error(L"/plain"), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_EQ(error(L"/runnable"), DWORD{ERROR_BAD_EXE_FORMAT});
-    EXPECT_EQ(error(L""), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_EQ(error(L"/plain/x"), DWORD{ERROR_PATH_NOT_FOUND});
-    EXPECT_EQ(ChildProcess(L"\"\"").Error(), DWORD{ERROR_FILE_NOT_FOUND});
-}
-
-TEST(FindFileOnLinux, TellsLinksAndKeepsNamesThatAreNoUtf8)
-{
-    const TestFolder testFolder;
-    const fs::path& folder = testFolder.Path();
-    fs::create_directory(folder / "real");
-    testFolder.Write("caf\xE9", "x");
-    fs::create_symlink("real", folder / "to-folder");
-    fs::create_symlink("caf\xE9", folder / "to-file");
-    fs::create_symlink("nowhere", folder / "to-nothing");
-    const std::tuple<const wchar_t*, DWORD, DWORD> rows[] = {
-        {L"real", FILE_ATTRIBUTE_DIRECTORY, 0},
-        {L"caf\xDCE9", FILE_ATTRIBUTE_NORMAL, 0},
-        {L"to-folder", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT, IO_REPARSE_TAG_SYMLINK},
-        {L"to-file", FILE_ATTRIBUTE_REPARSE_POINT, IO_REPARSE_TAG_SYMLINK},
-        {L"to-nothing", FILE_ATTRIBUTE_REPARSE_POINT, IO_REPARSE_TAG_SYMLINK},
-    };
-    std::map<std::wstring, WIN32_FIND_DATAW> found;
-    WIN32_FIND_DATAW data = {};
-    const HANDLE find = FindFirstFileW((folder.wstring() + L"/*").c_str(), &data);
-    do
-        found[data.cFileName] = data;
-    while (FindNextFileW(find, &data));
-    FindClose(find);
-    EXPECT_EQ(found.size(), std::size(rows) + 2) << "with . and ..";
-    for (const auto& [name, attributes, tag] : rows)
-    {
-        EXPECT_EQ(found[name].dwFileAttributes, attributes) << text::ToUtf8(name);
-        EXPECT_EQ(found[name].dwReserved0, tag) << text::ToUtf8(name);
-    }
-    EXPECT_TRUE(DeleteFileW((folder.wstring() + L"/caf\xDCE9").c_str()));
-    EXPECT_FALSE(fs::exists(folder / "caf\xE9"));
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/AgentFolder.h"
+#include "tests/support/ProgramFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -46,10 +47,22 @@ TEST(Process, ExitCodeIsThereOnceItHasEnded)
 TEST(Process, SaysWhyItCouldNotStart)
 {
     const AgentFolder folder;
-    EXPECT_EQ(ChildProcess(L"\"" + (folder.Path() / L"missing").wstring() + L"\" a").Error(),
-              DWORD{ERROR_FILE_NOT_FOUND});
-    EXPECT_EQ(ChildProcess(L"tavo-program-that-nobody-has", folder.Path()).Error(),
-              DWORD{ERROR_FILE_NOT_FOUND});
+    folder.Write("plain", "text");
+    folder.Write("runnable", "text");
+    std::filesystem::permissions(folder.Path() / "runnable", std::filesystem::perms::owner_all);
+    const auto quoted = [&](const wchar_t* name) { return L'"' + (folder.Path() / name).wstring() + L'"'; };
+    // Windows knows no right to run a file, and Wine no error of its own for a path through a file.
+    const std::pair<std::wstring, DWORD> rows[] = {
+        {quoted(L"missing") + L" a", ERROR_FILE_NOT_FOUND},
+        {quoted(L"plain"), RunsOnWindows() ? ERROR_BAD_EXE_FORMAT : ERROR_ACCESS_DENIED},
+        {quoted(L"runnable"), ERROR_BAD_EXE_FORMAT},
+        {quoted(L"plain/x"), RunsOnWindows() ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND},
+        {quoted(L""), ERROR_ACCESS_DENIED},
+        {L"\"\"", RunsOnWindows() ? ERROR_INVALID_PARAMETER : ERROR_FILE_NOT_FOUND},
+        {L"tavo-program-that-nobody-has", ERROR_FILE_NOT_FOUND},
+    };
+    for (const auto& [line, error] : rows)
+        EXPECT_EQ(ChildProcess(line, folder.Path()).Error(), error) << line;
     EXPECT_EQ(ChildProcess(L"\"" + folder.Agent().wstring() + L"\"", folder.Path() / L"missing").Error(),
               DWORD{ERROR_DIRECTORY});
 }
