@@ -34,42 +34,29 @@ void RecordLockWait(const wchar_t* label, DWORD wait)
 
 TEST(LockTimer, IsAskedOnlyWhereAWaitCanBeBooked)
 {
-    // Why, the switch, the label, the timer's mark and wait, the calls.
-    const std::tuple<const char*, bool, const wchar_t*, std::int64_t, DWORD, std::vector<std::string>>
-        kCases[] = {
-            {"the switch is off", false, L"Queue", 7, 9, {}},
-            {"the lock has no label", true, nullptr, 7, 9, {}},
-            {"no mark was given", true, L"Queue", 0, 9, {"start"}},
-            {"there was no wait", true, L"Queue", 7, 0, {"start", "end 7"}},
-            {"the shortest wait", true, L"Queue", 7, 1, {"start", "end 7", "record 1"}},
-            {"a mark may be negative", true, L"Queue", -7, 9, {"start", "end -7", "record 9"}},
-        };
-    for (const auto& [why, record, label, mark, wait, calls] : kCases)
+    // Why, whether the lock is made, the switch, the label, the timer's mark and wait, the calls.
+    using Calls = std::vector<std::string>;
+    const std::tuple<const char*, bool, bool, const wchar_t*, std::int64_t, DWORD, Calls> kCases[] = {
+        {"the switch is off", true, false, L"Queue", 7, 9, {}},
+        {"the lock has no label", true, true, nullptr, 7, 9, {}},
+        {"no mark was given", true, true, L"Queue", 0, 9, {"start"}},
+        {"there was no wait", true, true, L"Queue", 7, 0, {"start", "end 7"}},
+        {"the shortest wait", true, true, L"Queue", 7, 1, {"start", "end 7", "record 1"}},
+        {"a mark may be negative", true, true, L"Queue", -7, 9, {"start", "end -7", "record 9"}},
+        {"the lock is passed over", false, true, L"Queue", 7, 9, {"start"}},
+    };
+    for (const auto& [why, made, record, label, mark, wait, calls] : kCases)
     {
         SCOPED_TRACE(why);
         CLockCS lock;
         gLock = &lock;
         lock.mLabel = label;
+        lock.mState = made ? 16 : 0;
         gbRecordLockWaits = record;
         gMark = mark;
         gWait = wait;
         gCalls.clear();
-        {
-            const CAcquireCS acquired(lock);
-            EXPECT_EQ(acquired.mHeld, 1u);
-        }
+        EXPECT_EQ(CAcquireCS(lock).mHeld, made ? 1u : 0u);
         EXPECT_EQ(gCalls, calls);
     }
-}
-
-TEST(LockTimer, IsNotReadForALockThatIsPassedOver)
-{
-    alignas(CLockCS) static std::byte storage[sizeof(CLockCS)];
-    auto* const lock = reinterpret_cast<CLockCS*>(storage); // not made yet
-    lock->mLabel = L"Queue";
-    gbRecordLockWaits = true;
-    gMark = 7;
-    gCalls.clear();
-    const CAcquireCS acquired(*lock);
-    EXPECT_EQ(gCalls, std::vector<std::string>{"start"});
 }

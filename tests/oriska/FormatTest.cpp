@@ -14,18 +14,13 @@ std::wstring Text(const wchar_t* format, const PlaceholderValues& values)
     return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
 }
 
-struct Case
-{
-    const wchar_t* format;
-    PlaceholderValues values;
-    const wchar_t* expected;
-};
+// A format, values, and the text.
+using Case = std::tuple<const wchar_t*, PlaceholderValues, const wchar_t*>;
 
 void Check(const std::vector<Case>& cases)
 {
-    for (const Case& row : cases)
-        EXPECT_EQ(Text(row.format, row.values), row.expected)
-            << "format " << testing::PrintToString(row.format);
+    for (const auto& [format, values, text] : cases)
+        EXPECT_EQ(Text(format, values), text) << "format " << testing::PrintToString(format);
 }
 
 } // namespace
