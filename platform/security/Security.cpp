@@ -155,7 +155,7 @@ BOOL SetSecurityDescriptorDacl(PSECURITY_DESCRIPTOR block, BOOL present, PACL da
 {
     auto* descriptor = static_cast<SECURITY_DESCRIPTOR*>(block);
     descriptor->Control = present ? SE_DACL_PRESENT : 0;
-    descriptor->Dacl = dacl;
+    descriptor->Dacl = present ? dacl : nullptr; // on Windows everybody is granted all then
     return TRUE;
 }
 

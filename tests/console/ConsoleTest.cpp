@@ -81,6 +81,7 @@ TEST(Console, PutsTheTimeSinceTheStartTickIn32BitsBeforeEachTextAndAddsNoLineEnd
             open.AppendLine(L"");
             open.AppendLine(L"two\r\nlines\r\n");
             EXPECT_EQ(open.WrittenWithoutTimes(), L"[] left open[] [] two\r\nlines\r\n");
+            EXPECT_EQ(TextOf(::GetDlgItem(open.m_hWnd, IDC_HIDDEN_VALUE)), L"0");
             const HWND output = ::GetDlgItem(open.m_hWnd, IDC_OUTPUT);
             SetWindowTextW(output, L"what the control holds counts");
             open.AppendLine(L"");
