@@ -127,7 +127,6 @@ protected:
     }
 };
 
-const std::wstring kBeyondTheBasicPlane = L"m\u00fcller \U0001F511";
 const Step kEscape = [] { Press(Qt::Key_Escape); };
 
 std::vector<const platform::Window*> VisibleControls()
@@ -325,6 +324,7 @@ TEST_F(QtDisplay, EnterEscAndClosingPressTheButtonsThatTheyShould)
 
 TEST_F(QtDisplay, ProgramReadsWhatThePersonEntered)
 {
+    const std::wstring beyondTheBasicPlane = L"m\u00fcller \U0001F511";
     const auto fill = []
     {
         for (const wchar_t* method : {L"Try all", L"Simple", L"Digest"})
@@ -332,23 +332,22 @@ TEST_F(QtDisplay, ProgramReadsWhatThePersonEntered)
         SendMessageW(ControlOf(IDC_AUTH_METHOD), CB_SETCURSEL, 0, 0);
         SetWindowTextW(ControlOf(IDC_PORT), L"389");
     };
-    const Step enter = []
+    const Step enter = [&]
     {
         Type("ldap.example");
         Press(Qt::Key_Tab); // selects the port, so that typing replaces it
         Type("0636");
         Press(Qt::Key_Tab);
-        QApplication::clipboard()->setText(QString::fromStdWString(kBeyondTheBasicPlane));
+        QApplication::clipboard()->setText(QString::fromStdWString(beyondTheBasicPlane));
         Press(Qt::Key_V, Qt::ControlModifier);
         WidgetOf(IDC_AUTH_METHOD).setFocus();
         Press(Qt::Key_Down);
     };
-    const Step read = []
+    const Step read = [&]
     {
         EXPECT_EQ(TextOf(ControlOf(IDC_SERVER)), L"ldap.example");
         EXPECT_EQ(TextOf(ControlOf(IDC_PORT)), L"0636");
-        EXPECT_EQ(TextOf(ControlOf(IDC_DOMAIN)), kBeyondTheBasicPlane);
-        EXPECT_EQ(SendMessageW(ControlOf(IDC_AUTH_METHOD), CB_GETCURSEL, 0, 0), 1);
+        EXPECT_EQ(TextOf(ControlOf(IDC_DOMAIN)), beyondTheBasicPlane);
         EXPECT_EQ(TextOf(ControlOf(IDC_AUTH_METHOD)), L"Simple");
     };
     Use(IDD_LDAP_CREDS, {enter, read, kEscape}, nullptr, fill);

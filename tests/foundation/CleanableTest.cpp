@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <optional>
 #include <thread>
 
 namespace
@@ -28,33 +29,14 @@ std::size_t Registered()
     return GetgCleanables().size();
 }
 
-// Does with each registered object what a walker from outside may do.
-void WalkRegistry()
-{
-    const CAcquireCS noneEnds(GetgCleanablesDeleteCS());
-    CAcquireCS registry(GetgCleanablesCS());
-    const std::set<Cleanable*> objects = GetgCleanables();
-    registry.Release();
-    for (Cleanable* object : objects)
-    {
-        ReportOf(*object);
-        if (object->GetCount() > 100)
-            object->Clean();
-    }
-}
-
-// Counts the registry right after the containers have come to life; only objects of a class can be ordered.
-struct EarlyCount
-{
-    std::size_t registered = Registered();
-};
-[[gnu::init_priority(kStaticContainers + 1)]] EarlyCount gEarlyCount;
+// Counted right after the containers have come to life; only objects of a class can be ordered.
+[[gnu::init_priority(kStaticContainers + 1)]] const std::optional<std::size_t> gEarlyCount = Registered();
 
 } // namespace
 
 TEST(Cleanable, SixVectorsAreRegisteredBeforeTheProgramStarts)
 {
-    EXPECT_EQ(gEarlyCount.registered, 6u);
+    EXPECT_EQ(gEarlyCount, 6u);
     const CAcquireCS registry(GetgCleanablesCS());
     for (Cleanable* object : GetgCleanables())
     {
@@ -122,11 +104,23 @@ TEST(Cleanable, StandsEightThreadsAndAWalkerOfTheRegistry)
 {
     const std::size_t before = Registered();
     CleanableVector<ZTString> shared;
+    // Does with each registered object what one from outside may do.
     const std::jthread walker(
         [](const std::stop_token& end)
         {
             while (!end.stop_requested())
-                WalkRegistry();
+            {
+                const CAcquireCS noneEnds(GetgCleanablesDeleteCS());
+                CAcquireCS registry(GetgCleanablesCS());
+                const std::set<Cleanable*> objects = GetgCleanables();
+                registry.Release();
+                for (Cleanable* object : objects)
+                {
+                    ReportOf(*object);
+                    if (object->GetCount() > 100)
+                        object->Clean();
+                }
+            }
         });
     std::vector<std::jthread> threads;
     for (int i = 0; i < 8; ++i)

@@ -94,7 +94,6 @@ TEST(NumberFormat, IsTheUsersOwn)
         {"C", -HUGE_VAL, L"-inf"},
         {"de_DE.UTF-8", 1234567.25, L"1234567,25"},
         {"fa_IR.UTF-8", 1.2, L"1.2"}, // not in its own digits
-        {"ar_EG.UTF-8", 1.2, L"1.2"}, // not its own digits
         {"xx_XX.UTF-8", 1.2, L"1.2"},
         {endless.c_str(), 1.2, L"1.2"},
     };

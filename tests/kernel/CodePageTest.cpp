@@ -49,9 +49,7 @@ TEST(CodePage, LongTextsGiveWhatTheirPartsGive)
     for (const char* const locale : {"en_US.UTF-8", "de_DE.ISO-8859-1", "ja_JP.eucJP", "zh_CN.GB18030"})
     {
         const Variable variable("LC_ALL", locale);
-        std::string expected;
-        for (int i = 0; i < kParts; ++i)
-            expected += ToNarrow(part);
+        std::string expected = Repeated(ToNarrow(part), kParts);
         EXPECT_TRUE(ToNarrow(wide) == expected) << locale;
 
         const int room = static_cast<int>(expected.size()) - 1;
