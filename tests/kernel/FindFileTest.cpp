@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <map>
 
 namespace fs = std::filesystem;
@@ -13,8 +12,9 @@ namespace fs = std::filesystem;
 constexpr DWORD kFolder = FILE_ATTRIBUTE_DIRECTORY;
 constexpr DWORD kLink = FILE_ATTRIBUTE_REPARSE_POINT;
 
-// By name: what it is, the tag of a link, the size of a file, and how long ago it was written, in minutes.
-using Entries = std::map<std::wstring, std::tuple<DWORD, DWORD, DWORD, long>>;
+// By name: what it is, the tag of a link, the size of a file, and when it was written in seconds since 1970,
+// 0 for the last minute.
+using Entries = std::map<std::wstring, std::tuple<DWORD, DWORD, DWORD, std::int64_t>>;
 
 static Entries List(const fs::path& pattern)
 {
@@ -25,11 +25,11 @@ static Entries List(const fs::path& pattern)
     {
         EXPECT_NE(data.dwFileAttributes, 0U);
         const DWORD kind = data.dwFileAttributes & (kFolder | kLink);
-        const FILETIME written = data.ftLastWriteTime;
-        const auto units = (std::uint64_t{written.dwHighDateTime} << 32) | written.dwLowDateTime;
-        const auto age = static_cast<double>(time(nullptr) + 11644473600) - static_cast<double>(units) / 1e7;
+        const std::uint64_t units =
+            (std::uint64_t{data.ftLastWriteTime.dwHighDateTime} << 32) | data.ftLastWriteTime.dwLowDateTime;
+        const std::int64_t written = static_cast<std::int64_t>(units / 10000000) - 11644473600;
         found[data.cFileName] = {kind, (kind & kLink) != 0 ? data.dwReserved0 : 0, data.nFileSizeLow,
-                                 std::lround(age / 60)};
+                                 std::abs(time(nullptr) - written) < 60 ? 0 : written};
     } while (FindNextFileW(find, &data) != FALSE);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_FILES});
     EXPECT_TRUE(FindClose(find));
@@ -40,14 +40,14 @@ TEST(FindFile, ListsAFolderWithKindsSizesAndTimes)
 {
     const TestFolder folder;
     folder.Write("old.log", "12345");
-    fs::last_write_time(folder.Path() / "old.log",
-                        fs::file_time_type::clock::now() - std::chrono::hours(720));
+    using namespace std::chrono;
+    fs::last_write_time(folder.Path() / "old.log", file_clock::from_sys(sys_seconds(seconds(1700000000))));
     folder.Write("new.txt", "");
     fs::create_directory(folder.Path() / "sub");
     Entries expected = {{L".", {kFolder, 0, 0, 0}},
                         {L"..", {kFolder, 0, 0, 0}},
                         {L"sub", {kFolder, 0, 0, 0}},
-                        {L"old.log", {0, 0, 5, 43200}},
+                        {L"old.log", {0, 0, 5, 1700000000}},
                         {L"new.txt", {0, 0, 0, 0}}};
     if (!RunsOnWindows()) // Wine makes no such links, and has no names that are not UTF-8
     {
