@@ -33,7 +33,10 @@ public:
         return std::regex_replace(Written(), std::wregex(L"\\[\\d+ms\\]"), L"[]");
     }
 
-    std::wstring mDeepAnswer; // what WM_DEEP had written when its handler ended
+    // What WM_DEEP had written when its handler ended, which ends the dialog, and whether the output had the
+    // focus.
+    std::wstring mDeepAnswer;
+    bool mHasFocus = false;
 
 protected:
     BOOL OnInitDialog() override
@@ -52,6 +55,8 @@ private:
             PostMessageW(gConsoleWnd, 0x402, 0, reinterpret_cast<LPARAM>(_wcsdup(line)));
         AppendLine(L"deep\r\n");
         mDeepAnswer = WrittenWithoutTimes().substr(before);
+        mHasFocus = FocusedControl() == ::GetDlgItem(m_hWnd, IDC_OUTPUT);
+        EndDialog(kEnded);
         return 0;
     }
     DECLARE_MESSAGE_MAP()
@@ -120,8 +125,13 @@ TEST(Console, ServesPostedLinesInAHandlerAtTheDepthWherePumpsEnd)
             PostMessageW(gConsoleWnd, WM_DEEP, 0, 0);
             open.AppendLine(L"first\r\n");
             EXPECT_EQ(open.mDeepAnswer, L"[] deep\r\n[] from a thread\r\n[] and another\r\n");
-            open.EndDialog(kEnded);
         });
+}
+
+TEST(Console, OpensWithTheKeyboardInItsText)
+{
+    const OpenConsole console([](OpenConsole& open) { PostMessageW(open.m_hWnd, WM_DEEP, 0, 0); });
+    EXPECT_TRUE(console.mHasFocus);
 }
 
 TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableTheButton)
