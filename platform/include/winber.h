@@ -3,6 +3,6 @@
 
 #include "winldap.h"
 
-// `freeBuffer` is not looked at: a position owns no buffer of its own. Null is ignored.
+// With `freeBuffer` 0, since the buffer of a position is that of its message. Null is ignored.
 // NOLINTNEXTLINE(readability-redundant-declaration): the library beneath has one of that name
 extern "C" PLATFORM_EXPORT void ber_free(BerElement* element, INT freeBuffer) WLDAP32_SYMBOL(ber_free);

@@ -588,9 +588,9 @@ bool LdapSession::Give(std::string_view text)
     return text.size() <= kLongestText && mGiven + mMessages->Taken() <= kMostMemory;
 }
 
-void LdapSession::FreePosition(berelement* position)
+void LdapSession::FreePosition(berelement* position, int freeBuffer)
 {
-    ber_free(position, 0);
+    ber_free(position, freeBuffer);
 }
 
 } // namespace platform

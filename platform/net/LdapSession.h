@@ -74,7 +74,7 @@ public:
     // fit into 80 MB beside the answer. `position` is the caller's, who hands it to FreePosition.
     bool FirstAttribute(ldapmsg* entry, berelement*& position, std::string& name);
     bool NextAttribute(ldapmsg* entry, berelement* position, std::string& name);
-    static void FreePosition(berelement* position);
+    static void FreePosition(berelement* position, int freeBuffer = 0); // as ber_free
     // The values of the attribute that was given last, in the server's order; they last as long as their
     // message.
     bool Values(ldapmsg* entry, std::string_view name, std::vector<std::string_view>& values);

@@ -282,7 +282,7 @@ void ldap_memfreeW(PWCHAR block)
     std::free(block);
 }
 
-void ber_free(BerElement* element, INT)
+void ber_free(BerElement* element, INT freeBuffer)
 {
-    LdapSession::FreePosition(element);
+    LdapSession::FreePosition(element, freeBuffer);
 }
