@@ -33,8 +33,6 @@ public:
         Press("Enter");
     }
     ~TerminalScreen() { Tmux("kill-server"); }
-    TerminalScreen(const TerminalScreen&) = delete;
-    TerminalScreen& operator=(const TerminalScreen&) = delete;
 
     // Characters as they are, and keys by tmux's names: "Enter", "Up", "C-d".
     void Type(const std::string& text) const { Tmux("send-keys -l -- " + Quoted(text)); }
@@ -46,28 +44,23 @@ public:
         Press("Enter");
     }
 
-    // Waits until it is seen, for 20 s, and gives all that is seen from the last `from` on, with what has
-    // scrolled away, each row without blanks at its end.
+    // Waits until it is seen, for 20 s at least, and gives all that is seen from the last `from` on, with
+    // what has scrolled away, each row without blanks at its end.
     std::string WaitFor(const std::string& text, const std::string& from = "") const
     {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        for (;;)
+        std::string seen, part;
+        for (int tries = 0; tries < 400; ++tries)
         {
-            std::string seen = Tmux("capture-pane -p -S -");
+            seen = Tmux("capture-pane -p -S -");
             seen.resize(seen.find_last_not_of('\n') + 1);
-            const std::size_t start = seen.rfind(from);
-            const std::string part = from.empty()                 ? seen
-                                     : start == std::string::npos ? ""
-                                                                  : seen.substr(start);
+            const std::size_t start = from.empty() ? 0 : seen.rfind(from);
+            part = start == std::string::npos ? "" : seen.substr(start);
             if (part.find(text) != std::string::npos)
                 return part;
-            if (std::chrono::steady_clock::now() > deadline)
-            {
-                ADD_FAILURE() << "\"" << text << "\" is not seen:\n" << seen;
-                return part;
-            }
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         }
+        ADD_FAILURE() << '"' << text << "\" is not seen:\n" << seen;
+        return part;
     }
     // All rows with the colours as sequences.
     std::string SeenInColour() const { return Tmux("capture-pane -e -p -S -"); }

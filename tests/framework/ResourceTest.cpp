@@ -2,7 +2,6 @@
 // The version among the program's resources, read back from what the resource compiler made: the same
 // compiler links the same bytes into the Windows program.
 #include "platform/resource/Resources.h"
-#include "resources/resource.h"
 
 #include <gtest/gtest.h>
 
@@ -14,20 +13,13 @@ using namespace platform;
 extern "C" const BYTE tavo_resources_begin[];
 extern "C" const BYTE tavo_resources_end[];
 
-constexpr UINT kVersion = 16; // for which compiler and headers have names of different forms
-
-static Bytes FindBytes(UINT type, UINT id)
-{
-    for (const Resource& resource : ReadResFile({tavo_resources_begin, tavo_resources_end}))
-        if (resource.type.Is(type) && resource.name.Is(id))
-            return resource.data;
-    return {};
-}
-
 TEST(Resources, VersionIsTheTrees)
 {
-    const Bytes version = FindBytes(kVersion, 1);
-    const std::string bytes(version.begin(), version.end());
+    constexpr UINT kVersion = 16; // for which compiler and headers have names of different forms
+    std::string bytes;
+    for (const Resource& resource : ReadResFile({tavo_resources_begin, tavo_resources_end}))
+        if (resource.type.Is(kVersion) && resource.name.Is(1))
+            bytes.assign(resource.data.begin(), resource.data.end());
     const std::size_t signature = bytes.find("\xBD\x04\xEF\xFE");
     ASSERT_NE(signature, std::string::npos);
     WORD parts[4]; // after the signature and the structure's version: minor, major, build, patch

@@ -116,8 +116,9 @@ TEST(SystemErrors, ReadAsCodeAndTextInOneLine)
     const auto message = [](DWORD code)
     { return GetSystemErrorMessage(code, eSysErrMsgPlain, eMonitorNone, false); };
     EXPECT_NE(message(ERROR_FILE_NOT_FOUND), L"2: Unknown error.");
-    for (const wchar_t* text : {L"2: The system cannot find the file specified.", L"5: Access is denied.",
-                                L"112: There is not enough space on the disk."})
+    for (const wchar_t* text :
+         {L"2: The system cannot find the file specified.", L"5: Access is denied.",
+          L"112: There is not enough space on the disk.", L"267: The directory name is invalid."})
         if (!RunsOnWindows()) // Wine has words of its own
             EXPECT_EQ(message(static_cast<DWORD>(std::wcstoul(text, nullptr, 10))), text);
     EXPECT_EQ(message(29999), L"29999: Unknown error.");
