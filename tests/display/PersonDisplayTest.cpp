@@ -349,7 +349,7 @@ TEST(UploadProgress, ReckonsRateAndTimeFromTheLinesBefore)
         {L"1% done, 1000 sent\r\n", 0, L"1% done, 1000 sent"},
         {L"[1ms] FTP_LOG: 10% done, 10000 sent\r\n", 1000,
          L"[1ms] FTP_LOG: 10% done, 10000 sent, 9 KB/s, 0:10 left"},
-        {L"10% done, 10000000 sent\r\n", 1000, L"10% done, 10000000 sent, 10.0 MB/s, 0:09 left"},
+        {L"10% done, 10000000 sent\r\n", 7000, L"10% done, 10000000 sent, 1.4 MB/s, 1:03 left"},
         {L"50% done, 50000 sent\r\n", 7200000, L"50% done, 50000 sent, 0 KB/s, 2:02:27 left"},
         {L"100% done, 101000 sent\r\n", 1000, L"100% done, 101000 sent, 100 KB/s"},
         {L"2% done, 900 sent\r\n", 2000, L"2% done, 900 sent"}, // a new attempt

@@ -385,7 +385,11 @@ TEST_F(QtDisplay, AppendedTextIsSeenAndLeavesTheSelectionAlone)
         ShowHundredLines();
         ExpectOutputAtItsEnd();
         Press(Qt::Key_A, Qt::ControlModifier);
-        Append(L"open, ");
+        for (int n = 0; n < 300; ++n) // more than are drawn at once
+        {
+            Append(L"open, ");
+            UpdateWindow(platform::TopDialog()->handle);
+        }
         Append(L"then closed\r\nlast");
     };
     const Step copy = []
@@ -393,6 +397,7 @@ TEST_F(QtDisplay, AppendedTextIsSeenAndLeavesTheSelectionAlone)
         const QString shown = QString::fromStdWString(TextOf(ControlOf(IDC_OUTPUT))).remove(u'\r');
         EXPECT_TRUE(shown.endsWith("open, then closed\nlast"));
         EXPECT_EQ(WidgetOf<QPlainTextEdit>(IDC_OUTPUT).toPlainText(), shown);
+        EXPECT_TRUE(WidgetOf(IDC_OUTPUT).updatesEnabled());
         Press(Qt::Key_C, Qt::ControlModifier);
         EXPECT_EQ(QApplication::clipboard()->text(), QString(kHundredLines).remove(u'\r'));
     };

@@ -16,7 +16,7 @@ TEST(CommandLine, IsQuotedAsAWindowsUserWouldHaveTypedIt)
         {{L"T", L"-a", L""}, L"T -a \"\""},
         {{L"T", L"-a", L"  "}, L"T -a \"  \""},
         {{L"T", L"-a=", L"b"}, L"T -a= b"},
-        {{L"T", L"-a= b"}, L"T -a=\" b\""},
+        {{L"T", L"-max= b"}, L"T -max=\" b\""},
         {{L"T", L"-a b=c"}, L"T \"-a b=c\""},     // the blank comes first
         {{L"T", L"x=a b"}, L"T \"x=a b\""},       // no switch
         {{L"T", L"-a=\"b c\""}, L"T -a=\"b c\""}, // quoted already

@@ -70,6 +70,7 @@ TEST(Directory, IsTestedAsTheDialogSays)
         {{plain, "alice", "wonderland", kDigest}, Bound(kDigest) + walk, kWineDigest},
         {{plain, "Jürgen 😀", "Pässwörd 😀", kDigest}, Bound(kDigest) + walk, kWineDigest},
         {{plain, "", "", kDigest}, Refused(kDigest, 0x31, "no user name was given"), kWineDigest},
+        {{plain, "alice", "wonderland", kDpa}, Refused(kDpa, 0x07), Refused(kDpa, 0x59)},
         {{plain, "alice", "wonderland", kNegotiate},
          Refused(kNegotiate, 0x31, kNoSpnego),
          Refused(kNegotiate, 0x52)},

@@ -4,6 +4,7 @@
 
 #include <sys/stat.h>
 
+#include <sstream>
 #include <thread>
 
 namespace fs = std::filesystem;
@@ -50,11 +51,20 @@ TEST_F(Archiver, ThatTakesTooLongIsLeftAlone)
     EXPECT_EQ("late\n", ReadFile(Logs() / "ended"));
 }
 
-TEST_F(Archiver, HasNoInputAndNoFileOfTheProgramsOwnAndPacksForThisAccountAlone)
+TEST_F(Archiver, GetsNoInputFileOrNameOfCodeToLoadAndPacksForThisAccountAlone)
 {
-    ReplaceArchiver("{ pwd; umask; cat; ls -l /proc/self/fd | sed -n 's/.* \\([0-9]*\\) -> /\\1 /p'; } > '" +
+    ReplaceArchiver("{ pwd; umask; cat; env | grep '=/nowhere$'; ls -l /proc/self/fd | sed -n 's/.* "
+                    "\\([0-9]*\\) -> /\\1 /p'; } > '" +
                     (folder.Path() / "seen").string() + "' 2>&1");
-    Ship("case");
+    ProgramStart start = Unattended("case");
+    std::istringstream names(
+        "GCONV_PATH GIO_EXTRA_MODULES GIO_MODULE_DIR GSSNTLMSSP_DEBUG GSS_MECH_CONFIG GTK_MODULES GTK_PATH "
+        "KRB5_TRACE LDAPCONF LDAPRC LIBGL_DRIVERS_PATH NTLM_USER_FILE OPENSSL_CONF OPENSSL_CONF_INCLUDE "
+        "OPENSSL_ENGINES OPENSSL_MODULES QT_PLUGIN_PATH QT_QPA_GENERIC_PLUGINS QT_QPA_PLATFORM_PLUGIN_PATH "
+        "SASL_CONF_PATH SASL_PATH SSLKEYLOGFILE");
+    for (std::string name; names >> name;)
+        start.environment.emplace_back(name, "/nowhere");
+    Ship(start);
     const std::string seen = ReadFile(folder.Path() / "seen");
     EXPECT_THAT(seen, StartsWith(Logs().string() + "\n0077\n"));
     EXPECT_THAT(seen, HasSubstr("0 /dev/null\n"));
