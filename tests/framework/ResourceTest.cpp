@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The version among the program's resources, read back from what the resource compiler made: the same
-// compiler links the same bytes into the Windows program.
+// The program's resources, as they are read back from what the resource compiler made: the same compiler
+// links the same bytes into the Windows program.
 #include "platform/resource/Resources.h"
+#include "resources/resource.h"
 
 #include <gtest/gtest.h>
 
@@ -26,4 +27,10 @@ TEST(Resources, VersionIsTheTrees)
     std::memcpy(parts, bytes.data() + signature + 8, sizeof parts);
     EXPECT_EQ(std::to_string(parts[1]) + "." + std::to_string(parts[0]) + "." + std::to_string(parts[3]),
               TAVO_VERSION);
+}
+
+TEST(Resources, IconIsThere)
+{
+    EXPECT_NE(LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TAVO)), nullptr);
+    EXPECT_EQ(LoadIconW(nullptr, MAKEINTRESOURCEW(1)), nullptr);
 }

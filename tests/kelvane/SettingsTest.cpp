@@ -54,10 +54,12 @@ TEST(Settings, AreFoundByTheirWholeNameInAnyCase)
     }
 }
 
-TEST(Settings, HoldAnyTextForTheNextProcess)
+TEST(Settings, HoldWhatIsSetAtOnceAndAnyTextForTheNextProcess)
 {
     const AgentFolder folder;
-    folder.Run({"set:CustomerServiceText:" + Encoded("\"q\\\": {\n\tü 😀")});
+    const std::string setText = "set:CustomerServiceText:" + Encoded("\"q\\\": {\n\tü 😀");
+    EXPECT_EQ(folder.Run({"get:LogLevel", "set:LogLevel:1", "get:LogLevel", setText}).answers,
+              "2\ntrue\n1\ntrue\n");
     EXPECT_EQ(folder.Run({"get:CustomerServiceText"}).answers, "\"q\\\": {\n\tü 😀\n");
 }
 

@@ -153,4 +153,5 @@ TEST_F(LogDirectory, BehindALinkOfAnotherAccountIsNotUsed)
                                                " is not used: another account has put a link there\n"));
     const Tree sent = Unpack(server.Directory() / "case.zip");
     EXPECT_TRUE(sent.contains("Tavo.log") && !sent.contains("secret"));
+    EXPECT_NE(folder.Log(), "");
 }
