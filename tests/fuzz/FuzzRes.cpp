@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// Any bytes are a .res file; whatever is read out of it is no larger than they are. The bytes also stand for
+// a single resource of each kind.
+#include "platform/resource/Resources.h"
+#include "tests/fuzz/Require.h"
+
+using namespace platform;
+
+static void ReadAsEachKind(Bytes data)
+{
+    if (const auto dialog = ReadDialogTemplate(data))
+    {
+        std::size_t units = dialog->caption.size() + dialog->font.face.size();
+        for (const ControlTemplate& control : dialog->controls)
+            units += control.text.size();
+        Require(units * sizeof(WORD) <= data.size());
+    }
+    for (UINT index = 0; index < 16; ++index)
+        Require(ReadString(data, index).size() * sizeof(WORD) <= data.size());
+    Require(ReadIconGroup(data).size() <= data.size());
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const Bytes file(data, size);
+    ReadAsEachKind(file);
+    for (const Resource& resource : ReadResFile(file))
+    {
+        Require(resource.data.size() <= size);
+        ReadAsEachKind(resource.data);
+    }
+    return 0;
+}
