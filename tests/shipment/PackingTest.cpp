@@ -72,14 +72,6 @@ TEST_F(Archiver, GetsNoInputFileOrNameOfCodeToLoadAndPacksForThisAccountAlone)
     EXPECT_EQ(6, std::count(seen.begin(), seen.end(), '\n')) << seen;
 }
 
-TEST_F(Archiver, WhoseArchiveAnotherAccountHasReplacedByALinkSendsNothing)
-{
-    const RealFtpServer server(kFtpUser, kFtpPassword);
-    ReplaceArchiver("ln -s /dev/null case.zip");
-    EXPECT_THAT(Verdicts(Ship("case")), ElementsAreArray(NothingPacked("0", "It is a link.")));
-    EXPECT_TRUE(fs::is_empty(server.Directory()));
-}
-
 // What ignores SIGCHLD hands that on to its children, and the system then keeps no exit code for them.
 TEST_F(Archiver, KeepsItsExitCodeWhereTheParentIgnoresItsChildren)
 {

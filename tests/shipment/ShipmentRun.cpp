@@ -96,9 +96,9 @@ std::vector<std::string> Verdicts(const ProgramOutcome& outcome)
     return lines;
 }
 
-std::vector<std::string> NothingPacked(const std::string& exitCode, const std::string& problem)
+std::vector<std::string> NothingPacked(const std::string& exitCode)
 {
-    const std::string error = "1004 Cannot open the local file: " + problem;
+    const std::string error = "1004 Cannot open the local file: No such file or directory";
     return {"Compression finished.  Exit Code: " + exitCode, "Error - " + error, kDirect, "Error - " + error,
             "Log FTP failed with: " + error};
 }
