@@ -14,7 +14,7 @@ constexpr DWORD kLink = FILE_ATTRIBUTE_REPARSE_POINT;
 
 // By name: what it is, the tag of a link, the size of a file, and when it was written in seconds since 1970,
 // 0 for the last minute.
-using Entries = std::map<std::wstring, std::tuple<DWORD, DWORD, DWORD, std::int64_t>>;
+using Entries = std::map<std::wstring, std::tuple<DWORD, DWORD, std::uint64_t, std::int64_t>>;
 
 static Entries List(const fs::path& pattern)
 {
@@ -28,7 +28,8 @@ static Entries List(const fs::path& pattern)
         const std::uint64_t units =
             (std::uint64_t{data.ftLastWriteTime.dwHighDateTime} << 32) | data.ftLastWriteTime.dwLowDateTime;
         const std::int64_t written = static_cast<std::int64_t>(units / 10000000) - 11644473600;
-        found[data.cFileName] = {kind, (kind & kLink) != 0 ? data.dwReserved0 : 0, data.nFileSizeLow,
+        found[data.cFileName] = {kind, (kind & kLink) != 0 ? data.dwReserved0 : 0,
+                                 (std::uint64_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow,
                                  std::abs(time(nullptr) - written) < 60 ? 0 : written};
     } while (FindNextFileW(find, &data) != FALSE);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_MORE_FILES});
@@ -43,12 +44,13 @@ TEST(FindFile, ListsAFolderWithKindsSizesAndTimes)
     using namespace std::chrono;
     fs::last_write_time(folder.Path() / "old.log", file_clock::from_sys(sys_seconds(seconds(1700000000))));
     folder.Write("new.txt", "");
+    fs::resize_file(folder.Path() / "new.txt", 0x180000002);
     fs::create_directory(folder.Path() / "sub");
     Entries expected = {{L".", {kFolder, 0, 0, 0}},
                         {L"..", {kFolder, 0, 0, 0}},
                         {L"sub", {kFolder, 0, 0, 0}},
                         {L"old.log", {0, 0, 5, 1700000000}},
-                        {L"new.txt", {0, 0, 0, 0}}};
+                        {L"new.txt", {0, 0, 0x180000002, 0}}};
     if (!RunsOnWindows()) // Wine makes no such links, and has no names that are not UTF-8
     {
         folder.Write("caf\xE9", "x");
