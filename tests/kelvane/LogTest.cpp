@@ -92,16 +92,19 @@ TEST(Log, LiesWhereTheSettingSaysFromTheNextStartOn)
 TEST(Log, KeepsAsManyOlderFilesAsTheSettingSays)
 {
     const AgentFolder folder;
-    folder.Run({"set:LogSizeLimitKB:64", "set:LogFileCount:3", "many:a:6000"});
+    folder.Run({"set:LogSizeLimitKB:1", "set:LogFileCount:3", "many:a:100"});
     EXPECT_THAT(folder.Names("Tavo."),
                 ElementsAre("Tavo.1.log", "Tavo.2.log", "Tavo.3.log", "Tavo.log", "Tavo.settings.json"));
     for (const char* name : {"Tavo.log", "Tavo.1.log", "Tavo.2.log", "Tavo.3.log"})
-        EXPECT_LE(folder.Read(std::string("Logs/") + name).size(), 65536u) << name;
-    EXPECT_THAT(folder.Log(), HasSubstr("<a.5999.a>"));
+        EXPECT_LE(folder.Read(std::string("Logs/") + name).size(), 1024u) << name;
+    EXPECT_THAT(folder.Log(), HasSubstr("<a.99.a>"));
 
-    folder.Run({"set:LogFileCount:1", "set:LogSizeLimitKB:1", "many:b:30"});
+    folder.Run({"set:LogFileCount:1", "many:b:30"});
     EXPECT_THAT(folder.Names("Tavo."), ElementsAre("Tavo.1.log", "Tavo.log", "Tavo.settings.json"));
-    folder.Run({"set:LogFileCount:0", "many:c:30"});
+    folder.Write("Logs/Tavo.log", std::string(65'500, 'x'));
+    folder.Run({"set:LogSizeLimitKB:64", "log:2:y"});
+    EXPECT_EQ(folder.Read("Logs/Tavo.1.log").size(), 65'500u) << "a line has more than 36 bytes";
+    folder.Run({"set:LogFileCount:0", "set:LogSizeLimitKB:1", "many:c:30"});
     EXPECT_THAT(folder.Names("Tavo."), ElementsAre("Tavo.log", "Tavo.settings.json"));
     folder.Run({"set:LogSizeLimitKB:0", "many:d:200"});
     EXPECT_GT(folder.Log().size(), 10'000u);
