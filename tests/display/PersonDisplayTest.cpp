@@ -236,8 +236,10 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
     screen.WaitFor("\n>");
     screen.Type("elp");
     screen.Press("Home F5 h End PageUp Enter");
-    screen.Enter("ldpa");
-    screen.Enter("xyzzy");
+    screen.Type("l pa");
+    screen.Press("Home C-Right Delete d Enter");
+    screen.Type("x zzy");
+    screen.Press("C-Left BSpace y Enter");
     screen.Enter("o");
     screen.Type("sUp");
     screen.Press("Tab C-u");

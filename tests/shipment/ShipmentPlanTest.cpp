@@ -2,6 +2,7 @@
 #include "shipment/ShipmentPlan.h"
 
 #include "foundation/Kelvane.h"
+#include "shipment/PackingLimit.h"
 #include "tests/support/TestFolder.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,11 @@
 namespace fs = std::filesystem;
 
 constexpr std::int64_t kCutOff = 1700000000;
+
+TEST(Shipment, WaitsTwentyMinutesForItsArchiver)
+{
+    EXPECT_EQ(kPackingLimit, 20 * 60);
+}
 
 TEST(OldFileNames, ExactlyTheCutOffIsNotOld)
 {
