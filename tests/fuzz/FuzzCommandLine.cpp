@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Any arguments, put together to a line and split again: neither crashes, the quotes around a whole argument
-// hold it together, and no character but quotes comes or goes. A switch of that line that is there has a
-// value, and the value lies in it.
+// hold it together, and no character but quotes comes or goes. The same text as one command line: a
+// switch that is there has a value, and the value lies in it.
 #include "app/CmdLineParser.h"
 #include "platform/kernel/CommandLine.h"
 #include "tests/fuzz/Require.h"
@@ -35,12 +35,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(SplitCommandLine(line) == arguments || !plain);
 
     CCmdLineParser parser;
-    parser.Parse(line.c_str());
+    parser.Parse(text.c_str());
     for (const wchar_t* key : {L"a", L"b", L"FTP_LOG"})
     {
         const wchar_t* value = parser.GetVal(key);
         Require(parser.HasKey(key) == (value != nullptr));
-        Require(value == nullptr || line.find(value) != std::wstring::npos);
+        Require(value == nullptr || text.find(value) != std::wstring::npos);
         Require(parser.HasVal(key) == (value != nullptr && *value != L'\0'));
     }
     return 0;

@@ -5,6 +5,7 @@
 #include "tests/support/LdapPeer.h"
 #include "tests/support/ScriptedFtpServer.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -87,4 +88,21 @@ TEST_F(Signals, ThatWereIgnoredFromTheStartStayIgnored)
     const ProgramOutcome outcome = folder.Run(start);
     EXPECT_EQ(outcome.exitCode, 0) << outcome.console;
     EXPECT_THAT(folder.Log(), HasSubstr("finished tavo app"));
+}
+
+// The program runs as root: what its caller's environment names must not be loaded. Whoever opens this one
+// waits.
+TEST_F(Signals, EnvironmentNamesNoCodeToLoad)
+{
+    const fs::path pipe = folder.Path() / "openssl.cnf";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    LdapPeer peer([](LdapPeer::Connection& connection) { connection.ReadRequest(); });
+    ProgramStart start;
+    start.environment = {{"OPENSSL_CONF", pipe.string()}, {"SASL_PATH", pipe.string()}};
+    start.input = {"LDAP ...", "LDAP Server=127.0.0.1", "Port=" + std::to_string(peer.Port()),
+                   "Authentication=Simple bind - SSL", "OK"};
+    start.limit = std::chrono::seconds(20);
+    const ProgramOutcome outcome = folder.Run(start);
+    EXPECT_TRUE(outcome.ended);
+    EXPECT_THAT(outcome.console, HasSubstr("END TEST"));
 }
