@@ -20,6 +20,7 @@ using std::chrono::milliseconds;
 constexpr long kConnectSeconds = 60; // to connect and to log in
 constexpr long kKeepAliveSeconds = 30;
 constexpr milliseconds kLastWordWait{1000};
+constexpr std::chrono::seconds kGoodbyeWait{5};
 constexpr std::size_t kLongestLastWord = 65536;
 constexpr milliseconds kDrainInterval{2};
 
@@ -106,6 +107,7 @@ private:
     int mAnswer = 0;       // number of the answer to the latest command, and its line
     std::string mAnswerLine;
     bool mAwaitsEnd = false; // the transfer has begun and the server has not said how it ended
+    bool mKnowsEnd = false;  // the server has said how it ended
     bool mFileEnded = false; // all bytes are with the server's system
     bool mCutShort = false;  // the server took no more: libcurl was told that the file is at its end
     bool mConfirmed = false; // the server has said that it has them
@@ -323,6 +325,7 @@ void CurlUpload::Answer(std::string_view line)
     else if (mAwaitsEnd)
     {
         mAwaitsEnd = false;
+        mKnowsEnd = true;
         mConfirmed = mFileEnded && (number == 226 || number == 250);
         if (mConfirmed)
             mEvents.Status(kIPWorksConfirmed, "The server has received " + mJob.remoteFile);
@@ -437,9 +440,11 @@ bool CurlUpload::HasStalled()
         mArrived = arrived;
         Moved();
     }
-    if (Clock::now() - mMovedAt < mJob.stallLimit)
+    // Nothing more is awaited then but a goodbye, or the very answer that we have read in libcurl's place.
+    const bool isOver = mKnowsEnd || (mLeaves && !mAwaitsEnd);
+    if (Clock::now() - mMovedAt < (isOver ? std::min(mJob.stallLimit, kGoodbyeWait) : mJob.stallLimit))
         return false;
-    if (!mLeaves) // then all is known
+    if (!isOver && !mLeaves) // a confirmation may come late
         Stop(kIPWorksStalled, "No byte moved for " + std::to_string(mJob.stallLimit.count()) + " seconds.");
     return true;
 }
