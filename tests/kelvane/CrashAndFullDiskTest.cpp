@@ -17,11 +17,7 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 constexpr int kTextLength = 400'000;
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) // a start takes ten times as long
-constexpr int kKills = 40;
-#else
-constexpr int kKills = 200;
-#endif
+constexpr int kKills = 100;
 
 static std::string FileWith(char letter)
 {
