@@ -29,8 +29,16 @@ TEST(Resources, VersionIsTheTrees)
               TAVO_VERSION);
 }
 
-TEST(Resources, IconIsThere)
+TEST(Resources, IconHasAnImageOfEachSize)
 {
-    EXPECT_NE(LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TAVO)), nullptr);
+    const HICON icon = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TAVO));
+    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+    {
+        const IconImage image = FindIconImage(icon, size);
+        ASSERT_GE(image.size, 24U) << size;
+        // The width in a PNG's first chunk, high byte first, or in a bitmap's header, low byte first.
+        EXPECT_EQ(image.isPng ? image.bytes[18] << 8 | image.bytes[19] : image.bytes[5] << 8 | image.bytes[4],
+                  size);
+    }
     EXPECT_EQ(LoadIconW(nullptr, MAKEINTRESOURCEW(1)), nullptr);
 }
