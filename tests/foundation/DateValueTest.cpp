@@ -9,6 +9,9 @@
 // year, month, day, hour, minute, second, day of the week, day of the year
 using Fields = std::tuple<int, int, int, int, int, int, int, int>;
 
+// The numbers belong to the interface.
+static_assert(eDateValid == 0 && eDateInvalid == 1 && eDateNull == 2);
+
 static Fields Split(double date)
 {
     DateFields f{};

@@ -48,7 +48,8 @@ TEST(LdapCreds, GiveTheirCallerWhatTheDialogHoldsUnlessItIsCancelled)
         creds.mStep = [&, dialog = &creds, selection = selection, port = port, focus = focus, key = key]
         {
             EXPECT_EQ(FocusedControl(), ::GetDlgItem(dialog->m_hWnd, IDC_SERVER));
-            SendMessageW(::GetDlgItem(dialog->m_hWnd, IDC_AUTH_METHOD), CB_SETCURSEL, selection, 0);
+            if (selection != 0) // with which it opens
+                SendMessageW(::GetDlgItem(dialog->m_hWnd, IDC_AUTH_METHOD), CB_SETCURSEL, selection, 0);
             for (const int id : {IDC_SERVER, IDC_DOMAIN, IDC_USER, IDC_PASSWORD})
                 SetWindowTextW(::GetDlgItem(dialog->m_hWnd, id),
                                (L"b\u00fc \U0001F600 " + std::to_wstring(id)).c_str());
