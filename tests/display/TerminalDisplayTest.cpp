@@ -125,7 +125,7 @@ TEST(TerminalDisplay, ObeysLines)
         {"p=u\n", usage},
         {"Label=a = b \n1004\n", "1004 a = b |Red|0\n"}, // all after the first sign
         {"1001=x\nlab=y\n1004\n", "1004 y|Red|0\n"},
-        {"1001=\xc3\xa4\xff\n1004\n", // what cannot be read is never changed
+        {"1001=\xff\xc3\n1004\n", // what cannot be read is never changed
          "Not taken: that line is not text in UTF-8. LANG says what it is.\n1004 y|Red|0\n"},
         {"1001=\xc3\xa4\n1004\n", "1004 \xc3\xa4|Red|0\n"},
         {"1001=\n1002=on\n", "Box: on\n1002 |Red|1\n"},

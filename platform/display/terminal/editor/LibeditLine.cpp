@@ -116,7 +116,6 @@ public:
         mPrompt = std::move(prompt);
         el_wset(mEdit, EL_UNBUFFERED, 0);
         el_wset(mEdit, EL_UNBUFFERED, 1);
-        std::fflush(mScreen);
     }
 
     bool Take(wchar_t key) override
