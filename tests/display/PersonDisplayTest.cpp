@@ -250,6 +250,8 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
     screen.Press("Tab");
     screen.Type("f");
     screen.Press("Tab Enter Enter");
+    screen.Type("wide=");
+    screen.Press("Tab n Enter");
     screen.Enter("hex=1");
     screen.Enter("input");
     screen.Press("Up Up Enter");
@@ -275,7 +277,9 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
                            "OK, Cancel, Get CRC64, or a box to change [Get CRC64]:\n"
                            "CRC64: 9378702243592935650\n"
                            "CRC64 Hex: 8227D800038418E2\n"
-                           "OK, Cancel, Get CRC64, or a box to change [OK]: hex=1\n"
+                           "OK, Cancel, Get CRC64, or a box to change [OK]: wide=on\n"
+                           "Wide characters: on\n"
+                           "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: hex=1\n"
                            "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: input\n"
                            "Input [ two blanks ]: hex=1\n"
                            "OK, Cancel, Get CRC64, or a box to change [Get CRC64]:\n"

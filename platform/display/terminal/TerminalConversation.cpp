@@ -270,6 +270,7 @@ std::wstring Conversation::Say(const Window& dialog, std::wstring_view word)
 
 std::wstring Conversation::FillBox(Window& box, std::wstring_view text)
 {
+    UserFocused(box); // or the click on it would, and it would be asked again
     std::wstring answer = Fill(box, LosesBlanks(box) ? Trim(text) : text);
     if (answer.empty())
         Settle(box);
