@@ -128,7 +128,7 @@ __asm__(".section .rodata\n"
         ".byte 0\n"
         ".previous\n");
 ]=] @ONLY)
-  set_source_files_properties(${source} PROPERTIES OBJECT_DEPENDS ${res} SKIP_UNITY_BUILD_INCLUSION ON)
+  set_source_files_properties(${source} PROPERTIES OBJECT_DEPENDS ${res})
   target_sources(${target} PRIVATE ${source})
   set_target_properties(${target} PROPERTIES ENABLE_EXPORTS ON)
 endfunction()
