@@ -44,7 +44,7 @@ ZTString ListedName(std::wstring_view name)
         const bool isRefused = point > 0xFFFF && units == 1;
         listed += isRefused ? L"??" : isHalf ? L"?" : before.substr(0, units);
     }
-    return listed.c_str();
+    return ZTString(listed.c_str());
 }
 
 } // namespace

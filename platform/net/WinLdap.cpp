@@ -13,6 +13,7 @@
 #include <cstring>
 #include <new>
 #include <system_error>
+#include <utility>
 
 using namespace platform;
 
@@ -253,16 +254,18 @@ PWCHAR* ldap_get_valuesW(LDAP* session, LDAPMessage* entry, const PWCHAR attribu
         [&]
         {
             std::vector<std::string_view> values;
-            if (!SessionOf(session).Values(entry, text::ToUtf8(ViewOf(attribute)), values))
+            if (SessionOf(session).Values(entry, text::ToUtf8(ViewOf(attribute)), values))
+                list = static_cast<PWCHAR*>(std::calloc(values.size() + 1, sizeof(PWCHAR)));
+            if (list == nullptr)
                 return LdapFault();
-            list = static_cast<PWCHAR*>(std::calloc(values.size() + 1, sizeof(PWCHAR)));
-            for (std::size_t i = 0; list != nullptr && i < values.size(); ++i)
+            for (std::size_t i = 0; i < values.size(); ++i)
             {
                 list[i] = NewText(values[i]);
-                if (list[i] != nullptr)
-                    continue;
-                ldap_value_freeW(list);
-                list = nullptr;
+                if (list[i] == nullptr)
+                {
+                    ldap_value_freeW(std::exchange(list, nullptr));
+                    break;
+                }
             }
             return LdapFault();
         });

@@ -217,7 +217,9 @@ private:
                 mEditor = std::make_unique<PlainLine>(*this);
             }
         }
-        return mEditor != nullptr ? *mEditor : mPlain;
+        if (mEditor != nullptr)
+            return *mEditor;
+        return mPlain;
     }
 
     void SetMode()
