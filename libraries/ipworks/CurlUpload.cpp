@@ -76,7 +76,8 @@ private:
 
     void Command(std::string_view line);
     void Answer(std::string_view line);
-    bool IsSending() const { return mAwaitsEnd && !mFileEnded && !mCutShort; }
+    bool Runs() const { return mTransfer == Transfer::Runs; }
+    bool IsSending() const { return Runs() && !mFileEnded && !mCutShort; }
     // In direct mode libcurl 7.88 leaves a message about the listening socket there, before anything has
     // failed.
     bool HasProblem() const { return mProblem[0] != '\0' && !mProblemIsOld; }
@@ -106,8 +107,13 @@ private:
     bool mLeaves = false;  // QUIT is sent
     int mAnswer = 0;       // number of the answer to the latest command, and its line
     std::string mAnswerLine;
-    bool mAwaitsEnd = false; // the transfer has begun and the server has not said how it ended
-    bool mKnowsEnd = false;  // the server has said how it ended
+    // Whether the server has said that the transfer begins, and how it ended.
+    enum class Transfer
+    {
+        Ahead,
+        Runs,
+        IsOver
+    } mTransfer = Transfer::Ahead;
     bool mFileEnded = false; // all bytes are with the server's system
     bool mCutShort = false;  // the server took no more: libcurl was told that the file is at its end
     bool mConfirmed = false; // the server has said that it has them
@@ -306,7 +312,7 @@ void CurlUpload::Answer(std::string_view line)
     mEvents.Answer(line);
     const int number = AnswerNumber(line);
     // After QUIT, an answer that belongs to the transfer may still come.
-    if (number == 0 || (mLeaves && (!mAwaitsEnd || number == 221)))
+    if (number == 0 || (mLeaves && (!Runs() || number == 221)))
         return;
     mAnswer = number;
     mAnswerLine = line;
@@ -319,13 +325,12 @@ void CurlUpload::Answer(std::string_view line)
         mEvents.Status(kIPWorksLoggedIn, "Logged in as " + mJob.user);
     else if (number == 125 || number == 150)
     {
-        mAwaitsEnd = true;
+        mTransfer = Transfer::Runs;
         mEvents.Status(kIPWorksSending, "Sending " + mJob.remoteFile);
     }
-    else if (mAwaitsEnd)
+    else if (Runs())
     {
-        mAwaitsEnd = false;
-        mKnowsEnd = true;
+        mTransfer = Transfer::IsOver;
         mConfirmed = mFileEnded && (number == 226 || number == 250);
         if (mConfirmed)
             mEvents.Status(kIPWorksConfirmed, "The server has received " + mJob.remoteFile);
@@ -405,7 +410,7 @@ void CurlUpload::ReadLastWord()
 
     const Clock::time_point end = Clock::now() + kLastWordWait;
     std::string heard;
-    while ((IsSending() || (mAwaitsEnd && HasProblem())) && mStopped.code == kIPWorksOk &&
+    while ((IsSending() || (Runs() && HasProblem())) && mStopped.code == kIPWorksOk &&
            heard.size() < kLongestLastWord)
     {
         const milliseconds left = std::chrono::ceil<milliseconds>(end - Clock::now());
@@ -441,7 +446,7 @@ bool CurlUpload::HasStalled()
         Moved();
     }
     // Nothing more is awaited then but a goodbye, or the very answer that we have read in libcurl's place.
-    const bool isOver = mKnowsEnd || (mLeaves && !mAwaitsEnd);
+    const bool isOver = mTransfer == Transfer::IsOver || (mLeaves && !Runs());
     if (Clock::now() - mMovedAt < (isOver ? std::min(mJob.stallLimit, kGoodbyeWait) : mJob.stallLimit))
         return false;
     if (!isOver && !mLeaves) // a confirmation may come late
