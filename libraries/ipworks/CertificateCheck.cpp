@@ -49,13 +49,10 @@ void CertificateCheck::Attach(void* sslContext)
 
 int CertificateCheck::Verify(X509_STORE_CTX* chain, void* self)
 {
-    if (static_cast<CertificateCheck*>(self)->Decide(chain))
-    {
-        X509_STORE_CTX_set_error(chain, X509_V_OK);
-        return 1;
-    }
-    X509_STORE_CTX_set_error(chain, X509_V_ERR_CERT_REJECTED);
-    return 0;
+    if (!static_cast<CertificateCheck*>(self)->Decide(chain))
+        return 0;
+    X509_STORE_CTX_set_error(chain, X509_V_OK);
+    return 1;
 }
 
 bool CertificateCheck::Decide(X509_STORE_CTX* chain)
