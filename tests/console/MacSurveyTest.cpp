@@ -112,4 +112,5 @@ TEST(FormatToBuffer, FillsPlaceholdersAndCutsAtTheRoom)
     }
     wchar_t small[4];
     EXPECT_EQ(FormatToBuffer(L"{0:s}", small, 4, {L"too long"}), -1);
+    EXPECT_EQ(FormatToBuffer(L"{10}", small, 4, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 7}), 1);
 }

@@ -144,6 +144,8 @@ TEST(Component, UnknownNumbersAndInjectedTextGiveACodeAndAText)
         {said(recorder.Config("RemotePort=65536")),
          "1003|1003 Bad value in the configuration: RemotePort=65536"},
         {said(recorder.Config("StallSeconds=0")), "1003|1003 Bad value in the configuration: StallSeconds=0"},
+        {said(recorder.Config("StallSeconds=86401")),
+         "1003|1003 Bad value in the configuration: StallSeconds=86401"},
         // What would put a second command on the line, or another file into the path.
         {said(recorder.SetText(kIPWorksUser, "a\r\nDELE b")), "1003|1003 A user name is one line."},
         {said(recorder.SetText(kIPWorksPassword, "a\nDELE b")), "1003|1003 A password is one line."},
@@ -156,7 +158,8 @@ TEST(Component, UnknownNumbersAndInjectedTextGiveACodeAndAText)
     };
     for (const auto& [text, expected] : rows)
         EXPECT_EQ(text, expected);
-    EXPECT_EQ(0, recorder.Config("StallSeconds=1"));
+    for (const char* setting : {"StallSeconds=1", "StallSeconds=86400", "RemotePort=65535"})
+        EXPECT_EQ(0, recorder.Config(setting)) << setting;
     EXPECT_TRUE(recorder.events.empty());
 }
 
