@@ -23,9 +23,9 @@ std::optional<Json> Parse(std::string_view file)
         tooDeep = tooDeep || depth > kDeepest;
         return !tooDeep;
     };
-    Json settings = Json::parse(file, watchDepth, false);
-    if (tooDeep || !settings.is_object())
-        return std::nullopt;
+    std::optional<Json> settings(std::in_place, Json::parse(file, watchDepth, false));
+    if (tooDeep || !settings->is_object())
+        settings.reset();
     return settings;
 }
 
