@@ -16,7 +16,7 @@ const std::vector<std::tuple<const wchar_t*, Values, const char*>> kRows = {
     {L"-a \"\" -b", {{L"a", L""}, {L"b", L""}}, "empty quotes"},
     {L"-a:\"x y", {{L"a", L"x y"}}, "unclosed quote runs to the end"},
     {L"-a x\"y z", {{L"a", L"x\"y"}}, "a quote inside a value is part of it"},
-    {L"-a \"x\"y -b", {{L"a", L"x"}, {L"b", L""}}, "what follows a closing quote is skipped"},
+    {L"-a \"x-\"y -b", {{L"a", L"x-"}, {L"b", L""}}, "what follows a closing quote is skipped"},
     {L"-a x-y", {{L"a", L"x-y"}}, "a switch character inside a value"},
     {L"-a:b:c", {{L"a", L"b:c"}}, "a separator inside a value"},
     {L"-a:-b", {{L"a", L"-b"}}, "a value that looks like a switch"},
