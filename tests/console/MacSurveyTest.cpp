@@ -99,10 +99,10 @@ TEST(MacSurvey, TellsTheSizeThatTheListNeeds)
 TEST(FormatToBuffer, FillsPlaceholdersAndCutsAtTheRoom)
 {
     const std::tuple<const wchar_t*, PlaceholderValues, int, int, const wchar_t*> kCases[] = {
-        {L"{0:02X}", {10}, 5, 2, L"0A"},   {L"{}-{}", {1, 2}, 10, 3, L"1-2"},
+        {L"{:02X}{}", {10, 3}, 5, 3, L"0A3"}, {L"{}-{}", {1, 2}, 10, 3, L"1-2"},
         {L"{1}{}", {1, 2}, 10, 2, L"22"}, // the running index counts the placeholders closed so far
-        {L"a{1:u}b", {1}, 10, 4, L"a@@@"}, {L"abcdef", {}, 4, 3, L"abc"},
-        {L"abc", {}, 4, 3, L"abc"},        {L"", {}, 1, 0, L""},
+        {L"a{1:u}b", {1}, 10, 4, L"a@@@"},    {L"abcdef", {}, 4, 3, L"abc"},
+        {L"abc", {}, 4, 3, L"abc"},           {L"", {}, 1, 0, L""},
     };
     for (const auto& [format, values, size, result, text] : kCases)
     {
@@ -112,5 +112,5 @@ TEST(FormatToBuffer, FillsPlaceholdersAndCutsAtTheRoom)
     }
     wchar_t small[4];
     EXPECT_EQ(FormatToBuffer(L"{0:s}", small, 4, {L"too long"}), -1);
-    EXPECT_EQ(FormatToBuffer(L"{10}", small, 4, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 7}), 1);
+    EXPECT_EQ(FormatToBuffer(L"{10}", small, 4, {100, 1, 2, 3, 4, 5, 6, 7, 8, 9, 7}), 1);
 }

@@ -103,7 +103,11 @@ TEST(Settings, AreChangedWhileAnotherAccountLocksTheirFolder)
     const ChildProcess other(L"setpriv --reuid=65534 --regid=65534 --clear-groups flock \"" +
                              folder.Path().wstring() + L"\" sleep 20");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    EXPECT_EQ(folder.Run({"set:LogFileCount:7"}).answers, "true\n");
+    const std::string openFiles = "shell:cd '" + folder.Path().string() + "' && ls /proc/$PPID/fd >";
+    EXPECT_EQ(folder.Run({openFiles + "before", "set:LogFileCount:7", openFiles + "after"}).answers,
+              "true\n");
+    EXPECT_EQ(folder.Read("after"), folder.Read("before"));
+    EXPECT_NE(folder.Read("after"), "");
     other.Kill();
 }
 

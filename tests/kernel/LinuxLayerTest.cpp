@@ -117,4 +117,8 @@ TEST(ProcessOnLinux, ChildGetsNoFileSignalMaskOrHandlerOfOurs)
     pthread_sigmask(SIG_UNBLOCK, &blocked, nullptr);
     close(inherited);
     EXPECT_EQ(folder.Read("seen"), "/dev/null\n/dev/null\n0\n1\n2\n3\n");
+    const auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
+    const auto before = openFiles();
+    EXPECT_EQ(ChildProcess(L"true").ExitCode(), 0U);
+    EXPECT_EQ(openFiles(), before);
 }
