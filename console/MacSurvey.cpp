@@ -78,7 +78,7 @@ void SurveyAdapter(const IP_ADAPTER_ADDRESSES& adapter, int attempt, std::set<st
     const AdapterFlags flags = FlagsOf(adapter);
     const bool add = Counts(attempt, flags);
     Log(log, L"add={0:u}[gu:{1:u},v:{2:u},fvz:{3:u}],",
-        {int{add}, int{flags.globallyUnique}, int{flags.isVirtual}, int{flags.firstValueZero}});
+        {add ? 1 : 0, flags.globallyUnique ? 1 : 0, flags.isVirtual ? 1 : 0, flags.firstValueZero ? 1 : 0});
     if (!add)
         return;
     const std::wstring text = MacText(adapter);

@@ -62,7 +62,7 @@ Handle StartArchiver(CTavoDlg& console, const ZTString& commandLine, HANDLE& run
     {
         const EndOfRunWaits wait;
         if (CreateProcessW(nullptr, buffer.GetBuffer(buffer.GetLength()), nullptr, nullptr, TRUE, 0, nullptr,
-                           GetLogDirectory(), &startup, &process))
+                           GetLogDirectory(), &startup, &process) != FALSE)
             running = process.hProcess;
     }
     if (running == nullptr)

@@ -87,7 +87,7 @@ std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff)
             }
             else if (IsWalked(entry))
                 waiting.push_back(current + entry.cFileName);
-        } while (FindNextFileW(find, &entry));
+        } while (FindNextFileW(find, &entry) != FALSE);
     }
     return names;
 }

@@ -100,7 +100,7 @@ SettingValue Read(const Setting& setting)
     const kelvane::FoundSetting found = kelvane::ReadStoredSetting(kelvane::Narrow(setting.name));
     const ZTString unfit =
         found.finding == eFinding::Value ? WhyUnfit(setting, found.value) : WhatItTakes(setting);
-    const SettingValue value = unfit.IsEmpty() ? found.value : DefaultOf(setting);
+    SettingValue value = unfit.IsEmpty() ? found.value : DefaultOf(setting);
     Remember(setting.id, value);
     if (!unfit.IsEmpty() && found.finding != eFinding::Absent)
         _Log(kLogFailure, L"The default of {0:s} holds, not what is stored: {1:s}",

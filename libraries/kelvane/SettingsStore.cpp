@@ -136,7 +136,7 @@ FoundSetting ReadStoredSetting(std::string_view name)
 ZTString WriteStoredSetting(std::string_view name, const SettingValue& value)
 {
     std::optional<std::string> aside;
-    const ZTString refusal = WriteLocked(name, value, aside);
+    ZTString refusal = WriteLocked(name, value, aside);
     if (aside)
         TellSetAside(*aside);
     return refusal;

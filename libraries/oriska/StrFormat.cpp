@@ -41,7 +41,7 @@ const wchar_t* ReadPlaceholder(const wchar_t* at, std::size_t runningIndex, Plac
 ZTString _StrFormat(const wchar_t* format, const PlaceholderValues& values)
 {
     ZTString result;
-    const wchar_t* at = format ? format : L"";
+    const wchar_t* at = format != nullptr ? format : L"";
     // One allocation serves most texts.
     constexpr std::size_t kRoomForAValue = 24;
     result.GetBuffer(static_cast<int>(std::wcslen(at) + kRoomForAValue * values.size()));
@@ -65,7 +65,7 @@ ZTString _StrFormat(const wchar_t* format, const PlaceholderValues& values)
             result += L'{';
             at += 2;
         }
-        else if (at = ReadPlaceholder(begin, runningIndex, placeholder); !at)
+        else if (at = ReadPlaceholder(begin, runningIndex, placeholder); at == nullptr)
         {
             result += L'{';
             at = begin + 1;

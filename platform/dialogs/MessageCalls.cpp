@@ -25,7 +25,8 @@ BOOL PeekMessageW(LPMSG message, [[maybe_unused]] HWND window, [[maybe_unused]] 
 {
     assert(window == nullptr && first == 0 && last == 0);
     const bool input = (remove & (PM_QS_POSTMESSAGE | PM_QS_PAINT)) == 0;
-    return IsWindowsThread() && TheQueue().Next(*message, (remove & PM_REMOVE) != 0, input);
+    const bool isThere = IsWindowsThread() && TheQueue().Next(*message, (remove & PM_REMOVE) != 0, input);
+    return isThere ? TRUE : FALSE;
 }
 
 // Keys reach the windows as what they do; there is nothing to translate.

@@ -57,7 +57,7 @@ LONG_PTR SetWindowLongPtrW(HWND handle, int index, LONG_PTR value)
 
 BOOL SetWindowTextW(HWND handle, LPCWSTR text)
 {
-    return SendMessageW(handle, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)) > 0;
+    return SendMessageW(handle, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)) > 0 ? TRUE : FALSE;
 }
 
 int GetWindowTextW(HWND handle, LPWSTR text, int capacity)
@@ -81,7 +81,7 @@ BOOL EnableWindow(HWND handle, BOOL enable)
         return FALSE;
     const bool wasDisabled = !window->enabled;
     SetEnabled(*window, enable != FALSE);
-    return wasDisabled;
+    return wasDisabled ? TRUE : FALSE;
 }
 
 HWND SetFocus(HWND handle)
@@ -97,5 +97,5 @@ HWND SetFocus(HWND handle)
 BOOL IsIconic(HWND handle)
 {
     const Window* const dialog = FindDialog(handle);
-    return dialog != nullptr && dialog->dialog->iconic;
+    return dialog != nullptr && dialog->dialog->iconic ? TRUE : FALSE;
 }

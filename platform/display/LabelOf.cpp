@@ -57,7 +57,7 @@ const Window* LabelOf(const Window& control)
     if (control.kind != WindowKind::Edit && control.kind != WindowKind::ComboBox)
         return nullptr;
     const Window* beside = Nearest(control, DistanceBeside);
-    return beside ? beside : Nearest(control, DistanceAbove);
+    return beside != nullptr ? beside : Nearest(control, DistanceAbove);
 }
 
 } // namespace platform

@@ -41,10 +41,11 @@ void DropVariables(int, char**, char** environment)
         const std::size_t end = text.find('=');
         return end != text.npos && std::ranges::find(kDropped, text.substr(0, end)) != std::end(kDropped);
     };
-    char** end = environment;
-    while (*end != nullptr)
-        ++end;
-    *std::remove_if(environment, end, isDropped) = nullptr;
+    char** kept = environment;
+    for (char** variable = environment; *variable != nullptr; ++variable)
+        if (!isDropped(*variable))
+            *kept++ = *variable;
+    *kept = nullptr;
 }
 
 [[gnu::section(".preinit_array"), gnu::used]] void (*const gDropVariables)(int, char**,

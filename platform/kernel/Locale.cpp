@@ -34,7 +34,7 @@ std::string UserLocale(const std::array<const char*, 3>& variables)
 std::string SystemLocale()
 {
     for (const char* path : {"/etc/default/locale", "/etc/locale.conf"})
-        if (const std::string name = LocaleOfFile(ReadWholeFile(path)); !name.empty())
+        if (std::string name = LocaleOfFile(ReadWholeFile(path)); !name.empty())
             return name;
     return {};
 }

@@ -188,7 +188,7 @@ std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity& identity, const st
     }
     for (const std::string& realm : realms)
     {
-        KerberosUser user = {name + "@" + realm};
+        KerberosUser user = {std::string(name).append("@").append(realm)};
         if (!realm.empty() && std::ranges::find(users, user) == users.end())
             users.push_back(std::move(user));
     }

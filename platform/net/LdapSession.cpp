@@ -529,7 +529,7 @@ LdapFault LdapSession::SearchUntil(Deadline deadline, const std::string& base, i
     int request = 0;
     const int sent =
         ldap_search_ext(mHandle, base.c_str(), scope, filter.c_str(), const_cast<char**>(attributes),
-                        namesOnly, nullptr, nullptr, &limit, LDAP_NO_LIMIT, &request);
+                        namesOnly ? 1 : 0, nullptr, nullptr, &limit, LDAP_NO_LIMIT, &request);
     if (sent != LDAP_SUCCESS)
         return LibraryFault(sent);
     Messages found;

@@ -192,7 +192,7 @@ BOOL AccessCheck(PSECURITY_DESCRIPTOR block, HANDLE tokenHandle, DWORD desired, 
     const bool isGranted = token->mIsRoot && entry != nullptr && IsAdministrators(&entry->SidStart) &&
                            (desired & ~entry->Mask) == 0;
     *privileges = {};
-    *status = isGranted;
+    *status = isGranted ? TRUE : FALSE;
     *granted = isGranted ? desired : 0;
     return TRUE;
 }

@@ -147,7 +147,7 @@ public:
         }
         else if (isListening)
             time = time == kForever ? kForegroundCheck : std::min(time, kForegroundCheck);
-        if (!WaitForInput(time, canRead))
+        if (!WaitForInput(time, canRead) || !canRead)
             return;
         ReadKeys();
         TakeKeys(*dialog);

@@ -2,6 +2,7 @@
 #include "platform/display/terminal/UploadProgress.h"
 
 #include <array>
+#include <cmath>
 #include <cwchar>
 
 namespace platform
@@ -24,7 +25,7 @@ std::wstring RateText(double bytesPerSecond)
 
 std::wstring TimeText(double seconds)
 {
-    const auto whole = static_cast<unsigned long>(seconds + 0.5);
+    const auto whole = static_cast<unsigned long>(std::lround(seconds));
     std::array<wchar_t, 48> text;
     if (whole >= 3600)
         std::swprintf(text.data(), text.size(), L", %lu:%02lu:%02lu left", whole / 3600, whole / 60 % 60,
