@@ -4,7 +4,7 @@
 #include "tests/ldap/LdapConsole.h"
 #include "tests/support/TestFolder.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <regex>
 
@@ -77,8 +77,9 @@ TEST(Domain, IsTestedAsTheDialogSays)
         // No ticket for an address, so NTLM.
         {as("389", "TAVO", "alice", right, kNegotiate, "10.53.0.1"), Bound(kNegotiate) + walk, "NTLMSSP"},
         {as("389", "TAVO", "jürgen", beyondAscii, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
-        // Samba 4.17 makes no ticket for a name beyond 16 bits ("PAC signing failed"), 4.23 does.
-        {as("389", "TAVO", "jürgen😀", beyondAscii, kNegotiate), Bound(kNegotiate) + walk, "krb5|NTLMSSP"},
+        // Not every controller makes a ticket for a name beyond 16 bits.
+        {as("389", "TAVO", "jürgen😀", beyondAscii, kNegotiate), Bound(kNegotiate) + walk,
+         std::getenv("TAVO_WIDE_NAME_LOG_ON")},
         {as("389", "TAVO", "", "", kNegotiate), Refused(kNegotiate, 0x31, "no user name was given")},
         {as("389", "TAVO", "alice", right, kNtlm), Bound(kNtlm) + walk, "NTLMSSP"},
         {as("389", "", full, right, kNtlm), Bound(kNtlm) + walk, "NTLMSSP"},
@@ -112,6 +113,6 @@ TEST(Domain, IsTestedAsTheDialogSays)
         EXPECT_EQ(Tested(answers, hasDefaultRealm), Framed(answers, outcome));
         EXPECT_EQ(WrongPasswords() - before, wrongPasswords);
         if (!logOn.empty())
-            EXPECT_THAT(LastLogOn(), testing::MatchesRegex(logOn));
+            EXPECT_EQ(LastLogOn(), logOn);
     }
 }
