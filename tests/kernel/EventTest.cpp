@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <barrier>
 #include <chrono>
 #include <thread>
 
@@ -118,20 +117,26 @@ TEST(NamedEvent, OfAllWhoCreateItAtOnceExactlyOneIsTheFirst)
     constexpr int kRounds = 200;
     const std::wstring name = UniqueName(L"race");
     std::atomic<int> firsts = 0;
-    std::barrier all(kThreads);
+    // In place of std::barrier, which now and then waits for ever in MinGW's library.
+    std::atomic<int> arrived = 0;
+    const auto meet = [&arrived](int time)
+    {
+        for (++arrived; arrived < kThreads * time;)
+            std::this_thread::yield();
+    };
     std::vector<std::jthread> threads;
     for (int index = 0; index < kThreads; ++index)
         threads.emplace_back(
             [&]
             {
-                for (int round = 0; round < kRounds; ++round)
+                for (int round = 0, time = 0; round < kRounds; ++round)
                 {
                     const HANDLE event = Create(name);
                     firsts += event != nullptr && GetLastError() == ERROR_SUCCESS;
-                    all.arrive_and_wait();
+                    meet(++time);
                     CloseHandle(event); // the next round begins while others still close
                     if (round % 2 == 0)
-                        all.arrive_and_wait();
+                        meet(++time);
                 }
             });
     threads.clear();
