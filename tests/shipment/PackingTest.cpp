@@ -51,6 +51,19 @@ TEST_F(Archiver, ThatTakesTooLongIsLeftAlone)
     EXPECT_EQ("late\n", ReadFile(Logs() / "ended"));
 }
 
+// No thread is left for the upload once the archiver has ended.
+TEST_F(Archiver, IsFollowedByTheReasonWhereTheUploadCannotBeStarted)
+{
+    ReplaceArchiver("prlimit --pid $PPID --nproc=1");
+    GiveAway(Logs(), fs::perms(0755));
+    ProgramStart start = Unattended("case");
+    start.asOtherUser = true;
+    EXPECT_THAT(Verdicts(Ship(start)),
+                ElementsAre("Compression finished.  Exit Code: 0",
+                            "Log FTP failed with: 8: Not enough memory resources are available to process "
+                            "this command."));
+}
+
 TEST_F(Archiver, GetsNoInputFileOrNameOfCodeToLoadAndPacksForThisAccountAlone)
 {
     ReplaceArchiver("{ pwd; umask; cat; env | grep '=/nowhere$'; ls -l /proc/self/fd | sed -n 's/.* "
