@@ -112,6 +112,7 @@ TEST(FTPProc, SetsSevenPropertiesUploadsOnceAndPostsALineForEachChangeOfThePerce
     const std::int64_t all = 200;
     gComponent = {.uploads = {[&]
                               {
+                                  EXPECT_EQ("FTPProc\n", ReadFile("/proc/thread-self/comm"));
                                   gComponent.Raise(1, {Text("C"), nullptr, Text("status")});
                                   gComponent.Raise(5, {nullptr, Text("220 trace")});
                                   gComponent.Raise(7, {Text("started")});
