@@ -48,7 +48,7 @@ void CCmdLineParser::Parse(const wchar_t* cmdLine)
     while (position < text.size())
     {
         const std::size_t keySwitch = text.find_first_of(kSwitches, position);
-        if (keySwitch == kNone || keySwitch + 1 == text.size())
+        if (keySwitch == kNone)
             return;
         const std::size_t keyStart = keySwitch + 1;
 

@@ -106,6 +106,7 @@ TEST(Log, KeepsAsManyOlderFilesAsTheSettingSays)
     EXPECT_EQ(folder.Read("Logs/Tavo.1.log").size(), 65'500u) << "a line has more than 36 bytes";
     folder.Run({"set:LogFileCount:0", "set:LogSizeLimitKB:1", "many:c:30"});
     EXPECT_THAT(folder.Names("Tavo."), ElementsAre("Tavo.log", "Tavo.settings.json"));
+    EXPECT_LE(folder.Log().size(), 1024u);
     folder.Run({"set:LogSizeLimitKB:0", "many:d:200"});
     EXPECT_GT(folder.Log().size(), 10'000u);
 }
