@@ -5,14 +5,6 @@ const CRuntimeClass CObject::classCObject = {"CObject", nullptr};
 
 IMPLEMENT_DYNAMIC(CCmdTarget, CObject)
 
-bool CRuntimeClass::IsDerivedFrom(const CRuntimeClass* base) const
-{
-    for (const CRuntimeClass* it = this; it != nullptr; it = it->m_pBaseClass)
-        if (it == base)
-            return true;
-    return false;
-}
-
 const CRuntimeClass* CObject::GetRuntimeClass() const
 {
     return RUNTIME_CLASS(CObject);

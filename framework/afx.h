@@ -7,9 +7,6 @@ struct CRuntimeClass
 {
     const char* m_lpszClassName;
     const CRuntimeClass* m_pBaseClass; // null for CObject
-
-    // True for the class itself, too.
-    bool IsDerivedFrom(const CRuntimeClass* base) const;
 };
 
 #define RUNTIME_CLASS(className) (&className::class##className)
@@ -39,8 +36,6 @@ public:
 
     virtual const CRuntimeClass* GetRuntimeClass() const;
     virtual ~CObject() = default;
-
-    bool IsKindOf(const CRuntimeClass* base) const { return GetRuntimeClass()->IsDerivedFrom(base); }
 
 protected:
     CObject() = default;

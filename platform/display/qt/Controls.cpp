@@ -146,12 +146,7 @@ void SetReadOnly(const Window& control)
         palette.setColor(QPalette::Base, palette.color(QPalette::Window));
     widget.setPalette(palette);
     if (!IsMultiLine(control))
-        return WidgetOf<QLineEdit>(control).setReadOnly(IsReadOnly(control));
-    auto& edit = WidgetOf<QPlainTextEdit>(control);
-    edit.setReadOnly(IsReadOnly(control));
-    if (IsReadOnly(control)) // Qt would leave it to the mouse alone
-        edit.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    edit.setUndoRedoEnabled(!IsReadOnly(control));
+        WidgetOf<QLineEdit>(control).setReadOnly(IsReadOnly(control));
 }
 
 QWidget* MakeButton(Window& control, QWidget& parent)
@@ -175,10 +170,14 @@ QWidget* MakeCheckBox(Window& control, QWidget& parent)
     return box;
 }
 
-QWidget* MakeMultiLineEdit(Window& control, QWidget& parent)
+// No dialog has a box of several lines that can be edited.
+QWidget* MakeTextArea(const Window& control, QWidget& parent)
 {
-    QPlainTextEdit* const edit =
-        IsReadOnly(control) ? new TextArea(control, parent) : new QPlainTextEdit(&parent);
+    auto* edit = new TextArea(control, parent);
+    edit->setReadOnly(true);
+    // Qt would leave it to the mouse alone.
+    edit->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    edit->setUndoRedoEnabled(false);
     edit->setLineWrapMode((control.style & ES_AUTOHSCROLL) != 0 ? QPlainTextEdit::NoWrap
                                                                 : QPlainTextEdit::WidgetWidth);
     const auto policy = [&](DWORD style)
@@ -186,9 +185,6 @@ QWidget* MakeMultiLineEdit(Window& control, QWidget& parent)
     edit->setVerticalScrollBarPolicy(policy(WS_VSCROLL));
     edit->setHorizontalScrollBarPolicy(policy(WS_HSCROLL));
     edit->setTabChangesFocus(true);
-    QObject::connect(edit, &QPlainTextEdit::textChanged,
-                     [&control, edit]
-                     { UserTyped(control, edit->toPlainText().replace(u'\n', "\r\n").toStdWString()); });
     return edit;
 }
 
@@ -247,7 +243,7 @@ QWidget* MakeBareControl(Window& control, QWidget& parent)
     case WindowKind::ComboBox:
         return MakeComboBox(control, parent);
     case WindowKind::Edit:
-        return IsMultiLine(control) ? MakeMultiLineEdit(control, parent) : MakeLineEdit(control, parent);
+        return IsMultiLine(control) ? MakeTextArea(control, parent) : MakeLineEdit(control, parent);
     default:
         return MakeLabel(parent);
     }
