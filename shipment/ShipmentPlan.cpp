@@ -70,7 +70,7 @@ std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff)
     {
         ZTString current = waiting.back();
         waiting.pop_back();
-        if (current.IsEmpty() || current[current.GetLength() - 1] != kSeparator)
+        if (current[current.GetLength() - 1] != kSeparator)
             current += kSeparator;
 
         WIN32_FIND_DATAW entry{};

@@ -94,7 +94,7 @@ TEST_F(WholeShipment, BringsEveryFreshFileAndNothingElse)
     ReplaceArchiver("\"$REAL\" \"$@\"; result=$?; cp .._*.zip '" + kept.string() + "'; exit $result");
     const RealFtpServer server(kFtpUser, kFtpPassword);
     // No locale: names are UTF-8 all the same. What no file name may hold is replaced.
-    const std::string wanted = "x it's 100% #1;type=a Л日😀";
+    const std::string wanted = "x it's 100% #1;type=a Л日😀 x";
     const std::string name = ".._" + wanted + ".zip";
     const std::string shown = InAscii(name);
     ProgramStart start = Unattended("\t\r\n ..\\" + wanted + " \r\n\t");
