@@ -22,9 +22,19 @@ TAVO_UNCHECKED static void DivideByZero()
     number = 84 / number;
 }
 
+#if defined(__aarch64__)
+constexpr unsigned long kDivisionByZero = 0; // gives 0 there
+#else
+constexpr unsigned long kDivisionByZero = kFaultIntegerDivision;
+#endif
+
 static void IllegalInstruction()
 {
+#if defined(__aarch64__)
+    __asm__ volatile("udf #0");
+#else
     __asm__ volatile("ud2");
+#endif
 }
 
 using Fault = void (*)();
@@ -67,7 +77,7 @@ TEST(CatchSEH, DestroysWhatLiesBetweenTheFaultAndTheHandler)
 TEST(CatchSEH, TurnsFaultsIntoExceptionsOnEveryThreadAtOnceNestedTimeAndAgain)
 {
     const std::pair<Fault, unsigned long> faults[] = {{WriteToNull, kFaultAccessViolation},
-                                                      {DivideByZero, kFaultIntegerDivision},
+                                                      {DivideByZero, kDivisionByZero},
                                                       {IllegalInstruction, kFaultIllegalInstruction},
                                                       {[] {}, 0}};
     std::vector<std::jthread> threads;

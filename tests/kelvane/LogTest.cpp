@@ -104,6 +104,9 @@ TEST(Log, KeepsAsManyOlderFilesAsTheSettingSays)
     folder.Write("Logs/Tavo.log", std::string(65'500, 'x'));
     folder.Run({"set:LogSizeLimitKB:64", "log:2:y"});
     EXPECT_EQ(folder.Read("Logs/Tavo.1.log").size(), 65'500u) << "a line has more than 36 bytes";
+    folder.Write("Logs/Tavo.log", "");
+    folder.Run({"log:2:" + std::string(65'536, 'y')});
+    EXPECT_EQ(folder.Read("Logs/Tavo.1.log").size(), 65'500u) << "an empty file is not moved";
     folder.Run({"set:LogFileCount:0", "set:LogSizeLimitKB:1", "many:c:30"});
     EXPECT_THAT(folder.Names("Tavo."), ElementsAre("Tavo.log", "Tavo.settings.json"));
     EXPECT_LE(folder.Log().size(), 1024u);

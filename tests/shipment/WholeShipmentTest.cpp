@@ -68,7 +68,7 @@ static std::string InAscii(const std::string& text)
     std::string shown;
     for (const char c : text)
         if ((c & 0xC0) != 0x80)
-            shown += c >= 0 ? std::string(1, c) : (c & 0xF8) == 0xF0 ? "??" : "?";
+            shown += (c & 0x80) == 0 ? std::string(1, c) : (c & 0xF8) == 0xF0 ? "??" : "?";
     return shown;
 }
 
