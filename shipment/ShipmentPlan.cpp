@@ -47,6 +47,21 @@ ZTString ListedName(std::wstring_view name)
     return ZTString(listed.c_str());
 }
 
+// Within quotation marks in a command line. On Linux a folder's name may hold one.
+ZTString Escaped(const ZTString& path)
+{
+    std::wstring escaped;
+    std::size_t backslashes = 0; // that stand before
+    for (const wchar_t character : path.AsView())
+    {
+        if (character == L'"')
+            escaped.append(backslashes + 1, L'\\');
+        backslashes = character == L'\\' ? backslashes + 1 : 0;
+        escaped += character;
+    }
+    return ZTString(escaped.c_str());
+}
+
 } // namespace
 
 ZTString ArchiveName(const wchar_t* wanted)
@@ -98,5 +113,6 @@ ZTString ArchiverCommandLine(bool hasIgnoreList, const ZTString& archivePath)
     if (hasIgnoreList)
         exclusion = ZTString(L"-x@") + kIgnoreListName;
     const ZTString archiver = GetPathInAppFolder(L"7za.exe");
-    return _StrFormat(L"\"{0}\" a -r -ssw {1} \"{2}\" *", {archiver, exclusion, archivePath});
+    return _StrFormat(L"\"{0}\" a -r -ssw {1} \"{2}\" *",
+                      {Escaped(archiver), exclusion, Escaped(archivePath)});
 }

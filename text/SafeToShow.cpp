@@ -29,12 +29,12 @@ constexpr Range kObeyed[] = {
     {0xFFF9, 0xFFFB}, // controls of annotations
 };
 
+} // namespace
+
 bool IsCharacter(char32_t point)
 {
     return point < 0xD800 || (point > 0xDFFF && point <= 0x10FFFF);
 }
-
-} // namespace
 
 bool IsSafeToShow(char32_t point)
 {

@@ -9,13 +9,16 @@
 namespace text
 {
 
-// False for what a terminal obeys (control characters), what breaks a line, what turns or hides the text
-// around it (marks of direction, characters without width), for half of a surrogate pair and what is beyond
+// False for half of a surrogate pair, which also stands for a byte that was not UTF-8, and for what is beyond
 // Unicode.
+bool IsCharacter(char32_t point);
+
+// False for what a terminal obeys (control characters), what breaks a line, what turns or hides the text
+// around it (marks of direction, characters without width), and for what is not a character.
 bool IsSafeToShow(char32_t point);
 
-// The text with a blank in place of each character that is not safe, and U+FFFD where there is none at all
-// (half of a pair, a byte that was not UTF-8). `kept` are characters that the caller takes care of, such as
+// The text with a blank in place of each character that is not safe, and U+FFFD where there is none at
+// all. `kept` are characters that the caller takes care of, such as
 // line ends.
 std::wstring SafeToShow(std::wstring_view wide, std::wstring_view kept = {});
 

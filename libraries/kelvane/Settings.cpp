@@ -2,6 +2,8 @@
 #include "foundation/Kelvane.h"
 #include "libraries/kelvane/SettingsStore.h"
 #include "libraries/kelvane/Text.h"
+#include "text/SafeToShow.h"
+#include "text/Unicode.h"
 
 #include <algorithm>
 #include <array>
@@ -144,12 +146,16 @@ eParamType GetConfigType(eConfigID id)
 
 bool SetConfigStr(eConfigID id, const wchar_t* text, bool, RequestTarget*)
 {
-    // A text that the file's encoding cannot hold would come back as another one.
-    const std::string narrow = kelvane::Narrow(kelvane::ViewOf(text));
-    if (kelvane::Widen(narrow) == ZTString(text))
-        return Store(id, narrow);
-    _Log(kLogFailure, L"A setting is not changed: its text holds half a character", {});
-    return false;
+    // The file's encoding holds characters alone: anything else would come back as another text.
+    const std::wstring_view whole = kelvane::ViewOf(text);
+    for (std::wstring_view rest = whole; !rest.empty();)
+        if (!text::IsCharacter(text::TakePoint(rest)))
+        {
+            _Log(kLogFailure, L"A setting is not changed: its text is not UTF-8, or holds half a character",
+                 {});
+            return false;
+        }
+    return Store(id, kelvane::Narrow(whole));
 }
 
 bool SetConfigDWord(eConfigID id, DWORD number, bool, RequestTarget*)

@@ -144,6 +144,8 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
         {L"T", true, true, kEnded},
         {L"T -FTP_LOG=x", false, true, kEnded},
         {L"T -FTP_LOG -AUTOCLOSE", false, false, kEnded},
+        {L"T -FTP_LOG=x -AUTOCLOSE", false, true, kEnded},
+        {L"T -AUTOCLOSE=yes", false, false, kEnded},
         {L"T -FTP_LOG=x -AUTOCLOSE=yes", false, false, 1},
     };
     for (const auto& [commandLine, clicks, starts, result] : rows)

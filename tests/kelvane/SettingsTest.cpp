@@ -81,6 +81,13 @@ TEST(Settings, BeyondTheirRangeAreRefusedAndTheLogSaysWhy)
     EXPECT_FALSE(
         SetConfigStr(eConfigCustomerServiceText, std::wstring(1, wchar_t{0xD800}).c_str(), true, nullptr))
         << "half of a surrogate pair has no place in the file";
+    const AgentFolder folder;
+    EXPECT_EQ(folder
+                  .Run({"set:CustomerServiceText:kept", "set:CustomerServiceText:" + Encoded("Gr\xFC\xDF"),
+                        "reset:CustomerServiceText", "get:CustomerServiceText"})
+                  .answers,
+              "true\nfalse\nkept\n")
+        << "nor has a byte that is not UTF-8";
 }
 
 TEST(Settings, LeaveWhatAPersonWroteInItsPlace)

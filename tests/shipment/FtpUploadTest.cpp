@@ -41,7 +41,7 @@ static void* Text(const char* text)
 
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    EXPECT_TRUE(window == gConsoleWnd && message == 0x402 && wParam == 0);
+    EXPECT_TRUE(window == gConsoleWnd && message == 0x402 && wParam == 0 && !gbFTPDone);
     auto* const text = reinterpret_cast<wchar_t*>(lParam);
     gPosted.push_back(std::filesystem::path(text).string());
     free(text);
@@ -89,6 +89,7 @@ extern "C"
 
     int IPWorks_FTP_Destroy(void*)
     {
+        EXPECT_TRUE(gbFTPDone);
         gComponent.calls.push_back("destroy");
         return 0;
     }

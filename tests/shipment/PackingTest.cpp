@@ -143,6 +143,15 @@ TEST_F(LogDirectory, ThatIsReadOnlyOrMissingGivesAnError)
     EXPECT_THAT(Verdicts(Ship(start)), ElementsAre(StartsWith("Failed to launch before FTP: [")));
 }
 
+TEST_F(LogDirectory, MayHaveAQuotationMarkInItsName)
+{
+    const RealFtpServer server(kFtpUser, kFtpPassword);
+    WriteFile(folder.Path() / "Tavo.settings.json", R"({"LogDirectory": "lo\\\"g \"s"})");
+    WriteFile(folder.Path() / "lo\\\"g \"s" / "fresh.log", "fresh");
+    EXPECT_THAT(Verdicts(Ship("case")), ElementsAre("Compression finished.  Exit Code: 0", kSent));
+    EXPECT_EQ("fresh", Unpack(server.Directory() / "case.zip")["fresh.log"]);
+}
+
 // Else the account could have root pack and send any folder.
 TEST_F(LogDirectory, BehindALinkOfAnotherAccountIsNotUsed)
 {

@@ -18,6 +18,11 @@ TEST(Shipment, WaitsTwentyMinutesForItsArchiver)
     EXPECT_EQ(kPackingLimit, 20 * 60);
 }
 
+TEST(ArchiveName, IsTheDateWhereNoneIsGiven)
+{
+    EXPECT_EQ(ArchiveName(L" \t\r\n"), ArchiveName(nullptr));
+}
+
 TEST(OldFileNames, ExactlyTheCutOffIsNotOld)
 {
     const TestFolder logs;

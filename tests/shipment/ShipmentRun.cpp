@@ -15,6 +15,7 @@ ProgramStart ShipmentTest::Unattended(const std::string& name)
     ProgramStart start;
     start.arguments = {"-FTP_LOG=" + name, "-AUTOCLOSE", "yes"};
     start.limit = std::chrono::seconds(120);
+    start.awaited = "FTP_LOG: "; // the input stays open: the program has to end by itself
     return start;
 }
 
@@ -67,9 +68,9 @@ void ShipmentTest::GiveAway(const fs::path& path, fs::perms mode) const
     fs::permissions(path, mode);
 }
 
-void MakeOld(const fs::path& path)
+void MakeOld(const fs::path& path, std::chrono::hours age)
 {
-    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(24 * 30));
+    fs::last_write_time(path, fs::file_time_type::clock::now() - age);
 }
 
 std::vector<std::string> ShipmentLines(const ProgramOutcome& outcome)

@@ -57,7 +57,7 @@ protected:
     ProgramFolder folder;
 };
 
-void MakeOld(const std::filesystem::path& path);
+void MakeOld(const std::filesystem::path& path, std::chrono::hours age = std::chrono::hours(24 * 30));
 
 // The files of an archive: relative path to content.
 using Tree = std::map<std::string, std::string>;

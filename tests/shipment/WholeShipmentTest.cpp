@@ -56,8 +56,12 @@ static std::pair<Tree, std::set<std::string>> MakeTree(const fs::path& root)
     listed.erase("gr\xFC\xDF-ä.log");
     listed.erase("😀.log");
     listed.insert({"gr?\?-ä.log", "??.log"});
+    makeOld("over five days.log");
+    MakeOld(root / "over five days.log", std::chrono::hours(121));
+    fresh["under five days.log"] = "fresh";
     for (const auto& [path, content] : fresh)
         WriteFile(root / path, content);
+    MakeOld(root / "under five days.log", std::chrono::hours(119));
     MakeOld(root / "old"); // a folder's age means nothing
     return {fresh, listed};
 }
