@@ -17,9 +17,8 @@ bool IsCharacter(char32_t point);
 // around it (marks of direction, characters without width), and for what is not a character.
 bool IsSafeToShow(char32_t point);
 
-// The text with a blank in place of each character that is not safe, and U+FFFD where there is none at
-// all. `kept` are characters that the caller takes care of, such as
-// line ends.
+// The text with a blank in place of each character that is not safe, and U+FFFD where there is none at all.
+// `kept` are characters that the caller takes care of, such as line ends.
 std::wstring SafeToShow(std::wstring_view wide, std::wstring_view kept = {});
 
 } // namespace text
