@@ -4,6 +4,7 @@
 #include "base/Owned.h"
 #include "foundation/DateValue.h"
 #include "foundation/Kelvane.h"
+#include "text/SafeToShow.h"
 #include "text/Unicode.h"
 
 #include <time.h>
@@ -38,11 +39,10 @@ ZTString ListedName(std::wstring_view name)
         const std::wstring_view before = name;
         const char32_t point = text::TakePoint(name);
         const std::size_t units = before.size() - name.size();
-        const bool isHalf = point >= 0xD800 && point <= 0xDFFF;
         // 7-Zip 23.01, which Ubuntu 24.04 has, refuses the whole list for one character that is two in
         // UTF-16, by which each 7-Zip matches.
         const bool isRefused = point > 0xFFFF && units == 1;
-        listed += isRefused ? L"??" : isHalf ? L"?" : before.substr(0, units);
+        listed += isRefused ? L"??" : !text::IsCharacter(point) ? L"?" : before.substr(0, units);
     }
     return ZTString(listed.c_str());
 }

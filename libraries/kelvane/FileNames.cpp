@@ -3,6 +3,7 @@
 // (https://learn.microsoft.com/windows/win32/fileio/naming-a-file), and Linux' 255 bytes.
 #include "foundation/Kelvane.h"
 #include "libraries/kelvane/Text.h"
+#include "text/SafeToShow.h"
 #include "text/Unicode.h"
 
 #include <algorithm>
@@ -18,8 +19,7 @@ constexpr std::wstring_view kForbiddenAtEnd = L". ";
 
 bool IsForbidden(char32_t point)
 {
-    const bool isHalfOfAPair = point >= 0xD800 && point < 0xE000;
-    return point < 0x20 || point == 0x7F || isHalfOfAPair ||
+    return point < 0x20 || point == 0x7F || !text::IsCharacter(point) ||
            kForbidden.find(static_cast<wchar_t>(point)) != std::wstring_view::npos;
 }
 
