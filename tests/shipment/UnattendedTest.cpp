@@ -11,14 +11,15 @@ using UnattendedShipment = ShipmentTest;
 
 TEST_F(UnattendedShipment, SecondIsRefusedAndAfterAKillTheNextOneShips)
 {
-    // While the first one packs, the archiver starts the second and then kills the first.
+    // While the first one packs, the archiver starts the second, of another user, and then kills the first.
     const ProgramFolder other;
     const fs::path seen = folder.Path() / "seen";
     const fs::path packing = folder.Path() / "packing";
     ReplaceArchiver("if [ -e '" + packing.string() + "' ]; then exec \"$REAL\" \"$@\"; fi; touch '" +
-                    packing.string() + "'; '" + other.Program().string() +
-                    "' -FTP_LOG=second -AUTOCLOSE=yes </dev/null >'" + seen.string() +
-                    "' 2>&1; echo \"ended with $?\" >>'" + seen.string() + "'; kill -9 $PPID");
+                    packing.string() + "'; setpriv --reuid=nobody --regid=65534 --clear-groups '" +
+                    other.Program().string() + "' -FTP_LOG=second -AUTOCLOSE=yes </dev/null >'" +
+                    seen.string() + "' 2>&1; echo \"ended with $?\" >>'" + seen.string() +
+                    "'; kill -9 $PPID");
     EXPECT_EQ(128 + 9, folder.Run(Unattended("first")).exitCode);
     const std::string second = ReadFile(seen);
     EXPECT_THAT(second, HasSubstr("Current Computer: "));
