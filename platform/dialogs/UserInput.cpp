@@ -4,6 +4,7 @@
 #include "platform/dialogs/Controls.h"
 #include "platform/dialogs/WindowTable.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace platform
@@ -16,6 +17,8 @@ void UserClicked(Window& button)
 
 void UserTyped(Window& edit, std::wstring wholeText)
 {
+    // What is pasted may hold an end of text, after which no program would read.
+    wholeText.resize(std::min(wholeText.find(L'\0'), wholeText.size()));
     SetEditText(edit, std::move(wholeText));
     edit.selectionStart = edit.selectionEnd = edit.text.size();
 }

@@ -67,6 +67,17 @@ TEST(Input, IsDroppedWhenItsControlCannotTakeItAnyMore)
         << "the dialog was disabled under another one";
 }
 
+TEST(Input, EndsWhereAProgramStopsReading)
+{
+    CommandsAfter(
+        [](HWND dialog)
+        {
+            UserTyped(ControlOfTop(IDC_LINE), {L'0', L'\0', L'a'});
+            SetWindowTextW(GetDlgItem(dialog, IDC_LINE), L"0");
+            EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_LINE)), L"0");
+        });
+}
+
 TEST(Input, StaysWhereOnlyPostedMessagesAndPaintingAreAskedFor)
 {
     EXPECT_THAT(

@@ -17,6 +17,7 @@
 
 using testing::EndsWith;
 using testing::HasSubstr;
+using namespace std::string_literals;
 
 namespace
 {
@@ -127,6 +128,9 @@ TEST(TerminalDisplay, ObeysLines)
         {"1001=x\nlab=y\n1004\n", "1004 y|Red|0\n"},
         {"1001=\xff\xc3\n1004\n", // what cannot be read is never changed
          "Not taken: that line is not text in UTF-8. LANG says what it is.\n1004 y|Red|0\n"},
+        {"1001=a\0b\n1004\n"s,
+         "Not taken: that line is not text in UTF-8. LANG says what it is.\n1004 y|Red|0\n"},
+        {"1001=\xef\xbf\xbd\n1004\n", "1004 \xef\xbf\xbd|Red|0\n"}, // a character like others
         {"1001=\xc3\xa4\n1004\n", "1004 \xc3\xa4|Red|0\n"},
         {"1001=\n1002=on\n", "Box: on\n1002 |Red|1\n"},
         {"box=ON\nbox=off\n", "Box: off\n1002 |Red|0\n"}, // it was on already

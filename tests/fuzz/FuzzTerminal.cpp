@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::string_view part = bytes.substr(0, bytes.find('\n'));
         bytes.remove_prefix(std::min(part.size() + 1, bytes.size()));
         const std::wstring line = encoding.Decode(part, true);
-        if (line.find(TerminalEncoding::kUnreadable) != std::wstring::npos)
+        if (!TerminalEncoding::IsText(line))
             continue;
         Require(text::ToUtf8(line) == part && encoding.Encode(line) == part);
         for (const wchar_t character : TypedText(line))

@@ -349,8 +349,8 @@ private:
     {
         mIsShown = false;
         mProgressStands = false;
-        const bool isText = line.find(TerminalEncoding::kUnreadable) == std::wstring::npos;
-        const std::wstring answer = isText ? mConversation.Answer(dialog, line) : mEncoding.Refusal();
+        const std::wstring answer =
+            TerminalEncoding::IsText(line) ? mConversation.Answer(dialog, line) : mEncoding.Refusal();
         DropQuestion();
         if (!answer.empty())
             WriteLine(answer);

@@ -81,8 +81,8 @@ private:
         std::optional<std::wstring> line = mInput.TakeLine();
         if (!line)
             return false;
-        const bool isText = line->find(TerminalEncoding::kUnreadable) == std::wstring::npos;
-        const std::wstring answer = isText ? Obey(*dialog, *line) : mEncoding.Refusal();
+        const std::wstring answer =
+            TerminalEncoding::IsText(*line) ? Obey(*dialog, *line) : mEncoding.Refusal();
         if (!answer.empty())
             mOutput.WriteLine(answer);
         Wipe(*line);

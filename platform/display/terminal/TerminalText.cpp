@@ -5,8 +5,26 @@
 #include "text/SafeToShow.h"
 #include "text/Unicode.h"
 
+#include <unicode/ucnv_cb.h>
+
 namespace platform
 {
+
+namespace
+{
+
+constexpr char16_t kUnreadable = 0xDFFF; // a lone surrogate, which no character set has
+
+void MarkAsUnreadable(const void*, UConverterToUnicodeArgs* arguments, const char*, std::int32_t,
+                      UConverterCallbackReason reason, UErrorCode* error)
+{
+    if (reason > UCNV_IRREGULAR)
+        return; // the converter is reset or closed
+    *error = U_ZERO_ERROR;
+    ucnv_cbToUWriteUChars(arguments, &kUnreadable, 1, 0, error);
+}
+
+} // namespace
 
 std::wstring HarmlessText::Next(std::wstring_view part)
 {
@@ -31,6 +49,7 @@ TerminalEncoding::TerminalEncoding()
     error = U_ZERO_ERROR;
     if (mDecoder == nullptr)
         mDecoder.reset(ucnv_open("US-ASCII", &error));
+    ucnv_setToUCallBack(mDecoder.get(), MarkAsUnreadable, nullptr, nullptr, nullptr, &error);
 }
 
 std::string TerminalEncoding::Encode(std::wstring_view text) const
@@ -56,6 +75,11 @@ std::wstring TerminalEncoding::Decode(std::string_view bytes, bool isEnd)
     std::wstring text = text::FromUtf16({units.data(), static_cast<std::size_t>(out - units.data())});
     Wipe(units);
     return text;
+}
+
+bool TerminalEncoding::IsText(std::wstring_view line)
+{
+    return line.find(L'\0') == std::wstring_view::npos && line.find(kUnreadable) == std::wstring_view::npos;
 }
 
 std::wstring TerminalEncoding::Refusal() const

@@ -33,12 +33,12 @@ public:
     // A character that the set lacks is written as '?'.
     std::string Encode(std::wstring_view text) const;
 
-    // What cannot be read becomes kUnreadable. The bytes of a character that are not all there wait for the
-    // next call, unless this is the end.
+    // The bytes of a character that are not all there wait for the next call, unless this is the end.
     std::wstring Decode(std::string_view bytes, bool isEnd);
-    static constexpr wchar_t kUnreadable = 0xFFFD;
 
-    // For a line that holds kUnreadable: nothing is done with it.
+    // Whether all of a decoded line could be read and a box can hold it; else nothing is done with the line
+    // but to show the refusal.
+    static bool IsText(std::wstring_view line);
     std::wstring Refusal() const;
 
 private:
