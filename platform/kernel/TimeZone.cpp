@@ -4,6 +4,7 @@
 #include "timezoneapi.h"
 
 #include <time.h>
+#include <unistd.h>
 #include <unicode/ucal.h>
 #include <unicode/ustring.h>
 
@@ -70,23 +71,34 @@ YearClocks ClocksAround(time_t now)
     return clocks;
 }
 
-// "Europe/Berlin" of a file below a zoneinfo folder or a link to one; empty for any other.
-std::string ZoneOfFile(const std::string& file)
+// "Europe/Berlin" of a file below a zoneinfo folder or a link to one; empty for any other and for none.
+std::string ZoneOfFile(const std::filesystem::path& file)
 {
     constexpr std::string_view kFolder = "/zoneinfo/";
     std::error_code error;
     const std::string path = std::filesystem::canonical(file, error).string();
     const std::size_t at = path.find(kFolder);
-    return at == std::string::npos ? std::string() : path.substr(at + kFolder.size());
+    std::string zone = at == std::string::npos ? "" : path.substr(at + kFolder.size());
+    for (const std::string_view variant : {"posix/", "right/"}) // without and with leap seconds
+        if (zone.starts_with(variant))
+            zone.erase(0, variant.size());
+    return zone;
 }
 
+// The zone that the C library has in force: where it lacks a zone's data it keeps UTC (tzset(3)).
 std::string ZoneId()
 {
     if (const char* variable = getenv("TZ"))
     {
         const std::string value = *variable == ':' ? variable + 1 : variable;
-        return value.empty() ? "UTC" : value.front() == '/' ? ZoneOfFile(value) : value;
+        const char* const folder = getenv("TZDIR");
+        return value.empty() || value == "UTC"
+                   ? "UTC"
+                   : ZoneOfFile(std::filesystem::path(folder != nullptr ? folder : "/usr/share/zoneinfo") /
+                                value);
     }
+    if (access("/etc/localtime", R_OK) != 0)
+        return "UTC";
     std::string zone = ZoneOfFile("/etc/localtime");
     if (zone.empty())
         zone = ReadWholeFile("/etc/timezone");

@@ -11,8 +11,12 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
 {
     // As ":/etc/localtime", which servers set to spare the C library a look at that link.
     const TestFolder folder;
-    std::filesystem::create_symlink("/usr/share/zoneinfo/Asia/Tokyo", folder.Path() / "zone");
+    const std::string tokyo = "/usr/share/zoneinfo/Asia/Tokyo";
+    std::filesystem::create_symlink(tokyo, folder.Path() / "zone");
     const std::string link = ":" + (folder.Path() / "zone").string();
+    // With the other names that zones have there.
+    folder.Write("zoneinfo/posix/Asia/Tokyo", ReadFile(tokyo));
+    const std::string copy = (folder.Path() / "zoneinfo/posix/Asia/Tokyo").string();
     // The zone, its bias and that of daylight time, whether it has one, and the names.
     const std::tuple<const char*, LONG, LONG, bool, std::wstring, std::wstring> rows[] = {
         {"Europe/Berlin", -60, -60, true, L"W. Europe Standard Time", L"W. Europe Daylight Time"},
@@ -23,9 +27,11 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
         {"", 0, 0, false, L"Coordinated Universal Time", L"Coordinated Universal Time"},
         {":Europe/Berlin", -60, -60, true, L"W. Europe Standard Time", L"W. Europe Daylight Time"},
         {link.c_str(), -540, -60, false, L"Tokyo Standard Time", L"Tokyo Daylight Time"},
-        {"/usr/share/zoneinfo/Asia/Tokyo", -540, -60, false, L"Tokyo Standard Time", L"Tokyo Daylight Time"},
+        {copy.c_str(), -540, -60, false, L"Tokyo Standard Time", L"Tokyo Daylight Time"},
         // A rule of its own has no counterpart on Windows.
         {"ABC-3DEF,M3.5.0,M10.5.0", -180, -60, true, L"ABC", L"DEF"},
+        {"PST", 0, 0, false, L"PST", L"PST"}, // no zone of the C library, which then keeps UTC
+        {"UTC", 0, 0, false, L"Coordinated Universal Time", L"Coordinated Universal Time"},
         {"XYZ5", 300, 0, false, L"XYZ", L"XYZ"},
     };
     for (const auto& [zone, expectedBias, daylightBias, changes, standardName, daylightName] : rows)

@@ -11,7 +11,14 @@
 TEST(SickMachine, GetsAnAnswerToo)
 {
     const std::string report = "Customer service: [^\n]*\n$";
-    const std::pair<const char*, std::string> rows[] = {
+    const std::string tokyo = "bias: -540\n(.*\n){2}Timezone Standard Name: Tokyo Standard Time\n";
+    const std::string bareEtc = "unset TZ; unshare -m sh -c 'mount -t tmpfs none /etc; cd /etc; ";
+    const std::string zone = " /usr/share/zoneinfo/Asia/Tokyo localtime; ";
+    const std::pair<std::string, std::string> rows[] = {
+        {bareEtc + "ln -s" + zone + "echo Europe/Paris > timezone; $PROGRAM'", tokyo},
+        {bareEtc + "cp" + zone + "echo Asia/Tokyo > timezone; $PROGRAM'", tokyo},
+        {bareEtc + "echo Asia/Tokyo > timezone; $PROGRAM'", // which is not in force
+         "bias: 0\n(.*\n){2}Timezone Standard Name: Coordinated Universal Time\n"},
         // An account with one thread, which root can make.
         {"prlimit --nproc=1 setpriv --reuid=64322 --regid=64322 --clear-groups $PROGRAM",
          "administrator of this computer.\nPress: OK\n$"},
@@ -20,10 +27,10 @@ TEST(SickMachine, GetsAnAnswerToo)
         // Nobody reads any more.
         {"{ sleep 1; env --default-signal=PIPE $PROGRAM; echo $? >&2; } | true", "^0\n$"},
     };
-    for (const auto& [command, answer] : std::span(rows).subspan(getuid() == 0 ? 0 : 1))
+    for (const auto& [command, answer] : std::span(rows).subspan(getuid() == 0 ? 0 : 4))
     {
         const ProgramFolder folder;
-        EXPECT_THAT(Said("PROGRAM='" + folder.Program().string() + "' DISPLAY= WAYLAND_DISPLAY= && { " +
+        EXPECT_THAT(Said("export PROGRAM='" + folder.Program().string() + "' DISPLAY= WAYLAND_DISPLAY= && { " +
                          command + "; } </dev/null 2>&1"),
                     testing::ContainsRegex(answer))
             << command;

@@ -11,7 +11,7 @@ TEST(TerminalScript, ReadsTheSameTextAsEver)
     const std::string script =
         "what\nCRC64\nGet CRC64\nInput=a\U0001F600b\nGet CRC64\nWide characters=off\nget\n1018=" +
         Repeated("0123456789", 1'000'000) +
-        "\nGet\nWide=maybe\nWide=on\n1019\nOK\nldap\nServer=there\n"
+        "\nGet\nWide=maybe\nWide=on\n1019\nOK\nCRC64\nOK\nldap\nServer=there\n"
         "LDAP Server= localhost \nPort=70000\nDomain=d\nuser=Gr\xc3\xb6\xc3\x9f\nPassword=s e\n"
         "Auth=7\nauth=Simple bind\nAuth=2\nOK";
     const ProgramOutcome outcome = ProgramFolder().Run({{}, Lines(script), {{"LC_ALL", "C.UTF-8"}}});
@@ -44,6 +44,11 @@ Wide characters is on or off.
 Wide characters: on
 CRC64: 10020724681758153422
 CRC64 Hex: 8B10C401882F1ACE
+Dialog
+Input: 
+Wide characters: on
+CRC64: 
+CRC64 Hex: 
 DiagnosticsDlg
 LDAP Server: 
 Port: 389
