@@ -4,7 +4,7 @@
 #include "crc64/DlgGetCRC64.h"
 #include "crc64/TextChecksum.h"
 #include "resources/resource.h"
-#include "tests/support/TestFolder.h"
+#include "tests/support/ProgramFolder.h"
 #include "tests/support/WindowProbe.h"
 
 #include <gtest/gtest.h>
@@ -28,6 +28,9 @@ class Tool : public CDlgGetCRC64
         };
         CDlgGetCRC64::OnInitDialog();
         const auto control = [this](int id) { return ::GetDlgItem(m_hWnd, id); };
+        constexpr UINT kGetLimit = 0x00D5; // EM_GETLIMITTEXT: what can be typed; boxes on Linux have no limit
+        if (RunsOnWindows())
+            EXPECT_GE(SendMessageW(control(IDC_INPUT), kGetLimit, 0, 0), 0x7FFFFFFE);
         for (const auto& [text, wide, decimal, hexadecimal] : kCases)
         {
             SetWindowTextW(control(IDC_INPUT), text.c_str());
