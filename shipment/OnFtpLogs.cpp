@@ -31,6 +31,13 @@ ZTString SystemErrorText(DWORD code)
     return GetSystemErrorMessage(code, eSysErrMsgPlain, eMonitorNone, false);
 }
 
+void DeleteArchiveAndList(const ZTString& archivePath, const ZTString& listPath)
+{
+    DeleteFileW(archivePath);
+    DeleteFileW(archivePath + L".tmp"); // the archiver's, until the archive is whole
+    DeleteFileW(listPath);
+}
+
 // Writes the list of files that the archiver leaves out. False when there are none; the list is empty then.
 bool WriteIgnoreList(CTavoDlg& console, const ZTString& listPath)
 {
@@ -145,22 +152,13 @@ LRESULT CTavoDlg::OnFtpLogs(WPARAM, LPARAM)
     AppendLine(_StrFormat(L"FTP_LOG: Sending logs in: {0}\r\n", {GetLogDirectory()}));
     AppendLine(_StrFormat(L"FTP_LOG: Sending logs to support as: {0}\r\n", {archivePath}));
 
-    const AtEndOfRun leaveNothing(
-        [archivePath, listPath]
-        {
-            DeleteFileW(archivePath);
-            DeleteFileW(archivePath + L".tmp"); // the archiver's, until the archive is whole
-            DeleteFileW(listPath);
-        });
-    // What an interrupted shipment left behind.
-    DeleteFileW(archivePath);
-    DeleteFileW(listPath);
+    const AtEndOfRun leaveNothing([archivePath, listPath] { DeleteArchiveAndList(archivePath, listPath); });
+    DeleteArchiveAndList(archivePath, listPath); // what an interrupted shipment left behind
     const bool hasIgnoreList = WriteIgnoreList(*this, listPath);
     if (PackLogs(*this, ArchiverCommandLine(hasIgnoreList, archivePath)))
         UploadArchive(*this, archivePath, archiveName);
 
-    DeleteFileW(archivePath);
-    DeleteFileW(listPath);
+    DeleteArchiveAndList(archivePath, listPath);
     if (mAutoClose)
         EndDialog(1);
     return 0;

@@ -4,8 +4,10 @@
 #include "tests/support/ScriptedFtpServer.h"
 
 namespace fs = std::filesystem;
+using testing::_;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Pair;
 
 using UnattendedShipment = ShipmentTest;
 
@@ -27,9 +29,11 @@ TEST_F(UnattendedShipment, SecondIsRefusedAndAfterAKillTheNextOneShips)
     EXPECT_THAT(second, testing::Not(HasSubstr("FTP_LOG:")));
 
     const RealFtpServer server(kFtpUser, kFtpPassword);
-    WriteFile(Logs() / "third.zip", "left behind by an interrupted shipment");
+    for (const char* left : {"third.zip", "third.zip.tmp"})
+        WriteFile(Logs() / left, "left behind by an interrupted shipment");
     EXPECT_THAT(Verdicts(Ship("third")), ElementsAre("Compression finished.  Exit Code: 0", kSent));
-    EXPECT_TRUE(Unpack(server.Directory() / "third.zip").contains("Tavo.log"));
+    EXPECT_THAT(Unpack(server.Directory() / "third.zip"),
+                ElementsAre(Pair("Tavo.log", _), Pair("uploadIgnoreList.txt", "")));
 }
 
 TEST_F(UnattendedShipment, ServesAllButtonsAndIsNotCutShortByClose)
