@@ -30,8 +30,8 @@ TEST(SickMachine, GetsAnAnswerToo)
     for (const auto& [command, answer] : std::span(rows).subspan(getuid() == 0 ? 0 : 4))
     {
         const ProgramFolder folder;
-        EXPECT_THAT(Said("export PROGRAM='" + folder.Program().string() + "' DISPLAY= WAYLAND_DISPLAY= && { " +
-                         command + "; } </dev/null 2>&1"),
+        EXPECT_THAT(Said("export PROGRAM='" + folder.Program().string() +
+                         "' DISPLAY= WAYLAND_DISPLAY= && { " + command + "; } </dev/null 2>&1"),
                     testing::ContainsRegex(answer))
             << command;
     }
