@@ -31,13 +31,6 @@ ZTString SystemErrorText(DWORD code)
     return GetSystemErrorMessage(code, eSysErrMsgPlain, eMonitorNone, false);
 }
 
-void DeleteArchiveAndList(const ZTString& archivePath, const ZTString& listPath)
-{
-    DeleteFileW(archivePath);
-    DeleteFileW(archivePath + L".tmp"); // the archiver's, until the archive is whole
-    DeleteFileW(listPath);
-}
-
 // Writes the list of files that the archiver leaves out. False when there are none; the list is empty then.
 bool WriteIgnoreList(CTavoDlg& console, const ZTString& listPath)
 {

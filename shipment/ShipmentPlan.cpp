@@ -107,6 +107,17 @@ std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff)
     return names;
 }
 
+void DeleteArchiveAndList(const ZTString& archivePath, const ZTString& listPath)
+{
+    constexpr int kTries = 10;
+    constexpr DWORD kPause = 50; // milliseconds
+    for (const ZTString& path : {archivePath, ZTString(archivePath + L".tmp"), listPath})
+        for (int tries = 1;
+             DeleteFileW(path) == FALSE && GetLastError() == ERROR_SHARING_VIOLATION && tries < kTries;
+             ++tries)
+            Sleep(kPause);
+}
+
 ZTString ArchiverCommandLine(bool hasIgnoreList, const ZTString& archivePath)
 {
     ZTString exclusion;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a shipment is to do, worked out without a window: the archive's name, the files that are too old to
-// send, and the archiver's command line.
+// What a shipment does without a window: the archive's name, the files that are too old to send, the
+// archiver's command line, and what is to be deleted.
 #pragma once
 
 #include "foundation/Oriska.h"
@@ -22,6 +22,10 @@ ZTString ArchiveName(const wchar_t* wanted);
 // Links to directories are not followed, and a directory that cannot be listed is passed over. In a name,
 // what is not text stands as "?", which the archiver takes for any one character.
 std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff);
+
+// With the archiver's own file, which is there until the archive is whole. Waits half a second for whoever
+// holds one of the three: a virus scanner, a backup.
+void DeleteArchiveAndList(const ZTString& archivePath, const ZTString& listPath);
 
 // Packs everything in the working directory but the names of the ignore list, if there are any.
 ZTString ArchiverCommandLine(bool hasIgnoreList, const ZTString& archivePath);

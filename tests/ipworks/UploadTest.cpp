@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the component does when all goes well, and how it answers what it does not know.
 #include "tests/ipworks/Recorder.h"
+#include "tests/support/ProgramFolder.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -11,6 +12,7 @@ TEST(Upload, PassiveBringsTheFileAndTellsOfEveryStep)
     constexpr std::int64_t kSize = 300000;
     const std::string content = RandomBytes(kSize);
     Recorder recorder({}, content);
+    HoldForAMoment(recorder.File());
     EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
     EXPECT_TRUE(content == recorder.server.Uploaded());
     EXPECT_EQ("archive.zip", recorder.server.UploadedName());
@@ -95,8 +97,9 @@ TEST(Upload, FileThatIsMissingOrHasASecondNameFailsWithoutAConnection)
     const std::filesystem::path& folder = recorder.Directory();
     WriteFile(folder / "secret", "secret");
     std::filesystem::create_hard_link(folder / "secret", folder / "second");
+    const std::string words = RunsOnWindows() ? "\xD0" : ""; // the system's, Russian in UTF-8
     const std::pair<std::filesystem::path, std::string> rows[] = {
-        {folder / "missing", ""}, {folder, ""}, {folder / "second", "It has a second name elsewhere."}};
+        {folder / "missing", words}, {folder, words}, {folder / "second", "It has a second name elsewhere."}};
     for (const auto& [path, problem] : rows)
     {
         recorder.SetLocalFile(path);

@@ -3,7 +3,7 @@
 
 #include "foundation/Kelvane.h"
 #include "shipment/PackingLimit.h"
-#include "tests/support/TestFolder.h"
+#include "tests/support/ProgramFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -41,4 +41,17 @@ TEST(OldFileNames, ExactlyTheCutOffIsNotOld)
     const ZTString directory = logs.Path().wstring().c_str();
     EXPECT_EQ(OldFileNames(directory, written), std::set<ZTString>{});
     EXPECT_EQ(OldFileNames(directory, written + 1), std::set<ZTString>{L"file.log"});
+}
+
+TEST(ArchiveAndList, AreDeletedThoughAScannerHoldsThem)
+{
+    const TestFolder logs;
+    for (const char* name : {"case.zip", "case.zip.tmp", "list.txt"})
+    {
+        logs.Write(name, "x");
+        HoldForAMoment(logs.Path() / name);
+    }
+    DeleteArchiveAndList((logs.Path() / "case.zip").wstring().c_str(),
+                         (logs.Path() / "list.txt").wstring().c_str());
+    EXPECT_TRUE(fs::is_empty(logs.Path()));
 }

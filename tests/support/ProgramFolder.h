@@ -16,6 +16,9 @@ bool RunsOnWindows();
 // From now on the process and what it starts share named events with nobody. False where that is not allowed.
 bool LeaveNamedEventsOfOthers();
 
+// Keeps a file from everybody for a fifth of a second, as a virus scanner may; where a system has that.
+void HoldForAMoment(const std::filesystem::path& path);
+
 struct ProgramOutcome
 {
     bool ended = true; // false: it was ended because its time ran out

@@ -58,6 +58,8 @@ static std::vector<std::string> CommandOf(const ProgramStart& start, const std::
     return command;
 }
 
+void HoldForAMoment(const std::filesystem::path&) {}
+
 ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
 {
     const std::vector<std::string> command = CommandOf(start, Program().string());

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <set>
+#include <thread>
 
 namespace
 {
@@ -148,6 +149,18 @@ void SetVariable(const char* name, const char* value)
 std::filesystem::path ProgramFolder::Program() const
 {
     return Path() / "Tavo.exe";
+}
+
+void HoldForAMoment(const std::filesystem::path& path)
+{
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    std::thread(
+        [file]
+        {
+            Sleep(200);
+            CloseHandle(file);
+        })
+        .detach();
 }
 
 ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
