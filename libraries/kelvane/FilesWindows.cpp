@@ -93,8 +93,8 @@ std::filesystem::path NativePath(std::wstring_view path)
 ZTString FullDirectory(const ZTString& directory)
 {
     std::filesystem::path full = directory.GetString();
-    if (!full.is_absolute())
-        full = GetPathInAppFolder(directory).GetString();
+    if (!full.is_absolute()) // one from the root lies on the drive of the program's folder
+        full = std::filesystem::path(GetPathInAppFolder(L"").GetString()) / full;
     full.make_preferred();
     full /= ""; // a separator at the end
     return full.c_str();

@@ -84,7 +84,9 @@ TEST(Log, LiesWhereTheSettingSaysFromTheNextStartOn)
     EXPECT_THAT(folder.Read("deep/er/Tavo.log"), HasSubstr("after"));
 
     const fs::path other = folder.Path() / "other place";
-    folder.Run({"set:LogDirectory:" + Encoded(other.string())});
+    // From the root of the drive, where there are drives.
+    const fs::path rooted = other.root_directory() / other.relative_path();
+    folder.Run({"set:LogDirectory:" + Encoded(rooted.string())});
     EXPECT_EQ(folder.Run({"init", "log:2:there", "directory"}).answers, (other / "").string() + "\n");
     EXPECT_THAT(folder.Read("other place/Tavo.log"), HasSubstr("there"));
 }
