@@ -4,8 +4,8 @@
 
 #include "foundation/Oriska.h"
 
-// From now on a crash leaves no image of the process's memory, and no other process of the account may read
-// it.
+// From now on a crash leaves no image of the process's memory, and on Linux no other process of the account
+// may read it.
 void KeepMemoryToOurselves();
 
 // Overwrites a text where it lies.
