@@ -43,7 +43,7 @@ CTavoApp::CTavoApp() : CWinApp(nullptr)
 BOOL CTavoApp::InitInstance()
 {
     CWinApp::InitInstance();
-    WatchForEnd();
+    const EndWatch watch;
     const ZTString cmdLine = GetCommandLineW();
     gCmdLineParser.Parse(cmdLine);
 

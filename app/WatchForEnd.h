@@ -1,7 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// From here on an end from outside goes through EndRun, on a thread of its own: on Linux the signals INT, HUP
-// and TERM; on Windows, where the program has no console, the end of the session. Before any other thread is
-// started.
-void WatchForEnd();
+// While it lives, an end from outside goes through EndRun. On Linux: the signals INT, HUP, QUIT and TERM, on
+// a thread of its own, and exit(3) by a library, as the window's calls it when its display is gone. On
+// Windows, where the program has no console: the end of the session. Made once, before any other thread.
+class EndWatch
+{
+public:
+    EndWatch();
+    ~EndWatch();
+    EndWatch(const EndWatch&) = delete;
+    EndWatch& operator=(const EndWatch&) = delete;
+};

@@ -5,20 +5,39 @@
 
 #include <windows.h>
 
+#include <cstdlib>
+
 namespace
 {
 
 BOOL WINAPI OnEnding(DWORD event)
 {
     EndRun(event == CTRL_C_EVENT       ? L"ended by SIGINT"
+           : event == CTRL_BREAK_EVENT ? L"ended by SIGQUIT"
            : event == CTRL_CLOSE_EVENT ? L"ended by SIGHUP"
                                        : L"ended by SIGTERM");
     return FALSE; // the process ends
 }
 
+bool gbIsWatching = false;
+
+void OnExit()
+{
+    if (!gbIsWatching)
+        return;
+    EndRun(L"ended by a library: the display is gone");
+    std::_Exit(EXIT_FAILURE); // other threads are at work still
+}
+
 } // namespace
 
-void WatchForEnd()
+EndWatch::EndWatch()
 {
     SetConsoleCtrlHandler(OnEnding, TRUE);
+    gbIsWatching = std::atexit(OnExit) == 0;
+}
+
+EndWatch::~EndWatch()
+{
+    gbIsWatching = false;
 }

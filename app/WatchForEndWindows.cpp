@@ -37,7 +37,9 @@ void __cdecl WatchSession(void*)
 
 } // namespace
 
-void WatchForEnd()
+EndWatch::EndWatch()
 {
     _beginthread(WatchSession, 0, nullptr);
 }
+
+EndWatch::~EndWatch() = default;

@@ -24,6 +24,7 @@
 #define STARTF_USESHOWWINDOW 0x00000001
 
 #define CTRL_C_EVENT 0
+#define CTRL_BREAK_EVENT 1
 #define CTRL_CLOSE_EVENT 2
 #define CTRL_SHUTDOWN_EVENT 6
 using PHANDLER_ROUTINE = BOOL(WINAPI*)(DWORD event);
@@ -137,10 +138,10 @@ extern "C"
     PLATFORM_EXPORT BOOL GetExitCodeProcess(HANDLE process, LPDWORD exitCode);
     PLATFORM_EXPORT HANDLE GetCurrentProcess();
 
-    // For one handler, added once, before other threads begin. SIGINT is CTRL_C_EVENT, SIGHUP
-    // CTRL_CLOSE_EVENT and SIGTERM CTRL_SHUTDOWN_EVENT; one that the process was started to ignore stays
-    // ignored. The handler runs on a thread of its own, for at most 1.5 s; then the process ends by that very
-    // signal. Another signal meanwhile ends it at once.
+    // For one handler, added once, before other threads begin. SIGINT is CTRL_C_EVENT, SIGQUIT
+    // CTRL_BREAK_EVENT, SIGHUP CTRL_CLOSE_EVENT and SIGTERM CTRL_SHUTDOWN_EVENT; one that the process was
+    // started to ignore stays ignored. The handler runs on a thread of its own, for at most 1.5 s; then the
+    // process ends by that very signal. Others of them meanwhile change nothing.
     PLATFORM_EXPORT BOOL SetConsoleCtrlHandler(PHANDLER_ROUTINE handler, BOOL add);
     PLATFORM_EXPORT HANDLE GetCurrentThread();
     PLATFORM_EXPORT DWORD GetCurrentThreadId();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The signals that end a run: INT, TERM and HUP are waited for on a thread of its own, so that what is to be
-// done first may block, allocate and lock, whatever the other threads do.
+// The signals that end a run: INT, TERM, HUP and QUIT are waited for on a thread of its own, so that what is
+// to be done first may block, allocate and lock, whatever the other threads do.
 #include "base/RunWithin.h"
 #include "platform/kernel/Handle.h"
 
@@ -26,8 +26,10 @@ struct Ending
     int mSignal;
     DWORD mEvent;
 };
-constexpr std::array<Ending, 3> kEndings = {
-    {{SIGINT, CTRL_C_EVENT}, {SIGTERM, CTRL_SHUTDOWN_EVENT}, {SIGHUP, CTRL_CLOSE_EVENT}}};
+constexpr std::array<Ending, 4> kEndings = {{{SIGINT, CTRL_C_EVENT},
+                                             {SIGTERM, CTRL_SHUTDOWN_EVENT},
+                                             {SIGHUP, CTRL_CLOSE_EVENT},
+                                             {SIGQUIT, CTRL_BREAK_EVENT}}};
 
 // Inherited from whoever started the program: without its children's ends and with an end by a full pipe or
 // disk there would be no exit codes and no lines that say so.
@@ -57,8 +59,7 @@ void Watch(sigset_t signals, PHANDLER_ROUTINE handler)
     int number = 0;
     sigwait(&signals, &number);
     const DWORD event = std::ranges::find(kEndings, number, &Ending::mSignal)->mEvent;
-    // From here on a second signal ends the process at once.
-    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    // More of them wait: a shell that is closed sends HUP, and then its terminal does.
     try
     {
         RunWithin(
@@ -69,6 +70,10 @@ void Watch(sigset_t signals, PHANDLER_ROUTINE handler)
         handler(event);
     }
     CloseAllHandles();
+    for (const Ending& other : kEndings) // which of them came is forgotten
+        if (other.mSignal != number)
+            signal(other.mSignal, SIG_IGN);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
     raise(number);
     _exit(128 + number); // the first process of a container survives its own signal
 }

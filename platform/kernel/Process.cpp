@@ -129,10 +129,17 @@ public:
         posix_spawn_file_actions_init(&mActions);
         posix_spawnattr_init(&mAttributes);
         sigset_t signals;
-        sigfillset(&signals);
-        posix_spawnattr_setsigdefault(&mAttributes, &signals);
         sigemptyset(&signals);
         posix_spawnattr_setsigmask(&mAttributes, &signals);
+        sigfillset(&signals);
+        // What the caller of this program has it ignore, as nohup(1) does, its children ignore too.
+        for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
+        {
+            struct sigaction action = {};
+            if (sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
+                sigdelset(&signals, number);
+        }
+        posix_spawnattr_setsigdefault(&mAttributes, &signals);
         posix_spawnattr_setflags(&mAttributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
         posix_spawn_file_actions_addclosefrom_np(&mActions, STDERR_FILENO + 1);
     }

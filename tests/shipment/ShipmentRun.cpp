@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/shipment/ShipmentRun.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <pwd.h>
 #include <regex>
@@ -102,6 +103,14 @@ std::vector<std::string> NothingPacked(const std::string& exitCode)
     const std::string error = "1004 Cannot open the local file: No such file or directory";
     return {"Compression finished.  Exit Code: " + exitCode, "Error - " + error, kDirect, "Error - " + error,
             "Log FTP failed with: " + error};
+}
+
+bool EndsSoon(const std::string& process)
+{
+    const pid_t id = std::stoi(process);
+    for (int tries = 0; kill(id, 0) == 0 && tries < 100; ++tries)
+        usleep(20'000); // a new parent has to collect it
+    return kill(id, 0) != 0;
 }
 
 Tree Unpack(const fs::path& archive, const std::set<int>& expected)

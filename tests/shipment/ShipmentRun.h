@@ -59,6 +59,9 @@ protected:
 
 void MakeOld(const std::filesystem::path& path, std::chrono::hours age = std::chrono::hours(24 * 30));
 
+// Whether a process, by its number, is gone within two seconds.
+bool EndsSoon(const std::string& process);
+
 // The files of an archive: relative path to content.
 using Tree = std::map<std::string, std::string>;
 Tree Unpack(const std::filesystem::path& archive, const std::set<int>& expected = {0});

@@ -175,28 +175,42 @@ TEST_F(WholeShipment, IsStartedByTheButtonInTheTerminalAndUsesARealServersTls)
     ExpectShippedByButton(server);
 }
 
+// On a screen, where a shell's commands are the user of the program $program; gives the program's exit code.
+static int OnAScreen(const fs::path& folder, const std::string& arguments, const std::string& user)
+{
+    // In this network a server finds every display number free: its sockets would take the place of others'.
+    WriteFile(folder / "user", R"sh(
+        cd "$(dirname "$0")"
+        mkdir -p /tmp/.X11-unix && mount -t tmpfs none /tmp/.X11-unix
+        rm -f display; Xvfb -displayfd 3 -screen 0 1000x800x24 3>display 2>/dev/null & screen=$!
+        until [ -s display ]; do sleep 0.1; done
+        export DISPLAY=:$(cat display) ASAN_OPTIONS=detect_leaks=0
+        timeout 60 ./Tavo )sh" + arguments +
+                                   " </dev/null & program=$!\n" + user + R"sh(
+        wait $program; result=$?
+        kill $screen
+        exit $result)sh");
+    return WEXITSTATUS(std::system(("unshare -m sh '" + (folder / "user").string() + "'").c_str()));
+}
+
 TEST_F(WholeShipment, IsStartedByTheButtonOnAScreenAndOutlivesTheEscapeKey)
 {
     if (std::string(TAVO_TEST_BUILD) == "tsan" || !fs::exists(folder.Path() / "libtavoqt.so"))
         GTEST_SKIP() << "no display for screens, or no sight of the locks inside its libraries";
     WriteFile(Logs() / "fresh.log", "fresh");
     const RealFtpServer server(kFtpUser, kFtpPassword);
-    // In this network a server finds every display number free: its sockets would take the place of others'.
-    WriteFile(folder.Path() / "user", R"sh(
-        cd "$(dirname "$0")"
-        mkdir -p /tmp/.X11-unix && mount -t tmpfs none /tmp/.X11-unix
-        Xvfb -displayfd 3 -screen 0 1000x800x24 3>display 2>/dev/null & screen=$!
-        until [ -s display ]; do sleep 0.1; done
-        export DISPLAY=:$(cat display) ASAN_OPTIONS=detect_leaks=0
-        timeout 60 ./Tavo </dev/null & program=$!
-        timeout 30 xdotool search --sync --onlyvisible --name '^ZT Diagnostics$' windowfocus --sync key Tab Tab Tab space
-        sleep 1; xdotool key Escape
-        wait $program; result=$?
-        kill $screen
-        exit $result)sh");
     ProgramOutcome outcome;
-    outcome.exitCode =
-        WEXITSTATUS(std::system(("unshare -m sh '" + (folder.Path() / "user").string() + "'").c_str()));
+    outcome.exitCode = OnAScreen(folder.Path(), "", R"sh(
+        timeout 30 xdotool search --sync --onlyvisible --name '^ZT Diagnostics$' windowfocus --sync key Tab Tab Tab space
+        sleep 1; xdotool key Escape)sh");
     ExpectOrderlyEnd(outcome);
     ExpectShippedByButton(server);
+
+    ReplaceArchiver("echo half > case.zip; echo $$ > \"${0%/*}/archiver\"; exec sleep 60");
+    const std::string loseTheScreen = "until [ -s archiver ]; do sleep 0.1; done; kill -9 $screen";
+    EXPECT_EQ(OnAScreen(folder.Path(), "-FTP_LOG=case", loseTheScreen), 1);
+    outcome.exitCode = 0;
+    ExpectOrderlyEnd(outcome);
+    EXPECT_THAT(folder.Log(), testing::HasSubstr(": ended by a library: the display is gone\n"));
+    EXPECT_TRUE(EndsSoon(folder.Read("archiver")));
 }

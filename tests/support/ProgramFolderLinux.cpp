@@ -118,6 +118,12 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
             kill(child, start.signal);
             if (std::ranges::count(start.ignoredSignals, start.signal) != 0)
                 endInput();
+            else
+            {
+                // As HUP comes from a shell that ends, and from its terminal's end.
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+                kill(child, SIGTERM);
+            }
         }
         outcome.ended = Clock::now() <= deadline;
         if (!outcome.ended)
