@@ -327,15 +327,25 @@ TEST(PersonAtATerminal, SeesHowFarAnUploadIsInOneLine)
 TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
 {
     const ProgramFolder folder;
-    for (const char* signal : {"INT", "TERM", "HUP", "QUIT", "SEGV", "ABRT"})
+    // The signal, whether the terminal's output stands still, and how the program is started: also in a
+    // terminal that does not control it.
+    const std::tuple<std::string, bool, std::string> rows[] = {
+        {"INT", false, ""},  {"TERM", true, ""},  {"HUP", false, "setsid -w "},
+        {"QUIT", false, ""}, {"SEGV", false, ""}, {"ABRT", false, ""}};
+    for (const auto& [signal, isStopped, prefix] : rows)
     {
         // A sanitizer keeps SIGSEGV to itself unless it is told.
-        const TerminalScreen screen(ThenItsEcho("trap : INT QUIT; " + folder.Program().string()),
+        const TerminalScreen screen(ThenItsEcho("trap : INT QUIT; " + prefix + folder.Program().string()),
                                     "ASAN_OPTIONS=handle_segv=0 TSAN_OPTIONS=handle_segv=0");
         screen.WaitFor("\n>");
         screen.Type("half a line");
         screen.WaitFor("half");
-        std::system(("pkill -" + std::string(signal) + " -f '^" + folder.Program().string() + "'").c_str());
+        const std::string kill = "pkill -f '^" + folder.Program().string() + "' -";
+        if (isStopped)
+            screen.Press("C-s");
+        EXPECT_EQ(Said(kill + signal + "; timeout 5 sh -c \"while " + kill + "0; do sleep 0.1; done\""), "");
+        if (isStopped)
+            screen.Press("C-q");
         EXPECT_THAT(screen.WaitFor("icanon\necho", "half"), EndsWith("icanon\necho")) << signal;
     }
     const TerminalScreen screen("bash --norc");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/terminal/TerminalModes.h"
 
+#include <poll.h>
 #include <signal.h>
 #include <sys/eventfd.h>
 #include <termios.h>
@@ -19,6 +20,7 @@ namespace
 
 termios gFound;
 int gWakeUp = -1;
+bool gbIsTakenOver = false;
 std::atomic<bool> gbIsChanged = false;
 std::atomic<bool> gbIsEnding = false;
 std::atomic<bool> gbWasLeft = false;
@@ -28,7 +30,7 @@ constexpr std::array kEndings = {SIGHUP, SIGINT, SIGQUIT, SIGILL, SIGABRT, SIGBU
 // Safe in a signal's handler, and in the background, where it leaves the terminal to whoever has it.
 void GiveBack()
 {
-    if (gbIsChanged.exchange(false) && tcgetpgrp(STDIN_FILENO) == getpgrp())
+    if (gbIsChanged.exchange(false) && IsInForeground())
         tcsetattr(STDIN_FILENO, TCSANOW, &gFound);
 }
 
@@ -47,9 +49,12 @@ void Handle(int number, void (*handler)(int), unsigned flags)
 void End(int number)
 {
     gbIsEnding = true;
-    // The shell's prompt begins a line of its own.
-    if (gbIsChanged && write(STDOUT_FILENO, "\n", 1) == 1)
-        GiveBack();
+    const bool wasChanged = gbIsChanged;
+    GiveBack();
+    // The shell's prompt begins a line of its own, where the terminal takes output: Ctrl-S stops it.
+    pollfd output = {STDOUT_FILENO, POLLOUT, 0};
+    if (wasChanged && poll(&output, 1, 0) == 1 && (output.revents & POLLOUT) != 0) [[maybe_unused]]
+        const ssize_t written = write(STDOUT_FILENO, "\n", 1);
     raise(number); // the default again, see SA_RESETHAND
 }
 
@@ -69,6 +74,7 @@ void TakeOver(int wakeUp)
 {
     tcgetattr(STDIN_FILENO, &gFound);
     gWakeUp = wakeUp;
+    gbIsTakenOver = true;
     std::atexit(GiveBack);
     for (const int number : kEndings)
         Handle(number, End, SA_RESETHAND | SA_NODEFER);
@@ -81,7 +87,7 @@ void SetTerminalMode(TerminalMode mode, int wakeUp)
 {
     if (gbIsEnding)
         return;
-    if (gWakeUp == -1)
+    if (!gbIsTakenOver)
         TakeOver(wakeUp);
     if (mode == TerminalMode::AsFound)
         return GiveBack();
@@ -95,6 +101,12 @@ void SetTerminalMode(TerminalMode mode, int wakeUp)
     }
     gbIsChanged = true;
     tcsetattr(STDIN_FILENO, TCSADRAIN, &changed);
+}
+
+bool IsInForeground()
+{
+    const pid_t group = tcgetpgrp(STDIN_FILENO);
+    return group == getpgrp() || (group == -1 && errno == ENOTTY);
 }
 
 bool TerminalWasLeft()

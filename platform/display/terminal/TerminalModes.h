@@ -13,6 +13,10 @@ enum class TerminalMode
     Keys,   // each key as it comes, without an echo; the keys for signals stay
 };
 
+// False in the background, where reading a terminal, or setting its modes, would stop the process. One that
+// does not control the process (a rescue shell's, that of su -c) stops nobody. Safe in a signal's handler.
+bool IsInForeground();
+
 // Only in the foreground: else the system would stop the process. `wakeUp` is an eventfd(2) that is written
 // when a stopped process goes on. After a signal that ends the process nothing is changed any more.
 void SetTerminalMode(TerminalMode mode, int wakeUp);

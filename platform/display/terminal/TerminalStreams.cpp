@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/terminal/TerminalStreams.h"
 
+#include "platform/display/terminal/TerminalModes.h"
+
 #include "text/Unicode.h"
 
 #include <fcntl.h>
@@ -141,11 +143,6 @@ void TerminalInput::Read()
     }
     else if (count == 0 || (errno != EINTR && errno != EAGAIN))
         mEnded = true;
-}
-
-bool IsInForeground()
-{
-    return tcgetpgrp(STDIN_FILENO) == getpgrp();
 }
 
 } // namespace platform

@@ -68,7 +68,4 @@ private:
     bool mEnded = false;
 };
 
-// False in the background, where reading a terminal, or setting its modes, would stop the process.
-bool IsInForeground();
-
 } // namespace platform
