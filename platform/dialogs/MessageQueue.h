@@ -26,6 +26,10 @@ public:
     // What a person did. It comes after all posted messages, whenever those were posted.
     void AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
+    // Whether some of that waits to be taken. No more is to be done then: it may be meant for what comes of
+    // it.
+    bool HoldsInput() const { return !mInput.empty(); }
+
     // Takes the next message, or only looks at it; false when there is none now. Without `input`, what a
     // person did stays, the end of the input too.
     bool Next(MSG& message, bool remove, bool input = true);

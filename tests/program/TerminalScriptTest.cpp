@@ -70,3 +70,19 @@ LDAP: Failed to initialize LDAP session.  Err=89, Parameter Error: the port is n
 END TEST
 )");
 }
+
+// Each test begins inside the one before, and from a depth on a click waits until those have ended.
+TEST(TerminalScript, IsObeyedInItsOrderHoweverManyTestsItAsksFor)
+{
+    constexpr int kTests = 40;
+    std::vector<std::string> script;
+    for (int number = 0; number < kTests; ++number)
+        for (const char* line : {"LDAP", "LDAP Server=127.0.0.1", "Port=1", "Auth=1", "OK"})
+            script.emplace_back(line);
+    const std::string console = ProgramFolder().Run({{}, script}).console;
+    int ends = 0;
+    for (const std::string& line : Lines(WithoutTimes(console)))
+        ends += line == "END TEST";
+    EXPECT_EQ(ends, kTests);
+    EXPECT_EQ(console.find("Not understood"), std::string::npos) << console;
+}

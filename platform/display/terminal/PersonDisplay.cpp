@@ -2,6 +2,7 @@
 // The terminal where a person sits. What is asked, see TerminalConversation.h; how a line is edited, see
 // LineEditor.h. What was read is not drawn again, but for the line that is being typed and one that tells how
 // far an upload is: a screen reader follows.
+#include "platform/dialogs/WindowTable.h"
 #include "platform/display/terminal/LineEditor.h"
 #include "platform/display/terminal/TerminalCommand.h"
 #include "platform/display/terminal/TerminalConversation.h"
@@ -136,7 +137,7 @@ public:
     void Wait(std::chrono::milliseconds time) override
     {
         Window* const dialog = TopUsableDialog();
-        const bool isListening = dialog != nullptr && !InputHasEnded();
+        const bool isListening = dialog != nullptr && !InputHasEnded() && !TheQueue().HoldsInput();
         const bool canRead = isListening && IsInForeground();
         if (canRead)
         {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/terminal/TerminalDisplay.h"
 
+#include "platform/dialogs/WindowTable.h"
 #include "platform/display/terminal/TerminalCommand.h"
 
 #include <poll.h>
@@ -76,7 +77,7 @@ private:
     bool ObeyNextLine()
     {
         Window* const dialog = TopUsableDialog();
-        if (dialog == nullptr)
+        if (dialog == nullptr || TheQueue().HoldsInput())
             return false;
         std::optional<std::wstring> line = mInput.TakeLine();
         if (!line)
