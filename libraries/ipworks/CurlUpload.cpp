@@ -10,6 +10,7 @@
 #include "libraries/ipworks/Upload.h"
 
 #include <curl/curl.h>
+#include <openssl/err.h>
 #include <openssl/ssl.h>
 
 namespace
@@ -41,13 +42,15 @@ bool HasOpenSsl()
     return library != nullptr && std::string_view(library).substr(0, 8) == "OpenSSL/";
 }
 
-// Bytes received, 0 when none are there yet, -1 when none will come.
-int ReceiveTls(SSL* tls, char* buffer, int capacity)
+// Bytes received by SSL_read, or left there by SSL_peek; 0 when none are there yet, -1 when none will come.
+int ReceiveTls(SSL* tls, int (*receive)(SSL*, void*, int), char* buffer, int capacity)
 {
-    const int length = SSL_read(tls, buffer, capacity);
+    ERR_clear_error();
+    const int length = receive(tls, buffer, capacity);
     if (length > 0)
         return length;
-    return SSL_get_error(tls, length) == SSL_ERROR_WANT_READ ? 0 : -1;
+    const int error = SSL_get_error(tls, length);
+    return error == SSL_ERROR_WANT_READ || error == SSL_ERROR_WANT_WRITE ? 0 : -1;
 }
 
 class CurlUpload
@@ -81,7 +84,9 @@ private:
     // In direct mode libcurl 7.88 leaves a message about the listening socket there, before anything has
     // failed.
     bool HasProblem() const { return mProblem[0] != '\0' && !mProblemIsOld; }
-    bool IsInterrupted() const { return IsSending() && IsReadable(mControl, milliseconds(0)); }
+    SSL* ControlSession();
+    bool HasSpoken();
+    bool IsInterrupted() { return IsSending() && HasSpoken(); }
     void ReadLastWord();
     bool Stop(int code, std::string_view text);
     void Moved() { mMovedAt = Clock::now(); }
@@ -103,9 +108,10 @@ private:
     curl_socket_t mControl = CURL_SOCKET_BAD;
     curl_socket_t mLatest = CURL_SOCKET_BAD;
     curl_socket_t mBeforeLatest = CURL_SOCKET_BAD;
-    bool mSecured = false; // the control connection is encrypted
-    bool mLeaves = false;  // QUIT is sent
-    int mAnswer = 0;       // number of the answer to the latest command, and its line
+    bool mSecured = false;         // the control connection is encrypted
+    bool mSessionIsOpened = false; // see ControlSession
+    bool mLeaves = false;          // QUIT is sent
+    int mAnswer = 0;               // number of the answer to the latest command, and its line
     std::string mAnswerLine;
     // Whether the server has said that the transfer begins, and how it ended.
     enum class Transfer
@@ -398,15 +404,36 @@ int CurlUpload::OnCloseSocket(void* self, curl_socket_t socket)
     return CloseSocket(socket);
 }
 
+// The control connection's session; null when there is none. libcurl's own way to the socket is open to
+// libcurl alone: from the first call on the session reads and writes it itself, for libcurl, too.
+SSL* CurlUpload::ControlSession()
+{
+    curl_tlssessioninfo* info = nullptr;
+    curl_easy_getinfo(mCurl.get(), CURLINFO_TLS_SSL_PTR, &info);
+    SSL* const session = mSecured && info != nullptr ? static_cast<SSL*>(info->internals) : nullptr;
+    if (session != nullptr && !mSessionIsOpened)
+        mSessionIsOpened = SSL_set_fd(session, static_cast<int>(mControl)) == 1;
+    return mSessionIsOpened ? session : nullptr;
+}
+
+// Whether the server has said something, or ended the connection. Under TLS more than its words comes there:
+// tickets for a next session, new keys.
+bool CurlUpload::HasSpoken()
+{
+    if (!mSecured)
+        return IsReadable(mControl, milliseconds(0));
+    SSL* const session = ControlSession();
+    char first = 0;
+    return session != nullptr && ReceiveTls(session, SSL_peek, &first, 1) != 0;
+}
+
 // A server that breaks a transfer off says why, but libcurl does not listen any more once the data connection
 // has failed. From 8.x on it fails also where a file is cut short, since libcurl sends its end.
 void CurlUpload::ReadLastWord()
 {
-    curl_tlssessioninfo* session = nullptr;
-    curl_easy_getinfo(mCurl.get(), CURLINFO_TLS_SSL_PTR, &session);
-    SSL* const tls = mSecured && session != nullptr ? static_cast<SSL*>(session->internals) : nullptr;
-    if (mSecured && (tls == nullptr || SSL_set_rfd(tls, static_cast<int>(mControl)) != 1))
-        return; // libcurl's own way of reading is open to libcurl alone
+    SSL* const session = ControlSession();
+    if (mSecured && session == nullptr)
+        return;
 
     const Clock::time_point end = Clock::now() + kLastWordWait;
     std::string heard;
@@ -415,8 +442,8 @@ void CurlUpload::ReadLastWord()
     {
         const milliseconds left = std::chrono::ceil<milliseconds>(end - Clock::now());
         char piece[1024];
-        const int length =
-            tls != nullptr ? ReceiveTls(tls, piece, sizeof piece) : Receive(mControl, piece, sizeof piece);
+        const int length = session != nullptr ? ReceiveTls(session, SSL_read, piece, sizeof piece)
+                                              : Receive(mControl, piece, sizeof piece);
         if (length < 0 || left.count() <= 0 || (length == 0 && !IsReadable(mControl, left)))
             return;
         heard.append(piece, static_cast<std::size_t>(length));
@@ -459,7 +486,7 @@ bool CurlUpload::HasStalled()
 bool CurlUpload::Drain()
 {
     while (UnacknowledgedBytes(mLatest) > 0)
-        if (HasStalled() || IsReadable(mControl, milliseconds(0)) || IsBroken(mLatest, kDrainInterval))
+        if (HasStalled() || HasSpoken() || IsBroken(mLatest, kDrainInterval))
             return false;
     return true;
 }

@@ -39,6 +39,15 @@ TEST(Security, CertificateOfATrustedAuthorityProvesTheServer)
     EXPECT_THAT(recorder.Of("approve"), ElementsAre("approve "));
 }
 
+// What TLS sends for itself on the dialogue's connection is not a word of the server.
+TEST(Security, TicketAndNewKeysDoNotEndTheUpload)
+{
+    const std::string content = RandomBytes(20000000);
+    Recorder recorder({.certificate = kHost, .renewsKeys = true}, content);
+    EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+    EXPECT_TRUE(content == recorder.server.Uploaded()) << recorder.server.Uploaded().size();
+}
+
 // Some libcurl releases would send the file in plain text here.
 TEST(Security, DirectModeIsEncryptedOrRefused)
 {
@@ -91,7 +100,7 @@ TEST(Security, EncryptedTransferThatBreaksBringsTheServersReason)
 {
     for (const std::string atBreak : {"reset", "close", "stall"})
     {
-        FtpScript script{.breakAt = kMiddle, .atBreak = atBreak, .certificate = kHost};
+        FtpScript script{.breakAt = kMiddle, .atBreak = atBreak, .certificate = kHost, .renewsKeys = true};
         (atBreak == "stall" ? script.breakAnswer : script.farewell) = "552 Quota.\r\n";
         Recorder recorder(script, std::string(30000000, 'x'));
         const auto start = std::chrono::steady_clock::now();

@@ -14,6 +14,8 @@ ScriptedFtpServer::ScriptedFtpServer(const FtpScript& script, std::uint16_t port
         {"port", std::to_string(port)},
         {"greeting", script.greeting},
         {"inSingleBytes", std::to_string(script.inSingleBytes)},
+        {"answerAfter", std::to_string(script.answerAfter.count())},
+        {"deaf", script.deaf},
         {"passiveAddress", script.passiveAddress},
         {"directFrom", script.directFrom},
         {"breakAt", std::to_string(script.breakAt)},
@@ -23,6 +25,7 @@ ScriptedFtpServer::ScriptedFtpServer(const FtpScript& script, std::uint16_t port
         {"farewell", script.farewell},
         {"farewellAfter", std::to_string(script.farewellAfter.count())},
         {"certificate", script.certificate},
+        {"renewsKeys", std::to_string(script.renewsKeys)},
     };
     for (const auto& [key, value] : keys)
         mFolder.Write("script/" + key, value);

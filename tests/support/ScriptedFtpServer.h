@@ -24,6 +24,8 @@ struct FtpScript
     // Answers by verb, in place of the ordinary ones.
     std::map<std::string, std::string> answers{};
     bool inSingleBytes = false;
+    std::chrono::milliseconds answerAfter{0}; // before each answer
+    std::string deaf{}; // "EPSV", "EPSV PASV": whose ports take no connection and refuse none
     std::string passiveAddress = "127,0,0,1"; // what PASV says
     std::string directFrom = "127.0.0.1";     // whence it opens the data connection itself
 
@@ -40,8 +42,10 @@ struct FtpScript
     std::string farewell = "226 Received.\r\n";
     std::chrono::milliseconds farewellAfter{0};
 
-    // With one, the server offers TLS: a file of certificates/, or "none" for one that knows no handshake.
+    // With one, the server offers TLS: a file of certificates/, or "none" for one that knows no handshake. An
+    // answer of its own to PROT is a refusal: the file then comes in plain.
     std::string certificate{};
+    bool renewsKeys = false; // at the first bytes of an upload, where the dialogue goes on under TLS 1.3
 };
 
 class ScriptedFtpServer
