@@ -13,6 +13,8 @@
 #include <openssl/err.h>
 #include <openssl/ssl.h>
 
+#include <utility>
+
 namespace
 {
 
@@ -109,9 +111,12 @@ private:
     curl_socket_t mLatest = CURL_SOCKET_BAD;
     curl_socket_t mBeforeLatest = CURL_SOCKET_BAD;
     bool mSecured = false;         // the control connection is encrypted
+    bool mDataSecured = false;     // and so will the data connection be
+    bool mToldReadable = false;    // the owner knows that nothing is encrypted
     bool mSessionIsOpened = false; // see ControlSession
     bool mLeaves = false;          // QUIT is sent
-    int mAnswer = 0;               // number of the answer to the latest command, and its line
+    std::string mVerb;             // of the latest command
+    int mAnswer = 0;               // number of the answer to it, and its line
     std::string mAnswerLine;
     // Whether the server has said that the transfer begins, and how it ended.
     enum class Transfer
@@ -302,12 +307,13 @@ void CurlUpload::Command(std::string_view line)
         mSecured = true;
         mEvents.Status(kIPWorksSecured, "The connection is encrypted" + mCertificate.Finding());
     }
-    const std::string_view verb = line.substr(0, 4);
-    if (verb == "USER" && !mSecured)
+    mVerb = line.substr(0, 4);
+    // A server that greets as one who is logged in is not even asked.
+    if (mVerb != "AUTH" && !mSecured && !std::exchange(mToldReadable, true))
         mEvents.Status(kIPWorksReadable,
                        "The server offers no encryption: password and file can be read on their way");
     mProblemIsOld = mProblem[0] != '\0';
-    mLeaves = verb == "QUIT";
+    mLeaves = mVerb == "QUIT";
     if (!mLeaves)
         mAnswer = 0;
     mEvents.Command(line);
@@ -322,13 +328,21 @@ void CurlUpload::Answer(std::string_view line)
         return;
     mAnswer = number;
     mAnswerLine = line;
-    if (number == 220 && mControl == CURL_SOCKET_BAD)
+    if (mControl == CURL_SOCKET_BAD)
     {
         mControl = mLatest; // attempts at other addresses are closed by now
-        mEvents.Status(kIPWorksConnected, "Connected to " + mJob.host);
+        if (number == 220 || number == 230)
+            mEvents.Status(kIPWorksConnected, "Connected to " + mJob.host);
     }
-    else if (number == 230 || number == 232)
+    if (number == 230 || number == 232)
         mEvents.Status(kIPWorksLoggedIn, "Logged in as " + mJob.user);
+    else if (mVerb == "PROT")
+    {
+        mDataSecured = number / 100 == 2;
+        if (!mDataSecured)
+            mEvents.Status(kIPWorksReadable,
+                           "The server encrypts the dialogue only: the file can be read on its way");
+    }
     else if (number == 125 || number == 150)
     {
         mTransfer = Transfer::Runs;
@@ -387,7 +401,7 @@ int CurlUpload::OnSocket(void* self, curl_socket_t socket, curlsocktype purpose)
     // Whoever connects first to our open port would get the file.
     if (!SamePeer(socket, upload.mControl))
         upload.Stop(kIPWorksConnectFailed, "A stranger opened the data connection.");
-    else if (upload.mSecured && LeavesDirectDataReadable())
+    else if (upload.mDataSecured && LeavesDirectDataReadable())
         upload.Stop(kIPWorksSecurityFailed, "This libcurl cannot encrypt a data connection in direct mode.");
     return upload.mStopped.code == kIPWorksOk ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
 }

@@ -57,7 +57,7 @@ enum IPWorksState : int
     kIPWorksSending = 5,
     kIPWorksConfirmed = 6, // the server has the whole file
     kIPWorksDisconnected = 7,
-    kIPWorksReadable = 8, // the server offers no encryption; the log-in follows all the same
+    kIPWorksReadable = 8, // the server encrypts nothing, or the dialogue only; all goes on all the same
 };
 
 // Results. 0 is success; codes from 100 to 599 are the server's own answer.

@@ -48,6 +48,24 @@ TEST(Security, TicketAndNewKeysDoNotEndTheUpload)
     EXPECT_TRUE(content == recorder.server.Uploaded()) << recorder.server.Uploaded().size();
 }
 
+TEST(Security, ServerThatEncryptsTheDialogueOnlyIsCalledSo)
+{
+    Recorder recorder({.answers = {{"PROT", "536 Not here.\r\n"}}, .certificate = kHost});
+    for (const int passive : {1, 0})
+    {
+        recorder.events.clear();
+        recorder.SetNumber(kIPWorksPassive, passive);
+        EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+        EXPECT_EQ("content", recorder.server.Uploaded());
+        EXPECT_THAT(
+            recorder.Of("status"),
+            ElementsAre(HasSubstr(" Connecting "), HasSubstr(" Connected "),
+                        HasSubstr("status 3 The connection is encrypted; "), HasSubstr(" Logged in "),
+                        "status 8 The server encrypts the dialogue only: the file can be read on its way",
+                        HasSubstr(" Sending "), HasSubstr(" has received "), HasSubstr(" Disconnected")));
+    }
+}
+
 // Some libcurl releases would send the file in plain text here.
 TEST(Security, DirectModeIsEncryptedOrRefused)
 {

@@ -63,6 +63,25 @@ TEST(Upload, DirectLetsTheServerOpenTheDataConnection)
     }
 }
 
+TEST(Upload, ServerThatAsksForNoLoginIsServedAndCalledReadable)
+{
+    Recorder recorder({.greeting = "230 In.\r\n"});
+    for (const int passive : {1, 0})
+    {
+        recorder.events.clear();
+        recorder.SetNumber(kIPWorksPassive, passive);
+        EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+        EXPECT_EQ("content", recorder.server.Uploaded());
+        EXPECT_THAT(
+            recorder.Of("status"),
+            ElementsAre(
+                StartsWith("status 1 "), "status 2 Connected to 127.0.0.1", "status 4 Logged in as zt-ftp",
+                "status 8 The server offers no encryption: password and file can be read on their way",
+                "status 5 Sending archive.zip", "status 6 The server has received archive.zip",
+                "status 7 Disconnected"));
+    }
+}
+
 TEST(Upload, PassiveWithoutTheExtendedCommandIgnoresAForeignAddress)
 {
     Recorder recorder({.answers = {{"EPSV", "500 What?\r\n"}}, .passiveAddress = "192,0,2,1"});
