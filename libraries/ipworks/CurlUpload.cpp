@@ -20,7 +20,6 @@ namespace
 
 using std::chrono::milliseconds;
 
-constexpr long kConnectSeconds = 60; // to connect and to log in
 constexpr long kKeepAliveSeconds = 30;
 constexpr milliseconds kLastWordWait{1000};
 constexpr std::chrono::seconds kGoodbyeWait{5};
@@ -86,6 +85,12 @@ private:
     // In direct mode libcurl 7.88 leaves a message about the listening socket there, before anything has
     // failed.
     bool HasProblem() const { return mProblem[0] != '\0' && !mProblemIsOld; }
+    // Whether a data connection is awaited at a port that the server has named.
+    bool IsConnectingData() const
+    {
+        return (mVerb == "EPSV" && mAnswer == 229) || (mVerb == "PASV" && mAnswer == 227);
+    }
+    void AllowConnecting();
     SSL* ControlSession();
     bool HasSpoken();
     bool IsInterrupted() { return IsSending() && HasSpoken(); }
@@ -131,7 +136,8 @@ private:
     UploadResult mStopped;   // why a callback ended the transfer
     std::int64_t mSent = 0;
     std::int64_t mArrived = 0; // bytes that the server's system has acknowledged
-    Clock::time_point mMovedAt = Clock::now();
+    Clock::time_point mStartedAt = Clock::now();
+    Clock::time_point mMovedAt = mStartedAt;
 };
 
 UploadResult CurlUpload::Run()
@@ -144,7 +150,7 @@ UploadResult CurlUpload::Run()
         return mUnusable;
 
     mEvents.Status(kIPWorksConnecting, "Connecting to " + mJob.host + ":" + std::to_string(mJob.port));
-    Moved();
+    mStartedAt = mMovedAt = Clock::now();
     CURLcode code = CURLE_OK;
     CallWithoutBrokenPipes([&] { code = curl_easy_perform(mCurl.get()); });
 
@@ -209,7 +215,7 @@ bool CurlUpload::Prepare()
 
     const long stallSeconds = static_cast<long>(mJob.stallLimit.count());
     Set(CURLOPT_NOSIGNAL, 1L);
-    Set(CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
+    AllowConnecting();
     Set(CURLOPT_SERVER_RESPONSE_TIMEOUT, stallSeconds);
     Set(CURLOPT_ACCEPTTIMEOUT_MS, stallSeconds * 1000L);
     Set(CURLOPT_TCP_KEEPALIVE, 1L);
@@ -252,6 +258,11 @@ UploadResult CurlUpload::Judge(CURLcode code) const
                 "The server ended the transfer before the end of the file: " + mAnswerLine};
     if (code == CURLE_ABORTED_BY_CALLBACK)
         return {kIPWorksConnectionLost, "The server ended the connection before the end of the file."};
+
+    // libcurl's words for it are about the whole call; and through IPv6 it knows no second way.
+    if (IsConnectingData() && (code == CURLE_OPERATION_TIMEDOUT || code == CURLE_WEIRD_SERVER_REPLY))
+        return {kIPWorksConnectFailed,
+                "The data connection cannot be opened: nothing answers at the port that the server named."};
 
     const std::string text = HasProblem() ? mProblem : curl_easy_strerror(code);
     constexpr int kTooLarge = 100; // CURLE_TOO_LARGE from 8.6.0 on, for an answer without an end
@@ -328,6 +339,7 @@ void CurlUpload::Answer(std::string_view line)
         return;
     mAnswer = number;
     mAnswerLine = line;
+    AllowConnecting();
     if (mControl == CURL_SOCKET_BAD)
     {
         mControl = mLatest; // attempts at other addresses are closed by now
@@ -416,6 +428,17 @@ int CurlUpload::OnCloseSocket(void* self, curl_socket_t socket)
         upload.mLatest = upload.mBeforeLatest;
     }
     return CloseSocket(socket);
+}
+
+// libcurl counts its time to connect from the start of the call, log-in and earlier connections included:
+// each step begins it anew. It is longer than a stall may last, which has words of its own; but a data
+// connection gets a third of that, so that behind a port which a firewall hides the next way is tried.
+void CurlUpload::AllowConnecting()
+{
+    const milliseconds stall = mJob.stallLimit;
+    const milliseconds limit = IsConnectingData() ? stall / 3 : stall * 2;
+    const milliseconds passed = std::chrono::ceil<milliseconds>(Clock::now() - mStartedAt);
+    Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>((passed + limit).count()));
 }
 
 // The control connection's session; null when there is none. libcurl's own way to the socket is open to

@@ -30,6 +30,14 @@ const Fault kFaults[] = {
      "1010 "},
     // Some libcurl say it first, in words of their own.
     {"direct never comes", {.answers = {{"EPRT", "200 Noted.\r\n"}, {"STOR", kSilence}}}, "1008 "},
+    {"extended port behind a firewall", {.deaf = "EPSV"}, "", kAll},
+    {"all ports behind a firewall",
+     {.deaf = "EPSV PASV"},
+     "1006 The data connection cannot be opened: nothing answers at the port that the server named."},
+    {"log-in that takes longer than a connection may",
+     {.answerAfter = std::chrono::milliseconds(300)},
+     "",
+     kAll},
     {"name refused", {.answers = {{"STOR", "553 Not this name.\r\n"}}}, "553 Not this name."},
     {"reason in three segments",
      {.breakAt = kHalf, .farewell = "552-No"s + kPause + " room.\r\n552 " + kPause + "Quota.\r\n"},
@@ -63,8 +71,12 @@ TEST(Faults, GiveTheirResultAndNoMore)
         const std::int64_t size = script.breakAt > 0 ? kLarge : kSmall;
         Recorder recorder(script, std::string(static_cast<std::size_t>(size), 'x'));
         recorder.SetNumber(kIPWorksPassive, script.answers.contains("EPRT") ? 0 : 1);
-        if (error.starts_with("1008") || script.atBreak == "stall" || isLate ||
-            !script.greeting.ends_with('\n'))
+        if (!script.deaf.empty())
+            recorder.Config("StallSeconds=3");
+        else if (script.answerAfter.count() > 0)
+            recorder.Config("StallSeconds=1");
+        else if (error.starts_with("1008") || script.atBreak == "stall" || isLate ||
+                 !script.greeting.ends_with('\n'))
             recorder.Config("StallSeconds=2");
 
         const auto start = std::chrono::steady_clock::now();
