@@ -25,8 +25,8 @@ ZTString FullDirectory(const ZTString& directory);
 // anywhere, also later.
 bool LeadsThroughForeignLink(const std::filesystem::path& path);
 
-// Makes the directory and those above it where they are missing. Others may not look into it.
-void MakePrivateDirectory(const std::filesystem::path& directory);
+// Makes the directory and those above it where they are missing. Others may not look into it. Empty when it is there, else the system's text.
+ZTString MakePrivateDirectory(const std::filesystem::path& directory);
 
 // Excludes other processes, and other threads of this one, that lock the same path. A file lies there while
 // the lock is held; only its owner may open it, so that nobody holds up an account of more rights. The lock
@@ -41,10 +41,13 @@ public:
 
     // False when somebody else kept it for too long, or the file cannot be made.
     bool IsHeld() const;
+    // Why the file cannot be made: the system's text. Empty for a lock that is held, by whomever.
+    const ZTString& Problem() const { return mProblem; }
 
 private:
     std::filesystem::path mPath;
     std::intptr_t mHandle;
+    ZTString mProblem;
 };
 
 // A file that grows at its end only, whoever writes: each Append is one write of the system, so lines of
@@ -59,10 +62,15 @@ public:
     AppendFile& operator=(const AppendFile&) = delete;
 
     bool IsOpen() const;
+    // The file's size where its last line has no end, else 0; also for a file that may not be read.
+    std::uint64_t SizeInMidLine() const;
     bool Append(std::string_view bytes);
+    // What is wrong with the file, or the system's text, when one of these failed.
+    const ZTString& Problem() const { return mProblem; }
 
 private:
     std::intptr_t mHandle;
+    ZTString mProblem;
 };
 
 struct FileContent

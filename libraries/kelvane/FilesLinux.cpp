@@ -107,18 +107,23 @@ bool IsNameOf(const std::filesystem::path& path, int descriptor)
            named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
 }
 
-// A file under the path alone, or one that was just removed. With a second name it may be anybody's.
-bool IsPlainFile(int descriptor)
+ZTString LastErrorText()
+{
+    return Widen(std::system_category().message(errno));
+}
+
+// What is wrong with a file that is to be written; nothing with one that has no other name, which might be
+// anybody's, or none any more.
+ZTString WhyNotPlain(int descriptor)
 {
     struct stat status
     {
     };
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink <= 1;
-}
-
-ZTString LastErrorText()
-{
-    return Widen(std::system_category().message(errno));
+    if (fstat(descriptor, &status) != 0)
+        return LastErrorText();
+    if (!S_ISREG(status.st_mode))
+        return L"it is not a plain file";
+    return status.st_nlink <= 1 ? L"" : L"it has a second name";
 }
 
 bool FlushDirectory(const std::filesystem::path& directory)
@@ -170,13 +175,14 @@ bool LeadsThroughForeignLink(const std::filesystem::path& path)
     return false;
 }
 
-void MakePrivateDirectory(const std::filesystem::path& directory)
+ZTString MakePrivateDirectory(const std::filesystem::path& directory)
 {
     std::error_code ignored;
-    if (mkdir(directory.c_str(), kLogDirectoryMode) == 0 || errno != ENOENT)
-        return;
-    std::filesystem::create_directories(directory.parent_path().parent_path(), ignored);
-    mkdir(directory.c_str(), kLogDirectoryMode);
+    if (mkdir(directory.c_str(), kLogDirectoryMode) == 0 || errno == EEXIST)
+        return {};
+    if (errno == ENOENT)
+        std::filesystem::create_directories(directory.parent_path().parent_path(), ignored);
+    return mkdir(directory.c_str(), kLogDirectoryMode) == 0 ? ZTString() : LastErrorText();
 }
 
 FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds patience)
@@ -189,7 +195,10 @@ FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds 
         Descriptor file(
             open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, kPrivateMode));
         if (!file.IsOpen())
+        {
+            mProblem = LastErrorText();
             return;
+        }
         const bool locked = flock(file.Get(), LOCK_EX | LOCK_NB) == 0;
         // Its last holder removes it, perhaps after we have opened it.
         if (locked && IsNameOf(path, file.Get()))
@@ -221,9 +230,16 @@ bool FileLock::IsHeld() const
 // does a pipe there hold anyone up.
 AppendFile::AppendFile(const std::filesystem::path& path) : mHandle(-1)
 {
-    Descriptor file(
-        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, kLogMode));
-    if (file.IsOpen() && IsPlainFile(file.Get()))
+    constexpr int kHow = O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    int descriptor = open(path.c_str(), O_RDWR | kHow, kLogMode);
+    if (descriptor < 0 && errno == EACCES)
+        descriptor = open(path.c_str(), O_WRONLY | kHow, kLogMode);
+    Descriptor file(descriptor);
+    if (!file.IsOpen())
+        mProblem = errno == ELOOP ? ZTString(L"it is a link") : LastErrorText();
+    else
+        mProblem = WhyNotPlain(file.Get());
+    if (mProblem.IsEmpty())
         mHandle = file.Release();
 }
 
@@ -238,13 +254,31 @@ bool AppendFile::IsOpen() const
     return mHandle >= 0;
 }
 
+std::uint64_t AppendFile::SizeInMidLine() const
+{
+    const int descriptor = static_cast<int>(mHandle);
+    struct stat status
+    {
+    };
+    char last = '\n';
+    if (fstat(descriptor, &status) != 0 || status.st_size == 0 ||
+        pread(descriptor, &last, 1, status.st_size - 1) != 1 || last == '\n')
+        return 0;
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
 bool AppendFile::Append(std::string_view bytes)
 {
     ssize_t written;
     do
         written = write(static_cast<int>(mHandle), bytes.data(), bytes.size());
     while (written < 0 && errno == EINTR);
-    return written == static_cast<ssize_t>(bytes.size());
+    if (written == static_cast<ssize_t>(bytes.size()))
+        return true;
+    if (written >= 0)
+        errno = ENOSPC; // there was room for a part
+    mProblem = LastErrorText();
+    return false;
 }
 
 FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)

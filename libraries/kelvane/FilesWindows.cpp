@@ -30,6 +30,11 @@ HANDLE Open(const std::filesystem::path& path, DWORD access, DWORD share, DWORD 
     return CreateFileW(path.c_str(), access, share, nullptr, disposition, flags, nullptr);
 }
 
+ZTString ErrorText(DWORD error)
+{
+    return GetSystemErrorMessage(error, eSysErrMsgPlain, eMonitorNone, false);
+}
+
 bool WriteAll(HANDLE file, std::string_view bytes)
 {
     while (!bytes.empty())
@@ -107,10 +112,11 @@ bool LeadsThroughForeignLink(const std::filesystem::path&)
 }
 
 // The access list is inherited from the directory above.
-void MakePrivateDirectory(const std::filesystem::path& directory)
+ZTString MakePrivateDirectory(const std::filesystem::path& directory)
 {
-    std::error_code ignored;
-    std::filesystem::create_directories(directory.parent_path(), ignored);
+    std::error_code error;
+    std::filesystem::create_directories(directory.parent_path(), error);
+    return error ? ErrorText(static_cast<DWORD>(error.value())) : ZTString();
 }
 
 // The system removes the file with its handle. Until then it lets nobody open it.
@@ -123,8 +129,11 @@ FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds 
                INVALID_HANDLE_VALUE &&
            IsPassing(GetLastError()) && std::chrono::steady_clock::now() < deadline)
         Sleep(1);
+    const DWORD error = GetLastError();
     if (file != INVALID_HANDLE_VALUE)
         mHandle = reinterpret_cast<std::intptr_t>(file);
+    else if (error != ERROR_SHARING_VIOLATION)
+        mProblem = ErrorText(error);
 }
 
 FileLock::~FileLock()
@@ -141,15 +150,20 @@ bool FileLock::IsHeld() const
 AppendFile::AppendFile(const std::filesystem::path& path)
     : mHandle(reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE))
 {
-    const HANDLE file = Open(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, kShareAll,
-                             OPEN_ALWAYS, FILE_FLAG_OPEN_REPARSE_POINT);
-    if (file == INVALID_HANDLE_VALUE)
-        return;
+    constexpr DWORD kHow = FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
+    HANDLE file = Open(path, kHow | FILE_READ_DATA, kShareAll, OPEN_ALWAYS, FILE_FLAG_OPEN_REPARSE_POINT);
+    if (file == INVALID_HANDLE_VALUE && GetLastError() == ERROR_ACCESS_DENIED)
+        file = Open(path, kHow, kShareAll, OPEN_ALWAYS, FILE_FLAG_OPEN_REPARSE_POINT);
     BY_HANDLE_FILE_INFORMATION about{};
-    if (GetFileInformationByHandle(file, &about) && about.nNumberOfLinks <= 1 &&
-        (about.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
+    if (file == INVALID_HANDLE_VALUE || !GetFileInformationByHandle(file, &about))
+        mProblem = ErrorText(GetLastError());
+    else if ((about.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0)
+        mProblem = L"it is a link";
+    else if (about.nNumberOfLinks > 1)
+        mProblem = L"it has a second name";
+    if (mProblem.IsEmpty())
         mHandle = reinterpret_cast<std::intptr_t>(file);
-    else
+    else if (file != INVALID_HANDLE_VALUE)
         CloseHandle(file);
 }
 
@@ -164,11 +178,29 @@ bool AppendFile::IsOpen() const
     return ToHandle(mHandle) != INVALID_HANDLE_VALUE;
 }
 
+std::uint64_t AppendFile::SizeInMidLine() const
+{
+    LARGE_INTEGER size{};
+    if (!GetFileSizeEx(ToHandle(mHandle), &size) || size.QuadPart == 0)
+        return 0;
+    const auto at = static_cast<std::uint64_t>(size.QuadPart - 1);
+    OVERLAPPED where{};
+    where.Offset = static_cast<DWORD>(at);
+    where.OffsetHigh = static_cast<DWORD>(at >> 32U);
+    char last = '\n';
+    DWORD count = 0;
+    const bool read = ReadFile(ToHandle(mHandle), &last, 1, &count, &where) && count == 1;
+    return read && last != '\n' ? at + 1 : 0;
+}
+
 bool AppendFile::Append(std::string_view bytes)
 {
     DWORD written = 0;
-    return WriteFile(ToHandle(mHandle), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
-           written == bytes.size();
+    if (!WriteFile(ToHandle(mHandle), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
+        mProblem = ErrorText(GetLastError());
+    else if (written != bytes.size())
+        mProblem = ErrorText(ERROR_DISK_FULL); // there was room for a part
+    return mProblem.IsEmpty();
 }
 
 FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)
@@ -199,7 +231,7 @@ ZTString ReplaceWholeFile(const std::filesystem::path& path, std::string_view te
 {
     if (MayWrite(path) && PutInPlace(path, text))
         return {};
-    return GetSystemErrorMessage(GetLastError(), eSysErrMsgPlain, eMonitorNone, false);
+    return ErrorText(GetLastError());
 }
 
 // The access list is inherited from the directory.

@@ -13,6 +13,7 @@
 #include <atomic>
 #include <cstdio>
 #include <mutex>
+#include <thread>
 
 namespace kelvane
 {
@@ -20,10 +21,10 @@ namespace
 {
 
 constexpr std::size_t kLongestThreadName = 64;
+constexpr std::chrono::milliseconds kTimeForALine{50};
 
 std::atomic<eConfigID> gDirectorySetting{eConfigLogDirectory};
 std::atomic<bool> gbTroubleTold{false};
-std::atomic<bool> gbLineTorn{false};
 
 // Plain memory, which outlives the thread's objects with destructors.
 thread_local std::array<char, kLongestThreadName + 1> tThreadName{};
@@ -66,11 +67,11 @@ std::string LineOf(unsigned char severity, std::wstring_view text)
     return line + "] " + kind + ": " + Escaped(text) + "\n";
 }
 
-void TellTrouble()
+void TellTrouble(const ZTString& problem)
 {
     if (!gbTroubleTold.exchange(true))
-        std::fprintf(stderr, "Tavo: the log in %s cannot be written\n",
-                     Narrow(GetLogDirectory().AsView()).c_str());
+        std::fprintf(stderr, "Tavo: the log in %s cannot be written: %s\n",
+                     Narrow(GetLogDirectory().AsView()).c_str(), Narrow(problem.AsView()).c_str());
 }
 
 // Makes room for a new log file. Whoever comes second finds the work done, and somebody who is at it is not
@@ -98,7 +99,19 @@ void Rotate(const std::filesystem::path& directory, std::uint64_t fullSize)
         std::filesystem::rename(LogFile(directory, age - 1), LogFile(directory, age), error);
 }
 
-bool Write(const std::filesystem::path& directory, const std::string& line)
+// Whether the disk had no room for the last line's end. A line that another process is just writing goes on.
+bool EndsInTornLine(const AppendFile& file)
+{
+    const std::uint64_t size = file.SizeInMidLine();
+    if (size == 0)
+        return false;
+    std::this_thread::sleep_for(kTimeForALine);
+    return file.SizeInMidLine() == size;
+}
+
+// Empty when it is written, else why it is not. After a line that was torn, by whatever process, it is a line
+// of its own all the same.
+ZTString Write(const std::filesystem::path& directory, const std::string& line)
 {
     const std::filesystem::path path = LogFile(directory, 0);
     const std::uint64_t limit = std::uint64_t{GetConfigDWord(eConfigLogSizeLimitKB, nullptr)} * 1024;
@@ -110,20 +123,20 @@ bool Write(const std::filesystem::path& directory, const std::string& line)
             Rotate(directory, size);
     }
     AppendFile file(path);
-    return file.IsOpen() && file.Append(line);
+    if (file.IsOpen())
+        file.Append(EndsInTornLine(file) ? "\n" + line : line);
+    return file.Problem();
 }
 
-// A line that the disk had no room for leaves its beginning behind; the next one then starts a line of its
-// own.
 void WriteLine(const std::string& line)
 {
     const std::filesystem::path directory = NativePath(GetLogDirectory().AsView());
-    const std::string whole = gbLineTorn.exchange(false) ? "\n" + line : line;
-    if (!Write(directory, whole))
-    {
-        gbLineTorn = true;
-        TellTrouble();
-    }
+    const ZTString problem = Write(directory, line);
+    if (problem.IsEmpty())
+        return;
+    // Where there is no directory, why that is tells more.
+    const ZTString missing = MakePrivateDirectory(directory);
+    TellTrouble(missing.IsEmpty() ? problem : missing);
 }
 
 } // namespace

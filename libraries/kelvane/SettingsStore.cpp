@@ -90,8 +90,10 @@ FoundSetting FindIn(const FileContent& content, std::string_view name)
 ZTString WriteLocked(std::string_view name, const SettingValue& value, std::optional<std::string>& aside)
 {
     const FileLock lock(LockPath(), kPatience);
+    if (!lock.Problem().IsEmpty())
+        return _StrFormat(L"Tavo.settings.lock cannot be had: {0:s}", {lock.Problem()});
     if (!lock.IsHeld())
-        return L"Tavo.settings.lock cannot be had: another process holds it, or this user may not make it";
+        return L"Tavo.settings.lock cannot be had: another process holds it";
     const FileContent content = ReadWholeFile(StorePath(), kLongestFile);
     if (!content.text && !content.missing)
         return L"Tavo.settings.json cannot be read";

@@ -69,8 +69,9 @@ run init set:CustomerServiceText:old "log:2:before"
 cp disk/Tavo.settings.json before.json
 head -c 100000 /dev/zero >disk/filler 2>/dev/null || true
 run init set:CustomerServiceText:new reset:CustomerServiceText get:CustomerServiceText many:x:100 \
-  "shell:cmp before.json disk/Tavo.settings.json && ls disk >names && rm disk/filler" "log:2:mended"
+  "shell:cmp before.json disk/Tavo.settings.json && ls disk >names && rm disk/filler"
 cat answers.errors names
+run "log:2:mended"
 run set:CustomerServiceText:new "log:2:after"
 cat disk/Logs/Tavo.log >log
 umount disk/agent && umount disk
@@ -82,9 +83,10 @@ umount disk/agent && umount disk
         GTEST_SKIP() << "needs root for a mount of its own";
     ASSERT_EQ(std::system(command.c_str()), 0) << folder.Read("output") << folder.Read("errors");
     EXPECT_THAT(folder.Read("output"),
-                testing::MatchesRegex("true\nfalse\nold\nTavo: the log in [^\n]*cannot be "
-                                      "written\nLogs\nTavo.settings.json\nagent\nfiller\ntrue\n"));
-    // A line that had no room is torn; the next one is a line of its own.
+                testing::MatchesRegex(
+                    "true\nfalse\nold\nTavo: the log in [^\n]*cannot be "
+                    "written: No space left on device\nLogs\nTavo.settings.json\nagent\nfiller\ntrue\n"));
+    // A line that had no room is torn; the next one, of another process, is a line of its own.
     const std::string log = folder.Read("log");
     for (const std::string text : {"before", "mended", "after"})
         EXPECT_TRUE(
@@ -126,6 +128,16 @@ TEST(Settings, ThatAreBrokenAreToldWhileTheirLockIsHeld)
     EXPECT_EQ(folder.Settings(), "{") << "its writer may be mending it";
     EXPECT_THAT(folder.Log(), HasSubstr("cannot be understood and cannot be moved away"));
     other.Kill();
+}
+
+// The text of a refusal is the system's own where there is one.
+TEST(Settings, WhoseLockCannotBeHadSayWhy)
+{
+    const AgentFolder folder;
+    fs::create_directory(folder.Path() / "Tavo.settings.lock");
+    folder.Run({"set:LogFileCount:7"});
+    EXPECT_THAT(folder.Log(),
+                HasSubstr("LogFileCount is not changed: Tavo.settings.lock cannot be had: Is a directory\n"));
 }
 
 TEST(Settings, KeepTheirOwnerAndMode)

@@ -158,13 +158,16 @@ TEST(Log, LosesAndMixesNoLineOfProcessesThatWriteAndRotateAtOnce)
 TEST(Log, IsWrittenThroughNoOtherNameWhichItSaysOnceAndStopsNothing)
 {
     using Plant = void (*)(const fs::path& victim, const fs::path& log);
-    const Plant planted[] = {
-        [](const fs::path& victim, const fs::path& log) { fs::create_hard_link(victim, log); },
-        [](const fs::path&, const fs::path& log) { fs::create_directory(log); },
-        [](const fs::path& victim, const fs::path& log) { fs::create_symlink(victim, log); }};
-    for (const Plant plant : planted)
+    const std::pair<Plant, std::string> planted[] = {
+        {[](const fs::path& victim, const fs::path& log) { fs::create_hard_link(victim, log); },
+         "it has a second name"},
+        {[](const fs::path&, const fs::path& log) { fs::create_directory(log); },
+         RunsOnWindows() ? "5: Access denied." : "Is a directory"},
+        {[](const fs::path& victim, const fs::path& log) { fs::create_symlink(victim, log); },
+         "it is a link"}};
+    for (const auto& [plant, why] : planted)
     {
-        if (RunsOnWindows() && plant == planted[2])
+        if (RunsOnWindows() && plant == planted[2].first)
             continue; // Wine makes no links of this kind
         const AgentFolder folder;
         fs::create_directory(folder.Path() / "Logs");
@@ -174,7 +177,7 @@ TEST(Log, IsWrittenThroughNoOtherNameWhichItSaysOnceAndStopsNothing)
         EXPECT_EQ(outcome.exitCode, 0u);
         EXPECT_EQ(folder.Read("victim"), "untouched");
         EXPECT_EQ(outcome.answers, "2\n");
-        EXPECT_EQ(outcome.errors,
-                  "Tavo: the log in " + (folder.Path() / "Logs" / "").string() + " cannot be written\n");
+        EXPECT_EQ(outcome.errors, "Tavo: the log in " + (folder.Path() / "Logs" / "").string() +
+                                      " cannot be written: " + why + "\n");
     }
 }

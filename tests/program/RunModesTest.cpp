@@ -127,8 +127,8 @@ TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
         // The switch with a value passes the gate, so the refusal is the store's.
         {{"-FTP_LOG", "x", "-SETCONFIG", "CustomerServiceText:Zq17"},
          kFailureBox + "CustomerServiceText" + kFailureHint,
-         "failure: CustomerServiceText is not changed: Tavo.settings.lock cannot be had: another process "
-         "holds it, or this user may not make it\n"
+         "failure: CustomerServiceText is not changed: Tavo.settings.lock cannot be had: Permission "
+         "denied\n"
          "failure: Failed to set CustomerServiceText = 'Zq17'\n",
          "4: finished SETCONFIG"},
     };
@@ -143,8 +143,9 @@ TEST(Gate, AUserWithoutRightsIsRefusedInEveryModeThatAsks)
         EXPECT_EQ(folder.Read("Tavo.settings.json"), "");
     }
     const ProgramFolder closed;
-    EXPECT_EQ(closed.Run({.asOtherUser = true}).errors,
-              "Tavo: the log in " + (closed.Path() / "Logs/").string() + " cannot be written\n");
+    EXPECT_EQ(closed.Run({.asOtherUser = true}).errors, "Tavo: the log in " +
+                                                            (closed.Path() / "Logs/").string() +
+                                                            " cannot be written: Permission denied\n");
 }
 
 const std::string kConfirm =
