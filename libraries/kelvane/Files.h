@@ -21,11 +21,12 @@ std::filesystem::path NativePath(std::wstring_view path);
 // `directory` as a full path with a separator at its end; a relative one lies in the program folder.
 ZTString FullDirectory(const ZTString& directory);
 
-// Whether a link that somebody else than root or this account has made stands in the path: it might lead
-// anywhere, also later.
+// Whether a link that somebody else than root or this account has made stands in the path, or in that of a
+// link's target: it might lead anywhere, also later.
 bool LeadsThroughForeignLink(const std::filesystem::path& path);
 
-// Makes the directory and those above it where they are missing. Others may not look into it. Empty when it is there, else the system's text.
+// Makes the directory and those above it where they are missing, also where a link of this account's own
+// leads. Others may not look into it. Empty when it is there, else the system's text.
 ZTString MakePrivateDirectory(const std::filesystem::path& directory);
 
 // Excludes other processes, and other threads of this one, that lock the same path. A file lies there while

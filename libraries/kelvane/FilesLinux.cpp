@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <list>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -23,6 +24,7 @@ constexpr mode_t kLogMode = 0640;
 constexpr mode_t kLogDirectoryMode = 0750;
 constexpr mode_t kSettingsMode = 0644;
 constexpr mode_t kPrivateMode = 0600;
+constexpr int kMostLinks = 40; // as the kernel
 
 class Descriptor
 {
@@ -126,6 +128,34 @@ ZTString WhyNotPlain(int descriptor)
     return status.st_nlink <= 1 ? L"" : L"it has a second name";
 }
 
+// The path without its links, whether it is there or not; nothing where a link is another account's.
+std::optional<std::filesystem::path> WithoutLinks(const std::filesystem::path& path)
+{
+    std::list<std::filesystem::path> names(path.begin(), path.end());
+    std::filesystem::path plain;
+    for (int links = 0; !names.empty(); names.pop_front())
+    {
+        const std::filesystem::path& name = names.front();
+        if (name.empty() || name == ".") // empty after the separator at the end
+            continue;
+        const std::filesystem::path part = name == ".." ? plain.parent_path() : plain / name;
+        struct stat status
+        {
+        };
+        if (lstat(part.c_str(), &status) != 0 || !S_ISLNK(status.st_mode) || ++links > kMostLinks)
+        {
+            plain = part;
+            continue;
+        }
+        if (status.st_uid != 0 && status.st_uid != geteuid())
+            return std::nullopt;
+        std::error_code ignored;
+        const std::filesystem::path target = std::filesystem::read_symlink(part, ignored);
+        names.insert(std::next(names.begin()), target.begin(), target.end());
+    }
+    return plain;
+}
+
 bool FlushDirectory(const std::filesystem::path& directory)
 {
     const Descriptor opened(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -160,29 +190,24 @@ ZTString FullDirectory(const ZTString& directory)
 
 bool LeadsThroughForeignLink(const std::filesystem::path& path)
 {
-    std::filesystem::path part;
-    for (const std::filesystem::path& name : path)
-    {
-        part /= name;
-        struct stat status
-        {
-        };
-        // Without a separator at the end, which would follow the link.
-        if (!name.empty() && lstat(part.c_str(), &status) == 0 && S_ISLNK(status.st_mode) &&
-            status.st_uid != 0 && status.st_uid != geteuid())
-            return true;
-    }
-    return false;
+    return !WithoutLinks(path);
 }
 
 ZTString MakePrivateDirectory(const std::filesystem::path& directory)
 {
-    std::error_code ignored;
-    if (mkdir(directory.c_str(), kLogDirectoryMode) == 0 || errno == EEXIST)
+    struct stat status
+    {
+    };
+    if (mkdir(directory.c_str(), kLogDirectoryMode) == 0 || stat(directory.c_str(), &status) == 0)
         return {};
-    if (errno == ENOENT)
-        std::filesystem::create_directories(directory.parent_path().parent_path(), ignored);
-    return mkdir(directory.c_str(), kLogDirectoryMode) == 0 ? ZTString() : LastErrorText();
+    const std::optional<std::filesystem::path> plain = WithoutLinks(directory);
+    if (!plain)
+        return L"another account has put a link there";
+    std::error_code error;
+    std::filesystem::create_directories(plain->parent_path(), error);
+    if (error)
+        return Widen(error.message());
+    return mkdir(plain->c_str(), kLogDirectoryMode) == 0 || errno == EEXIST ? ZTString() : LastErrorText();
 }
 
 FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds patience)

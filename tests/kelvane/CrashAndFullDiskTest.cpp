@@ -140,6 +140,28 @@ TEST(Settings, WhoseLockCannotBeHadSayWhy)
                 HasSubstr("LogFileCount is not changed: Tavo.settings.lock cannot be had: Is a directory\n"));
 }
 
+// An installed program folder is read-only, and a link in it leads to the logs.
+TEST(Log, BehindALinkIsMadeAnewWhereItLeads)
+{
+    const AgentFolder folder;
+    fs::create_symlink("var/onward", folder.Path() / "Logs");
+    fs::create_directory(folder.Path() / "var");
+    fs::create_symlink("../else/where", folder.Path() / "var/onward");
+    const AgentOutcome outcome =
+        folder.Run({"log:2:one", "shell:rm -r '" + (folder.Path() / "else").string() + "'", "log:2:two"});
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_THAT(folder.Read("else/where/Tavo.log"), HasSubstr("two"));
+
+    // But not where another account's link leads.
+    fs::remove_all(folder.Path() / "else");
+    if (lchown((folder.Path() / "var/onward").c_str(), 1, 1) != 0)
+        GTEST_SKIP() << "only root may give links away";
+    EXPECT_THAT(folder.Run({"log:2:three"}).errors,
+                HasSubstr("Tavo: the log in " + (folder.Path() / "Logs/").string() +
+                          " cannot be written: another account has put a link there\n"));
+    EXPECT_FALSE(fs::exists(folder.Path() / "else"));
+}
+
 TEST(Settings, KeepTheirOwnerAndMode)
 {
     const AgentFolder folder;

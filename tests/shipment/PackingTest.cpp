@@ -162,11 +162,17 @@ TEST_F(LogDirectory, BehindALinkOfAnotherAccountIsNotUsed)
     ours.Write("secret", "secret");
     fs::create_directory_symlink(ours.Path(), link);
     ASSERT_EQ(lchown(link.c_str(), 1, 1), 0);
-    WriteFile(folder.Path() / "Tavo.settings.json", "{\"LogDirectory\": \"" + link.string() + "\"}");
+    // Also behind one of our own.
+    fs::create_directory_symlink(link, folder.Path() / "own");
     const RealFtpServer server(kFtpUser, kFtpPassword);
-    EXPECT_THAT(Ship("case").errors, HasSubstr("Tavo: the log directory " + link.string() +
-                                               " is not used: another account has put a link there\n"));
-    const Tree sent = Unpack(server.Directory() / "case.zip");
-    EXPECT_TRUE(sent.contains("Tavo.log") && !sent.contains("secret"));
+    for (const fs::path& directory : {link, folder.Path() / "own"})
+    {
+        WriteFile(folder.Path() / "Tavo.settings.json", "{\"LogDirectory\": \"" + directory.string() + "\"}");
+        EXPECT_THAT(Ship("case").errors, HasSubstr("Tavo: the log directory " + directory.string() +
+                                                   " is not used: another account has put a link there\n"));
+        const Tree sent = Unpack(server.Directory() / "case.zip");
+        EXPECT_TRUE(sent.contains("Tavo.log") && !sent.contains("secret"));
+        fs::remove(server.Directory() / "case.zip");
+    }
     EXPECT_NE(folder.Log(), "");
 }
