@@ -30,8 +30,9 @@ bool LeadsThroughForeignLink(const std::filesystem::path& path);
 ZTString MakePrivateDirectory(const std::filesystem::path& directory);
 
 // Excludes other processes, and other threads of this one, that lock the same path. A file lies there while
-// the lock is held; only its owner may open it, so that nobody holds up an account of more rights. The lock
-// ends with the process, and a file that a killed one leaves is in nobody's way.
+// the lock is held; only its owner may open it, so that nobody holds up an account of more rights, and root
+// takes the place of an account that keeps it. The lock ends with the process, and a file that a killed one
+// leaves is in nobody's way.
 class FileLock
 {
 public:

@@ -25,6 +25,7 @@ constexpr mode_t kLogDirectoryMode = 0750;
 constexpr mode_t kSettingsMode = 0644;
 constexpr mode_t kPrivateMode = 0600;
 constexpr int kMostLinks = 40; // as the kernel
+constexpr std::chrono::milliseconds kForeignPatience{100};
 
 class Descriptor
 {
@@ -107,6 +108,14 @@ bool IsNameOf(const std::filesystem::path& path, int descriptor)
     };
     return lstat(path.c_str(), &named) == 0 && fstat(descriptor, &opened) == 0 &&
            named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+}
+
+bool BelongsToRoot(int descriptor)
+{
+    struct stat status
+    {
+    };
+    return fstat(descriptor, &status) == 0 && status.st_uid == 0;
 }
 
 ZTString LastErrorText()
@@ -215,6 +224,7 @@ FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds 
 {
     // Not by a blocking call: a process that is stopped would hold us up for ever.
     const auto deadline = std::chrono::steady_clock::now() + patience;
+    bool replaced = false;
     while (true)
     {
         Descriptor file(
@@ -231,9 +241,13 @@ FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds 
             mHandle = file.Release();
             return;
         }
-        if (std::chrono::steady_clock::now() >= deadline)
+        const auto now = std::chrono::steady_clock::now();
+        const bool isForeign = geteuid() == 0 && !locked && !replaced && !BelongsToRoot(file.Get());
+        if (now >= deadline && !isForeign)
             return;
-        if (!locked)
+        if (isForeign && now >= deadline + kForeignPatience)
+            replaced = unlink(path.c_str()) == 0;
+        else if (!locked)
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
 }

@@ -140,6 +140,27 @@ TEST(Settings, WhoseLockCannotBeHadSayWhy)
                 HasSubstr("LogFileCount is not changed: Tavo.settings.lock cannot be had: Is a directory\n"));
 }
 
+TEST(Log, TakesItsTurnWhileAnotherAccountKeepsTheLock)
+{
+    const AgentFolder folder;
+    folder.Write("Tavo.settings.json", R"({"LogSizeLimitKB": 1})");
+    folder.Write("Logs/Tavo.log", std::string(2000, 'x'));
+    const fs::path lock = folder.Path() / "Logs/Tavo.log.lock";
+    folder.Write("Logs/Tavo.log.lock", "");
+    if (chown(lock.c_str(), 65534, 65534) != 0)
+        GTEST_SKIP() << "only root may give files away";
+    fs::permissions(folder.Path() / "Logs", fs::perms(0755));
+    fs::permissions(folder.Path(), fs::perms(0755));
+    const ChildProcess other(L"setpriv --reuid=65534 --regid=65534 --clear-groups flock \"" + lock.wstring() +
+                             L"\" sleep 20");
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    folder.Run({"log:2:new"});
+    EXPECT_EQ(folder.Read("Logs/Tavo.1.log").size(), 2000u);
+    EXPECT_THAT(folder.Log(), HasSubstr("new"));
+    EXPECT_THAT(folder.Names("Tavo.log"), testing::ElementsAre("Tavo.log"));
+    other.Kill();
+}
+
 // An installed program folder is read-only, and a link in it leads to the logs.
 TEST(Log, BehindALinkIsMadeAnewWhereItLeads)
 {
