@@ -3,8 +3,11 @@
 
 #include "foundation/Kelvane.h"
 #include "libraries/kelvane/Files.h"
+#include "libraries/kelvane/Text.h"
 
 #include <atomic>
+#include <cstdio>
+#include <thread>
 
 namespace kelvane
 {
@@ -14,6 +17,9 @@ namespace
 constexpr std::size_t kLongestFile = 1U << 20; // for reading and writing alike
 constexpr std::chrono::seconds kPatience{10};
 constexpr std::chrono::milliseconds kMoment{100};
+constexpr std::chrono::milliseconds kSettled{500};
+constexpr std::chrono::milliseconds kBetweenReads{20};
+constexpr std::chrono::seconds kLongestUnsettled{3};
 
 // Replacing a file replaces a link to it, so a link in its place (an installed program folder has one) is
 // followed by hand, to a file that may not be there yet.
@@ -67,9 +73,38 @@ std::string SetAside()
     return error ? std::string() : name;
 }
 
+bool HasChangedJustNow()
+{
+    std::error_code error;
+    const auto changed = std::filesystem::last_write_time(StorePath(), error);
+    return !error && std::chrono::abs(decltype(changed)::clock::now() - changed) < kSettled;
+}
+
+// Somebody may be in the middle of writing the file in its place: one that changed just now is read again,
+// until it can be understood or has been left alone.
+FileContent ReadSettled()
+{
+    const auto end = std::chrono::steady_clock::now() + kLongestUnsettled;
+    FileContent content = ReadWholeFile(StorePath(), kLongestFile);
+    while (content.text && FindSetting(*content.text, {}).finding == eFinding::Broken &&
+           HasChangedJustNow() && std::chrono::steady_clock::now() < end)
+    {
+        std::this_thread::sleep_for(kBetweenReads);
+        content = ReadWholeFile(StorePath(), kLongestFile);
+    }
+    return content;
+}
+
+// Also on standard error, since the log then lies where the defaults want it, and perhaps nobody looks there.
 // The caller does not hold the lock: logging reads settings, which may meet the same file.
 void TellSetAside(const std::string& name)
 {
+    static std::atomic<bool> told{false};
+    if (!told.exchange(true))
+        std::fprintf(stderr,
+                     name.empty() ? "Tavo: %s cannot be understood and cannot be moved away: defaults hold\n"
+                                  : "Tavo: %s could not be understood and was moved to %s: defaults hold\n",
+                     Narrow(GetPathInAppFolder(L"Tavo.settings.json").AsView()).c_str(), name.c_str());
     if (name.empty())
         TellTrouble(L"Tavo.settings.json cannot be understood and cannot be moved away: defaults hold");
     else
@@ -94,7 +129,7 @@ ZTString WriteLocked(std::string_view name, const SettingValue& value, std::opti
         return _StrFormat(L"Tavo.settings.lock cannot be had: {0:s}", {lock.Problem()});
     if (!lock.IsHeld())
         return L"Tavo.settings.lock cannot be had: another process holds it";
-    const FileContent content = ReadWholeFile(StorePath(), kLongestFile);
+    const FileContent content = ReadSettled();
     if (!content.text && !content.missing)
         return L"Tavo.settings.json cannot be read";
     std::optional<std::string> text = WithSetting(content.text.value_or("{}"), name, value);
@@ -125,7 +160,7 @@ FoundSetting ReadStoredSetting(std::string_view name)
     {
         // Perhaps another process has mended it by now.
         const FileLock lock(LockPath(), kMoment);
-        found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
+        found = FindIn(ReadSettled(), name);
         if (found.finding != eFinding::Broken)
             return found;
         if (lock.IsHeld())

@@ -141,8 +141,12 @@ TEST(Settings, ThatCannotBeUnderstoodAreSetAside)
         folder.Write("Tavo.settings.json", broken);
         // A writer and a reader meet it in turn.
         const bool writes = number % 2 == 0;
-        EXPECT_EQ(folder.Run({writes ? "set:LogLevel:2" : "get:LogLevel"}).answers, writes ? "true\n" : "2\n")
-            << number;
+        const AgentOutcome outcome =
+            folder.Run({writes ? "set:LogLevel:2" : "get:LogLevel", "get:LogFileCount"});
+        EXPECT_EQ(outcome.answers, writes ? "true\n5\n" : "2\n5\n") << number;
+        EXPECT_EQ(outcome.errors, "Tavo: " + (folder.Path() / "Tavo.settings.json").string() +
+                                      " could not be understood and was moved to " + aside +
+                                      ": defaults hold\n");
         EXPECT_EQ(folder.Read(aside), broken);
         EXPECT_THAT(folder.Log(),
                     HasSubstr("failure: Tavo.settings.json could not be understood and was moved to " +
@@ -179,8 +183,12 @@ TEST(Settings, ThatCannotBeUnderstoodNorMovedAwayHoldNobodyUp)
     { fs::permissions(folder.Path() / name, fs::perms(mode)); };
     fs::create_directory(folder.Path() / "Logs");
     open("Logs", 0777);
+    const std::string trouble = "Tavo: " + (folder.Path() / "Tavo.settings.json").string() +
+                                " cannot be understood and cannot be moved away: defaults hold\n";
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(folder.Run({"init", "get:LogLevel", "set:LogLevel:1"}, true).answers, "2\nfalse\n");
+    const AgentOutcome outcome = folder.Run({"init", "get:LogLevel", "set:LogLevel:1"}, true);
+    EXPECT_EQ(outcome.answers, "2\nfalse\n");
+    EXPECT_EQ(outcome.errors, trouble);
     // Far below the time that a process waits for another one's lock.
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
     EXPECT_EQ(folder.Settings(), "{");
