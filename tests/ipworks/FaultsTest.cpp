@@ -31,6 +31,10 @@ const Fault kFaults[] = {
     // Some libcurl say it first, in words of their own.
     {"direct never comes", {.answers = {{"EPRT", "200 Noted.\r\n"}, {"STOR", kSilence}}}, "1008 "},
     {"extended port behind a firewall", {.deaf = "EPSV"}, "", kAll},
+    // Through IPv6 there is no other way.
+    {"port of IPv6 behind a firewall",
+     {.address = "::1", .deaf = "EPSV"},
+     "1006 The data connection cannot be opened: nothing answers at the port that the server named."},
     {"all ports behind a firewall",
      {.deaf = "EPSV PASV"},
      "1006 The data connection cannot be opened: nothing answers at the port that the server named."},
@@ -38,6 +42,7 @@ const Fault kFaults[] = {
      {.answerAfter = std::chrono::milliseconds(300)},
      "",
      kAll},
+    {"no word of UTF-8", {.answers = {{"OPTS", "500 What?\r\n"}}}, "", kAll},
     {"name refused", {.answers = {{"STOR", "553 Not this name.\r\n"}}}, "553 Not this name."},
     {"reason in three segments",
      {.breakAt = kHalf, .farewell = "552-No"s + kPause + " room.\r\n552 " + kPause + "Quota.\r\n"},
@@ -67,9 +72,12 @@ TEST(Faults, GiveTheirResultAndNoMore)
     for (const auto& [name, script, error, sent] : kFaults)
     {
         SCOPED_TRACE(name);
+        if (script.address == "::1" && !HasIPv6())
+            continue;
         const bool isLate = script.farewellAfter.count() > 0;
         const std::int64_t size = script.breakAt > 0 ? kLarge : kSmall;
         Recorder recorder(script, std::string(static_cast<std::size_t>(size), 'x'));
+        recorder.SetText(kIPWorksRemoteHost, script.address.c_str());
         recorder.SetNumber(kIPWorksPassive, script.answers.contains("EPRT") ? 0 : 1);
         if (!script.deaf.empty())
             recorder.Config("StallSeconds=3");

@@ -10,6 +10,12 @@
 
 constexpr const char* kTestPassword = "Kesto-42";
 
+// Whether this machine has an address ::1.
+inline bool HasIPv6()
+{
+    return ReadFile("/proc/net/if_inet6").find("00000000000000000000000000000001 ") != std::string::npos;
+}
+
 class Recorder
 {
 public:

@@ -13,7 +13,8 @@ TEST(Upload, PassiveBringsTheFileAndTellsOfEveryStep)
     const std::string content = RandomBytes(kSize);
     Recorder recorder({}, content);
     HoldForAMoment(recorder.File());
-    EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+    const Variable proxy("ftp_proxy", "http://127.0.0.1:9"); // nobody asks it
+    ASSERT_EQ(0, recorder.Upload()) << recorder.LastError();
     EXPECT_TRUE(content == recorder.server.Uploaded());
     EXPECT_EQ("archive.zip", recorder.server.UploadedName());
     EXPECT_EQ("", recorder.LastError());
@@ -79,6 +80,22 @@ TEST(Upload, ServerThatAsksForNoLoginIsServedAndCalledReadable)
                 "status 8 The server offers no encryption: password and file can be read on their way",
                 "status 5 Sending archive.zip", "status 6 The server has received archive.zip",
                 "status 7 Disconnected"));
+    }
+}
+
+TEST(Upload, ServerOfIPv6IsServedInBothModes)
+{
+    if (!HasIPv6())
+        GTEST_SKIP() << "no address ::1";
+    const std::string content = RandomBytes(100000);
+    Recorder recorder({.address = "::1", .directFrom = "::1"}, content);
+    recorder.SetText(kIPWorksRemoteHost, "::1");
+    for (const auto& [passive, command] : {std::pair{1, "EPSV"}, {0, "EPRT |2|::1|"}})
+    {
+        recorder.SetNumber(kIPWorksPassive, passive);
+        EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+        EXPECT_TRUE(content == recorder.server.Uploaded());
+        EXPECT_THAT(recorder.server.Commands(), testing::Contains(HasSubstr(command)));
     }
 }
 

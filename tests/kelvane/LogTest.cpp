@@ -89,6 +89,10 @@ TEST(Log, LiesWhereTheSettingSaysFromTheNextStartOn)
     folder.Run({"set:LogDirectory:" + Encoded(rooted.string())});
     EXPECT_EQ(folder.Run({"init", "log:2:there", "directory"}).answers, (other / "").string() + "\n");
     EXPECT_THAT(folder.Read("other place/Tavo.log"), HasSubstr("there"));
+
+    folder.Run({"set:LogDirectory:"});
+    EXPECT_EQ(folder.Run({"init", "directory"}).answers, (folder.Path() / "Logs" / "").string() + "\n")
+        << "nothing is no place";
 }
 
 TEST(Log, KeepsAsManyOlderFilesAsTheSettingSays)

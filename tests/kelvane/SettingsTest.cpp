@@ -112,6 +112,14 @@ TEST(Settings, LeaveWhatAPersonWroteInItsPlace)
 )");
 }
 
+TEST(Settings, AreReadAsAnEditorOfWindowsSavesThem)
+{
+    const AgentFolder folder;
+    folder.Write("Tavo.settings.json", "\xEF\xBB\xBF{\r\n  \"LogLevel\": 1\r\n}\r\n");
+    EXPECT_EQ(folder.Run({"get:LogLevel", "set:LogFileCount:9"}).answers, "1\ntrue\n");
+    EXPECT_EQ(folder.Settings(), "{\n  \"LogLevel\": 1,\n  \"LogFileCount\": 9\n}\n");
+}
+
 TEST(Settings, OfTheWrongTypeCountAsTheirDefaultsAndTheLogSaysSo)
 {
     const AgentFolder folder;

@@ -38,12 +38,23 @@ constexpr const char* kReport[] = {
     R"(\[\d+ms\] MAC log: BufSize=\d+, ret=\d+, try:0-.*macCount=\d+, ret=([0-9A-F]{2})*)",
     R"(\[\d+ms\] User default locale: \[[A-Za-z-]*\] \(x[0-9A-F]{4,}\))",
     R"(\[\d+ms\] System default locale: \[[A-Za-z-]*\] \(x[0-9A-F]{4,}\))",
-    R"(\[\d+ms\] \S.*)",
+    R"(\[\d+ms\] Call Zq: 17)",
 };
+
+std::string ThisComputer()
+{
+    if (!RunsOnWindows())
+        return Lines(ReadFile("/proc/sys/kernel/hostname")).at(0);
+    wchar_t name[256] = L"";
+    DWORD size = 256;
+    GetComputerNameW(name, &size);
+    return std::filesystem::path(name).string();
+}
 
 TEST(Report, StandsInItsOrderAndTheProgramEndsWithZero)
 {
     const ProgramFolder folder;
+    WriteFile(folder.Path() / "Tavo.settings.json", R"({"CustomerServiceText": "Call Zq: 17"})");
     const ProgramOutcome outcome = folder.Run({});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.console << outcome.errors;
 
@@ -54,6 +65,7 @@ TEST(Report, StandsInItsOrderAndTheProgramEndsWithZero)
     for (std::size_t i = 0; i < std::size(kReport); ++i)
         EXPECT_TRUE(std::regex_match(lines[i], std::regex(kReport[i])))
             << "line " << i << ": " << lines[i] << "\nwanted: " << kReport[i];
+    EXPECT_EQ(lines[0].substr(lines[0].find(": ") + 2), ThisComputer());
     const auto last = [](const std::string& line) { return line.substr(line.find_last_of(" =") + 1); };
     EXPECT_EQ(last(lines[21]), last(lines[22])) << "the address and what the survey has chosen";
 }

@@ -12,6 +12,7 @@ ScriptedFtpServer::ScriptedFtpServer(const FtpScript& script, std::uint16_t port
 {
     const std::pair<std::string, std::string> keys[] = {
         {"port", std::to_string(port)},
+        {"address", script.address},
         {"greeting", script.greeting},
         {"inSingleBytes", std::to_string(script.inSingleBytes)},
         {"answerAfter", std::to_string(script.answerAfter.count())},

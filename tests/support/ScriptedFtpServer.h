@@ -20,6 +20,7 @@ constexpr const char* kPause = "(pause)";
 
 struct FtpScript
 {
+    std::string address = "127.0.0.1"; // where it listens
     std::string greeting = "220 Ready.\r\n";
     // Answers by verb, in place of the ordinary ones.
     std::map<std::string, std::string> answers{};
