@@ -152,7 +152,7 @@ AppendFile::AppendFile(const std::filesystem::path& path)
 {
     constexpr DWORD kHow = FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE;
     HANDLE file = Open(path, kHow | FILE_READ_DATA, kShareAll, OPEN_ALWAYS, FILE_FLAG_OPEN_REPARSE_POINT);
-    if (file == INVALID_HANDLE_VALUE && GetLastError() == ERROR_ACCESS_DENIED)
+    if (file == INVALID_HANDLE_VALUE)
         file = Open(path, kHow, kShareAll, OPEN_ALWAYS, FILE_FLAG_OPEN_REPARSE_POINT);
     BY_HANDLE_FILE_INFORMATION about{};
     if (file == INVALID_HANDLE_VALUE || !GetFileInformationByHandle(file, &about))
