@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 namespace platform
 {
@@ -93,13 +94,14 @@ const wchar_t* TextOf(ULONG code)
     return entry != std::end(kTexts) ? entry->text : L"Unknown Error";
 }
 
-constexpr std::size_t kLongestCause = 400; // characters
+constexpr std::size_t kLongestCause = 400; // characters that are shown
 
 // One line with single blanks in it.
 std::wstring Shown(const std::string& cause)
 {
     std::wstring shown;
-    for (const wchar_t character : text::SafeToShow(text::FromUtf8(cause)))
+    const std::string_view seen = std::string_view(cause).substr(0, kMostOfCause);
+    for (const wchar_t character : text::SafeToShow(text::FromUtf8(seen)))
         if (character != L' ' || (!shown.empty() && shown.back() != L' '))
             shown += character;
     if (shown.ends_with(L' '))
@@ -133,7 +135,8 @@ std::uint32_t RememberFault(const LdapFault& fault)
 std::uint32_t WindowsCode(int libraryCode)
 {
     // The library counts its own codes down from -1 in the order in which Windows counts up from 0x51.
-    return static_cast<std::uint32_t>(libraryCode < 0 ? 0x50 - libraryCode : libraryCode);
+    const auto code = static_cast<std::uint32_t>(libraryCode);
+    return libraryCode < 0 ? 0x50 - code : code;
 }
 
 } // namespace platform

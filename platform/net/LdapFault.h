@@ -3,6 +3,7 @@
 // its last fault for LdapGetLastError and ldap_err2stringW.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -26,6 +27,9 @@ enum eLdapCode : std::uint32_t
     eLdapParameterError = 0x59,
     eLdapNoMemory = 0x5a
 };
+
+// Of a cause no more bytes are looked at: one line of it is shown.
+constexpr std::size_t kMostOfCause = 4096;
 
 struct LdapFault
 {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <iterator>
 #include <new>
 #include <optional>
 
@@ -23,6 +24,9 @@ constexpr unsigned char kTlsHandshake = 0x16;
 constexpr unsigned char kTlsMajor = 0x03;
 constexpr ber_tag_t kExtendedResponse = 0x78;
 constexpr ber_tag_t kResponseName = 0x8a;
+constexpr ber_tag_t kReferral = 0xa3;
+// An entry of a search, a reference to other servers, and what comes before a result: they bear none.
+constexpr ber_tag_t kPartsOfAnAnswer[] = {0x64, 0x73, 0x79};
 constexpr std::string_view kDisconnection = "1.3.6.1.4.1.1466.20036"; // RFC 4511, 4.4.1
 
 // In bytes.
@@ -32,6 +36,8 @@ constexpr std::size_t kLargestAnswer = 64U << 20U;
 constexpr std::size_t kLibraryOverhead = 256; // of OpenLDAP's library for each message that it keeps
 
 constexpr std::size_t kNotAMessage = SIZE_MAX;
+
+const LdapFault kUnreadable = {eLdapDecodingError, {}};
 
 // The size of the message that begins here, its head included; 0 while the head is not whole.
 std::size_t MessageSize(std::string_view bytes)
@@ -55,30 +61,46 @@ std::size_t MessageSize(std::string_view bytes)
     return 2 + count + length;
 }
 
-// The result in a notice of disconnection; nothing for any other message.
-std::optional<LdapFault> ReadDisconnection(std::string_view message)
+// Reads a result up to its own texts and the servers that it names; nothing where it cannot be read.
+std::optional<LdapFault> ReadResult(BerElement* result)
 {
-    std::string copy(message); // the reader puts an end after each text
-    BerReader reader;
-    BerElement* const element = reader.Begin(copy);
-    ber_int_t number = 0;
     ber_int_t code = 0;
-    ber_len_t length = 0;
     berval name{};
     berval text{};
-    if (ber_scanf(element, "{i", &number) == LBER_ERROR ||
-        ber_peek_tag(element, &length) != kExtendedResponse ||
-        ber_scanf(element, "{emm", &code, &name, &text) == LBER_ERROR)
+    if (ber_scanf(result, "e", &code) == LBER_ERROR || ber_skip_element(result, &name) == LBER_DEFAULT ||
+        ber_skip_element(result, &text) == LBER_DEFAULT)
         return std::nullopt;
-    for (ber_tag_t tag = ber_peek_tag(element, &length); tag != LBER_ERROR;
-         tag = ber_peek_tag(element, &length))
+    // The library reads no text that holds a NUL.
+    for (const berval& part : {name, text})
+        std::replace(part.bv_val, part.bv_val + part.bv_len, '\0', ' ');
+    ber_len_t length = 0;
+    if (ber_peek_tag(result, &length) == kReferral)
     {
-        if (ber_scanf(element, "m", &name) == LBER_ERROR)
-            return std::nullopt;
-        if (tag == kResponseName && ViewOf(name) == kDisconnection)
-            return LdapFault{static_cast<std::uint32_t>(code), std::string(ViewOf(text))};
+        berval servers{};
+        ber_skip_element(result, &servers);
+        BerReader reader;
+        if (text.bv_len == 0 && code == eLdapReferral)
+            ber_skip_element(reader.Begin(ViewOf(servers)), &text);
     }
-    return std::nullopt;
+    return LdapFault{static_cast<std::uint32_t>(code), std::string(ViewOf(text).substr(0, kMostOfCause))};
+}
+
+// The result in a notice of disconnection; nothing for any other operation.
+std::optional<LdapFault> ReadDisconnection(ber_tag_t kind, std::string_view operation)
+{
+    BerReader reader;
+    BerElement* const element = reader.Begin(operation);
+    std::optional<LdapFault> result = kind == kExtendedResponse ? ReadResult(element) : std::nullopt;
+    berval part{};
+    while (result)
+    {
+        const ber_tag_t tag = ber_skip_element(element, &part);
+        if (tag == LBER_DEFAULT)
+            result.reset();
+        else if (tag == kResponseName && ViewOf(part) == kDisconnection)
+            break;
+    }
+    return result;
 }
 
 } // namespace
@@ -160,11 +182,13 @@ void LdapMessageLayer::TakeMessage()
 void LdapMessageLayer::Judge(std::string_view message)
 {
     ber_int_t number = 0;
-    ber_len_t length = 0;
+    berval operation{};
     // The library keeps a request whose answer holds no operation, and does not outlive the second such
     // answer.
     BerElement* const reader = mReader.Begin(message);
-    if (ber_scanf(reader, "{i", &number) == LBER_ERROR || ber_peek_tag(reader, &length) == LBER_ERROR)
+    const ber_tag_t kind =
+        ber_scanf(reader, "{i", &number) != LBER_ERROR ? ber_skip_element(reader, &operation) : LBER_DEFAULT;
+    if (kind == LBER_DEFAULT)
     {
         mEnding = {eLdapDecodingError, "the server's answer is not an LDAP message"};
         return;
@@ -176,10 +200,16 @@ void LdapMessageLayer::Judge(std::string_view message)
         mTaken += message.size() + kLibraryOverhead;
         if (mTaken > kLargestAnswer)
             mEnding = {eLdapResultsTooLarge, "the server sent more than 64 MB"};
+        else if (std::ranges::find(kPartsOfAnAnswer, kind) == std::end(kPartsOfAnAnswer))
+        {
+            BerReader result;
+            mAnswered = number;
+            mResult = ReadResult(result.Begin(ViewOf(operation))).value_or(kUnreadable);
+        }
     }
     else
     {
-        if (std::optional<LdapFault> disconnection = ReadDisconnection(message))
+        if (std::optional<LdapFault> disconnection = ReadDisconnection(kind, ViewOf(operation)))
         {
             mEnding = std::move(*disconnection);
             if (!mEnding)
@@ -187,6 +217,11 @@ void LdapMessageLayer::Judge(std::string_view message)
         }
         mRead = mReady; // anything else is advice
     }
+}
+
+LdapFault LdapMessageLayer::ResultOf(int request) const
+{
+    return request == mAnswered ? mResult : kUnreadable;
 }
 
 } // namespace platform

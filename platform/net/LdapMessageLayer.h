@@ -28,6 +28,10 @@ public:
     // them, or too little memory. Success while more may come.
     const LdapFault& Ending() const { return mEnding; }
 
+    // The result that the last answer to a request bore, with the server's words; where it names another
+    // server and says nothing else, its first address is the cause.
+    LdapFault ResultOf(int request) const;
+
 protected:
     ber_slen_t Read(char* bytes, std::size_t length) override;
     ber_slen_t Write(const char* bytes, std::size_t length) override { return WriteBelow(bytes, length); }
@@ -47,6 +51,10 @@ private:
     bool mIsDrained = true; // nothing more can be read for now
     bool mHasBegun = false; // a message has come
     LdapFault mEnding;
+
+    // The last result, and the request that it answers.
+    int mAnswered = 0;
+    LdapFault mResult;
 };
 
 } // namespace platform

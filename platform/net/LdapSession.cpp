@@ -322,15 +322,7 @@ LdapFault LdapSession::AwaitBind(int request, Deadline deadline, Messages& answe
 
 LdapFault LdapSession::ResultOf(ldapmsg* answer) const
 {
-    int code = LDAP_SUCCESS;
-    char* text = nullptr;
-    char** referrals = nullptr;
-    const int parsed = ldap_parse_result(mHandle, answer, &code, nullptr, &text, &referrals, nullptr, 0);
-    LdapFault fault = {WindowsCode(parsed == LDAP_SUCCESS ? code : parsed), TakeText(text)};
-    if (fault.code == eLdapReferral && referrals != nullptr && referrals[0] != nullptr && fault.cause.empty())
-        fault.cause = referrals[0];
-    ldap_memvfree(reinterpret_cast<void**>(referrals));
-    return fault;
+    return mMessages->ResultOf(ldap_msgid(answer));
 }
 
 LdapFault LdapSession::BindSimple(const std::string& name, const Secret& password)
@@ -373,6 +365,9 @@ LdapFault LdapSession::BindDigest(const LdapIdentity& identity)
             return LibraryFault(result);
         if (LdapFault fault = AwaitBind(request, deadline, answer))
             return fault;
+        LdapFault said = ResultOf(answer.get());
+        if (said && said.code != eLdapSaslBindInProgress)
+            return said;
     }
 }
 

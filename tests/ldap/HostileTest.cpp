@@ -83,6 +83,9 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
     constexpr const char* kTooMuch =
         "(00000046)\n[] LDAP:GetChildNodes failed with 70, Results Too Large: the server "
         "sent more than 64 MB at []\n";
+    const std::string kLongText =
+        "failed (00000031)\n[] Invalid Credentials: " + std::string(400, 'x') + "...[] \n";
+    constexpr std::size_t kAddresses = 7U << 20U; // in 14 MB
     constexpr const char* kFour = "Got 4 objects back\n";
     const Case kCases[] = {
         {"messages that nobody asked for", AtBind([](Connection&) {}),
@@ -101,6 +104,18 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
          },
          "failed (00000054)\n[] Decoding Error: the server's answer is not an LDAP message[] \n[] END TEST\n",
          kNtlm},
+        {"a result's text of 15 MB",
+         AtBind([](Connection& peer)
+                { peer.SendMessage(Connection::Result(0x61, 0x31, std::string(15U << 20U, 'x'))); }),
+         kLongText.c_str()},
+        {"a referral to nowhere, many times over",
+         AtBind(
+             [](Connection& peer)
+             {
+                 const std::string nowhere = Repeated(BerText(""), kAddresses);
+                 peer.SendMessage(Connection::Result(0x61, 0x0a, "", BerElementOf(0xa3, nowhere)));
+             }),
+         "failed (0000000A)\n[] Referral[] \n"},
         {"entries", Entries([] { return Attributes(1); }, kForever), kTooMuch},
         {"the largest values", Entries([] { return Values("namingContexts", 15, 1U << 20U); }, 4), kFour},
         {"attributes", Entries([] { return Attributes(kMany); }, 4), kFour},

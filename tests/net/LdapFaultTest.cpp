@@ -126,6 +126,14 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
          0x0a, L"Referral: ldap://127.0.0.1:1/dc=elsewhere"},
         {"an answer of another kind", Case::Bind, Message(Connection::Result(kSearchDone, 0)), 0x54,
          L"Decoding Error: the server answered another question"},
+        {"a result with a NUL in its text", Case::Bind,
+         Message(Connection::Result(kBindResponse, 0x31, std::string("mid\0dle", 7))), 0x31,
+         L"Invalid Credentials: mid dle"},
+        // Below zero are the library's own codes, not a server's.
+        {"a code of four bytes", Case::Bind,
+         Message(BerElementOf(kBindResponse, BerElementOf(0x0a, std::string("\x80\0\0\0", 4)) + BerText("") +
+                                                 BerText("far"))),
+         0x80000000, L"Unknown Error: far"},
         {"a result without its texts", Case::Bind,
          Message(BerElementOf(kBindResponse, std::string("\x0a\x01\x00", 3))), 0x54, L"Decoding Error"},
         {"a notice of disconnection", Case::Bind, Unasked({kGoingDown}, idle(seconds(0))), 0x34,
