@@ -90,16 +90,22 @@ void* Reallocate(void* block, ber_len_t size, void*)
     return larger;
 }
 
-// The library begins with a look-up of this machine's own name, which nothing here needs and a dead name
-// server holds up for as long as the system waits for it: it begins on a thread that asks no name server. The
-// next thread takes over the C library's state of this one, so the servers are put back.
-void BeginLibrary()
+// The libraries begin with a look-up of this machine's own name, which nothing here needs and a dead name
+// server holds up for as long as the system waits for it: they begin on a thread that asks no name server.
+// The next thread takes over the C library's state of this one, so the servers are put back.
+template <typename Call>
+void WithoutNameServers(Call call)
 {
-    res_init();
-    const int servers = std::exchange(_res.nscount, 0);
-    int version = 0;
-    ldap_get_option(nullptr, LDAP_OPT_PROTOCOL_VERSION, &version);
-    _res.nscount = servers;
+    std::thread(
+        [call, &refused = gbMemoryRefused]
+        {
+            res_init();
+            const int servers = std::exchange(_res.nscount, 0);
+            call();
+            _res.nscount = servers;
+            refused = refused || gbMemoryRefused;
+        })
+        .join();
 }
 
 void PrepareLibrary()
@@ -108,7 +114,12 @@ void PrepareLibrary()
     {
         BerMemoryFunctions functions = {Allocate, AllocateZeroed, Reallocate, WipeAndFree};
         ber_set_option(nullptr, LBER_OPT_MEMORY_FNS, &functions);
-        std::thread(BeginLibrary).join();
+        WithoutNameServers(
+            []
+            {
+                int version = 0;
+                ldap_get_option(nullptr, LDAP_OPT_PROTOCOL_VERSION, &version);
+            });
         return true;
     }();
     static_cast<void>(prepared);
@@ -351,11 +362,16 @@ LdapFault LdapSession::BindDigest(const LdapIdentity& identity)
     const char* mechanism = nullptr;
     int request = 0;
     Messages answer;
+    int result = LDAP_SUCCESS;
+    const auto step = [&]
+    {
+        result = ldap_sasl_interactive_bind(mHandle, "", "DIGEST-MD5", nullptr, nullptr, LDAP_SASL_QUIET,
+                                            AnswerDigest, const_cast<LdapIdentity*>(&identity), answer.get(),
+                                            &mechanism, &request);
+    };
+    WithoutNameServers(step);
     while (true)
     {
-        const int result = ldap_sasl_interactive_bind(
-            mHandle, "", "DIGEST-MD5", nullptr, nullptr, LDAP_SASL_QUIET, AnswerDigest,
-            const_cast<LdapIdentity*>(&identity), answer.get(), &mechanism, &request);
         if (result == LDAP_SUCCESS)
             return {};
         const std::uint32_t code = WindowsCode(result);
@@ -368,6 +384,7 @@ LdapFault LdapSession::BindDigest(const LdapIdentity& identity)
         LdapFault said = ResultOf(answer.get());
         if (said && said.code != eLdapSaslBindInProgress)
             return said;
+        step();
     }
 }
 
