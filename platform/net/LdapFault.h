@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace platform
 {
@@ -31,13 +32,30 @@ enum eLdapCode : std::uint32_t
 // Of a cause no more bytes are looked at: one line of it is shown.
 constexpr std::size_t kMostOfCause = 4096;
 
+// What a failed connection tells of the server: nothing, for there is no way to it from here; that it gives
+// no answer; or what it answered.
+enum class LdapReach
+{
+    NoWay,
+    NoAnswer,
+    Answer
+};
+
 struct LdapFault
 {
     std::uint32_t code = eLdapSuccess; // an eLdapCode or any other that a server sends
     std::string cause;                 // UTF-8, from wherever it came; empty when nobody knows
+    LdapReach reach = LdapReach::Answer;
 
     explicit operator bool() const { return code != eLdapSuccess; }
 };
+
+// Keeps the fault of one more attempt in place of an earlier one, unless that one tells more of the server.
+inline void KeepMoreTelling(LdapFault& kept, LdapFault fault)
+{
+    if (!kept || fault.reach >= kept.reach)
+        kept = std::move(fault);
+}
 
 // Keeps a fault as the calling thread's last one, unless it is success, and gives its code.
 std::uint32_t RememberFault(const LdapFault& fault);

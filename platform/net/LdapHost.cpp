@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <charconv>
 #include <system_error>
+#include <utility>
 
 #include <netdb.h>
 #include <poll.h>
@@ -46,12 +47,39 @@ Resolution Resolve(const LdapHost& host)
 
 LdapFault Down(const std::string& cause)
 {
-    return {eLdapServerDown, cause};
+    return {eLdapServerDown, cause, LdapReach::NoAnswer};
+}
+
+LdapReach ReachOf(int error)
+{
+    switch (error)
+    {
+    case EADDRNOTAVAIL:
+    case EAFNOSUPPORT:
+    case ENETUNREACH:
+        return LdapReach::NoWay;
+    case EHOSTUNREACH:
+    case ETIMEDOUT:
+        return LdapReach::NoAnswer;
+    default:
+        return LdapReach::Answer;
+    }
 }
 
 LdapFault DownBySystem(int error)
 {
-    return Down(CauseText(std::generic_category().message(error)));
+    return {eLdapServerDown, CauseText(std::generic_category().message(error)), ReachOf(error)};
+}
+
+// Why there is no way to an address from this machine, as far as that is known beforehand. Nothing is sent.
+LdapFault LackOfWay(const addrinfo& address)
+{
+    const int probe = socket(address.ai_family, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    const bool known = probe >= 0 && connect(probe, address.ai_addr, address.ai_addrlen) == 0;
+    const int error = errno;
+    if (probe >= 0)
+        close(probe);
+    return known || ReachOf(error) != LdapReach::NoWay ? LdapFault() : DownBySystem(error);
 }
 
 LdapFault ConnectToAddress(const addrinfo& address, Deadline deadline, int& result)
@@ -193,17 +221,21 @@ LdapFault ConnectTo(const LdapHost& host, Deadline deadline, int& socket)
     if (resolution->result != 0)
         return Down(CauseText(gai_strerror(resolution->result)));
 
-    long waiting = 0;
-    for (const addrinfo* address = resolution->addresses.get(); address != nullptr;
-         address = address->ai_next)
-        ++waiting;
     LdapFault fault;
+    std::vector<const addrinfo*> addresses;
     for (const addrinfo* address = resolution->addresses.get(); address != nullptr;
          address = address->ai_next)
+        if (LdapFault lack = LackOfWay(*address))
+            KeepMoreTelling(fault, std::move(lack));
+        else
+            addresses.push_back(address);
+    auto waiting = static_cast<long>(addresses.size());
+    for (const addrinfo* address : addresses)
     {
-        fault = ConnectToAddress(*address, EndOfTurn(deadline, waiting--), socket);
-        if (!fault)
-            break;
+        LdapFault said = ConnectToAddress(*address, EndOfTurn(deadline, waiting--), socket);
+        if (!said)
+            return {};
+        KeepMoreTelling(fault, std::move(said));
     }
     return fault;
 }

@@ -30,8 +30,9 @@ LdapFault ParseHosts(std::string_view text, std::uint32_t port, std::vector<Ldap
 // True for an IPv4 or IPv6 address, with or without a zone.
 bool IsAddress(const std::string& name);
 
-// Gives a connected socket that does not block, or the fault of the last address that was tried. Every
-// address of the name gets its turn: one that does not answer leaves the others their share of the time.
+// Gives a connected socket that does not block, or the fault that tells most. Every address of the name gets
+// its turn: one that does not answer leaves the others their share of the time, and one to which there is no
+// way takes none.
 LdapFault ConnectTo(const LdapHost& host, Deadline deadline, int& socket);
 
 // Waits until the socket can be read or written (POLLIN, POLLOUT). False when time runs out.

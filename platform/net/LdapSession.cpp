@@ -213,9 +213,10 @@ LdapFault LdapSession::Connect(microseconds limit)
     auto waiting = static_cast<long>(mHosts.size());
     for (const LdapHost& host : mHosts)
     {
-        fault = ConnectTo(host, EndOfTurn(deadline, waiting--));
-        if (!fault)
-            break;
+        LdapFault said = ConnectTo(host, EndOfTurn(deadline, waiting--));
+        if (!said)
+            return {};
+        KeepMoreTelling(fault, std::move(said));
     }
     return fault;
 }

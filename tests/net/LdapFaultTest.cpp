@@ -2,6 +2,7 @@
 // What the LDAP client says and does when the server, or what stands in its place, does something wrong.
 #include "tests/support/LdapPeer.h"
 #include "tests/support/OwnNetwork.h"
+#include "text/Unicode.h"
 
 #include <rpcdce.h>
 #include <winldap.h>
@@ -244,24 +245,54 @@ TEST(LdapConnect, TriesEveryHostUntilOneAnswersAndKeepsItAliveWhenTold)
     }
 }
 
+// Of a name's addresses, and of several hosts, that which says most of the server is told.
 TEST(LdapConnect, GivesEachAddressOfANameItsShareOfTheTime)
 {
     if (!EnterOwnNetwork())
         GTEST_SKIP() << "a network of its own needs root";
-    ReplaceSystemFile("/etc/hosts", "2001:db8::9 two\n127.0.0.1 two localhost\n");
-    for (const bool silent : {false, true})
+    ReplaceSystemFile("/etc/hosts", "2001:db8::9 two\n127.0.0.1 two localhost\n192.0.2.9 one silent\n"
+                                    "2001:db8::9 one\n2001:db9::9 silent\n::1 off\n127.0.0.1 off\n");
+    // A network where an address is known and nobody answers.
+    constexpr const char* kSilence =
+        "ip link add d0 type veth peer name d1 && ip link set d0 up && ip link set d1 up && "
+        "ip addr add 192.0.2.8/24 dev d0 && ip neigh add 192.0.2.9 lladdr 02:00:00:00:00:09 dev d0 && "
+        "ip addr add 2001:db8::8/64 dev d0 nodad && ip neigh add 2001:db8::9 lladdr 02:00:00:00:00:09 dev d0";
+    struct Case
     {
+        const char* before; // is done
+        const wchar_t* hosts;
+        const wchar_t* text; // null where a peer answers
+        seconds least{0};
+        seconds most{1};
+    };
+    const Case kCases[] = {
+        {"true", L"two", nullptr},
+        {"true", L"two:9", L"Server Down: connection refused"},
+        {"true", L"127.0.0.1:9 [2001:db8::9]:9", L"Server Down: connection refused"},
+        {"true", L"[2001:db8::9]:9", L"Server Down: network is unreachable"},
+        {"echo 1 > /proc/sys/net/ipv6/conf/lo/disable_ipv6", L"off:9", L"Server Down: connection refused"},
+        {"true", L"[::1]:9", L"Server Down: cannot assign requested address"},
+        {kSilence, L"two", nullptr, seconds(1), seconds(2)},
+        {"true", L"silent:9", L"Server Down: connection timed out", seconds(2), seconds(4)},
+        {"true", L"127.0.0.1:9 silent", L"Server Down: connection refused", seconds(1), seconds(4)},
+        {"true", L"one:9", L"Server Down: connection timed out", seconds(2), seconds(4)},
+    };
+    for (const Case& test : kCases)
+    {
+        SCOPED_TRACE(text::ToUtf8(test.hosts));
         const LdapPeer peer([](Connection& connection) { connection.AcceptBind(); });
-        // The first address then lies where nobody answers.
-        constexpr const char* kNowhere = "ip link add d0 type veth peer name d1 && ip link set d0 up && "
-                                         "ip link set d1 up && ip addr add 2001:db8::8/64 dev d0 nodad && "
-                                         "ip neigh add 2001:db8::9 lladdr 02:00:00:00:00:09 dev d0";
-        EXPECT_EQ(silent ? std::system(kNowhere) : 0, 0);
-        const Session session(peer.Port(), L"two");
+        EXPECT_EQ(std::system(test.before), 0);
+        const Session session(peer.Port(), test.hosts);
         const auto start = steady_clock::now();
-        EXPECT_EQ(session.Connect(4), 0u);
-        EXPECT_EQ(steady_clock::now() - start >= seconds(1), silent);
-        EXPECT_EQ(session.Bind(), 0u);
+        const ULONG code = session.Connect(2);
+        const auto taken = steady_clock::now() - start;
+        EXPECT_EQ(code, test.text != nullptr ? 0x51u : 0u);
+        if (test.text != nullptr)
+            EXPECT_STREQ(ldap_err2stringW(code), test.text);
+        else
+            EXPECT_EQ(session.Bind(), 0u);
+        EXPECT_GE(taken, test.least);
+        EXPECT_LE(taken, test.most);
     }
 }
 
