@@ -70,12 +70,13 @@ Session OpenSession(const LdapMethod& method, const LDAPCreds& creds, const Ldap
         append(L"ldap_init begin ... ");
         session.reset(ldap_initW(LdapText(creds.mServer), creds.mPort != 0 ? creds.mPort : LDAP_PORT));
     }
+    const ULONG error = LdapGetLastError();
+    const ZTString errorText = LdapErrorText(error);
     append(L"end\r\n");
     if (!session)
     {
-        const ULONG error = LdapGetLastError();
         append(_StrFormat(L"LDAP: Failed to initialize LDAP session.  Err={0:d}, {1:s}\r\n",
-                          {error, ldap_err2stringW(error)}));
+                          {error, errorText}));
     }
     return session;
 }
@@ -92,11 +93,12 @@ bool Connect(LDAP* session, const LDAPCreds& creds, const LdapConsole& append)
     LDAP_TIMEVAL timeout{};
     timeout.tv_sec = kConnectSeconds;
     const ULONG result = ldap_connect(session, &timeout);
+    const ZTString errorText = LdapErrorText(LdapGetLastError());
     append(LdapResultLine(result));
     if (result == 0)
         return true;
     append(_StrFormat(L"LDAP: Failed to connect to LDAP server {0:s}.  Err={1:d}, {2:s}\r\n",
-                      {creds.mServer, result, ldap_err2stringW(LdapGetLastError())}));
+                      {creds.mServer, result, errorText}));
     return false;
 }
 
@@ -106,10 +108,11 @@ bool Bind(LDAP* session, const LdapMethod& method, const LDAPCreds& creds, const
     const ULONG result = method.bind == 0
                              ? ldap_simple_bind_sW(session, LdapText(creds.mUser), LdapText(creds.mPassword))
                              : ldap_bind_sW(session, nullptr, BindIdentity(creds).Get(), method.bind);
+    const ZTString errorText = LdapErrorText(result);
     append(LdapResultLine(result));
     if (result == 0)
         return true;
-    append(ldap_err2stringW(result));
+    append(errorText);
     append(L"\r\n");
     return false;
 }

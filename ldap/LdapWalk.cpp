@@ -51,11 +51,12 @@ void Search(LDAP* session, ZTString& namingContext, const LdapConsole& append)
     const ULONG error = ldap_search_sW(session, LdapText(base), root ? LDAP_SCOPE_BASE : LDAP_SCOPE_ONELEVEL,
                                        LdapText(kFilter), attributes, 0, &found);
     Owned<LDAPMessage, ldap_msgfree> result(found);
+    const ZTString errorText = LdapErrorText(error);
     append(LdapResultLine(error));
     if (error != 0)
     {
         append(_StrFormat(L"LDAP:GetChildNodes failed with {0:d}, {1:s} at [{2:s}]\r\n",
-                          {error, ldap_err2stringW(error), base}));
+                          {error, errorText, base}));
         return;
     }
     const int objects = VisitEntries(session, found, root, namingContext);

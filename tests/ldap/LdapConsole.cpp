@@ -103,7 +103,7 @@ std::string RunLdapTest(const LdapAnswers& answers,
     return begin == std::string::npos ? "" : console.substr(begin);
 }
 
-std::string RunLdapCalls(const LdapAnswers& answers)
+std::string RunLdapCalls(const LdapAnswers& answers, const std::function<void()>& meanwhile)
 {
     const auto wide = [](const std::string& utf8) { return ZTString(text::FromUtf8(utf8).c_str()); };
     LDAPCreds creds;
@@ -114,7 +114,11 @@ std::string RunLdapCalls(const LdapAnswers& answers)
     creds.mPassword = wide(answers.password);
     creds.mAuthMethod = answers.method.number;
     gAppended.clear();
-    const LdapConsole append = [](const wchar_t* appended) { gAppended += "[] " + text::ToUtf8(appended); };
+    const LdapConsole append = [&meanwhile](const wchar_t* appended)
+    {
+        gAppended += "[] " + text::ToUtf8(appended);
+        meanwhile();
+    };
     TestLdapServer(creds, append, [&append](LDAP* session) { WalkLdapTree(session, append); });
     std::erase(gAppended, '\r');
     return gAppended;
@@ -156,10 +160,11 @@ std::string Found(const std::string& scope, const std::string& objects)
     return SearchText(scope, 0) + "[] Got " + objects + " objects back\n";
 }
 
-std::string NotFound(const std::string& scope, unsigned code, const std::string& base)
+std::string NotFound(const std::string& scope, unsigned code, const std::string& base,
+                     const std::string& cause)
 {
     return SearchText(scope, code) + "[] LDAP:GetChildNodes failed with " + std::to_string(code) + ", " +
-           CodeText(code) + " at [" + base + "]\n";
+           CodeText(code, cause) + " at [" + base + "]\n";
 }
 
 std::string Walked(const std::string& children)

@@ -43,8 +43,10 @@ std::string RunLdapTest(const LdapAnswers& answers,
                         const std::vector<std::pair<std::string, std::string>>& environment = {});
 
 // Makes the calls of a test in this process and gives its text, which grows in gAppended. Also for Wine,
-// whose windows take seconds for what the client does at once.
-std::string RunLdapCalls(const LdapAnswers& answers);
+// whose windows take seconds for what the client does at once. `meanwhile` runs at each append, as what the
+// console's messages do.
+std::string RunLdapCalls(
+    const LdapAnswers& answers, const std::function<void()>& meanwhile = [] {});
 extern std::string gAppended;
 
 // The text of a test with what its attempts say.
@@ -58,6 +60,7 @@ std::string Bound(const TypedMethod& method);
 
 // One search each; `scope` is "base" or "one_level".
 std::string Found(const std::string& scope, const std::string& objects);
-std::string NotFound(const std::string& scope, unsigned code, const std::string& base);
+std::string NotFound(const std::string& scope, unsigned code, const std::string& base,
+                     const std::string& cause = {});
 // The walk after a bind: one root entry, and what the second search gave.
 std::string Walked(const std::string& children);

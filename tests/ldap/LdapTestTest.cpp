@@ -44,6 +44,7 @@ struct Answer
     std::vector<std::vector<Connection::Attribute>> entries;
     unsigned char code = 0;
     std::string odd{}; // an operation before them
+    std::string text{};
 };
 
 static Script Searched(const std::vector<Answer>& answers)
@@ -60,17 +61,18 @@ static Script Searched(const std::vector<Answer>& answers)
                 peer.SendMessage(answer.odd);
             for (const auto& attributes : answer.entries)
                 peer.SendMessage(Connection::Entry("dc=any", attributes));
-            peer.SendMessage(Connection::Result(kSearchDone, answer.code));
+            peer.SendMessage(Connection::Result(kSearchDone, answer.code, answer.text));
         }
         peer.ReadRequest();
     };
 }
 
-// A result is given back before its line, which serves messages.
+// A result is given back before its line, which serves messages: there another test may begin, and fail.
 static void ExpectTold(unsigned port, const TypedMethod& method, const std::string& attempt)
 {
     const LdapAnswers answers = {std::to_string(port), "cn=user", "password", method, "127.0.0.1", "EXAMPLE"};
-    EXPECT_EQ(RunLdapCalls(answers),
+    const auto failElsewhere = [] { EXPECT_EQ(ldap_initW(const_cast<PWCHAR>(L"ldap://any"), 389), nullptr); };
+    EXPECT_EQ(RunLdapCalls(answers, failElsewhere),
               Framed(answers, std::regex_replace(attempt, std::regex(R"(\[\] Got)"), kResult + "[] Got")));
 }
 
@@ -87,11 +89,19 @@ TEST(LdapTest, TellsEachStepOnItsOwn)
         {{{{{{"dc", {"x"}}}}}, {}}, one + one},
         {{kContexts, {{}, 0, odd}},
          one + std::regex_replace(Found("one_level", "1"), std::regex(R"(\[\] Got)"), kNoList + "$&")},
-        {{{{}, 0x33}, kContexts}, NotFound("base", 0x33, "") + one},
+        {{{{}, 0x33, {}, "try later"}, kContexts}, NotFound("base", 0x33, "", "try later") + one},
         {{kContexts, {{}, 0x20}}, one + NotFound("one_level", 0x20, "dc=last")},
     };
     for (const auto& [answers, walk] : kCases)
         ExpectTold(LdapPeer(Searched(answers)).Port(), kSimplePlain, Bound(kSimplePlain) + walk);
+    const LdapPeer refusing(
+        [](Connection& peer)
+        {
+            peer.ReadRequest();
+            peer.SendMessage(Connection::Result(0x61, 0x31, "not today"));
+            peer.ReadRequest();
+        });
+    ExpectTold(refusing.Port(), kSimplePlain, Refused(kSimplePlain, 0x31, "not today"));
     std::string none;
     for (const TypedMethod& method : {kSimpleSsl, kNtlm, kDigest, kDpa, kNegotiate, kSimplePlain})
         none += NoSession(method, "89, Parameter Error: the port is not a number from 1 to 65535");
