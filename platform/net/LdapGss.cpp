@@ -140,11 +140,16 @@ std::string Upper(std::string text)
 }
 
 // The realms of this machine's set-up for a host: the one that is configured for it, and the default.
-std::vector<std::string> ConfiguredRealms(const std::string& host)
+std::vector<std::string> ConfiguredRealms(const std::string& host, std::string& fault)
 {
     krb5_context context = nullptr;
-    if (krb5_init_context(&context) != 0)
+    if (const krb5_error_code error = krb5_init_context(&context))
+    {
+        const char* text = krb5_get_error_message(nullptr, error);
+        fault = text;
+        krb5_free_error_message(nullptr, text);
         return {};
+    }
     std::vector<std::string> realms;
     char** mapped = nullptr;
     if (krb5_get_host_realm(context, host.c_str(), &mapped) == 0)
@@ -165,7 +170,7 @@ std::vector<std::string> ConfiguredRealms(const std::string& host)
 } // namespace
 
 std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity& identity, const std::string& host,
-                                          const std::string& serverRealm)
+                                          const std::string& serverRealm, std::string& fault)
 {
     const std::size_t at = identity.user.find('@');
     const std::string name = Escaped(identity.user.substr(0, at));
@@ -182,7 +187,7 @@ std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity& identity, const st
     }
     else
     {
-        realms = ConfiguredRealms(host);
+        realms = ConfiguredRealms(host, fault);
         // A domain's short name says nothing to anybody but its own controllers.
         realms.insert(identity.domain.empty() ? realms.end() : realms.begin(), serverRealm);
     }

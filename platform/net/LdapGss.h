@@ -42,9 +42,10 @@ struct KerberosUser
 };
 
 // The users that an identity may stand for, in the order in which they are tried. `serverRealm` is the realm
-// that the server at `host` says it belongs to, or empty.
+// that the server at `host` says it belongs to, or empty. `fault` tells why this machine's set-up, which had
+// to be asked, cannot be read; else it is left alone.
 std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity& identity, const std::string& host,
-                                          const std::string& serverRealm);
+                                          const std::string& serverRealm, std::string& fault);
 
 // One exchange of tokens.
 class GssContext

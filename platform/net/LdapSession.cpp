@@ -418,14 +418,25 @@ std::unique_ptr<GssContext> LdapSession::FindTicket(const LdapIdentity& identity
                                                     const std::string& serverRealm, Deadline deadline,
                                                     LdapFault& fault) const
 {
-    std::optional<std::vector<KerberosUser>> users =
-        RunWithin(deadline, [=, host = mHost] { return KerberosUsersOf(identity, host, serverRealm); });
-    if (!users)
-        fault = {eLdapLocalError, "Kerberos: the ticket server gave no answer in time"};
-    else if (users->empty())
-        fault = {eLdapLocalError, "Kerberos: no realm is known for this server"};
-    auto waiting = static_cast<long>(users ? users->size() : 0);
-    for (const KerberosUser& user : users.value_or(std::vector<KerberosUser>()))
+    struct Found
+    {
+        std::vector<KerberosUser> users;
+        std::string fault = "no realm is known for this server";
+    };
+    std::optional<Found> found = RunWithin(deadline,
+                                           [=, host = mHost]
+                                           {
+                                               Found made;
+                                               made.users =
+                                                   KerberosUsersOf(identity, host, serverRealm, made.fault);
+                                               return made;
+                                           });
+    if (!found)
+        found = {{}, "the ticket server gave no answer in time"};
+    if (found->users.empty())
+        fault = {eLdapLocalError, "Kerberos: " + found->fault};
+    auto waiting = static_cast<long>(found->users.size());
+    for (const KerberosUser& user : found->users)
     {
         LdapFault said;
         std::unique_ptr<GssContext> context =

@@ -85,7 +85,8 @@ std::string CauseText(std::string text)
     return text;
 }
 
-std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity&, const std::string&, const std::string& realm)
+std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity&, const std::string&, const std::string& realm,
+                                          std::string&)
 {
     return {{"user@" + realm}};
 }

@@ -4,6 +4,7 @@
 #include "foundation/Oriska.h"
 #include "tests/ldap/LdapConsole.h"
 #include "tests/support/ProgramFolder.h"
+#include "tests/support/TestFolder.h"
 #include "text/Unicode.h"
 
 #include <windows.h>
@@ -22,8 +23,8 @@ const std::string kAlice = "cn=alice,dc=one,dc=example";
 
 // What the directory says to what it does not take: NTLM in SPNEGO's place, for it has no key, and wrong
 // passwords.
-const std::string kNoSpnego = "SASL(-13): authentication failure: GSSAPI Failure: gss_accept_sec_context; "
-                              "Kerberos: no realm is known for this server";
+const std::string kNoSpnego = "SASL(-13): authentication failure: GSSAPI Failure: gss_accept_sec_context";
+const std::string kNoRealm = "; Kerberos: no realm is known for this server";
 const std::string kWrongNtlm = "SASL(-13): authentication failure: incorrect NTLMv2 response";
 const std::string kWrongDigest =
     "SASL(-13): authentication failure: client response doesn't match what we generated (tried bogus)";
@@ -71,7 +72,7 @@ TEST(Directory, IsTestedAsTheDialogSays)
         {{plain, "Jürgen 😀", "Pässwörd 😀", kDigest}, Bound(kDigest) + walk, kWineDigest},
         {{plain, "", "", kDigest}, Refused(kDigest, 0x31, "no user name was given"), kWineDigest},
         {{plain, "alice", "wonderland", kDpa}, Refused(kDpa, 0x07), Refused(kDpa, 0x59)},
-        {{plain, "alice", "wonderland", kNegotiate}, Refused(kNegotiate, 0x31, kNoSpnego)},
+        {{plain, "alice", "wonderland", kNegotiate}, Refused(kNegotiate, 0x31, kNoSpnego + kNoRealm)},
         {{tls, kAlice, "wonderland", kSimpleSsl}, Bound(kSimpleSsl) + walk},
         {{expired, kAlice, "wonderland", kSimpleSsl}, NotConnected(kSimpleSsl, "certificate has expired")},
         {{foreign, kAlice, "wonderland", kSimpleSsl},
@@ -89,7 +90,7 @@ TEST(Directory, IsTestedAsTheDialogSays)
         {{plain, "alice", "wrong", kTryAll},
          NotConnected(kSimpleSsl, kBrokenTls) + Refused(kNtlm, 0x31, kWrongNtlm) +
              Refused(kDigest, 0x31, kWrongDigest) + Refused(kDpa, 0x07) +
-             Refused(kNegotiate, 0x31, kNoSpnego) + Refused(kSimplePlain, 0x22, "invalid DN"),
+             Refused(kNegotiate, 0x31, kNoSpnego + kNoRealm) + Refused(kSimplePlain, 0x22, "invalid DN"),
          kWineHangs},
         {{tls, kAlice, "wonderland", kTryAll}, Bound(kSimpleSsl) + walk},
         {{tls, kAlice, "wrong", kTryAll, "127.0.0.1"},
@@ -173,4 +174,19 @@ TEST(Directory, IsTestedWithoutTheLibrarysSetUp)
                                     {"LDAPSASL_REALM", "nowhere"},
                                     {"LDAPTLS_REQCERT", "never"}}),
               Framed(answers, Bound(kDigest) + Walked("3")));
+}
+
+TEST(Directory, IsTestedWithABrokenSetUpOfKerberos)
+{
+    NEED_DIRECTORY();
+    if (RunsOnWindows())
+        GTEST_SKIP() << "the file is the Linux client's";
+    const TestFolder folder;
+    const std::string file = (folder.Path() / "krb5.conf").string();
+    WriteFile(file, "[libdefaults\n");
+    const LdapAnswers answers = {std::getenv("TAVO_LDAP_PORT"), "alice", "wonderland", kNegotiate};
+    EXPECT_EQ(
+        RunLdapTest(answers, {{"KRB5_CONFIG", file}}),
+        Framed(answers, Refused(kNegotiate, 0x31,
+                                kNoSpnego + "; Kerberos: Improper format of Kerberos configuration file")));
 }
