@@ -188,8 +188,9 @@ std::vector<KerberosUser> KerberosUsersOf(const LdapIdentity& identity, const st
     else
     {
         realms = ConfiguredRealms(host, fault);
-        // A domain's short name says nothing to anybody but its own controllers.
-        realms.insert(identity.domain.empty() ? realms.end() : realms.begin(), serverRealm);
+        // A server knows best which users it takes, and a domain's short name says nothing to anybody else. A
+        // ticket server that knows another user of the name would end the search with a wrong password.
+        realms.insert(realms.begin(), serverRealm);
     }
     for (const std::string& realm : realms)
     {

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The parts of the LDAP client that parse: host lists.
-#include "platform/net/LdapHost.h"
+// The parts of the LDAP client that parse: host lists, and users for Kerberos.
+#include "platform/net/LdapGss.h"
+#include "tests/support/TestFolder.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 
 using namespace platform;
 
@@ -38,4 +41,39 @@ TEST(LdapHosts, AreReadFromAListOfNamesAndAddresses)
         EXPECT_EQ(refusal("dc1", port), "the port is not a number from 1 to 65535");
     for (const char* text : {"ldap://dc1", "ldaps://dc1:636"})
         EXPECT_EQ(refusal(text, 389), "the server's name is wanted, not a URL");
+}
+
+// Each wrong guess may cost a try of the password.
+TEST(KerberosUsers, BelongToTheServersRealmBeforeThoseOfTheMachine)
+{
+    const TestFolder folder;
+    const std::string file = (folder.Path() / "krb5.conf").string();
+    WriteFile(file, "[libdefaults]\ndefault_realm = OWN\n[domain_realm]\nmapped.example = MAPPED\n");
+    setenv("KRB5_CONFIG", file.c_str(), 1);
+    struct Case
+    {
+        LdapIdentity identity;
+        const char* host;
+        const char* serverRealm;
+        const char* users;
+    };
+    const Case kCases[] = {
+        {{"bob", "", {}}, "dc", "SERVER", "bob@SERVER bob@OWN"},
+        {{"bob", "", {}}, "mapped.example", "SERVER", "bob@SERVER bob@MAPPED bob@OWN"},
+        {{"bob", "", {}}, "dc", "", "bob@OWN"},
+        {{"bob", "", {}}, "dc", "OWN", "bob@OWN"},
+        {{"bob", "SHORT", {}}, "dc", "SERVER", "bob@SERVER bob@OWN"},
+        {{"bob", "own.example", {}}, "dc", "SERVER", "bob@OWN.EXAMPLE"},
+        {{"bob@own.example", "", {}}, "dc", "OWN.EXAMPLE", "bob@OWN.EXAMPLE"},
+        {{"b/b@own.example", "", {}}, "dc", "SERVER", "<b\\/b@own.example@SERVER> b\\/b@OWN.EXAMPLE"},
+    };
+    for (const auto& [identity, host, serverRealm, expected] : kCases)
+    {
+        std::string users;
+        std::string fault;
+        for (const auto& [name, isEnterprise] : KerberosUsersOf(identity, host, serverRealm, fault))
+            users += (users.empty() ? "" : " ") + (isEnterprise ? "<" + name + ">" : name);
+        EXPECT_EQ(users, expected) << identity.domain << " at " << host;
+        EXPECT_EQ(fault, "");
+    }
 }
