@@ -125,6 +125,14 @@ void PrepareLibrary()
     static_cast<void>(prepared);
 }
 
+// The host as certificates and tickets know it: without the dot that ends a whole name of DNS.
+LdapHost WithoutFinalDot(LdapHost host)
+{
+    if (host.name.size() > 1 && host.name.ends_with('.'))
+        host.name.pop_back();
+    return host;
+}
+
 // The host as a URL holds it.
 std::string UrlOf(const LdapHost& host)
 {
@@ -221,12 +229,13 @@ LdapFault LdapSession::Connect(microseconds limit)
     return fault;
 }
 
-LdapFault LdapSession::ConnectTo(const LdapHost& host, Deadline deadline)
+LdapFault LdapSession::ConnectTo(const LdapHost& typed, Deadline deadline)
 {
     int socket = -1;
-    LdapFault fault = platform::ConnectTo(host, deadline, socket);
+    LdapFault fault = platform::ConnectTo(typed, deadline, socket);
     if (fault)
         return fault;
+    const LdapHost host = WithoutFinalDot(typed);
     auto channel = std::make_unique<LdapChannel>(socket);
     channel->SetKeepAlive(mKeepAlive);
     if (mTls)

@@ -87,7 +87,7 @@ private:
         std::string realm; // of Kerberos
     };
 
-    LdapFault ConnectTo(const LdapHost& host, Deadline deadline);
+    LdapFault ConnectTo(const LdapHost& typed, Deadline deadline);
     // Before each call that asks the server.
     LdapFault Begin(Deadline deadline);
     // Waits for the first message that answers a request, or for `all` of them.
@@ -111,7 +111,7 @@ private:
     bool mTls;
     bool mKeepAlive = false;
     std::chrono::seconds mTimeLimit;
-    std::string mHost; // the one that answered, as typed
+    std::string mHost; // the one that answered, without a final dot
     std::unique_ptr<GssLayer> mGssLayer;
     std::unique_ptr<LdapMessageLayer> mMessages;
     std::unique_ptr<LdapChannel> mChannel;

@@ -74,6 +74,9 @@ TEST(Domain, IsTestedAsTheDialogSays)
         {as("389", "TAVO", "alice", right, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
         {as("0", "tavo.example", "alice", right, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
         {as("389", "", full, right, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
+        // The dot that ends a whole name of DNS is no part of the server's.
+        {as("389", "TAVO", "alice", right, kNegotiate, kController + "."), Bound(kNegotiate) + walk, "krb5"},
+        {as("636", "", full, right, kSimpleSsl, kController + "."), Bound(kSimpleSsl) + walk, "simple bind"},
         // No ticket for an address, so NTLM.
         {as("389", "TAVO", "alice", right, kNegotiate, "10.53.0.1"), Bound(kNegotiate) + walk, "NTLMSSP"},
         {as("389", "TAVO", "jürgen", beyondAscii, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
