@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ldap/LDAPCreds.h"
 
+#include "ldap/Secrecy.h"
 #include "resources/resource.h"
 
 IMPLEMENT_DYNAMIC(LDAPCreds, CDialog)
@@ -10,8 +11,16 @@ END_MESSAGE_MAP()
 
 LDAPCreds::LDAPCreds(CWnd* parent) : CDialog(IDD_LDAP_CREDS, parent) {}
 
+LDAPCreds::~LDAPCreds()
+{
+    Wipe(mPassword);
+}
+
 void LDAPCreds::DoDataExchange(CDataExchange* pDX)
 {
+    // What is typed after a refused value may be shorter, or need another place.
+    if (pDX->m_bSaveAndValidate)
+        Wipe(mPassword);
     DDX_Text(pDX, IDC_SERVER, mServer);
     DDX_Text(pDX, IDC_USER, mUser);
     DDX_Text(pDX, IDC_PASSWORD, mPassword);

@@ -13,11 +13,13 @@ class LDAPCreds : public CDialog
 
 public:
     explicit LDAPCreds(CWnd* parent = nullptr);
-    ~LDAPCreds() override = default;
+    ~LDAPCreds() override;
+    LDAPCreds(const LDAPCreds&) = delete;
+    LDAPCreds& operator=(const LDAPCreds&) = delete;
 
     ZTString mServer;
     ZTString mUser;
-    ZTString mPassword;
+    ZTString mPassword; // overwritten in the end
     CComboBox mAuthCombo;
     DWORD mAuthMethod = eLDAPAuthTryAll; // valid after OnOK
     DWORD mPort = 389;                   // 0 stands for the method's usual one

@@ -13,7 +13,6 @@ void CTavoDlg::OnLdapTest()
     TestLdapServer(
         creds, [this](const wchar_t* text) { AppendLine(text); },
         [this](LDAP* session) { WalkLdapTree(session); });
-    Wipe(creds.mPassword);
 }
 
 void CTavoDlg::WalkLdapTree(ldap* session)

@@ -8,5 +8,5 @@
 // may read it.
 void KeepMemoryToOurselves();
 
-// Overwrites a text where it lies.
+// Empties a text and overwrites all its memory.
 void Wipe(ZTString& text);

@@ -12,6 +12,9 @@ void KeepMemoryToOurselves()
 
 void Wipe(ZTString& text)
 {
-    const auto length = static_cast<std::size_t>(text.GetLength());
-    explicit_bzero(text.GetBuffer(text.GetLength()), length * sizeof(wchar_t));
+    const int room = text.GetAllocLength();
+    if (room == 0)
+        return;
+    explicit_bzero(text.GetBuffer(room), static_cast<std::size_t>(room) * sizeof(wchar_t));
+    text.ReleaseBuffer(0);
 }

@@ -10,6 +10,9 @@ void KeepMemoryToOurselves()
 
 void Wipe(ZTString& text)
 {
-    const auto length = static_cast<std::size_t>(text.GetLength());
-    SecureZeroMemory(text.GetBuffer(text.GetLength()), length * sizeof(wchar_t));
+    const int room = text.GetAllocLength();
+    if (room == 0)
+        return;
+    SecureZeroMemory(text.GetBuffer(room), static_cast<std::size_t>(room) * sizeof(wchar_t));
+    text.ReleaseBuffer(0);
 }

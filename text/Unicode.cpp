@@ -138,8 +138,9 @@ std::wstring FromUtf16(std::u16string_view units)
 
 std::u16string ToUtf16(std::wstring_view wide)
 {
+    constexpr std::size_t kMostUnits = kHoldsPoints ? 2 : 1; // of one wide character
     std::u16string units;
-    units.reserve(wide.size());
+    units.reserve(wide.size() * kMostUnits);
     for (const wchar_t character : wide)
     {
         const auto point = static_cast<char32_t>(character);

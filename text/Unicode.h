@@ -17,7 +17,7 @@ std::wstring FromUtf8(std::string_view bytes);
 // second copy of a secret is left in memory.
 std::string ToUtf8(std::wstring_view wide);
 
-// A lone surrogate stays as it is, both ways; what is beyond Unicode becomes U+FFFD.
+// A lone surrogate stays as it is, both ways; what is beyond Unicode becomes U+FFFD. Written in place, too.
 std::wstring FromUtf16(std::u16string_view units);
 std::u16string ToUtf16(std::wstring_view wide);
 

@@ -158,6 +158,7 @@ LRESULT ServeComboBox(Window& box, UINT message, WPARAM wParam, LPARAM lParam)
 
 void SetEditText(Window& edit, std::wstring text)
 {
+    edit.OverwriteText();
     edit.text = std::move(text);
     edit.lineCount = 1 + CountBreaks(edit, edit.text);
 }

@@ -7,6 +7,7 @@
 #include "platform/resource/DialogTemplate.h"
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -69,6 +70,10 @@ struct DialogState
 
 struct Window
 {
+    ~Window() { OverwriteText(); }
+    // Before the text's memory is given back: a person may have typed a password.
+    void OverwriteText() { explicit_bzero(text.data(), text.capacity() * sizeof(wchar_t)); }
+
     HWND handle = nullptr;
     WindowKind kind = WindowKind::Dialog;
     UINT id = 0;

@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 #include <new>
 #include <optional>
@@ -140,6 +141,14 @@ ber_slen_t LdapMessageLayer::Read(char* bytes, std::size_t length)
     mBytes.copy(bytes, count, mRead);
     mRead += count;
     return static_cast<ber_slen_t>(count);
+}
+
+ber_slen_t LdapMessageLayer::Write(const char* bytes, std::size_t length)
+{
+    const ber_slen_t written = WriteBelow(bytes, length);
+    if (written > 0)
+        explicit_bzero(const_cast<char*>(bytes), static_cast<std::size_t>(written));
+    return written;
 }
 
 ber_slen_t LdapMessageLayer::Fill()

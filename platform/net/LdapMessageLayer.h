@@ -34,7 +34,9 @@ public:
 
 protected:
     ber_slen_t Read(char* bytes, std::size_t length) override;
-    ber_slen_t Write(const char* bytes, std::size_t length) override { return WriteBelow(bytes, length); }
+    // Overwrites what it has written: the library gives a request's memory back as it is, and with it the
+    // password of a bind.
+    ber_slen_t Write(const char* bytes, std::size_t length) override;
     bool HasReady() const override { return !mIsDrained; }
 
 private:

@@ -10,12 +10,10 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdlib>
 #include <cstring>
 #include <thread>
 #include <utility>
 
-#include <malloc.h>
 #include <openldap.h>
 #include <resolv.h>
 #include <sasl/sasl.h>
@@ -50,46 +48,6 @@ constexpr std::size_t kLongestText = 1U << 20U;
 constexpr const char* kSpnegoName = "GSS-SPNEGO";
 constexpr const char* kNtlmName = "NTLM";
 
-// Set where the library was refused memory, which it does not always tell.
-thread_local bool gbMemoryRefused = false;
-
-void* Noted(void* block)
-{
-    gbMemoryRefused = gbMemoryRefused || block == nullptr;
-    return block;
-}
-
-// The library's memory holds passwords: whatever it gives back is overwritten.
-void WipeAndFree(void* block, void*)
-{
-    if (block != nullptr)
-        explicit_bzero(block, malloc_usable_size(block));
-    std::free(block);
-}
-
-void* Allocate(ber_len_t size, void*)
-{
-    return Noted(std::malloc(size));
-}
-
-void* AllocateZeroed(ber_len_t count, ber_len_t size, void*)
-{
-    return Noted(std::calloc(count, size));
-}
-
-void* Reallocate(void* block, ber_len_t size, void*)
-{
-    if (block != nullptr && malloc_usable_size(block) >= size)
-        return block;
-    void* larger = Allocate(size, nullptr);
-    if (larger != nullptr && block != nullptr)
-    {
-        std::memcpy(larger, block, malloc_usable_size(block));
-        WipeAndFree(block, nullptr);
-    }
-    return larger;
-}
-
 // The libraries begin with a look-up of this machine's own name, which nothing here needs and a dead name
 // server holds up for as long as the system waits for it: they begin on a thread that asks no name server.
 // The next thread takes over the C library's state of this one, so the servers are put back.
@@ -97,13 +55,12 @@ template <typename Call>
 void WithoutNameServers(Call call)
 {
     std::thread(
-        [call, &refused = gbMemoryRefused]
+        [call]
         {
             res_init();
             const int servers = std::exchange(_res.nscount, 0);
             call();
             _res.nscount = servers;
-            refused = refused || gbMemoryRefused;
         })
         .join();
 }
@@ -112,8 +69,6 @@ void PrepareLibrary()
 {
     static const bool prepared = []
     {
-        BerMemoryFunctions functions = {Allocate, AllocateZeroed, Reallocate, WipeAndFree};
-        ber_set_option(nullptr, LBER_OPT_MEMORY_FNS, &functions);
         WithoutNameServers(
             []
             {
@@ -282,7 +237,6 @@ LdapFault LdapSession::Begin(Deadline deadline)
         return *mLost;
     if (mHandle == nullptr)
         return {eLdapServerDown, "the session is not connected"};
-    gbMemoryRefused = false;
     mChannel->SetDeadline(deadline);
     mMessages->BeginAnswer();
     return {};
@@ -296,11 +250,9 @@ LdapFault LdapSession::LibraryFault(int libraryCode)
         mLost = mMessages->Ending() ? mMessages->Ending() : mChannel->Ending();
         if (!*mLost)
             mLost = {eLdapDecodingError, "the server's answer is not an LDAP message"};
-        if (gbMemoryRefused)
-            mLost = {eLdapNoMemory, {}};
         return *mLost;
     }
-    return {gbMemoryRefused ? eLdapNoMemory : code, DiagnosticOf(mHandle)};
+    return {code, DiagnosticOf(mHandle)};
 }
 
 LdapFault LdapSession::Await(int request, int all, Deadline deadline, Messages& answer)
