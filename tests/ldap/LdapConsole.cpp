@@ -18,6 +18,7 @@ static std::string CodeText(unsigned code)
 {
     static const std::map<unsigned, std::string> texts = {
         {0x01, "Operations Error"},
+        {0x04, "Size Limit Exceeded"},
         {0x07, "Authentication Method Not Supported"},
         {0x08, "Strong Authentication Required"},
         {0x20, "No Such Object"},

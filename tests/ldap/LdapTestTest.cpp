@@ -3,14 +3,17 @@
 #include "tests/ldap/LdapConsole.h"
 #include "tests/support/LdapPeer.h"
 #include "tests/support/OwnNetwork.h"
+#include "text/Unicode.h"
 
+#include <rpcdce.h>
 #include <winldap.h>
 
 #include <gmock/gmock.h>
 
-#include <dlfcn.h>
-
+#include <cstdint>
 #include <regex>
+
+#include <dlfcn.h>
 
 using Connection = LdapPeer::Connection;
 using Script = std::function<void(Connection&)>;
@@ -36,15 +39,72 @@ ULONG ldap_msgfree(LDAPMessage* result)
     return GiveBack("wldap32_ldap_msgfree", result, kResult);
 }
 
+// What is handed to the client is noted in the text of a test that asks for it.
+struct Handed
+{
+    bool isNoted = false;
+    ULONG version = 3; // that the client tells
+    int refused = 0;   // an option
+};
+static Handed gHanded;
+
+static void Note(const std::string& note)
+{
+    if (gHanded.isNoted)
+        gAppended += "(" + note + ")";
+}
+
+template <class Call>
+static Call Next(Call, const char* name)
+{
+    return reinterpret_cast<Call>(dlsym(RTLD_NEXT, name));
+}
+
+ULONG ldap_connect(LDAP* session, LDAP_TIMEVAL* timeout)
+{
+    Note(std::to_string(timeout->tv_sec) + " s " + std::to_string(timeout->tv_usec) + " us");
+    return Next(ldap_connect, "wldap32_ldap_connect")(session, timeout);
+}
+
+ULONG ldap_set_optionW(LDAP* session, int option, const void* value)
+{
+    const bool isAddress = option == LDAP_OPT_TIMELIMIT || option == LDAP_OPT_PROTOCOL_VERSION;
+    const auto number =
+        isAddress ? *static_cast<const ULONG*>(value) : reinterpret_cast<std::uintptr_t>(value);
+    Note(std::to_string(option) + " is " + std::to_string(number));
+    return option == gHanded.refused ? 0x5c
+                                     : Next(ldap_set_optionW, "ldap_set_optionW")(session, option, value);
+}
+
+ULONG ldap_get_optionW(LDAP*, int, void* value)
+{
+    *static_cast<ULONG*>(value) = gHanded.version;
+    return 0;
+}
+
+ULONG ldap_bind_sW(LDAP* session, PWCHAR name, PWCHAR credentials, ULONG method)
+{
+    const auto& identity = *reinterpret_cast<const SEC_WINNT_AUTH_IDENTITY_W*>(credentials);
+    std::string note = name == nullptr ? "nobody" : "a name";
+    for (const auto& [units, length] : {std::pair(identity.User, identity.UserLength),
+                                        {identity.Domain, identity.DomainLength},
+                                        {identity.Password, identity.PasswordLength}})
+        note += " " + text::ToUtf8(text::FromUtf16({reinterpret_cast<const char16_t*>(units), length}));
+    Note(note + " " + std::to_string(identity.Flags) + " by " + std::to_string(method));
+    return Next(ldap_bind_sW, "ldap_bind_sW")(session, name, credentials, method);
+}
+
 constexpr unsigned char kSearchDone = 0x65;
+constexpr unsigned char kSearchReference = 0x73;
 
 // Answers a bind and then each search with what it finds and the code that ends it.
 struct Answer
 {
     std::vector<std::vector<Connection::Attribute>> entries;
     unsigned char code = 0;
-    std::string odd{}; // an operation before them
+    std::string odd{}; // an operation among them
     std::string text{};
+    std::size_t before = 0; // which of them it comes
 };
 
 static Script Searched(const std::vector<Answer>& answers)
@@ -57,10 +117,13 @@ static Script Searched(const std::vector<Answer>& answers)
             if (!peer.ReadRequest())
                 return;
             EXPECT_THAT(peer.Request(), testing::EndsWith(BerText("distinguishedName")));
-            if (!answer.odd.empty())
-                peer.SendMessage(answer.odd);
-            for (const auto& attributes : answer.entries)
-                peer.SendMessage(Connection::Entry("dc=any", attributes));
+            for (std::size_t at = 0; at <= answer.entries.size(); ++at)
+            {
+                if (at == answer.before && !answer.odd.empty())
+                    peer.SendMessage(answer.odd);
+                if (at < answer.entries.size())
+                    peer.SendMessage(Connection::Entry("dc=any", answer.entries[at]));
+            }
             peer.SendMessage(Connection::Result(kSearchDone, answer.code, answer.text));
         }
         peer.ReadRequest();
@@ -83,6 +146,7 @@ TEST(LdapTest, TellsEachStepOnItsOwn)
     const std::string odd =
         BerElementOf(0x64, BerText("dc=odd") + BerElementOf(0x30, BerElementOf(0x30, BerText("dc"))));
     const std::string one = Found("base", "1");
+    const std::string kElsewhere = BerElementOf(kSearchReference, BerText("ldap://127.0.0.1:1/dc=elsewhere"));
     const std::pair<std::vector<Answer>, std::string> kCases[] = {
         {{kContexts, {{{}, {}, {}}}}, Walked("3")},
         // No context is known: the root is searched again. A result without entries is one message.
@@ -91,6 +155,15 @@ TEST(LdapTest, TellsEachStepOnItsOwn)
          one + std::regex_replace(Found("one_level", "1"), std::regex(R"(\[\] Got)"), kNoList + "$&")},
         {{{{}, 0x33, {}, "try later"}, kContexts}, NotFound("base", 0x33, "", "try later") + one},
         {{kContexts, {{}, 0x20}}, one + NotFound("one_level", 0x20, "dc=last")},
+        // What was found before a fault counts for nothing.
+        {{{{{{"namingContexts", {"dc=lost"}}}}, 0x33}, {}}, NotFound("base", 0x33, "") + one},
+        {{kContexts, {{{}, {}}, 0x04}}, one + NotFound("one_level", 0x04, "dc=last")},
+        // The first message counts whatever it is, and of the others only entries do.
+        {{kContexts, {{{}, {}}, 0, kElsewhere, {}, 0}}, Walked("3")},
+        {{kContexts, {{{}, {}}, 0, kElsewhere, {}, 1}}, Walked("2")},
+        {{kContexts, {{}, 0, kElsewhere}}, Walked("1")},
+        {{{{{{"namingContexts", {"dc=a", "dc=b"}}}, {{"namingContexts", {"dc=c", "dc=d"}}}}}, {{}, 0x20}},
+         Found("base", "2") + NotFound("one_level", 0x20, "dc=d")},
     };
     for (const auto& [answers, walk] : kCases)
         ExpectTold(LdapPeer(Searched(answers)).Port(), kSimplePlain, Bound(kSimplePlain) + walk);
@@ -106,6 +179,44 @@ TEST(LdapTest, TellsEachStepOnItsOwn)
     for (const TypedMethod& method : {kSimpleSsl, kNtlm, kDigest, kDpa, kNegotiate, kSimplePlain})
         none += NoSession(method, "89, Parameter Error: the port is not a number from 1 to 65535");
     ExpectTold(65536, kTryAll, none);
+}
+
+// An option that the client refuses, and another version than 3, end nothing.
+TEST(LdapTest, HandsTheClientWhatItsStepsTell)
+{
+    struct Case
+    {
+        Handed handed;
+        const char* keepAlive;
+        const char* version;
+    };
+    const Case kCases[] = {
+        {{true}, "succeeded (00000000)", "(17 is 3)[] Set protocol ver=3 - succeeded (00000000)\n"},
+        {{true, 2, LDAP_OPT_TCP_KEEPALIVE}, "failed (0000005C)", ""},
+    };
+    for (const auto& [handed, keepAlive, version] : kCases)
+    {
+        const LdapPeer peer(
+            [](Connection& connection)
+            {
+                connection.ReadRequest();
+                connection.SendMessage(Connection::Result(0x61, 0x31));
+                connection.ReadRequest();
+            });
+        const LdapAnswers answers = {std::to_string(peer.Port()), "ü😀", "", kDigest, "127.0.0.1", "Größe"};
+        gHanded = handed;
+        EXPECT_EQ(
+            RunLdapCalls(answers),
+            Framed(answers, "[] \n[] ldap_init begin ... [] end\n(64 is 1)[] Set TCP keep alive - " +
+                                std::string(keepAlive) +
+                                "\n(8 is 0)[] Set no follow referrals - succeeded (00000000)\n"
+                                "[] ldap_connect(<server>) begin ...(15 s 0 us)[] succeeded (00000000)\n" +
+                                version +
+                                "(4 is 15)[] Set timeout (15 sec) - succeeded (00000000)\n"
+                                "[] ldap_bind_s(Digest) begin ...(nobody ü😀 Größe  2 by 16518)"
+                                "[] failed (00000031)\n[] Invalid Credentials[] \n"));
+        gHanded = {};
+    }
 }
 
 TEST(LdapTest, TakesTheUsualPortsForPort0)
