@@ -26,6 +26,7 @@ constexpr unsigned char kTlsMajor = 0x03;
 constexpr ber_tag_t kExtendedResponse = 0x78;
 constexpr ber_tag_t kResponseName = 0x8a;
 constexpr ber_tag_t kReferral = 0xa3;
+constexpr char kUnknown = '\xbe'; // a tag that no result has
 // An entry of a search, a reference to other servers, and what comes before a result: they bear none.
 constexpr ber_tag_t kPartsOfAnAnswer[] = {0x64, 0x73, 0x79};
 constexpr std::string_view kDisconnection = "1.3.6.1.4.1.1466.20036"; // RFC 4511, 4.4.1
@@ -77,11 +78,15 @@ std::optional<LdapFault> ReadResult(BerElement* result)
     ber_len_t length = 0;
     if (ber_peek_tag(result, &length) == kReferral)
     {
+        char* const tag = text.bv_val + text.bv_len;
         berval servers{};
-        ber_skip_element(result, &servers);
+        berval first{};
         BerReader reader;
-        if (text.bv_len == 0 && code == eLdapReferral)
-            ber_skip_element(reader.Begin(ViewOf(servers)), &text);
+        ber_skip_element(result, &servers);
+        if (code != eLdapReferral)
+            *tag = kUnknown; // none may be there, and the library would copy each of them
+        else if (text.bv_len == 0 && ber_skip_element(reader.Begin(ViewOf(servers)), &first) != LBER_DEFAULT)
+            text = first;
     }
     return LdapFault{static_cast<std::uint32_t>(code), std::string(ViewOf(text).substr(0, kMostOfCause))};
 }

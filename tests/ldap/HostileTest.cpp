@@ -85,7 +85,14 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
         "sent more than 64 MB at []\n";
     const std::string kLongText =
         "failed (00000031)\n[] Invalid Credentials: " + std::string(400, 'x') + "...[] \n";
-    constexpr std::size_t kAddresses = 7U << 20U; // in 14 MB
+    const auto referred = [](unsigned char code)
+    {
+        return [=](Connection& peer)
+        {
+            const std::string servers = BerElementOf(0xa3, Repeated(BerText(""), 7U << 20U));
+            peer.SendMessage(Connection::Result(0x61, code, "", servers));
+        };
+    };
     constexpr const char* kFour = "Got 4 objects back\n";
     const Case kCases[] = {
         {"messages that nobody asked for", AtBind([](Connection&) {}),
@@ -108,14 +115,10 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
          AtBind([](Connection& peer)
                 { peer.SendMessage(Connection::Result(0x61, 0x31, std::string(15U << 20U, 'x'))); }),
          kLongText.c_str()},
-        {"a referral to nowhere, many times over",
-         AtBind(
-             [](Connection& peer)
-             {
-                 const std::string nowhere = Repeated(BerText(""), kAddresses);
-                 peer.SendMessage(Connection::Result(0x61, 0x0a, "", BerElementOf(0xa3, nowhere)));
-             }),
+        {"a referral to nowhere, many times over", AtBind(referred(0x0a)),
          "failed (0000000A)\n[] Referral[] \n"},
+        {"the same where none may be", AtBind(referred(0x0e)),
+         "failed (00000052)\n[] Local Error: SASL(-1): generic failure: no server challenge[] \n", kDigest},
         {"entries", Entries([] { return Attributes(1); }, kForever), kTooMuch},
         {"the largest values", Entries([] { return Values("namingContexts", 15, 1U << 20U); }, 4), kFour},
         {"attributes", Entries([] { return Attributes(kMany); }, 4), kFour},
