@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The console's output routine and the lines that are posted to it, in the very dialog that ships: after the
-// report that it opens with.
+// The console's output routine and the lines that are posted to it, in the very dialog that ships.
 #include "app/CmdLineParser.h"
 #include "console/TavoDlg.h"
 #include "foundation/Kelvane.h"
@@ -10,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cwchar>
 #include <regex>
 
 constexpr int kEnded = 7;
@@ -21,10 +19,8 @@ constexpr DWORD kMinute = 60000;      // in ms
 class OpenConsole : public CTavoDlg
 {
 public:
-    explicit OpenConsole(std::function<void(OpenConsole&)> onOpen)
-        : mOnOpen(std::move(onOpen)), mResult(DoModal())
-    {
-    }
+    using Step = std::function<void(OpenConsole&)>;
+    explicit OpenConsole(Step onOpen) : mOnOpen(std::move(onOpen)), mResult(DoModal()) {}
 
     // What has been written since the report.
     std::wstring Written() const { return TextOf(::GetDlgItem(m_hWnd, IDC_OUTPUT)).substr(mReportLength); }
@@ -33,8 +29,7 @@ public:
         return std::regex_replace(Written(), std::wregex(L"\\[\\d+ms\\]"), L"[]");
     }
 
-    // What WM_DEEP had written when its handler ended, which ends the dialog, and whether the output had the
-    // focus.
+    // What WM_DEEP, which ends the dialog, had written at its end, and whether the output had the focus.
     std::wstring mDeepAnswer;
     bool mHasFocus = false;
 
@@ -61,7 +56,7 @@ private:
     }
     DECLARE_MESSAGE_MAP()
 
-    std::function<void(OpenConsole&)> mOnOpen;
+    Step mOnOpen;
     std::size_t mReportLength = 0;
 
 public:

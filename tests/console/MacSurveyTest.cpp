@@ -37,10 +37,6 @@ TEST(MacSurvey, TakesTheLowestAddressOfTheStrictestRuleThatFindsOne)
     std::vector<BYTE> tooLong = longest;
     tooLong.push_back(15);
     const std::tuple<const char*, std::vector<Adapter>, std::wstring, std::wstring> kCases[] = {
-        {"one ordinary card",
-         {{{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}}, {{0x4c, 0xcc, 0x6a, 0xab, 0xcd, 0xef}}},
-         L"4CCC6AABCDEF",
-         L"try:0-add=0[gu:1,v:0,fvz:1],add=1[gu:1,v:0,fvz:0],mac:4CCC6AABCDEF,macCount=1, ret=4CCC6AABCDEF"},
         {"first byte 0 is left to the second rule",
          {{{}, IF_TYPE_SOFTWARE_LOOPBACK}, {{0x00, 0x11, 0x22, 0x33, 0x44, 0x55}}},
          L"001122334455",

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The checksum tool, driven through the messages that its controls get. The expected sums are the checks that
-// xz files carry over the bytes that Python's codecs make of each text.
+// The checksum tool, driven by messages. The sums are the checks that xz files carry over each text's bytes.
 #include "crc64/DlgGetCRC64.h"
 #include "crc64/TextChecksum.h"
 #include "resources/resource.h"

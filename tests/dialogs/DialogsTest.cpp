@@ -7,10 +7,8 @@
 
 #include <chrono>
 #include <thread>
-#include <vector>
 
-using testing::Each;
-using testing::ElementsAre;
+using namespace testing;
 
 TEST(Queue, KeepsTheOrderAndDropsWhatTheDialogLeavesBehind)
 {

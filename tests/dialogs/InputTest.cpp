@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How what a person does reaches the program, and how much of a change reaches the display: of the layer's
-// own inside, so on Linux only.
+// How what a person does reaches the program: of the layer's own inside, so on Linux only.
 #include "platform/dialogs/UserInput.h"
 #include "tests/dialogs/ScriptedDialog.h"
 
@@ -17,8 +16,7 @@ static Window& ControlOfTop(UINT id)
         TopDialog()->children, id, [](const auto& control) { return control->id; });
 }
 
-// Runs a body that does what a person does, who then closes the dialog; gives the commands, and 0 for a note,
-// in the order of their coming.
+// Runs a body that acts as a person, who then closes the dialog; gives the commands, 0 for a note, in order.
 static std::vector<int> CommandsAfter(const std::function<void(HWND)>& body)
 {
     std::vector<int> seen;

@@ -59,7 +59,6 @@ inline LRESULT Send(HWND dialog, int id, UINT message, WPARAM wParam = 0, const 
     return SendMessageW(GetDlgItem(dialog, id), message, wParam, reinterpret_cast<LPARAM>(text));
 }
 
-// Appends to the dialog's log.
 inline void AddToLog(HWND dialog, const std::wstring& text)
 {
     const HWND log = GetDlgItem(dialog, IDC_LOG);

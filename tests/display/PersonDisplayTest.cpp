@@ -7,15 +7,10 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <regex>
 #include <thread>
 
-using testing::AllOf;
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
+using namespace testing;
 
 // A terminal of 80 columns and 24 rows, as tmux(1) emulates it, in which a person's keys are pressed.
 class TerminalScreen
@@ -34,14 +29,16 @@ public:
     }
     ~TerminalScreen() { Tmux("kill-server"); }
 
-    // Characters as they are, and keys by tmux's names: "Enter", "Up", "C-d".
+    // Characters as they are; keys by tmux's names ("Enter", "Up", "C-d") between words; whole lines.
     void Type(const std::string& text) const { Tmux("send-keys -l -- " + Quoted(text)); }
     void Press(const std::string& keys) const { Tmux("send-keys " + keys); }
-    void Enter(const std::string& text) const
+    void Enter(const std::vector<std::string>& lines) const
     {
-        if (!text.empty())
-            Type(text);
-        Press("Enter");
+        for (const std::string& line : lines)
+        {
+            Type(line);
+            Press("Enter");
+        }
     }
 
     // Waits until it is seen, for 20 s at least, and gives all that is seen from the last `from` on, with
@@ -95,7 +92,6 @@ static std::string Scene(const std::string& name)
            " --gtest_also_run_disabled_tests --gtest_brief=1 --gtest_filter=Scene.DISABLED_" + name;
 }
 
-// Asks for a password and says what it was.
 TEST(Scene, DISABLED_Password)
 {
     ASSERT_TRUE(platform::UseDisplay(platform::DisplayKind::Terminal));
@@ -135,9 +131,8 @@ TEST(PersonAtATerminal, IsAskedBoxByBoxAndToldWhatCloses)
     const TerminalScreen screen(ThenItsEcho(folder.Program()));
     screen.WaitFor("\n>");
     // Typed faster than it is asked for.
-    for (const char* line : {"ldap", "  127.0.0.1 ", "1", "", "\u00fc\u20ac admin", "secret", "3", "show",
-                             "port", "x", "OK", "", "2", "Cancel"})
-        screen.Enter(line);
+    screen.Enter({"ldap", "  127.0.0.1 ", "1", "", "\u00fc\u20ac admin", "secret", "3", "show", "port", "x",
+                  "OK", "", "2", "Cancel"});
     EXPECT_EQ(screen.WaitFor("is closed.", "> ldap"), "> ldap\n"
                                                       "DiagnosticsDlg\n"
                                                       "LDAP Server:   127.0.0.1\n"
@@ -174,14 +169,11 @@ TEST(PersonAtATerminal, IsAskedBoxByBoxAndToldWhatCloses)
                                                       "DiagnosticsDlg is closed.\n"
                                                       ">");
     // Nothing is kept, and what a box holds goes into the test without the blanks around it.
-    screen.Enter("LDAP");
-    screen.Enter("Port=1");
-    for (const char* line : {" localhost", "", "", "", "NT", ""})
-        screen.Enter(line);
+    screen.Enter({"LDAP", "Port=1", " localhost", "", "", "", "NT", ""});
     EXPECT_THAT(screen.WaitFor("END TEST", "> LDAP"),
                 AllOf(HasSubstr("LDAP Server: Port=1\nLDAP Server:  localhost\n"),
                       HasSubstr(" Server: localhost\n")));
-    screen.Enter("quit");
+    screen.Enter({"quit"});
     EXPECT_THAT(screen.WaitFor("icanon\necho"), EndsWith("> quit\nZT Diagnostics is closed.\nicanon\necho"));
 }
 
@@ -194,9 +186,8 @@ TEST(PersonAtATerminal, NeverSeesAPassword)
             std::filesystem::remove(folder.Path() / "libtavoedit.so");
         const TerminalScreen screen(ThenItsEcho(folder.Program()));
         screen.WaitFor("\n>");
-        for (const char* line : {"LDAP", "dc", "", "", "admin", "s3cret", "",
-                                 edits ? "Password=s3cret" : "show", "show", "Cancel"})
-            screen.Enter(line);
+        screen.Enter({"LDAP", "dc", "", "", "admin", "s3cret", "", edits ? "Password=s3cret" : "show", "show",
+                      "Cancel"});
         screen.WaitFor("is closed");
         if (edits)
         {
@@ -219,10 +210,7 @@ TEST(PersonAtATerminal, TypesEveryCharacterOfAPasswordAndNoOther)
         screen.WaitFor("not shown");
         screen.Type(" p\u00e4s;=sx");
         screen.Press("BSpace Left Tab Home F5 Up");
-        screen.Enter("w ");
-        screen.Enter("");
-        screen.Enter("");
-        screen.Enter("Push");
+        screen.Enter({"w ", "", "", "Push"});
         EXPECT_THAT(screen.WaitFor("It was"), HasSubstr("It was ( p\u00e4s;=sw )"));
         EXPECT_EQ(screen.Recorded().find("s;"), screen.Recorded().rfind("s;")) << screen.Recorded();
         screen.Press("C-d");
@@ -234,26 +222,15 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
     const ProgramFolder folder;
     const TerminalScreen screen(folder.Program());
     screen.WaitFor("\n>");
-    screen.Type("elp");
-    screen.Press("Home F5 h End PageUp Enter");
-    screen.Type("l pa");
-    screen.Press("Home C-Right Delete d Enter");
-    screen.Type("x zzy");
-    screen.Press("C-Left BSpace y Enter");
-    screen.Enter("o");
-    screen.Type("sUp");
-    screen.Press("Tab C-u");
-    screen.Type("crc6");
-    screen.Press("Tab Enter");
-    screen.Enter(" two blanks ");
-    screen.Type("o");
-    screen.Press("Tab");
-    screen.Type("f");
-    screen.Press("Tab Enter Enter");
-    screen.Type("wide=");
-    screen.Press("Tab n Enter");
-    screen.Enter("hex=1");
-    screen.Enter("input");
+    screen.Press("elp Home F5 h End PageUp Enter");
+    screen.Press("l Space pa Home C-Right Delete d Enter");
+    screen.Press("x Space zzy C-Left BSpace y Enter");
+    screen.Press("o Enter");
+    screen.Press("sUp Tab C-u crc6 Tab Enter");
+    screen.Enter({" two blanks "});
+    screen.Press("o Tab f Tab Enter Enter");
+    screen.Press("wide= Tab n Enter");
+    screen.Enter({"hex=1", "input"});
     screen.Press("Up Up Enter");
     screen.Press("C-d");
     EXPECT_THAT(screen.WaitFor("Dialog is closed", "> help"),
@@ -297,8 +274,7 @@ TEST(PersonAtATerminal, SeesFailuresInRedUnlessNoColourIsWanted)
     {
         const TerminalScreen screen(folder.Program(), wish);
         screen.WaitFor("\n>");
-        for (const char* line : {"LDAP", "127.0.0.1", "1", "", "", "", "3", ""})
-            screen.Enter(line);
+        screen.Enter({"LDAP", "127.0.0.1", "1", "", "", "", "3", ""});
         screen.WaitFor("END TEST");
         const std::string recorded = WithoutTimes(screen.Recorded());
         const std::regex redText("\x1b\\[31m([^\x1b]*)\x1b\\[0m");
@@ -313,11 +289,10 @@ TEST(PersonAtATerminal, SeesHowFarAnUploadIsInOneLine)
 {
     const TerminalScreen screen(Scene("Upload"));
     EXPECT_THAT(screen.WaitFor(" left"),
-                testing::ContainsRegex("FTP_LOG: [0-9]+% done, [0-9]+00000 sent, [0-9.]+ MB/s, "
-                                       "0:0[0-9] left"));
+                ContainsRegex("FTP_LOG: [0-9]+% done, [0-9]+00000 sent, [0-9.]+ MB/s, 0:0[0-9] left"));
     EXPECT_THAT(screen.WaitFor("Successfully", "Controls\n"),
-                testing::MatchesRegex("Controls\n[^%]*FTP_LOG: 100% done, 10000000 sent, [0-9.]+ MB/s\n"
-                                      "[^%]*Successfully[^%]*"));
+                MatchesRegex("Controls\n[^%]*FTP_LOG: 100% done, 10000000 sent, [0-9.]+ MB/s\n"
+                             "[^%]*Successfully[^%]*"));
     // A terminal whose cursor cannot be moved has the lines as they are.
     const TerminalScreen plain(Scene("Upload"), "TERM=dumb");
     EXPECT_THAT(plain.WaitFor("Successfully"),
@@ -349,18 +324,18 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
         EXPECT_THAT(screen.WaitFor("icanon\necho", "half"), EndsWith("icanon\necho")) << signal;
     }
     const TerminalScreen screen("bash --norc");
-    screen.Enter(folder.Program());
+    screen.Enter({folder.Program()});
     screen.WaitFor("\n>");
     screen.Type("hel");
     screen.Press("C-z");
     screen.WaitFor("Stopped");
-    screen.Enter("stty -a | grep -ow -e '-*echo'");
+    screen.Enter({"stty -a | grep -ow -e '-*echo'"});
     screen.WaitFor("\necho\n", "Stopped");
-    screen.Enter("fg");
+    screen.Enter({"fg"});
     screen.WaitFor("> hel", "fg");
-    screen.Enter("p");
+    screen.Enter({"p"});
     screen.WaitFor("> help\nPress:", "fg");
-    screen.Enter("quit");
+    screen.Enter({"quit"});
     screen.WaitFor("is closed", "fg");
 }
 

@@ -12,11 +12,9 @@
 
 #include <cstdlib>
 #include <ctime>
-#include <string>
 #include <thread>
 
-using testing::EndsWith;
-using testing::HasSubstr;
+using namespace testing;
 using namespace std::string_literals;
 
 namespace

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cwchar>
-
 TEST(DateFormat, ShowsTheLocalDateOrWhyItCannot)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();

@@ -40,8 +40,7 @@ static DateValue Valid(double date)
     return {date, eDateValid};
 }
 
-// Every day, each with another time of day and each second on both sides of zero, against the standard
-// library's calendar.
+// Every day with another time of day, each second on both sides of zero, against the library's calendar.
 TEST(DateValue, AgreesWithTheCalendarOnEveryDayOfTheYears100To9999)
 {
     using namespace std::chrono;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// When a lock asks the timer and when it books a wait. The timer and the book are this program's own, which
-// Oriska is not linked to.
+// When a lock asks the timer and books a wait: both are this program's own, without Oriska.
 #define ORISKA_STATIC_DEFINE
 #include "foundation/Locks.h"
 

@@ -31,15 +31,8 @@ TEST(Locks, CanBeTakenAgainByTheirOwner)
     std::thread other;
     {
         const CAcquireCS outer(lock);
-        {
-            const CAcquireCS inner(lock);
-        }
-        other = std::thread(
-            [&]
-            {
-                const CAcquireCS acquired(lock);
-                entered = true;
-            });
+        EXPECT_EQ(CAcquireCS(lock).mHeld, 1u);
+        other = std::thread([&] { entered = CAcquireCS(lock).mHeld == 1; });
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         EXPECT_FALSE(entered) << "the inner holder has let go for the outer one";
     }
@@ -63,10 +56,7 @@ TEST(Locks, ArePassedOverBeforeTheyAreMadeAndAfterTheyAreGone)
     EXPECT_EQ(lock->mState, 0u);
     passedOver();
     std::construct_at(lock);
-    {
-        const CAcquireCS acquired(*lock);
-        EXPECT_EQ(acquired.mHeld, 1u);
-    }
+    EXPECT_EQ(CAcquireCS(*lock).mHeld, 1u);
     std::destroy_at(lock);
     EXPECT_EQ(lock->mState, 32u);
     passedOver();

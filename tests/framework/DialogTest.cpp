@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Modal dialogs: a loop within another, the way of a message to its handler, and numbers between members and
-// boxes; the dialogs' own tests have the other exchanges.
+// Modal dialogs: a loop within another, a message's way to its handler, numbers between members and boxes.
 #include "framework/afxwin.h"
 #include "tests/dialogs/testIds.h"
 #include "tests/support/WindowProbe.h"
 
 #include <gmock/gmock.h>
 
-#include <cstdint>
 #include <deque>
-#include <functional>
 #include <optional>
-
-using testing::ElementsAre;
 
 namespace
 {
@@ -23,19 +18,15 @@ constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
 // A step that only lets what was posted before it come first.
 void Nothing() {}
 
-// Driven through messages by a list of steps. Each step is a posted message of its own, and the next one is
-// posted before a step runs: when a step opens a nested loop (a dialog, a message box, a handler that pumps)
-// the next one runs inside that loop.
+// Driven by a list of steps. Each is a posted message of its own, posted before the one in front runs: when
+// that opens a nested loop (a dialog, a message box, a handler that pumps) the next one runs inside it.
 class TestDialog : public CDialog
 {
 public:
     using Step = std::function<void()>;
 
-    explicit TestDialog(UINT templateId = IDD_CONTROLS, CWnd* parent = nullptr) : CDialog(templateId, parent)
-    {
-    }
+    explicit TestDialog(UINT id = IDD_CONTROLS, CWnd* parent = nullptr) : CDialog(id, parent) {}
 
-    // Runs the dialog, which must not end before its last step.
     INT_PTR Run(std::vector<Step> steps)
     {
         mSteps.assign(steps.begin(), steps.end());
@@ -86,7 +77,6 @@ ON_MESSAGE(WM_STEP, OnStep)
 ON_MESSAGE(WM_ADD, OnAdd)
 END_MESSAGE_MAP()
 
-// What the message box on top says; it is then answered with OK.
 std::wstring ReadAndCloseMessageBox()
 {
     constexpr int kMessageBoxText = 0xFFFF;
@@ -188,7 +178,7 @@ TEST(MessageMap, GivesTheResultOfARowAndLeavesTheRestToTheBase)
             send(WM_COMMAND, IDOK);
         },
     });
-    EXPECT_THAT(dialog.mTrace, ElementsAre("fill", "work", "OnOK", "save"));
+    EXPECT_THAT(dialog.mTrace, testing::ElementsAre("fill", "work", "OnOK", "save"));
 }
 
 TEST(Application, ServesTheCommandsThatTheDialogDoesNot)

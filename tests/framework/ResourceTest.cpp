@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The program's resources, as they are read back from what the resource compiler made: the same compiler
-// links the same bytes into the Windows program.
+// The program's resources, read back from what the compiler made, which links them on Windows too.
 #include "platform/resource/Resources.h"
 #include "resources/resource.h"
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any arguments, put together to a line and split again: neither crashes, the quotes around a whole argument
-// hold it together, and no character but quotes comes or goes. The same text as one command line: a
-// switch that is there has a value, and the value lies in it.
+// Any arguments, put together to a line and split again: the quotes around a whole argument hold it together,
+// and no character but quotes comes or goes. The same text as one command line: a value lies in it.
 #include "app/CmdLineParser.h"
 #include "platform/kernel/CommandLine.h"
 #include "tests/fuzz/Require.h"

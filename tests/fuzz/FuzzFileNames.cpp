@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any text, cleaned, is the name of a file on both systems, whatever is put in the place of what it may not
-// hold, and cleaning it again changes nothing.
+// Any text, cleaned with any replacement, is a file's name on both systems and stays as it is when cleaned.
 #include "foundation/Kelvane.h"
 #include "tests/fuzz/Require.h"
 #include "text/Unicode.h"

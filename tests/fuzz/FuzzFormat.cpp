@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any format over values of all kinds: no undefined behaviour, a bounded result, and text without braces
-// comes through as it is.
+// Any format over values of all kinds: a bounded result, and text without braces comes through as it is.
 #include "foundation/Oriska.h"
 #include "tests/fuzz/Require.h"
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Whatever a server says, line by line: the component's events stay few, short and harmless, and tell nothing
-// of the password.
+// Whatever a server says, line by line: the events stay few, short and harmless, and tell no password.
 #include "libraries/ipworks/HarmlessText.h"
 #include "libraries/ipworks/Upload.h"
 #include "tests/fuzz/Require.h"

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Whatever a directory server sends: a log-on and two searches end in their time and give what their contract
-// says. The session speaks through a pair of sockets. The server says the next of its answers, which two
-// bytes of 0xff end, when nothing is left of the ones before; after the last one it closes, or stays, and the
-// clock goes on. The protection of a log-on is played: a token is its text after a byte.
+// Whatever a directory server sends: a log-on and two searches end in their time. The server says the next of
+// its answers, which two bytes of 0xff end, when nothing is left of the ones before; after the last one it
+// closes, or stays, and the clock goes on. A log-on's protection is played: a token is its text after a byte.
 #include "platform/net/LdapGss.h"
 #include "tests/fuzz/Require.h"
 
@@ -185,18 +184,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         LdapSession session({{"localhost", 389}}, false);
         Require(!session.Connect(seconds(15)));
         const LdapIdentity identity = {"user", "", Secret(L"password")};
+        const unsigned bind = data[0] & 3U;
+        const GssMethod method = bind == 1 ? GssMethod::Ntlm : GssMethod::Negotiate;
         InTime(
-            [&]
-            {
-                switch (data[0] & 3U)
-                {
-                case 0:
-                    return session.BindSimple("cn=user", identity.password);
-                case 1:
-                    return session.BindGss(identity, GssMethod::Ntlm);
-                default:
-                    return session.BindGss(identity, GssMethod::Negotiate);
-                }
+            [&] {
+                return bind == 0 ? session.BindSimple("cn=user", identity.password)
+                                 : session.BindGss(identity, method);
             });
         Search(session);
         Search(session);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any bytes are a .res file; whatever is read out of it is no larger than they are. The bytes also stand for
-// a single resource of each kind.
+// Any bytes as a .res file, and as a resource of each kind: what is read of them is no larger than they are.
 #include "platform/resource/Resources.h"
 #include "tests/fuzz/Require.h"
 

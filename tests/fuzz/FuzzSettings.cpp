@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as the settings file: what is one takes a setting and gives it back, what is not one is told
-// apart, and the text that was written is one that stays as it is.
+// Any bytes as the settings file: what is one takes a setting, gives it back and stays; what is not is told.
 #include "libraries/kelvane/SettingsText.h"
 #include "tests/fuzz/Require.h"
 

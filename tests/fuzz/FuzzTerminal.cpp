@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes are what somebody types: lines for a script or a person, about a dialog like that of the LDAP
-// test. Text comes through whole or is seen to be unreadable, no answer shows a password, and nothing typed
-// commands the terminal.
+// Any bytes are lines that somebody types, about a dialog like that of the LDAP test. Text comes through or
+// is seen to be unreadable, no answer shows a password, and nothing typed commands the terminal.
 #include "platform/dialogs/Display.h"
 #include "platform/display/terminal/TerminalCommand.h"
 #include "platform/display/terminal/TerminalConversation.h"

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any bytes, as UTF-8 and as wide characters: nothing is lost on the way there and back, what is well-formed
-// is read as ICU reads it, and nothing unsafe is left of what is shown.
+// Any bytes, as UTF-8 and as wide text: none is lost, all is read as ICU reads it, nothing unsafe is shown.
 #include "tests/fuzz/Require.h"
 #include "text/SafeToShow.h"
 #include "text/Unicode.h"

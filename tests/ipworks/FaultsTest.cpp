@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What servers and networks do wrong. Each row of the table is one fault, with what the last error begins
-// with and how much of the file went out.
+// What servers and networks do wrong: with what the last error begins, and how much of the file went out.
 #include "tests/ipworks/Recorder.h"
-
-#include <thread>
 
 using namespace std::string_literals;
 
@@ -90,8 +87,7 @@ TEST(Faults, GiveTheirResultAndNoMore)
         const auto start = std::chrono::steady_clock::now();
         const int result = recorder.Upload();
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(25));
-        // What comes late is heard while libcurl takes its leave; from 8.12 on it does so without a word to
-        // us.
+        // What comes late is heard while libcurl takes its leave; from 8.12 on it does so without a word.
         const bool tellsItsLeave = testing::Matches(testing::Contains("> QUIT"))(recorder.events);
         // This libcurl loses what it has read when a connection breaks before the first byte.
         if (!tellsItsLeave && script.breakAt == 0)
@@ -106,8 +102,7 @@ TEST(Faults, GiveTheirResultAndNoMore)
         EXPECT_THAT(moved, sent);
         EXPECT_EQ(moved == size, moved != 0 && recorder.progress.back().percent == 100);
 
-        // One error for a failed upload, none for a good one, of which the console says so; the start comes
-        // first and the end last.
+        // One error for a failed upload, none for a good one; the start comes first and the end last.
         using Texts = std::vector<std::string>;
         EXPECT_EQ(recorder.Of("status 6"),
                   told.empty() ? Texts{"status 6 The server has received archive.zip"} : Texts{});

@@ -4,7 +4,6 @@
 
 #include "libraries/ipworks/IPWorks.h"
 #include "tests/support/ScriptedFtpServer.h"
-#include "tests/support/TestFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -36,18 +35,11 @@ public:
     Recorder& operator=(const Recorder&) = delete;
 
     int Config(const std::string& setting) { return Do(kIPWorksConfig, setting.c_str()); }
-    int SetText(int property, const char* text)
-    {
-        return IPWorks_FTP_Set(mHandle, property, 0, const_cast<char*>(text), 0);
-    }
-    int SetNumber(int property, int number)
-    {
-        return IPWorks_FTP_Set(mHandle, property, 0, Value(number), 0);
-    }
+    int SetText(int id, const char* text) { return Set(id, const_cast<char*>(text)); }
+    int SetNumber(int id, int number) { return Set(id, Value(number)); }
     int SetLocalFile(const std::filesystem::path& path)
     {
-        std::wstring wide = path.wstring();
-        return IPWorks_FTP_Set(mHandle, kIPWorksLocalFile, 0, wide.data(), 0);
+        return Set(kIPWorksLocalFile, path.wstring().data());
     }
     int Do(int method, const char* parameter = nullptr)
     {
@@ -63,8 +55,7 @@ public:
 
     ScriptedFtpServer server;
 
-    // "status 4 Logged in", "error 530 ...", "> USER x", "< 230 ...", "approve problem", "started name",
-    // "ended 0". Progress is not among them.
+    // "status 4 Logged in", "error 530 ...", "> USER x", "< 230 ...", "approve problem"; no progress.
     std::vector<std::string> events;
     std::vector<std::string> Of(const std::string& kind) const
     {
@@ -89,6 +80,7 @@ public:
     bool approves = true;
 
 private:
+    int Set(int id, void* value) { return IPWorks_FTP_Set(mHandle, id, 0, value, 0); }
     static int Number(void* param) { return static_cast<int>(reinterpret_cast<std::intptr_t>(param)); }
     static std::string Text(void* param) { return static_cast<const char*>(param); }
     static void* Value(int number) { return reinterpret_cast<void*>(static_cast<std::intptr_t>(number)); }

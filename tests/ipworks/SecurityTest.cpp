@@ -3,8 +3,7 @@
 #include "tests/ipworks/Recorder.h"
 #include "tests/support/ProgramFolder.h"
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using namespace testing;
 
 constexpr const char* kHost = "127.0.0.1";
 constexpr std::int64_t kMiddle = 4000000;
@@ -15,11 +14,10 @@ TEST(Security, BothConnectionsAreEncryptedAndTheCertificateIsAskedAboutOnce)
     Recorder recorder({.certificate = kHost}, content);
     EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
     EXPECT_TRUE(content == recorder.server.Uploaded());
-    EXPECT_THAT(recorder.server.Commands(), testing::Contains("PROT P"));
-    EXPECT_THAT(
-        recorder.events,
-        testing::Contains("status 3 The connection is encrypted; the certificate does not prove the server "
-                          "(self-signed certificate): CN = 127.0.0.1"));
+    EXPECT_THAT(recorder.server.Commands(), Contains("PROT P"));
+    EXPECT_THAT(recorder.events,
+                Contains("status 3 The connection is encrypted; the certificate does not prove the server "
+                         "(self-signed certificate): CN = 127.0.0.1"));
     EXPECT_EQ(recorder.server.Certificate(), recorder.certificate);
     EXPECT_EQ("CN = 127.0.0.1", recorder.subject);
     EXPECT_EQ("CN = 127.0.0.1", recorder.issuer);
@@ -34,8 +32,8 @@ TEST(Security, CertificateOfATrustedAuthorityProvesTheServer)
     Recorder recorder({.certificate = kHost});
     EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
     EXPECT_THAT(recorder.events,
-                testing::Contains("status 3 The connection is encrypted; the certificate proves the server: "
-                                  "CN = 127.0.0.1, issued by CN = 127.0.0.1"));
+                Contains("status 3 The connection is encrypted; the certificate proves the server: "
+                         "CN = 127.0.0.1, issued by CN = 127.0.0.1"));
     EXPECT_THAT(recorder.Of("approve"), ElementsAre("approve "));
 }
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A libcurl on another TLS library takes no check of the certificate. This program's own option setter stands
-// in front of libcurl's and plays that one. Linux only.
+// A libcurl on another TLS library takes no check of the certificate: our option setter plays it. Linux only.
 #include "tests/ipworks/Recorder.h"
 
 #include <curl/curl.h>
@@ -11,8 +10,7 @@
 static CURLoption gRefused{};
 
 #undef curl_easy_setopt
-extern "C" __attribute__((visibility("default"))) CURLcode curl_easy_setopt(CURL* curl, CURLoption option,
-                                                                            ...)
+extern "C" [[gnu::visibility("default")]] CURLcode curl_easy_setopt(CURL* curl, CURLoption option, ...)
 {
     va_list rest;
     va_start(rest, option);

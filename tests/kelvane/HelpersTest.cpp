@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/Kelvane.h"
-#include "foundation/Oriska.h"
 #include "tests/support/ProgramFolder.h"
 
 #include <gtest/gtest.h>

@@ -5,12 +5,10 @@
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <thread>
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::HasSubstr;
+using namespace testing;
 using namespace std::string_literals;
 
 // Their names, their defaults, and what they take: a text, or numbers up to this.

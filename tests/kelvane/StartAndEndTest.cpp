@@ -3,8 +3,7 @@
 
 #include <gmock/gmock.h>
 
-using testing::HasSubstr;
-using testing::Not;
+using namespace testing;
 
 TEST(Shutdown, IsLoggedWithTheBookOfLockWaitsWhereItWasKept)
 {
@@ -21,8 +20,7 @@ TEST(Shutdown, IsLoggedWithTheBookOfLockWaitsWhereItWasKept)
 TEST(Listener, NeverHoldsUpOrCrashesTheEndOfTheProgram)
 {
     const AgentFolder folder;
-    // Told before it waits, while it waits, twice, or never: the thread may be anywhere when the process
-    // ends.
+    // Told before it waits, while it waits, twice, or never: it may be anywhere when the process ends.
     const std::vector<std::vector<std::string>> ways{
         {"init", "statics", "listen", "shutdown:a"},
         {"init", "statics", "shutdown:b", "listen"},

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 static std::string ToNarrow(const std::wstring& wide)
 {
     const int length = static_cast<int>(wide.size());

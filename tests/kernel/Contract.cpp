@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the tree relies on in the headers, the layer's and the real ones alike: types, and the numbers that
-// people see.
+// What the tree relies on in the layer's headers and the real ones: types, and numbers that people see.
 #define SECURITY_WIN32
 #include <windows.h>
 

@@ -12,8 +12,7 @@ namespace fs = std::filesystem;
 constexpr DWORD kFolder = FILE_ATTRIBUTE_DIRECTORY;
 constexpr DWORD kLink = FILE_ATTRIBUTE_REPARSE_POINT;
 
-// By name: what it is, the tag of a link, the size of a file, and when it was written in seconds since 1970,
-// 0 for the last minute.
+// By name: what it is, a link's tag, the size, and when it was written (from 1970 on; 0: the last minute).
 using Entries = std::map<std::wstring, std::tuple<DWORD, DWORD, std::uint64_t, std::int64_t>>;
 
 static Entries List(const fs::path& pattern)
@@ -70,8 +69,7 @@ TEST(FindFile, SaysWhatIsMissing)
 {
     const TestFolder folder;
     WIN32_FIND_DATAW data = {};
-    EXPECT_EQ(FindFirstFileW((folder.Path() / L"none" / L"*").wstring().c_str(), &data),
-              INVALID_HANDLE_VALUE);
+    EXPECT_EQ(FindFirstFileW((folder.Path() / "none" / "*").wstring().c_str(), &data), INVALID_HANDLE_VALUE);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
     EXPECT_FALSE(FindNextFileW(INVALID_HANDLE_VALUE, &data));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The LDAP test of the program that ships against a domain controller of the Windows kind. Runs through
-// tests/support/with-domain, on the controller itself.
+// The LDAP test on a domain controller of the Windows kind itself. Runs through tests/support/with-domain.
 #include "tests/ldap/LdapConsole.h"
 #include "tests/support/TestFolder.h"
 
@@ -15,15 +14,10 @@ const std::string kWrongNtlm =
 const std::string kWrongSimple =
     "80090308: LdapErr: DSID-0C0903A9, comment: AcceptSecurityContext error, data 52e, v1db1";
 
-static std::string ControllerLog()
-{
-    return ReadFile(std::getenv("TAVO_DOMAIN_LOG"));
-}
-
 // How the controller says the last log-on over LDAP was made: "krb5", "NTLMSSP" or "simple bind".
 static std::string LastLogOn()
 {
-    const std::string log = ControllerLog();
+    const std::string log = ReadFile(std::getenv("TAVO_DOMAIN_LOG"));
     static const std::regex logOn(R"(Successful AuthZ: \[LDAP,([^\]]*)\])");
     std::string last;
     for (std::sregex_iterator at(log.begin(), log.end(), logOn), end; at != end; ++at)
@@ -34,7 +28,7 @@ static std::string LastLogOn()
 // How often the controller has been given a wrong password; enough of them lock a user out.
 static std::ptrdiff_t WrongPasswords()
 {
-    const std::string log = ControllerLog();
+    const std::string log = ReadFile(std::getenv("TAVO_DOMAIN_LOG"));
     static const std::regex wrong(R"(status \[NT_STATUS_WRONG_PASSWORD\])");
     return std::distance(std::sregex_iterator(log.begin(), log.end(), wrong), std::sregex_iterator());
 }
@@ -97,8 +91,7 @@ TEST(Domain, IsTestedAsTheDialogSays)
         {as("0", "TAVO", "alice", right, kTryAll),
          Refused(kSimpleSsl, 0x31, kWrongSimple) + Bound(kNtlm) + walk, "NTLMSSP"},
         {as("0", "TAVO", full, "wrong", kTryAll), allRefused, "", 3},
-        // Each method asks once, whatever Kerberos might ask on its own account; a simple bind needs a whole
-        // name.
+        // Each method asks once, whatever Kerberos might ask by itself; a simple bind needs a whole name.
         {as("0", "", "alice", "wrong", kTryAll), allRefused, "", 2, true},
         {as("389", "TAVO", "alice", "", kNegotiate), Refused(kNegotiate, 0x31, "no password was given")},
         // A name that does not say which realm it belongs to.

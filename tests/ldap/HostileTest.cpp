@@ -10,9 +10,6 @@
 
 #include <sys/resource.h>
 
-using Connection = LdapPeer::Connection;
-using Script = std::function<void(Connection&)>;
-
 constexpr int kForever = 1'000'000'000;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -35,7 +32,7 @@ static void SendMany(const Connection& peer, const std::string& message, int cou
         ;
 }
 
-static Script AtBind(const std::function<void(Connection&)>& answer)
+static Script AtBind(const Script& answer)
 {
     return [=](Connection& peer)
     {
@@ -139,8 +136,6 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
             EXPECT_LE(taken, kLimit);
             EXPECT_LE(largest.ru_maxrss, kMostMemory);
         }
-        std::printf("%s: %.1f s, %ld KiB\n", test.what, std::chrono::duration<double>(taken).count(),
-                    largest.ru_maxrss);
     }
 }
 
@@ -153,8 +148,7 @@ TEST(LdapTest, CountsItsLinesFromItsStart)
     start.input = Typed({"9", "cn=any", "any", kSimplePlain});
     start.input.emplace_back("Close");
     const std::string console = ProgramFolder().Run(start).console;
-    std::smatch opening;
-    ASSERT_TRUE(std::regex_search(console, opening, std::regex("\\[(\\d+)ms\\] \n========= LDAP")))
-        << console;
-    EXPECT_LT(std::stoi(opening[1]), 2000) << console;
+    std::smatch begin;
+    ASSERT_TRUE(std::regex_search(console, begin, std::regex("\\[(\\d+)ms\\] \n========= LDAP"))) << console;
+    EXPECT_LT(std::stoi(begin[1]), 2000) << console;
 }

@@ -83,11 +83,6 @@ std::vector<std::string> Typed(const LdapAnswers& answers)
             answers.button};
 }
 
-std::string WithoutNumbers(const std::string& console)
-{
-    return std::regex_replace(console, std::regex(R"(\[[0-9]+ms\] )"), "[] ");
-}
-
 std::string RunLdapTest(const LdapAnswers& answers,
                         const std::vector<std::pair<std::string, std::string>>& environment)
 {
@@ -97,7 +92,7 @@ std::string RunLdapTest(const LdapAnswers& answers,
     start.environment = environment;
     start.limit = std::chrono::minutes(3); // a loaded machine draws slowly under Wine
     const ProgramOutcome outcome = folder.Run(start);
-    const std::string console = WithoutNumbers(outcome.console);
+    const std::string console = WithoutTimes(outcome.console, "[] ");
     if (!outcome.ended)
         return "the program did not end:\n" + console;
     const std::size_t begin = console.find("[] \n========= LDAP");

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The LDAP test as its user sees it: what is typed into the dialog, and what the console says, put together
-// from the steps.
+// The LDAP test as its user sees it: what is typed into the dialog, and what the console says of each step.
 #pragma once
 
 #include "ldap/LDAPCreds.h"
@@ -35,10 +34,7 @@ struct LdapAnswers
 // The lines of input that open the dialog, fill it and press its button.
 std::vector<std::string> Typed(const LdapAnswers& answers);
 
-// The console's text with "[] " in place of each prefix, which says where an append begins.
-std::string WithoutNumbers(const std::string& console);
-
-// Runs the program, presses the LDAP button and gives the test's part of the console so.
+// Runs the program, presses the LDAP button and gives the test's part of the console, "[] " for each prefix.
 std::string RunLdapTest(const LdapAnswers& answers,
                         const std::vector<std::pair<std::string, std::string>>& environment = {});
 

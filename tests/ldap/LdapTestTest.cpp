@@ -15,9 +15,6 @@
 
 #include <dlfcn.h>
 
-using Connection = LdapPeer::Connection;
-using Script = std::function<void(Connection&)>;
-
 const std::string kNoList = "(no list is given back)";
 const std::string kResult = "(the result is given back)";
 

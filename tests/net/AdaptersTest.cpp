@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-// The adapter list in network namespaces whose interfaces the test chooses.
 #include <windows.h>
 
 #include <winsock2.h>

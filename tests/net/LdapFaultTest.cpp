@@ -20,8 +20,6 @@
 namespace
 {
 
-using Connection = LdapPeer::Connection;
-using Script = std::function<void(Connection&)>;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
@@ -64,7 +62,7 @@ ULONG Search(const Session& session)
 }
 
 // Answers the bind with what `answer` gives and waits until the client has gone.
-Script Answer(std::function<void(Connection&)> answer)
+Script Answer(const Script& answer)
 {
     return [answer](Connection& peer)
     {
@@ -74,13 +72,12 @@ Script Answer(std::function<void(Connection&)> answer)
     };
 }
 
-// Answers it with one message.
 Script Message(const std::string& operation)
 {
     return Answer([=](Connection& peer) { peer.SendMessage(operation); });
 }
 
-Script BoundThen(std::function<void(Connection&)> answer)
+Script BoundThen(const Script& answer)
 {
     return [answer](Connection& peer) { peer.AcceptBind() && peer.ReadRequest() && (answer(peer), true); };
 }

@@ -5,8 +5,7 @@
 
 #include <array>
 
-// The checksum's definition, a bit at a time: the polynomial of ECMA-182, reflected, all ones before and
-// after.
+// The definition, a bit at a time: the polynomial of ECMA-182, reflected, all ones before and after.
 static std::uint64_t BitByBit(const unsigned char* bytes, std::size_t count)
 {
     std::uint64_t remainder = ~std::uint64_t{0};

@@ -6,7 +6,6 @@
 namespace
 {
 
-// Counts what a string asks for.
 class CountingManager final : public IAtlStringMgr
 {
 public:

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Both programs on one machine, in one run: their reports say the same, save for what the two systems
-// really know differently.
+// Both programs on one machine: their reports say the same, save for what the systems know differently.
 #include "tests/support/ProgramFolder.h"
 
 #include <gtest/gtest.h>
@@ -40,12 +39,11 @@ static std::vector<std::string> Compared(const std::string& console)
 
 TEST(SameText, BothProgramsReportTheSameOfOneMachine)
 {
-    const std::string windows = std::string(TAVO_SOURCE_DIR) + "/build-windows/tests/show_console.exe";
+    const std::string windows = TAVO_SOURCE_DIR "/build-windows/tests/show_console.exe";
     if (!std::ifstream(windows))
         GTEST_SKIP() << "the Windows program is not built";
-    const std::vector<std::string> there =
-        Compared(Said(std::string(TAVO_SOURCE_DIR) + "/scripts/wine-run " + windows));
-    const std::vector<std::string> here = Compared(Said(std::string(TAVO_TEST_DIR) + "/show_console"));
+    const std::vector<std::string> there = Compared(Said(TAVO_SOURCE_DIR "/scripts/wine-run " + windows));
+    const std::vector<std::string> here = Compared(Said(TAVO_TEST_DIR "/show_console"));
     ASSERT_GT(here.size(), 20u);
     EXPECT_EQ(here, there);
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Prints what the program of this build shows when it is started with the arguments given and closed again:
-// for comparing the two systems on one machine. With "--logs directory" in front it ships that directory's
-// files, and names what it has left of them.
+// Prints what the program of this build shows when it is started with these arguments and closed again. With
+// "--logs directory" in front it ships that directory's files, and names what it has left of them.
 #include "tests/support/ProgramFolder.h"
 
 #include <cstdio>

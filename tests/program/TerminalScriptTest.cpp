@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The program that ships as a script drives it: pipes, every dialog, and the whole text that the script
-// reads. The expected sums are the checks that xz files carry over the bytes that Python's codecs make of
-// each text.
+// The program as a script drives it: the whole text. The sums are the checks of xz files over the same bytes.
 #include "tests/support/ProgramFolder.h"
 
 #include <gtest/gtest.h>

@@ -21,7 +21,6 @@ static std::string_view Part(const void* text, int length)
     return {static_cast<const char*>(text), static_cast<std::size_t>(length)};
 }
 
-// Writes each event down as one line.
 class NotingFTP : public FTP
 {
 public:

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The way from the component's events to the console's lines. The component is played by this file: it writes
-// down how it is called, by the numbers that its interface fixes, and follows a script. The posting is played
-// too. Linux only: there a program's own functions take the place of a library's.
+// From the component's events to the console's lines. The component and the posting are played here: the one
+// notes its calls by the numbers that its interface fixes, and follows a script. Linux only.
 #include "console/TavoDlg.h"
 #include "shipment/FtpUpload.h"
 #include "shipment/ZTFtp.h"

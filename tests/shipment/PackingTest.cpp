@@ -8,10 +8,7 @@
 #include <thread>
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::HasSubstr;
-using testing::StartsWith;
+using namespace testing;
 
 using Archiver = ShipmentTest;
 
@@ -31,9 +28,9 @@ TEST_F(Archiver, ThatCannotBeStartedIsNamedWithTheReason)
     const fs::path archiver = folder.Path() / "7za.exe";
     fs::remove(archiver);
     EXPECT_THAT(Verdicts(Ship("case")),
-                ElementsAre(testing::MatchesRegex("Failed to launch before FTP: \\[\"" + archiver.string() +
-                                                  "\" a .*\\*\\]  Err=.*The system cannot find the file "
-                                                  "specified\\..*")));
+                ElementsAre(MatchesRegex("Failed to launch before FTP: \\[\"" + archiver.string() +
+                                         "\" a .*\\*\\]  Err=.*The system cannot find the file "
+                                         "specified\\..*")));
     WriteFile(archiver, "no program");
     EXPECT_THAT(Verdicts(Ship("case")), ElementsAre(StartsWith("Failed to launch before FTP: [")));
 }
@@ -44,7 +41,7 @@ TEST_F(Archiver, ThatTakesTooLongIsLeftAlone)
     ReplaceArchiver("sleep 6; echo late > ended");
     const ProgramOutcome outcome = Ship("case");
     EXPECT_THAT(Verdicts(outcome), ElementsAre("Timed out waiting for log compression"));
-    EXPECT_THAT(outcome.console, testing::Not(HasSubstr("Beginning upload")));
+    EXPECT_THAT(outcome.console, Not(HasSubstr("Beginning upload")));
     // It is not ended: it goes on in the log directory.
     for (int i = 0; i < 100 && ReadFile(Logs() / "ended").empty(); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -56,8 +53,7 @@ TEST_F(Archiver, IsFollowedByTheReasonWhereTheUploadCannotBeStarted)
 {
     ReplaceArchiver("prlimit --pid $PPID --nproc=1");
     GiveAway(Logs(), fs::perms(0755));
-    ProgramStart start = Unattended("case");
-    start.asOtherUser = true;
+    ProgramStart start = Unattended("case", true);
     start.environment = {{"ASAN_OPTIONS", "detect_leaks=0"}}; // which takes a thread, too
     EXPECT_THAT(Verdicts(Ship(start)),
                 ElementsAre("Compression finished.  Exit Code: 0",
@@ -118,9 +114,7 @@ TEST_F(LogDirectory, WithUnreadableFoldersAPipeALoopAndGreatDepthIsShippedAsFarA
     MakeOld(deep / "old.log");
     // As a user to whom rights mean something.
     GiveAway(Logs() / "closed", fs::perms::none);
-    ProgramStart start = Unattended("case");
-    start.asOtherUser = true;
-    const ProgramOutcome outcome = Ship(start);
+    const ProgramOutcome outcome = Ship(Unattended("case", true));
     // 1 is the archiver's own word for what it could not read.
     EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 1", kSent))
         << outcome.console;
@@ -135,13 +129,12 @@ TEST_F(LogDirectory, ThatIsReadOnlyOrMissingGivesAnError)
 {
     WriteFile(Logs() / "fresh.log", "fresh");
     GiveAway(Logs(), fs::perms(0555));
-    ProgramStart start = Unattended("case");
-    start.asOtherUser = true;
-    EXPECT_THAT(Verdicts(Ship(start)), ElementsAreArray(NothingPacked("2")));
+    EXPECT_THAT(Verdicts(Ship(Unattended("case", true))), ElementsAreArray(NothingPacked("2")));
 
     fs::remove_all(Logs());
     fs::permissions(folder.Path(), fs::perms(0555)); // nor can it be made anew
-    EXPECT_THAT(Verdicts(Ship(start)), ElementsAre(StartsWith("Failed to launch before FTP: [")));
+    EXPECT_THAT(Verdicts(Ship(Unattended("case", true))),
+                ElementsAre(StartsWith("Failed to launch before FTP: [")));
 }
 
 TEST_F(LogDirectory, MayHaveAQuotationMarkInItsName)

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "shipment/ShipmentPlan.h"
 
-#include "foundation/Kelvane.h"
 #include "shipment/PackingLimit.h"
 #include "tests/support/ProgramFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-
-namespace fs = std::filesystem;
 
 constexpr std::int64_t kCutOff = 1700000000;
 
@@ -25,22 +22,14 @@ TEST(ArchiveName, IsTheDateWhereNoneIsGiven)
 
 TEST(OldFileNames, ExactlyTheCutOffIsNotOld)
 {
+    using namespace std::chrono;
     const TestFolder logs;
-    const fs::path file = logs.Path() / "file.log";
-    WriteFile(file, "x");
-    // One clock for all systems: the distance from now.
-    const auto age = std::chrono::seconds(std::time(nullptr) - kCutOff);
-    fs::last_write_time(file, fs::file_time_type::clock::now() - age);
-    WIN32_FIND_DATAW entry{};
-    const HANDLE find = FindFirstFileW((logs.Path() / "*").wstring().c_str(), &entry);
-    while (std::wstring(entry.cFileName) != L"file.log" && FindNextFileW(find, &entry))
-        ;
-    FindClose(find);
-    const std::int64_t written = FILETIMEToTimeT(entry.ftLastWriteTime);
-    EXPECT_NEAR(static_cast<double>(kCutOff), static_cast<double>(written), 2);
+    logs.Write("file.log", "x");
+    std::filesystem::last_write_time(logs.Path() / "file.log",
+                                     file_clock::from_sys(sys_seconds(seconds(kCutOff))));
     const ZTString directory = logs.Path().wstring().c_str();
-    EXPECT_EQ(OldFileNames(directory, written), std::set<ZTString>{});
-    EXPECT_EQ(OldFileNames(directory, written + 1), std::set<ZTString>{L"file.log"});
+    EXPECT_EQ(OldFileNames(directory, kCutOff), std::set<ZTString>{});
+    EXPECT_EQ(OldFileNames(directory, kCutOff + 1), std::set<ZTString>{L"file.log"});
 }
 
 TEST(ArchiveAndList, AreDeletedThoughAScannerHoldsThem)
@@ -53,5 +42,5 @@ TEST(ArchiveAndList, AreDeletedThoughAScannerHoldsThem)
     }
     DeleteArchiveAndList((logs.Path() / "case.zip").wstring().c_str(),
                          (logs.Path() / "list.txt").wstring().c_str());
-    EXPECT_TRUE(fs::is_empty(logs.Path()));
+    EXPECT_TRUE(std::filesystem::is_empty(logs.Path()));
 }

@@ -11,11 +11,12 @@ namespace fs = std::filesystem;
 
 bool gHasOwnNetwork = false;
 
-ProgramStart ShipmentTest::Unattended(const std::string& name)
+ProgramStart ShipmentTest::Unattended(const std::string& name, bool asOtherUser)
 {
     ProgramStart start;
     start.arguments = {"-FTP_LOG=" + name, "-AUTOCLOSE", "yes"};
     start.limit = std::chrono::seconds(120);
+    start.asOtherUser = asOtherUser;
     start.awaited = "FTP_LOG: "; // the input stays open: the program has to end by itself
     return start;
 }
@@ -38,17 +39,6 @@ void ShipmentTest::ExpectOrderlyEnd(const ProgramOutcome& outcome) const
         left.push_back(entry.path().filename().string());
     EXPECT_THAT(left, testing::Not(testing::Contains(
                           testing::AnyOf(testing::HasSubstr(".zip"), testing::HasSubstr("uploadIgnore")))));
-}
-
-std::string ShipmentTest::TlsSettings() const
-{
-    const std::string keys = (folder.Path() / "keys.pem").string();
-    const std::string command =
-        "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=server -keyout '" + keys + "' -out '" +
-        keys + ".crt' 2>/dev/null";
-    EXPECT_EQ(0, std::system(command.c_str()));
-    return "ssl_enable=YES\nforce_local_logins_ssl=YES\nforce_local_data_ssl=YES\nrsa_cert_file=" + keys +
-           ".crt\nrsa_private_key_file=" + keys + "\n";
 }
 
 void ShipmentTest::ReplaceArchiver(const std::string& script) const

@@ -26,6 +26,11 @@ const std::string kSent = "Successfully sent logs to Support";
 // All of them when the archiver has made no archive.
 std::vector<std::string> NothingPacked(const std::string& exitCode);
 
+// For a real server that demands TLS.
+const std::string kTlsSettings =
+    "ssl_enable=YES\nforce_local_logins_ssl=YES\nforce_local_data_ssl=YES\n"
+    "rsa_cert_file=" TAVO_SOURCE_DIR "/tests/support/certificates/127.0.0.1.pem\n";
+
 class ShipmentTest : public testing::Test
 {
 protected:
@@ -37,17 +42,13 @@ protected:
     }
 
     std::filesystem::path Logs() const { return folder.Path() / "Logs"; }
-    static ProgramStart Unattended(const std::string& name);
-    // How each shipment must end, whatever happens to it: the program ends of itself and in order (a
-    // sanitizer that found something gives another exit code), the text holds no password and nothing that a
-    // terminal obeys, and neither archive nor list is left.
+    static ProgramStart Unattended(const std::string& name, bool asOtherUser = false);
+    // How each shipment must end: of itself and in order (a sanitizer that found something gives another exit
+    // code), without a password or what a terminal obeys in the text, without an archive or a list left.
     void ExpectOrderlyEnd(const ProgramOutcome& outcome) const;
     // Runs one to such an end.
     ProgramOutcome Ship(const ProgramStart& start) const;
     ProgramOutcome Ship(const std::string& name) const { return Ship(Unattended(name)); }
-
-    // For a real server that demands TLS, with a key of its own.
-    std::string TlsSettings() const;
 
     // Puts a shell script in the place of the archiver; "$REAL" is the real one.
     void ReplaceArchiver(const std::string& script) const;

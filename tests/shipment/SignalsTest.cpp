@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The program that ships, ended by a signal in each of its states.
 #include "tests/shipment/ShipmentRun.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/LdapPeer.h"
 #include "tests/support/ScriptedFtpServer.h"
 
@@ -56,7 +54,7 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
     start.signalWhen = [](const std::string&, int) { return IsHeld(L"Global\\Tavo_ForceCoreDump"); };
     expectOrderlyEnd("forced dump", start, {SIGTERM});
 
-    const LdapPeer silent([](LdapPeer::Connection& peer) { peer.ReadRequest(), peer.ReadRequest(); });
+    const LdapPeer silent([](Connection& peer) { peer.ReadRequest(), peer.ReadRequest(); });
     start.arguments = {};
     start.input = Lines("LDAP ...\nLDAP Server=127.0.0.1\nPort=" + std::to_string(silent.Port()) +
                         "\nUsername=a\nPassword=b\nAuthentication=Digest\nOK");
@@ -90,13 +88,12 @@ TEST_F(Signals, ThatWereIgnoredFromTheStartStayIgnored)
     EXPECT_THAT(folder.Log(), HasSubstr("finished tavo app"));
 }
 
-// The program runs as root: what its caller's environment names must not be loaded. Whoever opens this one
-// waits.
+// As root the program must not load what its caller's environment names. Whoever opens this one waits.
 TEST_F(Signals, EnvironmentNamesNoCodeToLoad)
 {
     const fs::path pipe = folder.Path() / "openssl.cnf";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    LdapPeer peer([](LdapPeer::Connection& connection) { connection.ReadRequest(); });
+    LdapPeer peer([](Connection& connection) { connection.ReadRequest(); });
     ProgramStart start;
     start.environment = {{"OPENSSL_CONF", pipe.string()}, {"SASL_PATH", pipe.string()}};
     start.input = {"LDAP ...", "LDAP Server=127.0.0.1", "Port=" + std::to_string(peer.Port()),

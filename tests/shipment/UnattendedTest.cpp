@@ -4,10 +4,7 @@
 #include "tests/support/ScriptedFtpServer.h"
 
 namespace fs = std::filesystem;
-using testing::_;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Pair;
+using namespace testing;
 
 using UnattendedShipment = ShipmentTest;
 
@@ -25,8 +22,8 @@ TEST_F(UnattendedShipment, SecondIsRefusedAndAfterAKillTheNextOneShips)
     EXPECT_EQ(128 + 9, folder.Run(Unattended("first")).exitCode);
     const std::string second = ReadFile(seen);
     EXPECT_THAT(second, HasSubstr("Current Computer: "));
-    EXPECT_THAT(second, testing::EndsWith("ended with 0\n"));
-    EXPECT_THAT(second, testing::Not(HasSubstr("FTP_LOG:")));
+    EXPECT_THAT(second, EndsWith("ended with 0\n"));
+    EXPECT_THAT(second, Not(HasSubstr("FTP_LOG:")));
 
     const RealFtpServer server(kFtpUser, kFtpPassword);
     for (const char* left : {"third.zip", "third.zip.tmp"})

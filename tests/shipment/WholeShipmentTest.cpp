@@ -6,9 +6,7 @@
 #include <ctime>
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::Pair;
-using testing::StartsWith;
+using namespace testing;
 
 constexpr int kFolders = 50;
 constexpr int kFilesInEach = 40;
@@ -80,13 +78,12 @@ static std::string InAscii(const std::string& text)
 static void ExpectShippedByButton(const RealFtpServer& server)
 {
     const std::time_t now = std::time(nullptr);
-    const std::tm today = *std::localtime(&now);
+    const std::tm day = *std::localtime(&now);
     char name[64];
-    std::snprintf(name, sizeof name, "Logs-%d-%d-%d.zip", today.tm_year + 1900, today.tm_mon + 1,
-                  today.tm_mday);
-    EXPECT_THAT(Unpack(server.Directory() / name),
-                ElementsAre(Pair("Tavo.log", testing::_), Pair("fresh.log", "fresh"),
-                            Pair("uploadIgnoreList.txt", "")));
+    std::snprintf(name, sizeof name, "Logs-%d-%d-%d.zip", day.tm_year + 1900, day.tm_mon + 1, day.tm_mday);
+    EXPECT_THAT(
+        Unpack(server.Directory() / name),
+        ElementsAre(Pair("Tavo.log", _), Pair("fresh.log", "fresh"), Pair("uploadIgnoreList.txt", "")));
 }
 
 using WholeShipment = ShipmentTest;
@@ -157,7 +154,7 @@ TEST_F(WholeShipment, BringsEveryFreshFileAndNothingElse)
                      "The server has received " + shown,
                      "Disconnected",
                      kSent});
-    EXPECT_THAT(lines, testing::ElementsAreArray(expected));
+    EXPECT_THAT(lines, ElementsAreArray(expected));
     EXPECT_NE(std::string::npos,
               outcome.console.find("FTP_LOG: 100% done, " + std::to_string(packed.size()) + " sent"));
 }
@@ -165,12 +162,12 @@ TEST_F(WholeShipment, BringsEveryFreshFileAndNothingElse)
 TEST_F(WholeShipment, IsStartedByTheButtonInTheTerminalAndUsesARealServersTls)
 {
     WriteFile(Logs() / "fresh.log", "fresh");
-    const RealFtpServer server(kFtpUser, kFtpPassword, TlsSettings());
+    const RealFtpServer server(kFtpUser, kFtpPassword, kTlsSettings);
     ProgramStart start;
     start.input = {"FTP Logs to Support", "Close"};
     const ProgramOutcome outcome = Ship(start);
-    EXPECT_THAT(outcome.console, testing::HasSubstr(" a -r -ssw  \""));
-    EXPECT_THAT(outcome.console, testing::HasSubstr("The connection is encrypted"));
+    EXPECT_THAT(outcome.console, HasSubstr(" a -r -ssw  \""));
+    EXPECT_THAT(outcome.console, HasSubstr("The connection is encrypted"));
     EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 0", kSent));
     ExpectShippedByButton(server);
 }

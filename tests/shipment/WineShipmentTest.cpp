@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The Windows program ships to the same server. Its network is that of the Wine server, so the prefix is
-// one of the test's own.
+// The Windows program ships to the same server, in a prefix of its own: its network is the Wine server's.
 #include "tests/shipment/ShipmentRun.h"
 #include "tests/support/ScriptedFtpServer.h"
 
 #include <cstdlib>
 
 namespace fs = std::filesystem;
-using testing::_;
-using testing::HasSubstr;
-using testing::Pair;
-using testing::UnorderedElementsAre;
+using namespace testing;
 
 const fs::path kBuild = fs::path(TAVO_SOURCE_DIR) / "build-windows";
 const fs::path kKeys = kBuild / "keys"; // of TLS, which the environment asks for and does not get
@@ -52,8 +48,7 @@ TEST_F(WineShipment, BringsTheFreshFilesAndSaysWhatItDoes)
         MakeOld(Logs() / old);
     }
 
-    // The server takes and sends files under TLS alone. Without passive mode the component is asked again,
-    // for direct mode.
+    // The server demands TLS. Without passive mode the component is asked again, for direct mode.
     const std::string packed = "Compression finished.  Exit Code: 0";
     const std::tuple<const char*, const char*, std::vector<std::string>> ways[] = {
         {"", "EPSV", {packed, kSent}},
@@ -63,7 +58,7 @@ TEST_F(WineShipment, BringsTheFreshFilesAndSaysWhatItDoes)
     };
     for (const auto& [settings, command, verdicts] : ways)
     {
-        const RealFtpServer server(kFtpUser, kFtpPassword, TlsSettings() + settings);
+        const RealFtpServer server(kFtpUser, kFtpPassword, kTlsSettings + settings);
         const fs::path shown = folder.Path() / "shown";
         EXPECT_EQ(0, Run("$RUN '" + (kBuild / "tests" / "show_console.exe").string() + "' --logs '" +
                          Logs().string() + "' '-FTP_LOG=wine case' </dev/null >'" + shown.string() + "'"));
@@ -76,9 +71,9 @@ TEST_F(WineShipment, BringsTheFreshFilesAndSaysWhatItDoes)
         EXPECT_THAT(outcome.console, HasSubstr("FTP_LOG: 100% done, "));
         std::vector<std::string> lines = ShipmentLines(outcome);
         for (const char* said : {"The connection is encrypted", command})
-            EXPECT_THAT(lines, testing::Contains(testing::StartsWith(said)));
+            EXPECT_THAT(lines, Contains(StartsWith(said)));
         for (const char* once : {"150 ", "226 Transfer complete."})
-            EXPECT_THAT(lines, testing::Contains(testing::StartsWith(once)).Times(1));
+            EXPECT_THAT(lines, Contains(StartsWith(once)).Times(1));
         std::erase_if(lines, [](const std::string& line) { return !line.starts_with("left: "); });
         EXPECT_THAT(lines, UnorderedElementsAre("left: Tavo.log", "left: old " + cyrillic, "left: old.log",
                                                 "left: sub folder"));
@@ -99,8 +94,7 @@ TEST_F(WineShipment, EndsInOrderWithTheSession)
     fs::remove_all(logs);
     WriteFile(logs / "fresh.log", RandomBytes(3000000));
     ScriptedFtpServer server({.bytesPerSecond = 100000}, kFtpPort);
-    // The end of the session comes while the archive is sent, after a request to close that waits for the
-    // shipment's end.
+    // The session ends while the archive is sent, after a request to close that waits for the shipment.
     Run("$RUN '" + (windows / "Tavo.exe").string() + "' -FTP_LOG=case </dev/null & cd '" + logs.string() +
         "'; for i in $(seq 300); do ss -Htn state established dport = :21 | grep -q . && break; sleep 0.1; "
         "done; "

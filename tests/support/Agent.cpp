@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The other process of a test. It does one step after the other, as its arguments say. The first argument
-// names the file for the answers, a line each; standard error goes to a file beside it. A step is
-// "verb:argument:argument", a "%XX" in it stands for a byte, so that any text can be handed over. After
-// "arguments" there are no steps: they are answered as they came.
+// The other process of a test. The first argument names the file for the answers, a line each; standard error
+// goes to a file beside it. The others are steps, "verb:argument:argument", in which "%XX" stands for a byte.
+// After "arguments" there are no steps: they are answered as they came.
 #include "foundation/Kelvane.h"
 #include "foundation/Locks.h"
 
@@ -10,7 +9,7 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cwchar>
+#include <map>
 #include <sstream>
 #include <thread>
 
@@ -50,16 +49,6 @@ std::string Decoded(const std::string& text)
     return decoded;
 }
 
-std::vector<ZTString> Words(const std::string& step)
-{
-    std::vector<ZTString> words;
-    std::istringstream rest(step);
-    for (std::string word; std::getline(rest, word, ':');)
-        words.emplace_back(Decoded(word).c_str());
-    words.resize(4);
-    return words;
-}
-
 ZTString Show(eConfigID id)
 {
     if (GetConfigType(id) == eParamString)
@@ -88,7 +77,8 @@ void SetForEver(eConfigID id, unsigned long length)
         SetConfigStr(id, std::wstring(length, odd ? L'A' : L'B').c_str(), true, nullptr);
 }
 
-void Await(const wchar_t* event, const wchar_t* ready)
+// Sets `ready` when it begins to wait for `event`.
+void Await(const ZTString& event, const ZTString& ready)
 {
     const HANDLE awaited = CreateEventW(nullptr, TRUE, FALSE, event);
     SetEvent(CreateEventW(nullptr, TRUE, FALSE, ready));
@@ -96,54 +86,51 @@ void Await(const wchar_t* event, const wchar_t* ready)
         std::exit(1);
 }
 
+void Open(const ZTString& event, const ZTString&)
+{
+    CreateEventW(nullptr, TRUE, FALSE, event);
+    Answer(std::to_wstring(GetLastError()).c_str());
+}
+
+void LogInThread(const ZTString& name, const ZTString& text)
+{
+    std::thread(
+        [&]
+        {
+            ThreadInit(name);
+            LogNF(kLogProgress, text, false);
+        })
+        .join();
+}
+
+const std::map<std::string, void (*)(const ZTString&, const ZTString&)> kSteps = {
+    {"init", [](auto&, auto&) { CriticalStartupInit(2, eConfigLogDirectory, nullptr); }},
+    {"set", [](auto& key, auto& value) { Answer(Set(GetConfigID(key, true), value) ? L"true" : L"false"); }},
+    {"get", [](auto& name, auto&) { Answer(Show(GetConfigID(name, true))); }},
+    {"reset", [](auto& name, auto&) { ResetConfigVal(GetConfigID(name, true)); }},
+    {"forever", [](auto& name, auto& length) { SetForEver(GetConfigID(name, true), wtodw(length)); }},
+    {"log", [](auto& level, auto& text) { LogNF(static_cast<unsigned char>(wtodw(level)), text, false); }},
+    {"many", [](auto& name, auto& count) { LogMany(name, wtodw(count)); }},
+    {"thread", LogInThread},
+    {"shell",
+     [](auto& line, auto&) { std::system(StrConverter(line)) == 0 ? void() : Answer(L"failed: " + line); }},
+    {"directory", [](auto&, auto&) { Answer(GetLogDirectory()); }},
+    {"wait", [](auto& label, auto&) { RecordLockWait(label, 25); }},
+    {"listen", [](auto&, auto&) { _beginthread(GUIListenForShutdown, 0, nullptr); }},
+    {"shutdown", [](auto& reason, auto&) { SignalShutdown(reason); }},
+    {"open", Open},
+    {"await", Await},
+    {"exit", [](auto& code, auto&) { std::exit(static_cast<int>(wtodw(code))); }},
+    {"statics", [](auto&, auto&) {}},
+};
+
 void Do(const std::string& step)
 {
-    const std::vector<ZTString> words = Words(step);
-    const ZTString& verb = words[0];
-    const eConfigID id = GetConfigID(words[1], true);
-    if (verb == L"init")
-        CriticalStartupInit(2, eConfigLogDirectory, nullptr);
-    else if (verb == L"set")
-        Answer(Set(id, words[2]) ? L"true" : L"false");
-    else if (verb == L"get")
-        Answer(Show(id));
-    else if (verb == L"reset")
-        ResetConfigVal(id);
-    else if (verb == L"forever")
-        SetForEver(id, wtodw(words[2]));
-    else if (verb == L"log")
-        LogNF(static_cast<unsigned char>(wtodw(words[1])), words[2], false);
-    else if (verb == L"many")
-        LogMany(words[1], wtodw(words[2]));
-    else if (verb == L"thread")
-        std::thread(
-            [&words]
-            {
-                ThreadInit(words[1]);
-                LogNF(kLogProgress, words[2], false);
-            })
-            .join();
-    else if (verb == L"shell" && std::system(StrConverter(words[1])) != 0)
-        Answer(L"failed: " + words[1]);
-    else if (verb == L"directory")
-        Answer(GetLogDirectory());
-    else if (verb == L"wait")
-        RecordLockWait(words[1], 25);
-    else if (verb == L"listen")
-        _beginthread(GUIListenForShutdown, 0, nullptr);
-    else if (verb == L"shutdown")
-        SignalShutdown(words[1]);
-    else if (verb == L"open") // answers with the last error
-    {
-        CreateEventW(nullptr, TRUE, FALSE, words[1]);
-        Answer(std::to_wstring(GetLastError()).c_str());
-    }
-    else if (verb == L"await") // sets the second event when it begins to wait for the first
-        Await(words[1], words[2]);
-    else if (verb == L"exit")
-        std::exit(static_cast<int>(wtodw(words[1])));
-    else if (verb != L"statics" && verb != L"shell")
-        Answer(L"unknown step " + verb);
+    std::istringstream rest(step);
+    std::string verb, first, second;
+    for (std::string* word : {&verb, &first, &second})
+        std::getline(rest, *word, ':');
+    kSteps.at(verb)(Decoded(first).c_str(), Decoded(second).c_str());
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A program folder of its own with the agent in it, which does what the test says: see Agent.cpp for its
-// steps.
+// A program folder of its own with the agent in it, which does what the test says: see Agent.cpp.
 #pragma once
 
 #include "tests/support/ChildProcess.h"

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// main() of a test program with windows on Linux: TAVO_TEST_DISPLAY=qt shows them on Qt's display, without a
-// screen unless QT_QPA_PLATFORM names one. Otherwise nothing is shown.
+// main() of tests with windows on Linux: nothing is shown, or with TAVO_TEST_DISPLAY=qt on Qt's display.
 #include "platform/dialogs/Display.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An LDAP server that does what a test tells it, right or wrong: one connection at the
-// loopback, served by a thread that runs the script.
+// An LDAP server that does right or wrong as a test's script says: one connection at the loopback.
 #pragma once
 
 #include <cstdint>
@@ -60,3 +59,6 @@ private:
     unsigned mPort;
     std::thread mThread;
 };
+
+using Connection = LdapPeer::Connection;
+using Script = std::function<void(Connection&)>;

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
-// A network and a view of /etc of the test process's own, so that a server can have port 21 and a host name
-// can lead to it. Linux only, needs root.
+// A network and a view of /etc of the test's own: port 21, and host names that lead to it. Linux, as root.
 #pragma once
 
 #include "tests/support/TestFolder.h"
 
 #include <sys/types.h>
 
-// Puts the calling process, and what it starts, into a network that holds nothing but loopback, with named
-// events of its own. Call it before any thread is made. False, with the reason on standard error, where that
-// is not allowed.
+// Puts the process, and what it starts, into a network of loopback alone, with named events of its own. Call
+// it before any thread is made. False, with the reason on standard error, where that is not allowed.
 bool EnterOwnNetwork();
 
 // From now on this process sees `content` in place of the file `path`, until that is unmounted.

@@ -17,8 +17,8 @@ ProgramFolder::ProgramFolder()
     fs::permissions(Path(), fs::perms(0755));
 }
 
-std::string WithoutTimes(const std::string& console)
+std::string WithoutTimes(const std::string& console, const char* mark)
 {
     static const std::regex prefix(R"(\[[0-9]+ms\] )");
-    return std::regex_replace(console, prefix, "");
+    return std::regex_replace(console, prefix, mark);
 }

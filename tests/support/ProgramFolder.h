@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Runs the program that ships, in a copy of its folder of its own: logs and settings of one test never meet
-// those of another. The same tests drive both systems: on Linux through the terminal, on Windows through
-// the console's window.
+// Runs the program that ships in a copy of its folder, so that tests do not meet. The same tests drive both
+// systems: on Linux through the terminal, on Windows through the console's window.
 #pragma once
 
 #include "tests/support/TestFolder.h"
@@ -29,7 +28,6 @@ struct ProgramOutcome
     bool leftAnImage = false; // of its memory; Linux only
 };
 
-// A start of the program, with what its user does.
 struct ProgramStart
 {
     std::vector<std::string> arguments{};
@@ -39,11 +37,9 @@ struct ProgramStart
     std::vector<std::pair<std::string, std::string>> environment{};
     std::chrono::seconds limit{60};
     bool asOtherUser = false; // as a user without rights ("nobody"); Linux only
-    // What the console must say before the user does anything. On Windows it must also stand still by then;
-    // in the terminal the input does not end after it.
+    // What the console must say before the user does anything; in the terminal the input then stays open.
     std::string awaited{};
-    // Linux only: the signal is sent once this holds of the console's text so far and the process's number;
-    // the input does not end before.
+    // Linux only: sent once this holds of the console's text and the process; the input ends no sooner.
     int signal = 0;
     std::function<bool(const std::string& console, int process)> signalWhen{};
     std::vector<int> ignoredSignals{}; // from the start
@@ -71,5 +67,5 @@ private:
 // What a command of the shell writes, and then "ended with N" where that is not 0; Linux only.
 std::string Said(const std::string& command);
 
-// The console's text less the "[...ms] " prefixes, whose numbers differ from run to run.
-std::string WithoutTimes(const std::string& console);
+// The console's text with `mark` in place of each "[...ms] ", whose number differs from run to run.
+std::string WithoutTimes(const std::string& console, const char* mark = "");

@@ -44,8 +44,7 @@ std::filesystem::path ProgramFolder::Program() const
     return Path() / "Tavo";
 }
 
-// As the shell would be told: the user, the environment with the changes of `start`, and without a display
-// unless the test names one, then the program.
+// As the shell would be told: the environment without a display unless the test names one, user, program.
 static std::vector<std::string> CommandOf(const ProgramStart& start, const std::string& program)
 {
     std::vector<std::string> command = {"/usr/bin/env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY"};

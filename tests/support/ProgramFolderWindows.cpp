@@ -41,7 +41,6 @@ class User
 public:
     User(DWORD process, const ProgramStart& start) : mProcess(process), mStart(start) {}
 
-    // One look at the dialog on top.
     void Look()
     {
         HWND dialog = GetTopWindow(nullptr);

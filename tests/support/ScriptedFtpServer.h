@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// An FTP server on loopback that follows a script: each row of a table of faults is one script. It serves
-// one connection after the other and keeps the whole dialogue and what was uploaded. The server itself is the
-// script ftp-server, a process of its own on both systems.
+// An FTP server on loopback that follows a script. It serves one connection after the other and keeps the
+// dialogue and what was uploaded. The server itself is ftp-server, a process of its own on both systems.
 #pragma once
 
 #include "tests/support/ChildProcess.h"
@@ -11,12 +10,9 @@
 #include <cstdint>
 #include <map>
 
-// An answer that ends the control connection without a word.
-constexpr const char* kHangUp = "(hang up)";
-// An answer that never comes.
-constexpr const char* kSilence = "(silence)";
-// Within an answer: what follows is a segment of its own, 20 ms later.
-constexpr const char* kPause = "(pause)";
+constexpr const char* kHangUp = "(hang up)";  // an answer that ends the control connection without a word
+constexpr const char* kSilence = "(silence)"; // an answer that never comes
+constexpr const char* kPause = "(pause)";     // what follows in an answer is a segment, 20 ms later
 
 struct FtpScript
 {

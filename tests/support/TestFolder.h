@@ -32,10 +32,7 @@ public:
 
     const std::filesystem::path& Path() const { return mPath; }
     std::string Read(const std::filesystem::path& name) const { return ReadFile(mPath / name); }
-    void Write(const std::filesystem::path& name, const std::string& text) const
-    {
-        WriteFile(mPath / name, text);
-    }
+    void Write(const std::string& name, const std::string& text) const { WriteFile(mPath / name, text); }
 
 private:
     std::filesystem::path mPath;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a test asks of this process's windows and does to them as a person would, on either system. For the
-// windows' thread.
+// What a test asks of windows and does to them as a person would, on either system, in their thread.
 #pragma once
 
 #include <windows.h>
@@ -17,8 +16,7 @@ bool IsEnabled(HWND window);
 std::wstring TextOf(HWND window); // also one of another process
 std::wstring SelectionOf(HWND edit);
 
-// Moves the focus to a control and presses a key there (VK_RETURN or VK_ESCAPE). The key is served like any
-// input, not at once.
+// Presses a key at a control (VK_RETURN or VK_ESCAPE), which is served like any input, not at once.
 void PressKey(HWND dialog, int controlId, WORD key);
 
 // Serves the messages that wait.
