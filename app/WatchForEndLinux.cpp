@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <cstdlib>
 
 namespace
@@ -19,7 +20,7 @@ BOOL WINAPI OnEnding(DWORD event)
     return FALSE; // the process ends
 }
 
-bool gbIsWatching = false;
+std::atomic<bool> gbIsWatching = false;
 
 void OnExit()
 {

@@ -54,6 +54,40 @@ int ReceiveTls(SSL* tls, int (*receive)(SSL*, void*, int), char* buffer, int cap
     return error == SSL_ERROR_WANT_READ || error == SSL_ERROR_WANT_WRITE ? 0 : -1;
 }
 
+// While it lives, a session, which may be null, reads and writes its socket: libcurl's own way to that is
+// open to libcurl alone, and is put back in the end.
+class OnItsSocket
+{
+public:
+    OnItsSocket(SSL* session, curl_socket_t socket) : mSession(session)
+    {
+        if (mSession == nullptr)
+            return;
+        mRead = SSL_get_rbio(mSession);
+        mWrite = SSL_get_wbio(mSession);
+        BIO_up_ref(mRead);
+        BIO_up_ref(mWrite);
+        mIsSet = SSL_set_fd(mSession, static_cast<int>(socket)) == 1;
+    }
+    ~OnItsSocket()
+    {
+        if (mSession == nullptr)
+            return;
+        SSL_set0_rbio(mSession, mRead);
+        SSL_set0_wbio(mSession, mWrite);
+    }
+    OnItsSocket(const OnItsSocket&) = delete;
+    OnItsSocket& operator=(const OnItsSocket&) = delete;
+
+    SSL* Get() const { return mIsSet ? mSession : nullptr; }
+
+private:
+    SSL* mSession;
+    BIO* mRead = nullptr;
+    BIO* mWrite = nullptr;
+    bool mIsSet = false;
+};
+
 class CurlUpload
 {
 public:
@@ -115,13 +149,12 @@ private:
     curl_socket_t mControl = CURL_SOCKET_BAD;
     curl_socket_t mLatest = CURL_SOCKET_BAD;
     curl_socket_t mBeforeLatest = CURL_SOCKET_BAD;
-    bool mSecured = false;         // the control connection is encrypted
-    bool mDataSecured = false;     // and so will the data connection be
-    bool mToldReadable = false;    // the owner knows that nothing is encrypted
-    bool mSessionIsOpened = false; // see ControlSession
-    bool mLeaves = false;          // QUIT is sent
-    std::string mVerb;             // of the latest command
-    int mAnswer = 0;               // number of the answer to it, and its line
+    bool mSecured = false;      // the control connection is encrypted
+    bool mDataSecured = false;  // and so will the data connection be
+    bool mToldReadable = false; // the owner knows that nothing is encrypted
+    bool mLeaves = false;       // QUIT is sent
+    std::string mVerb;          // of the latest command
+    int mAnswer = 0;            // number of the answer to it, and its line
     std::string mAnswerLine;
     // Whether the server has said that the transfer begins, and how it ended.
     enum class Transfer
@@ -261,8 +294,8 @@ UploadResult CurlUpload::Judge(CURLcode code) const
 
     // libcurl's words for it are about the whole call; and through IPv6 it knows no second way.
     if (IsConnectingData() && (code == CURLE_OPERATION_TIMEDOUT || code == CURLE_WEIRD_SERVER_REPLY))
-        return {kIPWorksConnectFailed,
-                "The data connection cannot be opened: nothing answers at the port that the server named."};
+        return {kIPWorksConnectFailed, "The data connection cannot be opened: the port that the server named "
+                                       "refuses it or does not answer."};
 
     const std::string text = HasProblem() ? mProblem : curl_easy_strerror(code);
     constexpr int kTooLarge = 100; // CURLE_TOO_LARGE from 8.6.0 on, for an answer without an end
@@ -436,21 +469,19 @@ int CurlUpload::OnCloseSocket(void* self, curl_socket_t socket)
 void CurlUpload::AllowConnecting()
 {
     const milliseconds stall = mJob.stallLimit;
-    const milliseconds limit = IsConnectingData() ? stall / 3 : stall * 2;
+    // Two addresses of one name share the time that there is before the greeting.
+    const milliseconds limit = IsConnectingData()            ? stall / 3
+                               : mControl == CURL_SOCKET_BAD ? stall + milliseconds(1000)
+                                                             : stall * 2;
     const milliseconds passed = std::chrono::ceil<milliseconds>(Clock::now() - mStartedAt);
     Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>((passed + limit).count()));
 }
 
-// The control connection's session; null when there is none. libcurl's own way to the socket is open to
-// libcurl alone: from the first call on the session reads and writes it itself, for libcurl, too.
 SSL* CurlUpload::ControlSession()
 {
     curl_tlssessioninfo* info = nullptr;
     curl_easy_getinfo(mCurl.get(), CURLINFO_TLS_SSL_PTR, &info);
-    SSL* const session = mSecured && info != nullptr ? static_cast<SSL*>(info->internals) : nullptr;
-    if (session != nullptr && !mSessionIsOpened)
-        mSessionIsOpened = SSL_set_fd(session, static_cast<int>(mControl)) == 1;
-    return mSessionIsOpened ? session : nullptr;
+    return mSecured && info != nullptr ? static_cast<SSL*>(info->internals) : nullptr;
 }
 
 // Whether the server has said something, or ended the connection. Under TLS more than its words comes there:
@@ -459,17 +490,17 @@ bool CurlUpload::HasSpoken()
 {
     if (!mSecured)
         return IsReadable(mControl, milliseconds(0));
-    SSL* const session = ControlSession();
+    const OnItsSocket session(ControlSession(), mControl);
     char first = 0;
-    return session != nullptr && ReceiveTls(session, SSL_peek, &first, 1) != 0;
+    return session.Get() != nullptr && ReceiveTls(session.Get(), SSL_peek, &first, 1) != 0;
 }
 
 // A server that breaks a transfer off says why, but libcurl does not listen any more once the data connection
 // has failed. From 8.x on it fails also where a file is cut short, since libcurl sends its end.
 void CurlUpload::ReadLastWord()
 {
-    SSL* const session = ControlSession();
-    if (mSecured && session == nullptr)
+    const OnItsSocket session(ControlSession(), mControl);
+    if (mSecured && session.Get() == nullptr)
         return;
 
     const Clock::time_point end = Clock::now() + kLastWordWait;
@@ -479,8 +510,8 @@ void CurlUpload::ReadLastWord()
     {
         const milliseconds left = std::chrono::ceil<milliseconds>(end - Clock::now());
         char piece[1024];
-        const int length = session != nullptr ? ReceiveTls(session, SSL_read, piece, sizeof piece)
-                                              : Receive(mControl, piece, sizeof piece);
+        const int length = session.Get() != nullptr ? ReceiveTls(session.Get(), SSL_read, piece, sizeof piece)
+                                                    : Receive(mControl, piece, sizeof piece);
         if (length < 0 || left.count() <= 0 || (length == 0 && !IsReadable(mControl, left)))
             return;
         heard.append(piece, static_cast<std::size_t>(length));

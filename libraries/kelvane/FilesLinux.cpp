@@ -137,7 +137,8 @@ ZTString WhyNotPlain(int descriptor)
     return status.st_nlink <= 1 ? L"" : L"it has a second name";
 }
 
-// The path without its links, whether it is there or not; nothing where a link is another account's.
+// The path without its links, whether it is there or not; nothing where a link is another account's, or where
+// too many follow each other for the system.
 std::optional<std::filesystem::path> WithoutLinks(const std::filesystem::path& path)
 {
     std::list<std::filesystem::path> names(path.begin(), path.end());
@@ -151,12 +152,12 @@ std::optional<std::filesystem::path> WithoutLinks(const std::filesystem::path& p
         struct stat status
         {
         };
-        if (lstat(part.c_str(), &status) != 0 || !S_ISLNK(status.st_mode) || ++links > kMostLinks)
+        if (lstat(part.c_str(), &status) != 0 || !S_ISLNK(status.st_mode))
         {
             plain = part;
             continue;
         }
-        if (status.st_uid != 0 && status.st_uid != geteuid())
+        if (++links > kMostLinks || (status.st_uid != 0 && status.st_uid != geteuid()))
             return std::nullopt;
         std::error_code ignored;
         const std::filesystem::path target = std::filesystem::read_symlink(part, ignored);
@@ -216,7 +217,10 @@ ZTString MakePrivateDirectory(const std::filesystem::path& directory)
     std::filesystem::create_directories(plain->parent_path(), error);
     if (error)
         return Widen(error.message());
-    return mkdir(plain->c_str(), kLogDirectoryMode) == 0 || errno == EEXIST ? ZTString() : LastErrorText();
+    // Another process may have made it, and a link that leads to itself is there too.
+    const bool isThere =
+        mkdir(plain->c_str(), kLogDirectoryMode) == 0 || stat(directory.c_str(), &status) == 0;
+    return isThere ? ZTString() : LastErrorText();
 }
 
 FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds patience)
@@ -246,7 +250,10 @@ FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds 
         if (now >= deadline && !isForeign)
             return;
         if (isForeign && now >= deadline + kForeignPatience)
-            replaced = unlink(path.c_str()) == 0;
+        {
+            unlink(path.c_str()); // once, whether it may or not
+            replaced = true;
+        }
         else if (!locked)
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
@@ -256,7 +263,8 @@ FileLock::~FileLock()
 {
     if (!IsHeld())
         return;
-    unlink(mPath.c_str());
+    if (IsNameOf(mPath, static_cast<int>(mHandle))) // else root has taken its place
+        unlink(mPath.c_str());
     close(static_cast<int>(mHandle));
 }
 

@@ -2,6 +2,7 @@
 #include "libraries/kelvane/Files.h"
 
 #include "foundation/Kelvane.h"
+#include "libraries/kelvane/Text.h"
 
 namespace kelvane
 {
@@ -116,7 +117,7 @@ ZTString MakePrivateDirectory(const std::filesystem::path& directory)
 {
     std::error_code error;
     std::filesystem::create_directories(directory.parent_path(), error);
-    return error ? ErrorText(static_cast<DWORD>(error.value())) : ZTString();
+    return error ? Widen(error.message()) : ZTString(); // a code of the C library
 }
 
 // The system removes the file with its handle. Until then it lets nobody open it.

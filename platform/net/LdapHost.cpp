@@ -58,11 +58,11 @@ LdapReach ReachOf(int error)
     case EAFNOSUPPORT:
     case ENETUNREACH:
         return LdapReach::NoWay;
-    case EHOSTUNREACH:
-    case ETIMEDOUT:
-        return LdapReach::NoAnswer;
-    default:
+    case ECONNREFUSED:
+    case ECONNRESET:
         return LdapReach::Answer;
+    default:
+        return LdapReach::NoAnswer;
     }
 }
 

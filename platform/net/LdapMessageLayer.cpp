@@ -63,7 +63,8 @@ std::size_t MessageSize(std::string_view bytes)
     return 2 + count + length;
 }
 
-// Reads a result up to its own texts and the servers that it names; nothing where it cannot be read.
+// Reads a result up to its own texts and the servers that it names; nothing where it cannot be read. What the
+// library above could not read is changed where it lies.
 std::optional<LdapFault> ReadResult(BerElement* result)
 {
     ber_int_t code = 0;
@@ -151,8 +152,11 @@ ber_slen_t LdapMessageLayer::Read(char* bytes, std::size_t length)
 ber_slen_t LdapMessageLayer::Write(const char* bytes, std::size_t length)
 {
     const ber_slen_t written = WriteBelow(bytes, length);
-    if (written > 0)
-        explicit_bzero(const_cast<char*>(bytes), static_cast<std::size_t>(written));
+    const int error = errno;
+    const bool isAwaited = written < 0 && (error == EAGAIN || error == EINTR); // it comes again
+    if (!isAwaited)
+        explicit_bzero(const_cast<char*>(bytes), written < 0 ? length : static_cast<std::size_t>(written));
+    errno = error;
     return written;
 }
 

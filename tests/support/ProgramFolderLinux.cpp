@@ -117,7 +117,7 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
             kill(child, start.signal);
             if (std::ranges::count(start.ignoredSignals, start.signal) != 0)
                 endInput();
-            else
+            else if (start.signal != SIGTERM)
             {
                 // As HUP comes from a shell that ends, and from its terminal's end.
                 std::this_thread::sleep_for(std::chrono::milliseconds(2));

@@ -56,7 +56,7 @@ public:
     {
         if (ObeyNextLine())
             return;
-        const bool isListening = TopUsableDialog() != nullptr;
+        const bool isListening = TopUsableDialog() != nullptr && !TheQueue().HoldsInput();
         const bool canRead = isListening && mInput.CanRead();
         if (isListening && !canRead && mInput.IsTerminal())
             time = time == kForever ? kForegroundCheck : std::min(time, kForegroundCheck);
