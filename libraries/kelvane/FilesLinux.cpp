@@ -217,10 +217,11 @@ ZTString MakePrivateDirectory(const std::filesystem::path& directory)
     std::filesystem::create_directories(plain->parent_path(), error);
     if (error)
         return Widen(error.message());
-    // Another process may have made it, and a link that leads to itself is there too.
-    const bool isThere =
-        mkdir(plain->c_str(), kLogDirectoryMode) == 0 || stat(directory.c_str(), &status) == 0;
-    return isThere ? ZTString() : LastErrorText();
+    // Another process may have made it; what else is there, such as a link that leads to itself, is not it.
+    if (mkdir(plain->c_str(), kLogDirectoryMode) != 0 &&
+        (errno != EEXIST || stat(directory.c_str(), &status) != 0))
+        return LastErrorText();
+    return {};
 }
 
 FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds patience)

@@ -165,11 +165,17 @@ TEST(Log, IsWrittenThroughNoOtherNameWhichItSaysOnceAndStopsNothing)
          "it has a second name"},
         {[](const fs::path&, const fs::path& log) { fs::create_directory(log); },
          RunsOnWindows() ? "5: Access denied." : "Is a directory"},
+        {[](const fs::path&, const fs::path& log)
+         {
+             fs::remove(log.parent_path());
+             WriteFile(log.parent_path(), "in the folder's place");
+         },
+         "Not a directory"},
         {[](const fs::path& victim, const fs::path& log) { fs::create_symlink(victim, log); },
          "it is a link"}};
     for (const auto& [plant, why] : planted)
     {
-        if (RunsOnWindows() && plant == planted[2].first)
+        if (RunsOnWindows() && plant == planted[3].first)
             continue; // Wine makes no links of this kind
         const AgentFolder folder;
         fs::create_directory(folder.Path() / "Logs");
