@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a .res file, and as a resource of each kind: what is read of them is no larger than they are.
+// Any bytes as a .res file, and as a resource of each kind: no more is read than there is.
 #include "platform/resource/Resources.h"
 #include "tests/fuzz/Require.h"
 

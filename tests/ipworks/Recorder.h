@@ -48,6 +48,13 @@ public:
         return IPWorks_FTP_Do(mHandle, method, parameter == nullptr ? 0 : 1, params, lengths, 0);
     }
     int Upload() { return Do(kIPWorksUpload); }
+    // In passive or direct mode; the events are then those of this upload alone.
+    int UploadIn(int passive)
+    {
+        events.clear();
+        SetNumber(kIPWorksPassive, passive);
+        return Upload();
+    }
     std::string LastError() const { return IPWorks_FTP_GetLastError(mHandle); }
 
     const std::filesystem::path& Directory() const { return mDirectory.Path(); }

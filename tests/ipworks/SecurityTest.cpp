@@ -51,9 +51,7 @@ TEST(Security, ServerThatEncryptsTheDialogueOnlyIsCalledSo)
     Recorder recorder({.answers = {{"PROT", "536 Not here.\r\n"}}, .certificate = kHost});
     for (const int passive : {1, 0})
     {
-        recorder.events.clear();
-        recorder.SetNumber(kIPWorksPassive, passive);
-        EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+        EXPECT_EQ(0, recorder.UploadIn(passive)) << recorder.LastError();
         EXPECT_EQ("content", recorder.server.Uploaded());
         EXPECT_THAT(
             recorder.Of("status"),

@@ -56,8 +56,7 @@ TEST(Upload, GoesDirectAndByTheOldCommandsAndIgnoresAForeignAddress)
     for (const auto& [unknown, passive, command] : rows)
     {
         Recorder recorder({.answers = {{unknown, "500 What?\r\n"}}, .passiveAddress = "192,0,2,1"}, content);
-        recorder.SetNumber(kIPWorksPassive, passive);
-        EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+        EXPECT_EQ(0, recorder.UploadIn(passive)) << recorder.LastError();
         EXPECT_TRUE(content == recorder.server.Uploaded());
         EXPECT_THAT(recorder.server.Commands(), Contains(StartsWith(command)));
     }
@@ -68,9 +67,7 @@ TEST(Upload, ServerThatAsksForNoLoginIsServedAndCalledReadable)
     Recorder recorder({.greeting = "230 In.\r\n"});
     for (const int passive : {1, 0})
     {
-        recorder.events.clear();
-        recorder.SetNumber(kIPWorksPassive, passive);
-        EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+        EXPECT_EQ(0, recorder.UploadIn(passive)) << recorder.LastError();
         EXPECT_EQ("content", recorder.server.Uploaded());
         EXPECT_THAT(
             recorder.Of("status"),
@@ -91,8 +88,7 @@ TEST(Upload, ServerOfIPv6IsServedInBothModes)
     recorder.SetText(kIPWorksRemoteHost, "::1");
     for (const auto& [passive, command] : {std::pair{1, "EPSV"}, {0, "EPRT |2|::1|"}})
     {
-        recorder.SetNumber(kIPWorksPassive, passive);
-        EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
+        EXPECT_EQ(0, recorder.UploadIn(passive)) << recorder.LastError();
         EXPECT_TRUE(content == recorder.server.Uploaded());
         EXPECT_THAT(recorder.server.Commands(), testing::Contains(HasSubstr(command)));
     }
@@ -151,7 +147,7 @@ TEST(Upload, FileThatIsMissingOrNotOursAloneFailsWithoutAConnection)
     EXPECT_THAT(recorder.Of("error"), SizeIs(rows.size()));
 }
 
-// The size at the start counts: what a writer adds meanwhile is not sent, what it takes away is no error.
+// The size at the start counts: what a writer adds meanwhile is not sent, what it takes away is not an error.
 TEST(Upload, FileThatChangesMeanwhileComesToAnEnd)
 {
     const std::string content = RandomBytes(800000);

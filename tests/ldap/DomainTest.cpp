@@ -68,7 +68,7 @@ TEST(Domain, IsTestedAsTheDialogSays)
         {as("389", "TAVO", "alice", right, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
         {as("0", "tavo.example", "alice", right, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
         {as("389", "", full, right, kNegotiate), Bound(kNegotiate) + walk, "krb5"},
-        // The dot that ends a whole name of DNS is no part of the server's.
+        // The dot that ends a whole name of DNS is not part of the server's.
         {as("389", "TAVO", "alice", right, kNegotiate, kController + "."), Bound(kNegotiate) + walk, "krb5"},
         {as("636", "", full, right, kSimpleSsl, kController + "."), Bound(kSimpleSsl) + walk, "simple bind"},
         // No ticket for an address, so NTLM.
