@@ -22,7 +22,6 @@ public:
 protected:
     ber_slen_t Read(char* bytes, std::size_t length) override;
     ber_slen_t Write(const char* bytes, std::size_t length) override;
-    bool HasReady() const override { return mPlainAt < mPlain.size() || HasToken(); }
 
 private:
     bool HasToken() const;

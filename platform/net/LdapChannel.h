@@ -40,7 +40,6 @@ public:
 protected:
     ber_slen_t Read(char* bytes, std::size_t length) override;
     ber_slen_t Write(const char* bytes, std::size_t length) override;
-    bool HasReady() const override { return mTls != nullptr && SSL_pending(mTls.get()) > 0; }
 
 private:
     // What to wait for (POLLIN, POLLOUT) before a call that gave `result` is made again; 0 when it failed.

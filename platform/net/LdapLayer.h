@@ -25,8 +25,9 @@ protected:
     // These give what read() and write() give: -1 with EAGAIN in errno when nothing moves for now.
     virtual ber_slen_t Read(char* bytes, std::size_t length) = 0;
     virtual ber_slen_t Write(const char* bytes, std::size_t length) = 0;
-    // True when Read has something without asking the layer below.
-    virtual bool HasReady() const = 0;
+    // True while Read may have something without waiting for the server. The uppermost layer knows it for
+    // all.
+    virtual bool HasReady() const { return false; }
 
     ber_slen_t ReadBelow(char* bytes, std::size_t length);
     ber_slen_t WriteBelow(const char* bytes, std::size_t length);

@@ -7,7 +7,7 @@
 #include <rpcdce.h>
 #include <winldap.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <chrono>
 
@@ -27,6 +27,8 @@ constexpr unsigned kUnused = 9; // the discard port, where nobody listens
 constexpr unsigned char kBindResponse = 0x61;
 constexpr unsigned char kSearchDone = 0x65;
 constexpr unsigned char kExtendedResponse = 0x78;
+constexpr const char* kUnbind = "\x42";
+constexpr const char* kAbandon = "\x50";
 
 PWCHAR Text(const wchar_t* text)
 {
@@ -96,8 +98,13 @@ Script Unasked(const std::vector<std::string>& operations, const Script& then)
     };
 }
 
-const std::string kGoingDown =
-    Connection::Result(kExtendedResponse, 0x34, "going\ndown", BerElementOf(0x8a, "1.3.6.1.4.1.1466.20036"));
+Script Bytes(const std::string& bytes)
+{
+    return Answer([=](Connection& peer) { peer.Send(bytes); });
+}
+
+const std::string kGoingDown = Connection::Result(kExtendedResponse, 0x34, " going\n \ndown\n",
+                                                  BerElementOf(0x8a, "1.3.6.1.4.1.1466.20036"));
 
 TEST(LdapFault, IsNamedWithItsCauseInItsTime)
 {
@@ -117,11 +124,16 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
         seconds most{10};
     };
     const auto idle = [](seconds time) { return [=](Connection&) { std::this_thread::sleep_for(time); }; };
+    constexpr const wchar_t* kNotLdap = L"Decoding Error: the server's answer is not an LDAP message";
     const Case kCases[] = {
         {"a referral", Case::Bind,
          Message(Connection::Result(kBindResponse, 0x0a, "",
                                     BerElementOf(0xa3, BerText("ldap://127.0.0.1:1/dc=elsewhere")))),
          0x0a, L"Referral: ldap://127.0.0.1:1/dc=elsewhere"},
+        {"a referral with words", Case::Bind,
+         Message(Connection::Result(kBindResponse, 0x0a, "moved",
+                                    BerElementOf(0xa3, BerText("ldap://127.0.0.1:1")))),
+         0x0a, L"Referral: moved"},
         {"a referral that ends too early", Case::Bind,
          Message(Connection::Result(kBindResponse, 0x0a, "", BerElementOf(0xa3, "\x04\x2fldap://any"))), 0x0a,
          L"Referral"},
@@ -137,6 +149,26 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
          0x80000000, L"Unknown Error: far"},
         {"a result without its texts", Case::Bind,
          Message(BerElementOf(kBindResponse, std::string("\x0a\x01\x00", 3))), 0x54, L"Decoding Error"},
+        {"TLS in place of LDAP", Case::Bind, Bytes("\x15\x03\x01"), 0x54,
+         L"Decoding Error: the server speaks TLS on this port"},
+        {"bytes that are like TLS", Case::Bind, Bytes("\x16\x02"), 0x54, kNotLdap},
+        {"TLS after a message", Case::Bind,
+         Unasked({Connection::Result(kExtendedResponse, 0, "", BerElementOf(0x8a, ""))},
+                 [](Connection& peer) { peer.Send("\x15\x03\x01"); }),
+         0x54, kNotLdap},
+        {"a length that is told later", Case::Bind, Bytes("\x30\x80\x02\x01\x01"), 0x54, kNotLdap},
+        {"a length of five bytes", Case::Bind, Bytes("\x30\x85\x01\x01\x01\x01\x01"), 0x54, kNotLdap},
+        {"a reset", Case::Bind, [](Connection& peer) { peer.ReadRequest() && (peer.EndByReset(), true); },
+         0x51, L"Server Down: connection reset by peer"},
+        {"a reset in the handshake", Case::Tls,
+         [](Connection& peer)
+         {
+             peer.EndByReset();
+             std::this_thread::sleep_for(std::chrono::milliseconds(300));
+         },
+         0x51, L"Server Down: connection reset by peer"},
+        {"no TLS", Case::Tls, [](Connection& peer) { peer.Send("220 no TLS\r\n"); }, 0x51,
+         L"Server Down: the server does not speak TLS on this port"},
         {"a notice of disconnection", Case::Bind, Unasked({kGoingDown}, idle(seconds(0))), 0x34,
          L"Unavailable: going down"},
         // The library does not outlive the first.
@@ -171,8 +203,10 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
              peer.ReadRequest();
          },
          0x34, L"Unavailable: going down"},
-        {"a search without end", Case::Search, BoundThen([](Connection& peer) { peer.ReadRequest(); }), 0x55,
-         L"Timeout: the server gave no complete answer in time", seconds(1)},
+        {"a search without end", Case::Search,
+         BoundThen([](Connection& peer)
+                   { EXPECT_EQ(peer.ReadRequest() ? peer.Request().substr(3, 1) : "", kAbandon); }),
+         0x55, L"Timeout: the server gave no complete answer in time", seconds(1)},
         {"silence in place of TLS", Case::Tls, idle(seconds(5)), 0x51,
          L"Server Down: the TLS handshake was not answered in time", seconds(2)},
     };
@@ -215,6 +249,9 @@ TEST(LdapConnect, TellsWhatTheSystemSays)
         EXPECT_EQ(session.Connect(), 0x51u);
         EXPECT_STREQ(ldap_err2stringW(LdapGetLastError()), text);
     }
+    EXPECT_EQ(Session(kUnused).Bind(), 0x51u);
+    EXPECT_STREQ(ldap_err2stringW(0x51), L"Server Down: the session is not connected");
+    EXPECT_STREQ(ldap_err2stringW(0x4c), L"Virtual List View Error");
     EXPECT_STREQ(ldap_err2stringW(0x5a), L"No Memory") << "nothing of the cause of another error";
     EXPECT_STREQ(ldap_err2stringW(0xFFFF), L"Unknown Error");
 }
@@ -234,7 +271,12 @@ TEST(LdapConnect, TriesEveryHostUntilOneAnswersAndKeepsItAliveWhenTold)
 {
     for (const bool told : {false, true})
     {
-        const LdapPeer peer([](Connection& connection) { connection.AcceptBind(); });
+        const LdapPeer peer(
+            [](Connection& connection)
+            {
+                connection.AcceptBind() && connection.ReadRequest();
+                EXPECT_EQ(connection.Request().substr(3, 1), kUnbind);
+            });
         const std::wstring hosts = L"127.0.0.1:9 [::1]:9 localhost:" + std::to_wstring(peer.Port());
         const Session session(kUnused, hosts.c_str());
         if (told)
@@ -315,6 +357,39 @@ TEST(LdapConnect, SaysSoWhenTheSystemHasNoThreadLeft)
     EXPECT_EXIT(connect(), testing::ExitedWithCode(0), "^52 Local Error: resource temporarily unavailable$");
 }
 
+ULONG BindAs(const Session& session, const wchar_t* user, const wchar_t* domain, ULONG method)
+{
+    const std::u16string name = text::ToUtf16(user);
+    const std::u16string realm = text::ToUtf16(domain);
+    const auto units = [](const std::u16string& text)
+    { return reinterpret_cast<unsigned short*>(const_cast<char16_t*>(text.data())); };
+    SEC_WINNT_AUTH_IDENTITY_W identity{};
+    identity.User = identity.Password = units(name);
+    identity.UserLength = identity.PasswordLength = static_cast<ULONG>(name.size());
+    identity.Domain = units(realm);
+    identity.DomainLength = static_cast<ULONG>(realm.size());
+    identity.Flags = SEC_WINNT_AUTH_IDENTITY_UNICODE;
+    return ldap_bind_sW(session.handle, nullptr, reinterpret_cast<PWCHAR>(&identity), method);
+}
+
+TEST(LdapLogOn, HasTheDomainForARealmWhereTheServerLeavesTheChoice)
+{
+    const LdapPeer peer(
+        [](Connection& connection)
+        {
+            connection.ReadRequest();
+            connection.SendMessage(Connection::Result(
+                kBindResponse, 0x0e, "",
+                BerElementOf(0x87, "realm=\"one\",realm=\"two\",nonce=\"n\",algorithm=md5-sess")));
+            connection.ReadRequest();
+            EXPECT_THAT(connection.Request(), testing::HasSubstr("username=\"bob\",realm=\"two\""));
+            connection.SendMessage(Connection::Result(kBindResponse, 0x31));
+        });
+    const Session session(peer.Port());
+    ASSERT_EQ(session.Connect(), 0u);
+    EXPECT_EQ(BindAs(session, L"bob", L"two", LDAP_AUTH_DIGEST), 0x31u);
+}
+
 // The library looks this machine's own name up when it begins, so once in a process, DIGEST-MD5's each time
 // that it does, and Kerberos the realm's servers, for a ticket and again for the credential that NTLM is a
 // part of.
@@ -340,11 +415,11 @@ TEST(LdapLogOn, IsNotHeldUpByASilentNameServer)
         if (connection.ReadRequest())
             connection.SendMessage(refusal);
     };
-    std::u16string user = u"bob@silent.example";
-    SEC_WINNT_AUTH_IDENTITY_W identity{};
-    identity.User = identity.Password = reinterpret_cast<unsigned short*>(user.data());
-    identity.UserLength = identity.PasswordLength = static_cast<ULONG>(user.size());
-    identity.Flags = SEC_WINNT_AUTH_IDENTITY_UNICODE;
+    {
+        const Session session(kUnused, L"unknown.example");
+        EXPECT_EQ(session.Connect(1), 0x51u);
+        EXPECT_STREQ(ldap_err2stringW(0x51), L"Server Down: the name server gave no answer in time");
+    }
     for (const auto& [method, script, most] :
          {std::tuple(LDAP_AUTH_DIGEST, digest, seconds(6)), {LDAP_AUTH_NEGOTIATE, negotiate, seconds(18)}})
     {
@@ -355,7 +430,7 @@ TEST(LdapLogOn, IsNotHeldUpByASilentNameServer)
         ASSERT_EQ(session.Connect(), 0u);
         EXPECT_LT(steady_clock::now() - start, seconds(6));
         start = steady_clock::now();
-        const ULONG code = ldap_bind_sW(session.handle, nullptr, reinterpret_cast<PWCHAR>(&identity), method);
+        const ULONG code = BindAs(session, L"bob@silent.example", L"", method);
         EXPECT_LT(steady_clock::now() - start, most);
         EXPECT_NE(code, 0u);
         if (method == LDAP_AUTH_DIGEST)

@@ -86,6 +86,12 @@ bool LdapPeer::Connection::AcceptBind()
     return true;
 }
 
+void LdapPeer::Connection::EndByReset() const
+{
+    const linger unsent{1, 0};
+    setsockopt(mSocket, SOL_SOCKET, SO_LINGER, &unsent, sizeof(unsent));
+}
+
 LdapPeer::LdapPeer(std::function<void(Connection&)> script, std::uint16_t port)
     : mListener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
 {

@@ -39,6 +39,9 @@ public:
         // Serves a successful bind and gives up at anything else.
         bool AcceptBind();
 
+        // The end will be a reset, as of a peer that falls over, and not the stream's end.
+        void EndByReset() const;
+
     private:
         int mSocket;
         std::string mRequest;
