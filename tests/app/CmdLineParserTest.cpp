@@ -24,6 +24,8 @@ const std::vector<std::tuple<const wchar_t*, Values, const char*>> kRows = {
     {L"--a", {{L"-a", L""}}, "the second dash belongs to the key"},
     {L"-:x -b", {{L"b", L""}}, "an empty key consumes its value"},
     {L"-a -", {{L"a", L""}}, "a dash at the end"},
+    {L"- -b", {{L"b", L""}}, "a dash alone"},
+    {L"-a- -b", {{L"a-", L""}, {L"b", L""}}, "a dash that ends a key"},
     {L"-a   ", {{L"a", L""}}, "trailing blanks"},
     {L"-a=", {{L"a", L""}}, "separator at the end"},
     {L"-a\tb", {{L"a\tb", L""}}, "a tab is not a separator"},

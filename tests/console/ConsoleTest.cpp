@@ -163,9 +163,10 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
                 EXPECT_EQ(posted, starts ? 1 : 0) << commandLine;
                 EXPECT_EQ(open.Written(), L"");
                 if (result == kEnded)
-                    open.EndDialog(kEnded);
+                    PostMessageW(open.m_hWnd, WM_DEEP, 0, 0);
             });
         EXPECT_EQ(console.mResult, result) << commandLine;
+        EXPECT_EQ(console.mHasFocus, result == kEnded) << commandLine;
     }
     gCmdLineParser.Parse(L"T");
     CloseHandle(other);

@@ -88,8 +88,11 @@ TEST(MacSurvey, TellsTheSizeThatTheListNeeds)
     GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, nullptr, &needed);
     std::wstring log;
     const std::wstring result = GetMACAddress(log);
-    EXPECT_EQ(log.rfind(L"BufSize=" + std::to_wstring(needed) + L", ret=0, try:0-", 0), 0u);
-    EXPECT_NE(log.find(L", ret=" + result, log.find(L"macCount=")), std::wstring::npos);
+    std::vector<IP_ADAPTER_ADDRESSES> list(needed / sizeof(IP_ADAPTER_ADDRESSES) + 1);
+    GetAdaptersAddresses(AF_UNSPEC, 0, nullptr, list.data(), &needed);
+    std::wstring survey;
+    EXPECT_EQ(result, ChooseMacAddress(list.data(), list.data() + list.size(), survey));
+    EXPECT_EQ(log, L"BufSize=" + std::to_wstring(needed) + L", ret=0, " + survey);
 }
 
 TEST(FormatToBuffer, FillsPlaceholdersAndCutsAtTheRoom)
@@ -105,8 +108,10 @@ TEST(FormatToBuffer, FillsPlaceholdersAndCutsAtTheRoom)
         wchar_t buffer[16] = L"***************";
         EXPECT_EQ(FormatToBuffer(format, buffer, size, values), result) << format;
         EXPECT_STREQ(buffer, text) << format;
+        EXPECT_EQ(buffer[size], L'*') << format;
     }
     wchar_t small[4];
     EXPECT_EQ(FormatToBuffer(L"{0:s}", small, 4, {L"too long"}), -1);
+    EXPECT_EQ(FormatToBuffer(L"ab{0:s}", small, 4, {L"cde"}), -1);
     EXPECT_EQ(FormatToBuffer(L"{10}", small, 4, {100, 1, 2, 3, 4, 5, 6, 7, 8, 9, 7}), 1);
 }

@@ -1,16 +1,31 @@
 // SPDX-License-Identifier: MIT
-// What the console draws while it is minimised, of the layer's own inside, so on Linux only.
+// What the console draws while it is minimised and how it scrolls, of the layer's own inside, so on Linux
+// only.
 #include "console/TavoDlg.h"
 #include "platform/dialogs/UserInput.h"
 #include "resources/resource.h"
 
 #include <gtest/gtest.h>
 
+#include <dlfcn.h>
+
+static std::vector<std::pair<WPARAM, LPARAM>> gScrolls;
+
+LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == EM_LINESCROLL)
+        gScrolls.emplace_back(wParam, lParam);
+    return reinterpret_cast<decltype(&SendMessageW)>(dlsym(RTLD_NEXT, "SendMessageW"))(window, message,
+                                                                                       wParam, lParam);
+}
+
 class Minimised : public CTavoDlg
 {
     BOOL OnInitDialog() override
     {
         CTavoDlg::OnInitDialog();
+        const LRESULT lines = SendMessageW(::GetDlgItem(m_hWnd, IDC_OUTPUT), EM_GETLINECOUNT, 0, 0);
+        EXPECT_EQ(gScrolls.back(), std::pair(WPARAM{0}, LPARAM{lines})) << "the last line is in sight";
         const HICON icon = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TAVO));
         const platform::DialogState& state = *platform::TopDialog()->dialog;
         EXPECT_EQ(state.bigIcon, icon);
@@ -27,7 +42,7 @@ class Minimised : public CTavoDlg
     }
 };
 
-TEST(Console, DrawsItsIconInTheMiddleWhileItIsMinimised)
+TEST(Console, ScrollsToItsEndAndDrawsItsIconInTheMiddleWhileItIsMinimised)
 {
     EXPECT_EQ(Minimised().DoModal(), 1);
 }

@@ -19,15 +19,14 @@ TEST(DateFormat, ShowsTheLocalDateOrWhyItCannot)
     for (const auto& [value, expected] : kCases)
         EXPECT_EQ(FormatLocalDate(value), expected);
 
-    tm april{};
-    april.tm_mday = 9;
-    april.tm_mon = 3;
-    april.tm_wday = 1;
-    april.tm_yday = 98;
-    wchar_t expected[128];
-    std::wcsftime(expected, std::size(expected), L"%c", &april);
-    EXPECT_EQ(FormatLocalDate(DateValue{100.0, eDateValid}), expected);
-    EXPECT_GT(FormatLocalDate(DateValue{2958465.0, eDateValid}).GetLength(), 10);
+    const tm april{0, 0, 0, 9, 3, 0, 1, 98, 0, 0, nullptr};
+    const tm last{0, 0, 0, 31, 11, 8099, 5, 364, 0, 0, nullptr};
+    for (const auto& [date, fields] : {std::pair(100.0, &april), {2958465.0, &last}})
+    {
+        wchar_t expected[128];
+        std::wcsftime(expected, std::size(expected), L"%c", fields);
+        EXPECT_EQ(FormatLocalDate(DateValue{date, eDateValid}), expected);
+    }
 }
 
 TEST(DateFormat, ShowsTheMailForm)

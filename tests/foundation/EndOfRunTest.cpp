@@ -13,6 +13,9 @@ TEST(EndOfRun, WaitsForTheStepInHandDoesAllActionsNewestFirstAndLetsNobodyPass)
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto run = []
     {
+        {
+            const AtEndOfRun gone([] { std::fputs("gone ", stderr); });
+        }
         const AtEndOfRun oldest(
             []
             {

@@ -48,6 +48,7 @@ TEST(LdapCreds, GiveTheirCallerWhatTheDialogHoldsUnlessItIsCancelled)
         creds.mStep = [&, dialog = &creds, selection = selection, port = port, focus = focus, key = key]
         {
             EXPECT_EQ(FocusedControl(), ::GetDlgItem(dialog->m_hWnd, IDC_SERVER));
+            EXPECT_EQ(TextOf(::GetDlgItem(dialog->m_hWnd, IDC_AUTH_METHOD)), L"Try all");
             if (selection != 0) // with which it opens
                 SendMessageW(::GetDlgItem(dialog->m_hWnd, IDC_AUTH_METHOD), CB_SETCURSEL, selection, 0);
             for (const int id : {IDC_SERVER, IDC_DOMAIN, IDC_USER, IDC_PASSWORD})

@@ -113,7 +113,12 @@ static Script Searched(const std::vector<Answer>& answers)
         {
             if (!peer.ReadRequest())
                 return;
-            EXPECT_THAT(peer.Request(), testing::EndsWith(BerText("distinguishedName")));
+            const bool isRoot = peer.Request().find(std::string("\x04\0\x0a\x01\0", 5)) != std::string::npos;
+            EXPECT_THAT(
+                peer.Request(),
+                testing::EndsWith(std::string("\x01\x01\0", 3) + BerElementOf(0x87, "objectClass") +
+                                  BerElementOf(0x30, BerText(isRoot ? "namingContexts" : "objectClass") +
+                                                         BerText("distinguishedName"))));
             for (std::size_t at = 0; at <= answer.entries.size(); ++at)
             {
                 if (at == answer.before && !answer.odd.empty())

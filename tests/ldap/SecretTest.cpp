@@ -71,6 +71,7 @@ TEST(Password, IsGoneFromMemoryASecondAfterTheTest)
     // A port that is none is told in a box of its own, after which the dialog goes on.
     const Input refused = both(typed("no number", kSimplePlain, whole), {"OK"});
     const Input other = Typed({port, whole, "other", kSimplePlain});
+    const Input longer = Typed({port, whole, std::string(100, 'o'), kSimplePlain});
     struct Case
     {
         const char* what;
@@ -86,6 +87,7 @@ TEST(Password, IsGoneFromMemoryASecondAfterTheTest)
         {"Negotiate", typed(port, kNegotiate, "wordy"), false},
         {"a cancelled dialog", both(both(refused, {"Cancel"}), other)},
         {"a second password", both(refused, Input(other.begin() + 1, other.end()))},
+        {"a longer one", both(refused, Input(longer.begin() + 1, longer.end()))},
     };
     for (const auto& [what, input, keepsFreed] : kCases)
     {

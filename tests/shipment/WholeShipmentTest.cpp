@@ -48,6 +48,7 @@ static std::pair<Tree, std::set<std::string>> MakeTree(const fs::path& root)
     // A name counts wherever it lies, and once.
     makeOld("old/Twice.log");
     makeOld("folder 1/Twice.log");
+    makeOld("d/one letter.log");
     WriteFile(root / "folder 2/Twice.log", "fresh");
     // No UTF-8, which the list is, and a character that an archiver refuses there.
     makeOld("gr\xFC\xDF-ä.log");
