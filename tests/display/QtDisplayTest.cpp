@@ -95,7 +95,7 @@ INT_PTR Serve(HWND dialog, UINT message, WPARAM wParam, LPARAM onInit)
 {
     if (message == WM_INITDIALOG)
         (*reinterpret_cast<const Step*>(onInit))();
-    if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED)
+    if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED && LOWORD(wParam) != IDC_WIDE_CHARS)
         EndDialog(dialog, LOWORD(wParam));
     return message == WM_INITDIALOG || message == WM_COMMAND;
 }
@@ -144,6 +144,40 @@ void ExpectRoomForText(const platform::Window& control)
     if (control.kind != WindowKind::Edit && control.kind != WindowKind::ComboBox)
         EXPECT_GE(widget.width(), room.width());
     EXPECT_TRUE(TopWidget().rect().contains(widget.geometry()));
+}
+
+// What a screen reader says of it, and how it looks.
+std::string Described(QWidget& widget)
+{
+    const QAccessibleInterface& face = *QAccessible::queryAccessibleInterface(&widget);
+    std::string text = QMetaEnum::fromType<QAccessible::Role>().valueToKey(face.role());
+    text += " '" + face.text(QAccessible::Name).toStdString() + "'";
+    const auto add = [&text](bool holds, const char* trait)
+    { text += holds ? std::string(", ") + trait : ""; };
+    add((widget.focusPolicy() & Qt::TabFocus) != 0, "tab");
+    if (const auto* const button = qobject_cast<QPushButton*>(&widget))
+        add(button->isDefault(), "default");
+    if (const auto* const box = qobject_cast<QCheckBox*>(&widget))
+        add(box->isChecked(), "checked");
+    add(widget.palette().color(QPalette::Base) == widget.palette().color(QPalette::Window), "grey");
+    return text + "\n";
+}
+
+std::string DescribedDialog()
+{
+    const QWidget& top = TopWidget();
+    std::string text = Described(TopWidget()) + top.windowTitle().toStdString();
+    for (const auto& [flag, trait] : {std::pair(Qt::WindowTitleHint, ", title"),
+                                      {Qt::WindowSystemMenuHint, ", menu"},
+                                      {Qt::WindowMinimizeButtonHint, ", minimise"},
+                                      {Qt::WindowCloseButtonHint, ", close"}})
+        text += (top.windowFlags() & flag) != 0 ? trait : "";
+    text += top.windowType() == Qt::Window ? ", on the task bar\n" : "\n";
+    text += top.font().families().join(", ").toStdString() + " " + std::to_string(top.font().pointSize()) +
+            (top.font().italic() ? " italic " : " ") + std::to_string(top.font().weight()) + "\n";
+    for (const auto* control : VisibleControls())
+        text += Described(Shown(*control));
+    return text;
 }
 
 const QString kHundredLines = QString::fromStdString(Repeated("[5ms] a line\r\n", 100));
@@ -212,8 +246,34 @@ TEST_F(QtDisplay, PlacesControlsAsTheTemplateDoesInEveryLanguage)
     QGuiApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
-TEST_F(QtDisplay, ShowsWhatTheTemplateShows)
+TEST_F(QtDisplay, ShowsWhatTheTemplateShowsAndTellsItToScreenReaders)
 {
+    const std::string font = "Verdana, DejaVu Sans, Bitstream Vera Sans, Liberation Sans 9 400\n";
+    const std::pair<int, std::string> cases[] = {
+        {IDD_CONSOLE, "Dialog 'ZT Diagnostics'\nZT Diagnostics, title, on the task bar\n" + font +
+                          "EditableText 'ZT Diagnostics', tab, grey\n"
+                          "Button 'Close', tab\nButton 'LDAP ...', tab\n"
+                          "Button 'FTP Logs to Support', tab\nButton 'CRC64', tab\n"},
+        {IDD_LDAP_CREDS, "Dialog 'DiagnosticsDlg'\nDiagnosticsDlg, title, menu, close\n" + font +
+                             "EditableText 'LDAP Server:', tab\nEditableText 'Port:', tab\n"
+                             "EditableText 'Domain:', tab\nEditableText 'Username:', tab\n"
+                             "EditableText 'Password:', tab\nComboBox 'Authentication:', tab\n"
+                             "Button 'OK', tab, default\nButton 'Cancel', tab\n"
+                             "StaticText 'LDAP Server:'\nStaticText 'Username:'\nStaticText 'Password:'\n"
+                             "StaticText 'Authentication:'\nStaticText 'Port:'\nStaticText 'Domain:'\n"},
+        {IDD_CRC64, "Dialog 'Dialog'\nDialog, title, menu, close\n" + font +
+                        "Button 'OK', tab, default\nButton 'Cancel', tab\nStaticText 'Input'\n"
+                        "EditableText 'Input', tab\nCheckBox 'Wide characters', tab, checked\n"
+                        "Button 'Get CRC64', tab\nEditableText 'CRC64', tab\nStaticText 'CRC64'\n"
+                        "StaticText 'CRC64 Hex'\nEditableText 'CRC64 Hex', tab\n"},
+    };
+    const Step check = []
+    {
+        if (const HWND box = ControlOf(IDC_WIDE_CHARS))
+            SendMessageW(box, BM_SETCHECK, BST_CHECKED, 0);
+    };
+    for (const auto& [dialog, description] : cases)
+        Use(dialog, {[&] { EXPECT_EQ(DescribedDialog(), description); }, kEscape}, nullptr, check);
     Use(IDD_CONSOLE, {[]
                       {
                           const auto& output = WidgetOf<QPlainTextEdit>(IDC_OUTPUT);
@@ -221,25 +281,12 @@ TEST_F(QtDisplay, ShowsWhatTheTemplateShows)
                           EXPECT_EQ(output.lineWrapMode(), QPlainTextEdit::NoWrap);
                           EXPECT_TRUE(output.verticalScrollBar()->isVisible());
                           EXPECT_TRUE(output.horizontalScrollBar()->isVisible());
-                          for (const int hidden : {IDC_HIDDEN_VALUE, IDC_SHOW_UNUSED, IDC_INIT_PYTHON})
-                              EXPECT_FALSE(WidgetOf(hidden).isVisible()) << hidden;
-                          EXPECT_EQ(TopWidget().windowTitle(), "ZT Diagnostics");
-                          EXPECT_FALSE(TopWidget().windowFlags() & Qt::WindowCloseButtonHint);
-                          EXPECT_EQ(TopWidget().windowType(), Qt::Window) << "has a place on the task bar";
                           TopWidget().showMinimized();
                           EXPECT_TRUE(IsIconic(platform::TopDialog()->handle));
                           TopWidget().showNormal();
                           EXPECT_FALSE(IsIconic(platform::TopDialog()->handle));
                       },
                       kEscape});
-    Use(IDD_CRC64, {[]
-                    {
-                        EXPECT_TRUE(TopWidget().windowFlags() & Qt::WindowCloseButtonHint);
-                        EXPECT_EQ(TopWidget().windowType(), Qt::Dialog);
-                        EXPECT_TRUE(WidgetOf<QPushButton>(IDOK).isDefault());
-                        EXPECT_FALSE(WidgetOf<QPushButton>(IDCANCEL).isDefault());
-                    },
-                    kEscape});
 }
 
 TEST_F(QtDisplay, WindowIconHasEverySizeOfTheResource)
@@ -334,8 +381,26 @@ TEST_F(QtDisplay, ProgramReadsWhatThePersonEntered)
         EXPECT_EQ(TextOf(ControlOf(IDC_PORT)), L"0636");
         EXPECT_EQ(TextOf(ControlOf(IDC_DOMAIN)), beyondTheBasicPlane);
         EXPECT_EQ(TextOf(ControlOf(IDC_AUTH_METHOD)), L"Simple");
+        fill(); // shows what the program does while the dialog is open
+        SendMessageW(ControlOf(IDC_PORT), EM_SETSEL, 1, 2);
+        EXPECT_EQ(WidgetOf<QLineEdit>(IDC_PORT).selectedText(), "8");
+        EXPECT_EQ(WidgetOf<QComboBox>(IDC_AUTH_METHOD).count(), 6);
     };
     Use(IDD_LDAP_CREDS, {enter, read, kEscape}, nullptr, fill);
+    const Step tick = []
+    {
+        WidgetOf(IDC_WIDE_CHARS).setFocus();
+        Press(Qt::Key_Space);
+    };
+    const auto see = [](bool ticked)
+    {
+        return [ticked]
+        {
+            EXPECT_EQ(SendMessageW(ControlOf(IDC_WIDE_CHARS), BM_GETCHECK, 0, 0), ticked ? 1 : 0);
+            EXPECT_EQ(WidgetOf<QCheckBox>(IDC_WIDE_CHARS).isChecked(), ticked);
+        };
+    };
+    Use(IDD_CRC64, {tick, see(true), tick, see(false), kEscape});
 }
 
 TEST_F(QtDisplay, PastedTextOfSeveralLinesEndsInABoxOfOneLineWithTheFirst)
@@ -384,6 +449,17 @@ TEST_F(QtDisplay, AppendedTextIsSeenAndLeavesTheSelectionAlone)
         EXPECT_EQ(WidgetOf<QPlainTextEdit>(IDC_OUTPUT).toPlainText(), shown);
         Press(Qt::Key_C, Qt::ControlModifier);
         EXPECT_EQ(QApplication::clipboard()->text(), QString(kHundredLines).remove(u'\r'));
+        const HWND output = ControlOf(IDC_OUTPUT);
+        const auto& area = WidgetOf<QPlainTextEdit>(IDC_OUTPUT);
+        SetWindowTextW(output, L"one\r\ntwo\r");
+        Append(L"\nthree");
+        EXPECT_EQ(area.toPlainText(), "one\ntwo\nthree") << "a line end may come in two parts";
+        SendMessageW(output, EM_SETSEL, 5, 8);
+        EXPECT_EQ(area.textCursor().selectedText(), "two");
+        ShowHundredLines();
+        area.verticalScrollBar()->setValue(0);
+        SendMessageW(output, EM_LINESCROLL, 0, 3);
+        EXPECT_EQ(area.verticalScrollBar()->value(), 3);
     };
     Use(IDD_CONSOLE, {selectAllAndAppend, copy, kEscape}, nullptr, ShowHundredLines);
 }
@@ -405,7 +481,7 @@ TEST_F(QtDisplay, ResizedDialogWidensItsBoxesAndKeepsButtonsAtTheirEdge)
     const std::tuple<int, int, int, int, int> cases[] = {
         {IDD_CONSOLE, IDC_OUTPUT, 0, 300, 200},  {IDD_CONSOLE, IDC_CRC64, 300, 300, 0},
         {IDD_LDAP_CREDS, IDC_SERVER, 0, 300, 0}, {IDD_LDAP_CREDS, IDC_PORT, 0, 0, 0},
-        {IDD_LDAP_CREDS, IDOK, 300, 300, 0},
+        {IDD_LDAP_CREDS, IDOK, 300, 300, 0},     {IDD_CRC64, IDC_GET_CRC64, 0, 0, 0},
     };
     for (const auto& row : cases)
     {
@@ -416,6 +492,7 @@ TEST_F(QtDisplay, ResizedDialogWidensItsBoxesAndKeepsButtonsAtTheirEdge)
             const QRect before = WidgetOf(control).geometry();
             TopWidget().resize(smallest + QSize(300, dialog == IDD_CONSOLE ? 200 : 0));
             EXPECT_EQ(WidgetOf(control).geometry(), before.adjusted(left, 0, right, bottom));
+            EXPECT_EQ(TopWidget().maximumHeight() == smallest.height(), dialog != IDD_CONSOLE);
             TopWidget().resize(1, 1);
             EXPECT_EQ(TopWidget().size(), smallest);
         };
@@ -431,14 +508,24 @@ TEST_F(QtDisplay, FindSelectsPlacesGoesOnAtTheOtherEndAndSaysWhatItMissed)
         const auto& output = WidgetOf<QPlainTextEdit>(IDC_OUTPUT);
         const auto line = [&] { return output.textCursor().blockNumber(); };
         WidgetOf(IDC_CLOSE).setFocus(); // the keys count in the whole window
+        const QWidget& bar = *output.findChild<QLineEdit*>()->parentWidget();
+        EXPECT_FALSE(bar.isVisible());
+        const int whole = output.viewport()->height();
         Press(Qt::Key_F, Qt::ControlModifier);
         Type("failed");
-        const QWidget& bar = *QApplication::focusWidget()->parentWidget();
+        const QRect shown = output.viewport()->geometry();
+        EXPECT_EQ(bar.geometry(),
+                  QRect(shown.left(), shown.bottom() + 1, shown.width(), whole - shown.height()));
         const auto says = [&](const char* text)
         {
             const auto labels = bar.findChildren<QLabel*>();
-            EXPECT_TRUE(std::ranges::any_of(labels, [&](const auto* label) { return label->text() == text; }))
-                << text;
+            EXPECT_EQ(labels.size(), 2);
+            EXPECT_EQ(labels[1]->text(), "Find:");
+            EXPECT_EQ(labels[0]->text(), text);
+            const QAccessibleInterface& face =
+                *QAccessible::queryAccessibleInterface(QApplication::focusWidget());
+            EXPECT_EQ(face.text(QAccessible::Name), "Find:");
+            EXPECT_EQ(face.text(QAccessible::Description), text);
         };
         const std::tuple<Qt::Key, Qt::KeyboardModifiers, int, const char*> rows[] = {
             {Qt::Key_Return, {}, 0, ""},
@@ -460,9 +547,14 @@ TEST_F(QtDisplay, FindSelectsPlacesGoesOnAtTheOtherEndAndSaysWhatItMissed)
         Press(Qt::Key_Escape);
         EXPECT_FALSE(bar.isVisible());
         EXPECT_EQ(QApplication::focusWidget(), &output) << "Esc closes the bar alone";
+        EXPECT_EQ(output.viewport()->height(), whole);
         Press(Qt::Key_F, Qt::ControlModifier);
         Press(Qt::Key_Return);
         EXPECT_EQ(line(), 0) << "what was selected is looked for";
+        Press(Qt::Key_Escape);
+        Press(Qt::Key_A, Qt::ControlModifier);
+        Press(Qt::Key_F, Qt::ControlModifier);
+        EXPECT_EQ(bar.findChild<QLineEdit*>()->text(), "FAILED") << "but not several lines";
         Press(Qt::Key_Escape);
     };
     EXPECT_EQ(Use(IDD_CONSOLE, {find, kEscape}), IDCANCEL);
@@ -486,6 +578,12 @@ TEST_F(QtDisplay, MenuWrapsLinesAndKeysChangeTheSizeOfTheText)
             QApplication::sendEvent(asks, &event);
             QWidget* const menu = QApplication::activePopupWidget();
             ASSERT_NE(menu, nullptr);
+            QStringList words;
+            for (const QAction* action : menu->actions())
+                words += action->text() + (action->isEnabled() ? "" : " (grey)");
+            EXPECT_EQ(words.join(", "),
+                      "&Copy (grey), Select &all, , &Find..., Find &next, Find &previous, , "
+                      "&Wrap lines, &Larger text, S&maller text, , &Save as...");
             QTest::keyClick(menu, Qt::Key_W);
             EXPECT_EQ(output.horizontalScrollBar()->maximum() == 0, reason == QContextMenuEvent::Mouse);
             ExpectOutputAtItsEnd();
@@ -496,6 +594,12 @@ TEST_F(QtDisplay, MenuWrapsLinesAndKeysChangeTheSizeOfTheText)
         Press(Qt::Key_Minus, Qt::ControlModifier);
         EXPECT_EQ(output.font().pointSize(), points + 1);
         ExpectOutputAtItsEnd();
+        for (const auto& [key, bound] : {std::pair(Qt::Key_Minus, 6), {Qt::Key_Equal, 40}})
+        {
+            for (int times = 0; times < 40; ++times)
+                Press(key, Qt::ControlModifier);
+            EXPECT_EQ(output.font().pointSize(), bound);
+        }
         WidgetOf<QPlainTextEdit>(IDC_OUTPUT).verticalScrollBar()->setValue(0);
         Append(L"last\r\n");
         EXPECT_EQ(output.verticalScrollBar()->value(), 0) << "the program scrolls, not the display";
@@ -518,7 +622,12 @@ TEST_F(QtDisplay, SaveAsWritesAPrivateFileInPlaceOfALinkAndTellsAnError)
         Press(Qt::Key_S, Qt::ControlModifier);
         auto* const dialog = TopWidget().findChild<QFileDialog*>();
         ASSERT_NE(dialog, nullptr);
-        EXPECT_TRUE(dialog->selectedFiles().first().contains(QSysInfo::machineHostName()));
+        EXPECT_TRUE(dialog->isVisible());
+        EXPECT_EQ(dialog->windowTitle(), "Save as");
+        EXPECT_EQ(dialog->acceptMode(), QFileDialog::AcceptSave);
+        EXPECT_EQ(dialog->selectedFiles(),
+                  QStringList(QDir::homePath() + "/Tavo-" + QSysInfo::machineHostName() +
+                              QDate::currentDate().toString("-yyyy-MM-dd") + ".txt"));
         emit dialog->fileSelected(QString::fromStdString(path.string()));
         delete dialog;
     };
@@ -531,7 +640,12 @@ TEST_F(QtDisplay, SaveAsWritesAPrivateFileInPlaceOfALinkAndTellsAnError)
         saveAs(folder.Path() / "in the way.txt");
         const auto* const told = TopWidget().findChild<QMessageBox*>();
         ASSERT_NE(told, nullptr);
-        EXPECT_THAT(told->text().toStdString(), testing::HasSubstr("Is a directory"));
+        EXPECT_TRUE(told->isVisible());
+        EXPECT_EQ(told->windowTitle(), "Save as");
+        EXPECT_EQ(told->textFormat(), Qt::PlainText);
+        EXPECT_EQ(told->text().toStdString(), "The text could not be saved.\n" +
+                                                  (folder.Path() / "in the way.txt").string() +
+                                                  ": Is a directory");
         delete told;
         TopWidget().activateWindow(); // no window manager does it
     };
@@ -557,6 +671,7 @@ TEST_F(QtDisplay, DialogOnTopKeepsItsOwnerFromInput)
         {
             EXPECT_EQ(QApplication::activeModalWidget(), &TopWidget());
             EXPECT_EQ(TopWidget().windowHandle()->transientParent(), owner.windowHandle());
+            EXPECT_LE((TopWidget().geometry().center() - owner.geometry().center()).manhattanLength(), 4);
             QTest::mouseClick(owner.windowHandle(), Qt::LeftButton, {}, closeButton);
         };
         EXPECT_EQ(Use(IDD_CRC64, {clickTheOwner, kEscape}, platform::TopDialog()->handle), IDCANCEL);
@@ -577,30 +692,68 @@ TEST_F(QtDisplay, MessageBoxTakesAKeyForAnAnswerAndNoCloseBox)
                              [] { QTest::keyClick(&TopWidget(), Qt::Key_Y, Qt::AltModifier); }});
         EXPECT_EQ(MessageBoxW(nullptr, L"Sure?", L"Question", MB_YESNO), IDYES);
     }
-    const Person person({kEscape});
+    const std::string words = Repeated("a <b>long</b> text ", 60);
+    const auto signs = []
+    {
+        std::string heights;
+        for (const QLabel* label : TopWidget().findChildren<QLabel*>())
+            if (!label->pixmap().isNull())
+                heights +=
+                    std::to_string(label->pixmap().height()) + " at " + std::to_string(label->y()) + " ";
+        return heights;
+    };
+    const Step look = [&]
+    {
+        const auto& text = WidgetOf<QLabel>(0xFFFF);
+        EXPECT_EQ(text.text().toStdString(), words);
+        EXPECT_EQ(text.textFormat(), Qt::PlainText);
+        EXPECT_EQ(text.textInteractionFlags(), Qt::TextSelectableByMouse);
+        EXPECT_GE(text.height(), text.heightForWidth(text.width()));
+        EXPECT_NEAR(text.width(), 480, 20);
+        const QAccessibleInterface& face = *QAccessible::queryAccessibleInterface(&TopWidget());
+        EXPECT_EQ(face.role(), QAccessible::AlertMessage);
+        EXPECT_EQ(face.text(QAccessible::Description).toStdString(), words);
+        EXPECT_EQ(signs(), "32 at 12 ");
+        Press(Qt::Key_Escape);
+    };
+    const Person person({look, [&]
+                         {
+                             EXPECT_EQ(signs(), "");
+                             Press(Qt::Key_Escape);
+                         }});
+    EXPECT_EQ(MessageBoxW(nullptr, std::wstring(words.begin(), words.end()).c_str(), L"Note",
+                          MB_OK | MB_ICONEXCLAMATION),
+              IDOK);
     EXPECT_EQ(MessageBoxW(nullptr, L"Done", L"Note", MB_OK), IDOK);
 }
 
-TEST_F(QtDisplay, ScreenReadersHearTheLabelsAndWhatAControlIs)
+TEST_F(QtDisplay, ShowsInItsColourWhereTheKeyboardIsAndOpensListsBelowTheirBox)
 {
-    const std::tuple<int, int, const char*, QAccessible::Role> cases[] = {
-        {IDD_LDAP_CREDS, IDC_SERVER, "LDAP Server:", QAccessible::EditableText},
-        {IDD_LDAP_CREDS, IDC_AUTH_METHOD, "Authentication:", QAccessible::ComboBox},
-        {IDD_LDAP_CREDS, IDOK, "OK", QAccessible::Button},
-        {IDD_CRC64, IDC_CRC_HEX, "CRC64 Hex", QAccessible::EditableText},
-        {IDD_CRC64, IDC_WIDE_CHARS, "Wide characters", QAccessible::CheckBox},
-        {IDD_CONSOLE, IDC_OUTPUT, "ZT Diagnostics", QAccessible::EditableText},
-    };
-    for (const auto& [dialog, control, name, role] : cases)
+    const Step look = []
     {
-        const Step look = [&control = control, &name = name, &role = role]
+        auto& output = WidgetOf(IDC_OUTPUT);
+        const QRgb highlight = TopWidget().palette().color(QPalette::Highlight).rgb();
+        for (QWidget* focus : {&output, &WidgetOf(IDC_CLOSE), &output})
         {
-            const QAccessibleInterface& face = *QAccessible::queryAccessibleInterface(&WidgetOf(control));
-            EXPECT_EQ(face.text(QAccessible::Name).toStdString(), name);
-            EXPECT_EQ(face.role(), role) << name;
-        };
-        Use(dialog, {look, kEscape});
-    }
+            focus->setFocus();
+            const QImage image = output.grab().toImage();
+            for (const QPoint corner : {QPoint(0, 0), QPoint(image.width() - 1, image.height() - 1)})
+                EXPECT_EQ(image.pixel(corner) == highlight, focus == &output);
+        }
+    };
+    Use(IDD_CONSOLE, {look, kEscape});
+    const Step open = []
+    {
+        auto& box = WidgetOf<QComboBox>(IDC_AUTH_METHOD);
+        box.addItems({"one", "two", "three"});
+        box.setCurrentIndex(2);
+        box.showPopup();
+        EXPECT_GE(box.view()->mapToGlobal(QPoint(0, 0)).y(), box.mapToGlobal(box.rect().bottomLeft()).y());
+        box.hidePopup();
+        TopWidget().activateWindow(); // no window manager does it
+    };
+    Use(IDD_LDAP_CREDS, {open, kEscape});
+    EXPECT_EQ(QGuiApplication::desktopFileName(), "tavo") << "finds the icon on a Wayland desktop";
 }
 
 TEST_F(QtDisplay, WaitsWithoutWork)

@@ -44,11 +44,6 @@ protected:
     }
 };
 
-bool IsReadOnly(const Window& edit)
-{
-    return (edit.style & ES_READONLY) != 0;
-}
-
 template <typename Widget>
 Widget& WidgetOf(const Window& control)
 {
@@ -138,17 +133,6 @@ void RefreshSelection(const Window& control)
     edit.setTextCursor(cursor);
 }
 
-void SetReadOnly(const Window& control)
-{
-    auto& widget = WidgetOf<QWidget>(control);
-    QPalette palette; // a text that cannot be edited lies on the dialog's own colour
-    if (IsReadOnly(control))
-        palette.setColor(QPalette::Base, palette.color(QPalette::Window));
-    widget.setPalette(palette);
-    if (!IsMultiLine(control))
-        WidgetOf<QLineEdit>(control).setReadOnly(IsReadOnly(control));
-}
-
 QWidget* MakeButton(Window& control, QWidget& parent)
 {
     auto* button =
@@ -170,7 +154,7 @@ QWidget* MakeCheckBox(Window& control, QWidget& parent)
     return box;
 }
 
-// No dialog has a box of several lines that can be edited.
+// A box of several lines has both scroll bars, wraps nothing and cannot be edited in any dialog.
 QWidget* MakeTextArea(const Window& control, QWidget& parent)
 {
     auto* edit = new TextArea(control, parent);
@@ -178,13 +162,12 @@ QWidget* MakeTextArea(const Window& control, QWidget& parent)
     // Qt would leave it to the mouse alone.
     edit->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     edit->setUndoRedoEnabled(false);
-    edit->setLineWrapMode((control.style & ES_AUTOHSCROLL) != 0 ? QPlainTextEdit::NoWrap
-                                                                : QPlainTextEdit::WidgetWidth);
-    const auto policy = [&](DWORD style)
-    { return (control.style & style) != 0 ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff; };
-    edit->setVerticalScrollBarPolicy(policy(WS_VSCROLL));
-    edit->setHorizontalScrollBarPolicy(policy(WS_HSCROLL));
-    edit->setTabChangesFocus(true);
+    edit->setLineWrapMode(QPlainTextEdit::NoWrap);
+    edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    QPalette palette;
+    palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+    edit->setPalette(palette);
     return edit;
 }
 
@@ -209,7 +192,6 @@ public:
 QWidget* MakeLineEdit(Window& control, QWidget& parent)
 {
     auto* edit = new QLineEdit(&parent);
-    edit->setFrame((control.style & WS_BORDER) != 0 || (control.extendedStyle & WS_EX_CLIENTEDGE) != 0);
     edit->setMaxLength(INT_MAX); // what the program sets has no limit
     edit->setValidator(new FirstLine(edit));
     QObject::connect(edit, &QLineEdit::textEdited,
@@ -255,10 +237,6 @@ QWidget* MakeControl(Window& control, QWidget& parent)
 {
     QWidget* widget = MakeBareControl(control, parent);
     control.shown = widget;
-    if (control.kind != WindowKind::Label && (control.style & WS_TABSTOP) == 0)
-        widget->setFocusPolicy(Qt::ClickFocus);
-    if (control.kind == WindowKind::Edit)
-        SetReadOnly(control);
     widget->setVisible(control.visible);
     for (const Change change :
          {Change::Text, Change::Items, Change::Check, Change::Selection, Change::Enabled})
