@@ -12,18 +12,19 @@
 
 using namespace testing;
 
-// A terminal of 80 columns and 24 rows, as tmux(1) emulates it, in which a person's keys are pressed.
+// A terminal of 24 rows, as tmux(1) emulates it, in which a person's keys are pressed.
 class TerminalScreen
 {
 public:
     // Runs a line of the shell, with TERM as given unless `variables` ("NAME=value ...") say otherwise.
-    explicit TerminalScreen(const std::string& line, const std::string& variables = "")
+    explicit TerminalScreen(const std::string& line, const std::string& variables = "", int columns = 80)
     {
         const std::string setting = "env -u DISPLAY -u WAYLAND_DISPLAY -u NO_COLOR LC_ALL=C.UTF-8 "
                                     "TERM=xterm-256color " +
                                     variables + " sh -c " + Quoted(line);
         // Nothing is written before it is recorded.
-        Tmux("new-session -d -x 80 -y 24 " + Quoted("read go; " + setting + "; sleep 60"));
+        Tmux("new-session -d -y 24 -x " + std::to_string(columns) + " " +
+             Quoted("read go; " + setting + "; sleep 60"));
         Tmux("pipe-pane " + Quoted("cat >'" + mFolder.Path().string() + "/recorded'"));
         Press("Enter");
     }
@@ -109,6 +110,18 @@ TEST(Scene, DISABLED_Password)
     script.Run();
 }
 
+TEST(Scene, DISABLED_Failures)
+{
+    ASSERT_TRUE(platform::UseDisplay(platform::DisplayKind::Terminal));
+    InDialog(
+        [](HWND dialog)
+        {
+            for (const wchar_t* line :
+                 {L"it failed", L"Failed too", L"Error - one", L"Err=81 as well", L"no error"})
+                AddToLog(dialog, line + std::wstring(L"\r\n"));
+        });
+}
+
 TEST(Scene, DISABLED_Upload)
 {
     ASSERT_TRUE(platform::UseDisplay(platform::DisplayKind::Terminal));
@@ -129,10 +142,11 @@ TEST(PersonAtATerminal, IsAskedBoxByBoxAndToldWhatCloses)
 {
     const ProgramFolder folder;
     const TerminalScreen screen(ThenItsEcho(folder.Program()));
-    screen.WaitFor("\n>");
+    EXPECT_THAT(screen.WaitFor("\n>"), EndsWith("Press: Close, LDAP ..., FTP Logs to Support, CRC64\n"
+                                                "help lists what can be pressed.\n>"));
     // Typed faster than it is asked for.
     screen.Enter({"ldap", "  127.0.0.1 ", "1", "", "\u00fc\u20ac admin", "secret", "3", "show", "port", "x",
-                  "OK", "", "2", "Cancel"});
+                  "OK", "", "2", "password", "", "Cancel"});
     EXPECT_EQ(screen.WaitFor("is closed.", "> ldap"), "> ldap\n"
                                                       "DiagnosticsDlg\n"
                                                       "LDAP Server:   127.0.0.1\n"
@@ -165,6 +179,8 @@ TEST(PersonAtATerminal, IsAskedBoxByBoxAndToldWhatCloses)
                                                       "Please enter a positive integer.\n"
                                                       "OK [OK]:\n"
                                                       "Port [x]: 2\n"
+                                                      "OK, Cancel, or a box to change [OK]: password\n"
+                                                      "Password (not shown) [......]:\n"
                                                       "OK, Cancel, or a box to change [OK]: Cancel\n"
                                                       "DiagnosticsDlg is closed.\n"
                                                       ">");
@@ -225,6 +241,7 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
     screen.Press("elp Home F5 h End PageUp Enter");
     screen.Press("l Space pa Home C-Right Delete d Enter");
     screen.Press("x Space zzy C-Left BSpace y Enter");
+    screen.Enter({"clsoe", "sow", "qzzt", "hqelpq"});
     screen.Press("o Enter");
     screen.Press("sUp Tab C-u crc6 Tab Enter");
     screen.Enter({" two blanks "});
@@ -243,6 +260,14 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
                            "Not understood, but near \"LDAP ...\": help lists what can be pressed.\n"
                            "> xyzzy\n"
                            "Not understood: help lists what can be pressed.\n"
+                           "> clsoe\n"
+                           "Not understood, but near \"Close\": help lists what can be pressed.\n"
+                           "> sow\n"
+                           "Not understood, but near \"show\": help lists what can be pressed.\n"
+                           "> qzzt\n"
+                           "Not understood, but near \"quit\": help lists what can be pressed.\n"
+                           "> hqelpq\n"
+                           "Not understood, but near \"help\": help lists what can be pressed.\n"
                            "> o\n"
                            "Which one: Close, FTP Logs to Support?\n"
                            "> CRC64\n"
@@ -265,18 +290,13 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
 
 TEST(PersonAtATerminal, SeesFailuresInRedUnlessNoColourIsWanted)
 {
-    const ProgramFolder folder;
-    const std::vector<std::string> failures = {
-        "failed (00000051)",
-        "LDAP: Failed to connect to LDAP server 127.0.0.1.  Err=81, Server Down: connection refused"};
-    // A terminal of eight colours, one where none is wanted, one that has none.
-    for (const std::string wish : {"NO_COLOR= TERM=xterm", "NO_COLOR=1", "TERM=vt100"})
+    const std::vector<std::string> failures = {"it failed", "Failed too", "Error - one", "Err=81 as well"};
+    // A terminal of eight colours, one where none is wanted, two that have none.
+    for (const std::string wish : {"NO_COLOR= TERM=xterm", "NO_COLOR=1", "TERM=vt100", "TERM=dumb"})
     {
-        const TerminalScreen screen(folder.Program(), wish);
-        screen.WaitFor("\n>");
-        screen.Enter({"LDAP", "127.0.0.1", "1", "", "", "", "3", ""});
-        screen.WaitFor("END TEST");
-        const std::string recorded = WithoutTimes(screen.Recorded());
+        const TerminalScreen screen(Scene("Failures"), wish);
+        screen.WaitFor("no error");
+        const std::string recorded = screen.Recorded();
         const std::regex redText("\x1b\\[31m([^\x1b]*)\x1b\\[0m");
         const std::vector<std::string> red(
             std::sregex_token_iterator(recorded.begin(), recorded.end(), redText, 1), {});
@@ -293,6 +313,9 @@ TEST(PersonAtATerminal, SeesHowFarAnUploadIsInOneLine)
     EXPECT_THAT(screen.WaitFor("Successfully", "Controls\n"),
                 MatchesRegex("Controls\n[^%]*FTP_LOG: 100% done, 10000000 sent, [0-9.]+ MB/s\n"
                              "[^%]*Successfully[^%]*"));
+    const TerminalScreen narrow(Scene("Upload"), "", 40);
+    EXPECT_THAT(narrow.WaitFor("Successfully", "Controls\n"),
+                MatchesRegex("Controls\n[^%]*FTP_LOG: 100% done, 10000000 sent\n[^%]*Successfully[^%]*"));
     // A terminal whose cursor cannot be moved has the lines as they are.
     const TerminalScreen plain(Scene("Upload"), "TERM=dumb");
     EXPECT_THAT(plain.WaitFor("Successfully"),

@@ -136,9 +136,10 @@ TEST(TerminalDisplay, ObeysLines)
         {"1003=green\n1004\n", "1004 |Green|0\n"}, // the whole name goes before a longer one
         {"1003=green-\n1004\n", "1004 |Green-blue|0\n"},
         {"1003=gre\n", "1003 is one of Red, Green, Green-blue.\n"}, // two begin so
-        {"1006=x\n", usage},                                        // hidden
-        {"1000=x\n", usage},                                        // read-only
-        {"1003=0\n1004", "1004 |Red|0\n"},                          // the last line needs no end
+        {"1003=3\n", "1003 is one of Red, Green, Green-blue.\n"},
+        {"1006=x\n", usage},               // hidden
+        {"1000=x\n", usage},               // read-only
+        {"1003=0\n1004", "1004 |Red|0\n"}, // the last line needs no end
     };
     std::string input;
     std::string output = kOpened;

@@ -207,9 +207,11 @@ TEST(DataExchange, TakesNumbersOf32BitsAndStaysOpenWithAnyOtherTextSelected)
     for (const wchar_t* refused : {L"", L"  ", L"ldap", L"-1", L"4294967296", L"18446744073709551617",
                                    L"389x", L"3 89", L"0x10", L"1.5", L"\xFF13\xFF18\xFF19"})
         cases.emplace_back(refused, std::nullopt);
+    ExchangeDialog dialog; // opened again and again
     for (const auto& [text, number] : cases)
     {
-        ExchangeDialog dialog;
+        dialog.mBefore = dialog.mAfter = L"";
+        dialog.mNumber = 389;
         std::vector<TestDialog::Step> steps = {
             [&, &text = text]
             {
@@ -219,7 +221,12 @@ TEST(DataExchange, TakesNumbersOf32BitsAndStaysOpenWithAnyOtherTextSelected)
                 SendMessageW(dialog.m_hWnd, WM_COMMAND, IDOK, 0);
             },
             Nothing,
-            [] { EXPECT_EQ(ReadAndCloseMessageBox(), L"Please enter a positive integer."); },
+            [&]
+            {
+                EXPECT_EQ(TextOf(TopWindow()), L"framework_tests"); // no application tells its name
+                EXPECT_FALSE(IsEnabled(dialog.m_hWnd));
+                EXPECT_EQ(ReadAndCloseMessageBox(), L"Please enter a positive integer.");
+            },
             [&, &text = text]
             {
                 EXPECT_EQ(FocusedControl(), ::GetDlgItem(dialog.m_hWnd, IDC_LINE));

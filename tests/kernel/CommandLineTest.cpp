@@ -14,6 +14,7 @@ TEST(CommandLine, IsQuotedAsAWindowsUserWouldHaveTypedIt)
         {{L"T", L"/SETCONFIG:a:b c"}, L"T /SETCONFIG:\"a:b c\""}, // the first separator ends the key
         {{L"T", L"-SETCONFIG", L"n:v w"}, L"T -SETCONFIG \"n:v w\""},
         {{L"T", L"-a", L""}, L"T -a \"\""},
+        {{L"T", L"-a", L"x"}, L"T -a x"},
         {{L"T", L"-a", L"  "}, L"T -a \"  \""},
         {{L"T", L"-a=", L"b"}, L"T -a= b"},
         {{L"T", L"-max= b"}, L"T -max=\" b\""},

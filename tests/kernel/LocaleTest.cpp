@@ -29,6 +29,9 @@ TEST(Locale, HasTheNumberThatWindowsGivesIt)
         {"ca_ES@valencia", 0x0803},
         {"ks_IN@devanagari", 0x0860},
         {"tl_PH", 0x0464},
+        {"az_AZ", 0x042C},
+        {"xh_ZA", 0x0434},
+        {"uz_UZ@cyrillic", 0x0843},
         {"sr_ME", 0x301A},
         {"tt_RU@iqtelif", LOCALE_CUSTOM_DEFAULT}, // Windows has it in Cyrillic alone
         {"syr", LOCALE_CUSTOM_DEFAULT},
@@ -54,7 +57,9 @@ TEST(Locale, SystemsIsReadFromItsFile)
 {
     EXPECT_EQ(LocaleOfFile("#  File generated\nLANG=de_DE.UTF-8\n"), "de_DE.UTF-8");
     EXPECT_EQ(LocaleOfFile("LANG=\"fr_FR.UTF-8\"\nLC_TIME=en_GB\n"), "fr_FR.UTF-8");
-    EXPECT_EQ(LocaleOfFile("LANG='en_GB' \nLC_ALL=pt_BR"), "pt_BR");
+    EXPECT_EQ(LocaleOfFile("LANG='en_GB' \r\n"), "en_GB");
+    EXPECT_EQ(LocaleOfFile("LANG=en_GB\nLC_ALL=pt_BRx"), "pt_BRx");
+    EXPECT_EQ(LocaleOfFile("LANG=\"\"\n"), "");
     EXPECT_EQ(LocaleOfFile("LANGUAGE=de:en\nLANG=\n"), "");
     EXPECT_EQ(LocaleOfFile(""), "");
 }

@@ -18,6 +18,7 @@ TEST(Process, SplitsTheCommandLineAsTheCRuntimeDoes)
         {L"\"a\\\\\" b", "a\\\nb\n"},                   // an even number: the quote ends the word
         {L"\"a\\\\\\\"b\" c", "a\\\"b\nc\n"},           // an odd number: it does not
         {L"\"a\"\"b\" c", "a\"b\nc\n"},                 // doubled inside quotes
+        {L"\"a\"\"", "a\"\n"},                          // the doubled one ends the line
         {L"\"open end", "open end\n"},
     };
     const AgentFolder folder;

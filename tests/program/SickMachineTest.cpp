@@ -19,6 +19,10 @@ TEST(SickMachine, GetsAnAnswerToo)
         {bareEtc + "cp" + zone + "echo Asia/Tokyo > timezone; $PROGRAM'", tokyo},
         {bareEtc + "echo Asia/Tokyo > timezone; $PROGRAM'", // which is not in force
          "bias: 0\n(.*\n){2}Timezone Standard Name: Coordinated Universal Time\n"},
+        {bareEtc + "mkdir default; echo LANG=de_DE.UTF-8 > default/locale; $PROGRAM'",
+         "System default locale: \\[de-de\\] \\(x0407\\)\n"},
+        {bareEtc + "echo LANG=fr_FR > locale.conf; $PROGRAM'",
+         "System default locale: \\[fr-fr\\] \\(x040C\\)\n"},
         // An account with one thread, which root can make.
         {"prlimit --nproc=1 setpriv --reuid=64322 --regid=64322 --clear-groups $PROGRAM",
          "administrator of this computer.\nPress: OK\n$"},
@@ -27,7 +31,7 @@ TEST(SickMachine, GetsAnAnswerToo)
         // Nobody reads any more.
         {"{ sleep 1; env --default-signal=PIPE $PROGRAM; echo $? >&2; } | true", "^0\n$"},
     };
-    for (const auto& [command, answer] : std::span(rows).subspan(getuid() == 0 ? 0 : 4))
+    for (const auto& [command, answer] : std::span(rows).subspan(getuid() == 0 ? 0 : 6))
     {
         const ProgramFolder folder;
         EXPECT_THAT(Said("export PROGRAM='" + folder.Program().string() +
