@@ -202,8 +202,10 @@ TEST(PersonAtATerminal, NeverSeesAPassword)
             std::filesystem::remove(folder.Path() / "libtavoedit.so");
         const TerminalScreen screen(ThenItsEcho(folder.Program()));
         screen.WaitFor("\n>");
-        screen.Enter({"LDAP", "dc", "", "", "admin", "s3cret", "", edits ? "Password=s3cret" : "show", "show",
-                      "Cancel"});
+        screen.Enter({"LDAP", "dc", "", "", "admin"});
+        if (!edits)
+            screen.WaitFor("not shown"); // the terminal shows what is typed before it is asked for
+        screen.Enter({"s3cret", "", edits ? "Password=s3cret" : "show", "show", "Cancel"});
         screen.WaitFor("is closed");
         if (edits)
         {
@@ -350,6 +352,7 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
     screen.Enter({folder.Program()});
     screen.WaitFor("\n>");
     screen.Type("hel");
+    screen.WaitFor("> hel"); // what is not read yet goes with the signal
     screen.Press("C-z");
     screen.WaitFor("Stopped");
     screen.Enter({"stty -a | grep -ow -e '-*echo'"});
