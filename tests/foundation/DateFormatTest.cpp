@@ -19,8 +19,10 @@ TEST(DateFormat, ShowsTheLocalDateOrWhyItCannot)
     for (const auto& [value, expected] : kCases)
         EXPECT_EQ(FormatLocalDate(value), expected);
 
-    const tm april{0, 0, 0, 9, 3, 0, 1, 98, 0, 0, nullptr};
-    const tm last{0, 0, 0, 31, 11, 8099, 5, 364, 0, 0, nullptr};
+    tm april{};
+    std::tie(april.tm_mday, april.tm_mon, april.tm_wday, april.tm_yday) = std::tuple(9, 3, 1, 98);
+    tm last{};
+    std::tie(last.tm_mday, last.tm_mon, last.tm_year, last.tm_wday) = std::tuple(31, 11, 8099, 5);
     for (const auto& [date, fields] : {std::pair(100.0, &april), {2958465.0, &last}})
     {
         wchar_t expected[128];
