@@ -89,7 +89,7 @@ static std::string ThenItsEcho(const std::string& line)
 // A test of this program as what runs in a terminal: its dialogs, and nothing else.
 static std::string Scene(const std::string& name)
 {
-    return std::filesystem::read_symlink("/proc/self/exe").string() +
+    return fs::read_symlink("/proc/self/exe").string() +
            " --gtest_also_run_disabled_tests --gtest_brief=1 --gtest_filter=Scene.DISABLED_" + name;
 }
 
@@ -199,7 +199,7 @@ TEST(PersonAtATerminal, NeverSeesAPassword)
     {
         const ProgramFolder folder;
         if (!edits)
-            std::filesystem::remove(folder.Path() / "libtavoedit.so");
+            fs::remove(folder.Path() / "libtavoedit.so");
         const TerminalScreen screen(ThenItsEcho(folder.Program()));
         screen.WaitFor("\n>");
         screen.Enter({"LDAP", "dc", "", "", "admin"});

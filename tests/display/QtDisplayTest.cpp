@@ -615,9 +615,9 @@ TEST_F(QtDisplay, SaveAsWritesAPrivateFileInPlaceOfALinkAndTellsAnError)
 {
     const TestFolder folder;
     folder.Write("aim", "untouched");
-    std::filesystem::create_symlink(folder.Path() / "aim", folder.Path() / "saved.txt");
-    std::filesystem::create_directory(folder.Path() / "in the way.txt");
-    const auto saveAs = [](const std::filesystem::path& path)
+    fs::create_symlink(folder.Path() / "aim", folder.Path() / "saved.txt");
+    fs::create_directory(folder.Path() / "in the way.txt");
+    const auto saveAs = [](const fs::path& path)
     {
         Press(Qt::Key_S, Qt::ControlModifier);
         auto* const dialog = TopWidget().findChild<QFileDialog*>();
@@ -653,12 +653,10 @@ TEST_F(QtDisplay, SaveAsWritesAPrivateFileInPlaceOfALinkAndTellsAnError)
     for (const char* name : {"saved.txt", "new.txt"})
     {
         EXPECT_EQ(folder.Read(name), "gr\u00FC\u00DFe \U0001F511\nlast");
-        EXPECT_EQ(std::filesystem::symlink_status(folder.Path() / name).permissions(),
-                  std::filesystem::perms(0600));
+        EXPECT_EQ(fs::symlink_status(folder.Path() / name).permissions(), fs::perms(0600));
     }
     EXPECT_EQ(folder.Read("aim"), "untouched");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 4)
-        << "nothing is left behind";
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), {}), 4) << "nothing is left behind";
 }
 
 TEST_F(QtDisplay, DialogOnTopKeepsItsOwnerFromInput)

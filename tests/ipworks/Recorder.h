@@ -37,10 +37,7 @@ public:
     int Config(const std::string& setting) { return Do(kIPWorksConfig, setting.c_str()); }
     int SetText(int id, const char* text) { return Set(id, const_cast<char*>(text)); }
     int SetNumber(int id, int number) { return Set(id, Value(number)); }
-    int SetLocalFile(const std::filesystem::path& path)
-    {
-        return Set(kIPWorksLocalFile, path.wstring().data());
-    }
+    int SetLocalFile(const fs::path& path) { return Set(kIPWorksLocalFile, path.wstring().data()); }
     int Do(int method, const char* parameter = nullptr)
     {
         void* params[] = {const_cast<char*>(parameter), nullptr};
@@ -57,8 +54,8 @@ public:
     }
     std::string LastError() const { return IPWorks_FTP_GetLastError(mHandle); }
 
-    const std::filesystem::path& Directory() const { return mDirectory.Path(); }
-    std::filesystem::path File() const { return Directory() / "archive.zip"; }
+    const fs::path& Directory() const { return mDirectory.Path(); }
+    fs::path File() const { return Directory() / "archive.zip"; }
 
     ScriptedFtpServer server;
 

@@ -118,19 +118,19 @@ TEST(Upload, EmptyFileIsConfirmedAndReportsNoByte)
 TEST(Upload, FileThatIsMissingOrNotOursAloneFailsWithoutAConnection)
 {
     Recorder recorder;
-    const std::filesystem::path& folder = recorder.Directory();
+    const fs::path& folder = recorder.Directory();
     WriteFile(folder / "secret", "secret");
-    std::filesystem::create_hard_link(folder / "secret", folder / "second");
+    fs::create_hard_link(folder / "secret", folder / "second");
     const std::string russian = "\xD0.*"; // in UTF-8
     const std::string missing = RunsOnWindows() ? russian : "No such file or directory";
     const std::string isFolder = RunsOnWindows() ? russian : "Is a directory";
-    std::vector<std::pair<std::filesystem::path, std::string>> rows = {
+    std::vector<std::pair<fs::path, std::string>> rows = {
         {folder / "missing", missing},
         {folder, isFolder},
         {folder / "second", "It has a second name elsewhere."}};
     if (!RunsOnWindows())
     {
-        std::filesystem::create_symlink(recorder.File(), folder / "link");
+        fs::create_symlink(recorder.File(), folder / "link");
         rows.insert(rows.end(),
                     {{folder / "link", "It is a link."}, {"/dev/null", "It is not a plain file."}});
         // Which only root can give away.
@@ -160,7 +160,7 @@ TEST(Upload, FileThatChangesMeanwhileComesToAnEnd)
             {
                 while (recorder.server.Commands().empty())
                     std::this_thread::sleep_for(std::chrono::milliseconds(1));
-                std::filesystem::resize_file(recorder.File(), size);
+                fs::resize_file(recorder.File(), size);
             });
         EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
         writer.join();

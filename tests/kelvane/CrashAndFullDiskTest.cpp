@@ -13,7 +13,6 @@
 #include <regex>
 #include <thread>
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 constexpr int kTextLength = 400'000;

@@ -83,10 +83,10 @@ TEST(Files, AreWrittenAsUtf8)
     const TestFolder folder;
     const ZTString start = ZTString(folder.Path().string().c_str()) + L"/";
     const ZTString list = start + L"list\u00FC.txt";
-    const std::filesystem::path name = u8"list\u00FC.txt";
+    const fs::path name = u8"list\u00FC.txt";
     EXPECT_EQ(ZTGetFileSize(list), 0u) << "not there";
     EXPECT_TRUE(WriteTextFileAsUTF8(list, L"", true, true, false, false));
-    EXPECT_TRUE(std::filesystem::exists(folder.Path() / name)) << "an empty text makes an empty file";
+    EXPECT_TRUE(fs::exists(folder.Path() / name)) << "an empty text makes an empty file";
     EXPECT_TRUE(WriteTextFileAsUTF8(list, L"one\r\n\u00FC", true, true, false, false));
     EXPECT_EQ(folder.Read(name), "one\r\nü") << "line ends stay";
     EXPECT_EQ(ZTGetFileSize(list), 7u);

@@ -8,7 +8,6 @@
 #include <set>
 #include <thread>
 
-namespace fs = std::filesystem;
 using namespace testing;
 
 // The line less its time, process and thread.

@@ -7,7 +7,6 @@
 
 #include <thread>
 
-namespace fs = std::filesystem;
 using namespace testing;
 using namespace std::string_literals;
 

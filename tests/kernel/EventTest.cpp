@@ -6,8 +6,6 @@
 #include <chrono>
 #include <thread>
 
-namespace fs = std::filesystem;
-
 namespace
 {
 

@@ -7,8 +7,6 @@
 
 #include <map>
 
-namespace fs = std::filesystem;
-
 constexpr DWORD kFolder = FILE_ATTRIBUTE_DIRECTORY;
 constexpr DWORD kLink = FILE_ATTRIBUTE_REPARSE_POINT;
 

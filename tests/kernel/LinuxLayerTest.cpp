@@ -15,8 +15,6 @@
 #include <csignal>
 #include <fstream>
 
-namespace fs = std::filesystem;
-
 TEST(HandleOnLinux, IsNeverUsedAgainOnceClosed)
 {
     const HANDLE closed = CreateEventW(nullptr, TRUE, FALSE, UniqueName(L"closed").c_str());

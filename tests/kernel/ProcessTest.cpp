@@ -35,7 +35,7 @@ TEST(Process, SplitsTheCommandLineAsTheCRuntimeDoes)
 TEST(Process, ExitCodeIsThereOnceItHasEnded)
 {
     const AgentFolder folder;
-    const std::string name = std::filesystem::path(UniqueName(L"exit")).string();
+    const std::string name = fs::path(UniqueName(L"exit")).string();
     const ChildProcess agent = folder.Start({"await:" + name + ":none", "exit:7"});
     DWORD code = 0;
     EXPECT_EQ(WaitForSingleObject(agent.Handle(), 100), DWORD{WAIT_TIMEOUT});
@@ -50,7 +50,7 @@ TEST(Process, SaysWhyItCouldNotStart)
     const AgentFolder folder;
     folder.Write("plain", "text");
     folder.Write("runnable", "text");
-    std::filesystem::permissions(folder.Path() / "runnable", std::filesystem::perms::owner_all);
+    fs::permissions(folder.Path() / "runnable", fs::perms::owner_all);
     const auto quoted = [&](const wchar_t* name) { return L'"' + (folder.Path() / name).wstring() + L'"'; };
     // Windows knows no right to run a file, and Wine no error of its own for a path through a file.
     const std::pair<std::wstring, DWORD> rows[] = {

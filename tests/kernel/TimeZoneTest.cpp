@@ -12,7 +12,7 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
     // As ":/etc/localtime", which servers set to spare the C library a look at that link.
     const TestFolder folder;
     const std::string tokyo = "/usr/share/zoneinfo/Asia/Tokyo";
-    std::filesystem::create_symlink(tokyo, folder.Path() / "zone");
+    fs::create_symlink(tokyo, folder.Path() / "zone");
     const std::string link = ":" + (folder.Path() / "zone").string();
     // With the other names that zones have there.
     folder.Write("zoneinfo/posix/Asia/Tokyo", ReadFile(tokyo));
@@ -37,8 +37,7 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
     for (const auto& [zone, expectedBias, daylightBias, changes, standardName, daylightName] : rows)
     {
         // Debian 13 has the old names in a package of their own.
-        if (zone == std::string("Asia/Calcutta") &&
-            !std::filesystem::exists("/usr/share/zoneinfo/Asia/Calcutta"))
+        if (zone == std::string("Asia/Calcutta") && !fs::exists("/usr/share/zoneinfo/Asia/Calcutta"))
             continue;
         const Variable variable("TZ", zone);
         TIME_ZONE_INFORMATION information = {};

@@ -48,7 +48,7 @@ std::string ThisComputer()
     wchar_t name[256] = L"";
     DWORD size = 256;
     GetComputerNameW(name, &size);
-    return std::filesystem::path(name).string();
+    return fs::path(name).string();
 }
 
 TEST(Report, StandsInItsOrderAndTheProgramEndsWithZero)

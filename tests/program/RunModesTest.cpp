@@ -12,8 +12,6 @@
 namespace
 {
 
-namespace fs = std::filesystem;
-
 // The answers that the terminal offers.
 std::string Press(const std::string& buttons)
 {

@@ -6,8 +6,6 @@
 #include <cstdio>
 #include <string_view>
 
-namespace fs = std::filesystem;
-
 // With the files' ages, which decide what is shipped.
 static void CopyTree(const fs::path& from, const fs::path& to)
 {

@@ -42,7 +42,7 @@ BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     EXPECT_TRUE(window == gConsoleWnd && message == 0x402 && wParam == 0 && !gbFTPDone);
     auto* const text = reinterpret_cast<wchar_t*>(lParam);
-    gPosted.push_back(std::filesystem::path(text).string());
+    gPosted.push_back(fs::path(text).string());
     free(text);
     return TRUE;
 }
@@ -60,10 +60,9 @@ extern "C"
     {
         const bool isNumber = property == 24 || property == 41;
         const bool isWide = property == 10021;
-        const std::string text =
-            isNumber ? std::to_string(reinterpret_cast<std::intptr_t>(value))
-            : isWide ? std::filesystem::path(static_cast<const wchar_t*>(value)).filename().string()
-                     : static_cast<const char*>(value);
+        const std::string text = isNumber ? std::to_string(reinterpret_cast<std::intptr_t>(value))
+                                 : isWide ? fs::path(static_cast<const wchar_t*>(value)).filename().string()
+                                          : static_cast<const char*>(value);
         gComponent.calls.push_back("set " + std::to_string(property) + " " + std::to_string(index) + " " +
                                    text + " " + std::to_string(length));
         return gComponent.refusals.contains(property) ? gComponent.refusals[property] : 0;
@@ -93,7 +92,7 @@ extern "C"
     }
 }
 
-static std::vector<std::string> RunFtpProc(const std::filesystem::path& file)
+static std::vector<std::string> RunFtpProc(const fs::path& file)
 {
     gPosted.clear();
     FTPProc(new FTPProcArgs{ZTString(file.wstring().c_str()), ZTString(L"remote.zip")});
@@ -106,7 +105,7 @@ using Texts = std::vector<std::string>;
 TEST(FTPProc, SetsSevenPropertiesUploadsOnceAndPostsALineForEachChangeOfThePercentFigure)
 {
     const TestFolder folder;
-    const std::filesystem::path file = folder.Path() / "local.zip";
+    const fs::path file = folder.Path() / "local.zip";
     WriteFile(file, std::string(200, 'x'));
     const std::int64_t all = 200;
     gComponent = {.uploads = {[&]
@@ -138,7 +137,7 @@ TEST(FTPProc, SetsSevenPropertiesUploadsOnceAndPostsALineForEachChangeOfThePerce
 TEST(FTPProc, GoesOnAfterRefusedPropertiesAndTriesDirectModeWhenNothingWasSentWhateverTheResult)
 {
     const TestFolder folder;
-    const std::filesystem::path file = folder.Path() / "local.zip";
+    const fs::path file = folder.Path() / "local.zip";
     WriteFile(file, "1234567");
     gLastFTPPercent = 40;
     gComponent = {.refusals = {{42, 1}, {25, 2}, {27, 3}, {24, -4}, {41, 5}, {10021, 6}, {26, 7}},

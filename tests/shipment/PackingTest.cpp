@@ -7,7 +7,6 @@
 #include <sstream>
 #include <thread>
 
-namespace fs = std::filesystem;
 using namespace testing;
 
 using Archiver = ShipmentTest;

@@ -25,8 +25,7 @@ TEST(OldFileNames, ExactlyTheCutOffIsNotOld)
     using namespace std::chrono;
     const TestFolder logs;
     logs.Write("file.log", "x");
-    std::filesystem::last_write_time(logs.Path() / "file.log",
-                                     file_clock::from_sys(sys_seconds(seconds(kCutOff))));
+    fs::last_write_time(logs.Path() / "file.log", file_clock::from_sys(sys_seconds(seconds(kCutOff))));
     const ZTString directory = logs.Path().wstring().c_str();
     EXPECT_EQ(OldFileNames(directory, kCutOff), std::set<ZTString>{});
     EXPECT_EQ(OldFileNames(directory, kCutOff + 1), std::set<ZTString>{L"file.log"});
@@ -46,7 +45,7 @@ TEST(ArchiveAndList, AreDeletedThoughAScannerHoldsThem)
                              (logs.Path() / "list.txt").wstring().c_str());
     };
     deleteBoth();
-    EXPECT_TRUE(std::filesystem::is_empty(logs.Path()));
+    EXPECT_TRUE(fs::is_empty(logs.Path()));
     const auto start = std::chrono::steady_clock::now();
     deleteBoth();
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300)) << "nothing is there";

@@ -7,8 +7,6 @@
 #include <regex>
 #include <unistd.h>
 
-namespace fs = std::filesystem;
-
 bool gHasOwnNetwork = false;
 
 ProgramStart ShipmentTest::Unattended(const std::string& name, bool asOtherUser)

@@ -38,10 +38,10 @@ protected:
     {
         if (!gHasOwnNetwork)
             GTEST_SKIP() << "a network of its own needs root";
-        std::filesystem::create_directories(Logs());
+        fs::create_directories(Logs());
     }
 
-    std::filesystem::path Logs() const { return folder.Path() / "Logs"; }
+    fs::path Logs() const { return folder.Path() / "Logs"; }
     static ProgramStart Unattended(const std::string& name, bool asOtherUser = false);
     // How each shipment must end: of itself and in order (a sanitizer that found something gives another exit
     // code), without a password or what a terminal obeys in the text, without an archive or a list left.
@@ -53,16 +53,16 @@ protected:
     // Puts a shell script in the place of the archiver; "$REAL" is the real one.
     void ReplaceArchiver(const std::string& script) const;
     // Gives the folder to the user without rights, with `mode` for `path`.
-    void GiveAway(const std::filesystem::path& path, std::filesystem::perms mode) const;
+    void GiveAway(const fs::path& path, fs::perms mode) const;
 
     ProgramFolder folder;
 };
 
-void MakeOld(const std::filesystem::path& path, std::chrono::hours age = std::chrono::hours(24 * 30));
+void MakeOld(const fs::path& path, std::chrono::hours age = std::chrono::hours(24 * 30));
 
 // Whether a process, by its number, is gone within two seconds.
 bool EndsSoon(const std::string& process);
 
 // The files of an archive: relative path to content.
 using Tree = std::map<std::string, std::string>;
-Tree Unpack(const std::filesystem::path& archive, const std::set<int>& expected = {0});
+Tree Unpack(const fs::path& archive, const std::set<int>& expected = {0});

@@ -8,7 +8,6 @@
 
 #include <csignal>
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 static std::function<bool(const std::string&, int)> Shows(const std::string& text)

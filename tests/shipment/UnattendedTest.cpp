@@ -3,7 +3,6 @@
 #include "tests/shipment/ShipmentRun.h"
 #include "tests/support/ScriptedFtpServer.h"
 
-namespace fs = std::filesystem;
 using namespace testing;
 
 using UnattendedShipment = ShipmentTest;

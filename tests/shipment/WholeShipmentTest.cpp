@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <ctime>
 
-namespace fs = std::filesystem;
 using namespace testing;
 
 constexpr int kFolders = 50;

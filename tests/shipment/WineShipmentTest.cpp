@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 
-namespace fs = std::filesystem;
 using namespace testing;
 
 const fs::path kBuild = fs::path(TAVO_SOURCE_DIR) / "build-windows";

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cstdio>
 
-namespace fs = std::filesystem;
-
 AgentFolder::AgentFolder()
 {
     fs::copy(TAVO_AGENT, Agent());

@@ -19,7 +19,7 @@ class AgentFolder : public TestFolder
 public:
     AgentFolder();
 
-    std::filesystem::path Agent() const;
+    fs::path Agent() const;
 
     // Both from any thread. `asNobody` (Linux, as root) runs the agent as a user without rights.
     ChildProcess Start(const std::vector<std::string>& steps) const;

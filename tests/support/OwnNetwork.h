@@ -11,7 +11,7 @@
 bool EnterOwnNetwork();
 
 // From now on this process sees `content` in place of the file `path`, until that is unmounted.
-void ReplaceSystemFile(const std::filesystem::path& path, const std::string& content);
+void ReplaceSystemFile(const fs::path& path, const std::string& content);
 
 // Makes `host` an alias of 127.0.0.1.
 void PointHostHere(const std::string& host);
@@ -26,7 +26,7 @@ public:
     RealFtpServer(const RealFtpServer&) = delete;
     RealFtpServer& operator=(const RealFtpServer&) = delete;
 
-    const std::filesystem::path& Directory() const { return mDirectory.Path(); }
+    const fs::path& Directory() const { return mDirectory.Path(); }
 
 private:
     TestFolder mDirectory{"tavo-test-"};

@@ -12,8 +12,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace fs = std::filesystem;
-
 constexpr uid_t kUser = 64321; // of no other account
 
 bool EnterOwnNetwork()

@@ -3,8 +3,6 @@
 
 #include <regex>
 
-namespace fs = std::filesystem;
-
 ProgramFolder::ProgramFolder()
 {
     for (const fs::directory_entry& entry : fs::directory_iterator(TAVO_PROGRAM_DIR))

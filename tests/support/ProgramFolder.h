@@ -16,7 +16,7 @@ bool RunsOnWindows();
 bool LeaveNamedEventsOfOthers();
 
 // Keeps a file from everybody for a fifth of a second, as a virus scanner may; where a system has that.
-void HoldForAMoment(const std::filesystem::path& path);
+void HoldForAMoment(const fs::path& path);
 
 struct ProgramOutcome
 {
@@ -51,13 +51,13 @@ public:
     // Copies TAVO_PROGRAM_DIR without logs and settings.
     ProgramFolder();
 
-    const std::filesystem::path& Path() const { return mDirectory.Path(); }
-    std::filesystem::path Program() const;
+    const fs::path& Path() const { return mDirectory.Path(); }
+    fs::path Program() const;
 
     ProgramOutcome Run(const ProgramStart& start) const;
 
     // The text of a file of the folder, empty when it is not there.
-    std::string Read(const std::filesystem::path& name) const { return ReadFile(Path() / name); }
+    std::string Read(const fs::path& name) const { return ReadFile(Path() / name); }
     std::string Log() const { return Read("Logs/Tavo.log"); }
 
 private:

@@ -39,7 +39,7 @@ std::string Said(const std::string& command)
     return text + (status == 0 ? "" : "ended with " + std::to_string(WEXITSTATUS(status)));
 }
 
-std::filesystem::path ProgramFolder::Program() const
+fs::path ProgramFolder::Program() const
 {
     return Path() / "Tavo";
 }
@@ -57,7 +57,7 @@ static std::vector<std::string> CommandOf(const ProgramStart& start, const std::
     return command;
 }
 
-void HoldForAMoment(const std::filesystem::path&) {}
+void HoldForAMoment(const fs::path&) {}
 
 ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
 {

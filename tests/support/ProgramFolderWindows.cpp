@@ -145,12 +145,12 @@ void SetVariable(const char* name, const char* value)
     _putenv((name + std::string("=") + (value != nullptr ? value : "")).c_str());
 }
 
-std::filesystem::path ProgramFolder::Program() const
+fs::path ProgramFolder::Program() const
 {
     return Path() / "Tavo.exe";
 }
 
-void HoldForAMoment(const std::filesystem::path& path)
+void HoldForAMoment(const fs::path& path)
 {
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     std::thread(

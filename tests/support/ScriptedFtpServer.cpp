@@ -48,7 +48,7 @@ ScriptedFtpServer::ScriptedFtpServer(const FtpScript& script, std::uint16_t port
 
 ScriptedFtpServer::~ScriptedFtpServer()
 {
-    std::filesystem::remove(mFolder.Path() / "alive");
-    for (int i = 0; i < kWaits && std::filesystem::exists(mFolder.Path() / "port"); ++i)
+    fs::remove(mFolder.Path() / "alive");
+    for (int i = 0; i < kWaits && fs::exists(mFolder.Path() / "port"); ++i)
         std::this_thread::sleep_for(kWait);
 }

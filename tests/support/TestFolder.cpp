@@ -6,7 +6,7 @@
 #include <random>
 #include <sstream>
 
-std::string ReadFile(const std::filesystem::path& path)
+std::string ReadFile(const fs::path& path)
 {
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();
@@ -22,9 +22,9 @@ std::vector<std::string> Lines(const std::string& text)
     return lines;
 }
 
-void WriteFile(const std::filesystem::path& path, const std::string& content)
+void WriteFile(const fs::path& path, const std::string& content)
 {
-    std::filesystem::create_directories(path.parent_path());
+    fs::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << content;
 }
 
@@ -46,15 +46,15 @@ std::string RandomBytes(std::size_t count)
 }
 
 TestFolder::TestFolder(const std::string& name)
-    : mPath(std::filesystem::temp_directory_path() / (name + std::to_string(std::random_device()())))
+    : mPath(fs::temp_directory_path() / (name + std::to_string(std::random_device()())))
 {
-    std::filesystem::create_directory(mPath);
+    fs::create_directory(mPath);
 }
 
 TestFolder::~TestFolder()
 {
     std::error_code ignored;
-    std::filesystem::remove_all(mPath, ignored);
+    fs::remove_all(mPath, ignored);
 }
 
 std::wstring UniqueName(const std::wstring& name)

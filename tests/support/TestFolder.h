@@ -7,14 +7,16 @@
 #include <string>
 #include <vector>
 
+namespace fs = std::filesystem;
+
 // Empty when it is not there.
-std::string ReadFile(const std::filesystem::path& path);
+std::string ReadFile(const fs::path& path);
 
 // A text's lines without their ends.
 std::vector<std::string> Lines(const std::string& text);
 
 // Makes the folders above it too.
-void WriteFile(const std::filesystem::path& path, const std::string& content);
+void WriteFile(const fs::path& path, const std::string& content);
 
 std::string Repeated(const std::string& part, std::size_t times);
 
@@ -30,12 +32,12 @@ public:
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
 
-    const std::filesystem::path& Path() const { return mPath; }
-    std::string Read(const std::filesystem::path& name) const { return ReadFile(mPath / name); }
+    const fs::path& Path() const { return mPath; }
+    std::string Read(const fs::path& name) const { return ReadFile(mPath / name); }
     void Write(const std::string& name, const std::string& text) const { WriteFile(mPath / name, text); }
 
 private:
-    std::filesystem::path mPath;
+    fs::path mPath;
 };
 
 // A name that no other test run uses at the same time.
