@@ -151,7 +151,8 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
             {
                 if (clicks)
                     SendMessageW(open.m_hWnd, WM_COMMAND, IDC_FTP_LOGS, 0);
-                EXPECT_EQ(IsEnabled(::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS)), !starts) << commandLine;
+                const BOOL wasDisabled = EnableWindow(::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS), !starts);
+                EXPECT_EQ(wasDisabled, starts) << commandLine;
                 MSG message;
                 int posted = 0;
                 // Taken away here: no shipment is to run.

@@ -136,7 +136,8 @@ TEST(ModalDialog, DisablesItsParentAndReturnsBeforeItThoughThatEndsFirst)
         },
         [&]
         {
-            EXPECT_TRUE(!IsEnabled(outer.m_hWnd) && IsEnabled(inner.m_hWnd));
+            EXPECT_TRUE(outer.EnableWindow(FALSE)) << "it was disabled";
+            EXPECT_FALSE(inner.EnableWindow(TRUE));
             outer.EndDialog(1);
         },
         [&]
@@ -224,7 +225,7 @@ TEST(DataExchange, TakesNumbersOf32BitsAndStaysOpenWithAnyOtherTextSelected)
             [&]
             {
                 EXPECT_EQ(TextOf(TopWindow()), L"framework_tests"); // no application tells its name
-                EXPECT_FALSE(IsEnabled(dialog.m_hWnd));
+                EXPECT_TRUE(dialog.EnableWindow(FALSE)) << "it was disabled";
                 EXPECT_EQ(ReadAndCloseMessageBox(), L"Please enter a positive integer.");
             },
             [&, &text = text]

@@ -27,7 +27,6 @@ public:
     DWORD Error() const { return mError; } // ERROR_SUCCESS when it has started
     HANDLE Handle() const { return mInformation.hProcess; }
     DWORD Id() const { return mInformation.dwProcessId; }
-    bool IsRunning() const { return WaitForSingleObject(Handle(), 0) == WAIT_TIMEOUT; }
 
     // Waits for its end, for two minutes at most.
     DWORD ExitCode() const;

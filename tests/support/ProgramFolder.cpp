@@ -3,7 +3,7 @@
 
 #include <regex>
 
-ProgramFolder::ProgramFolder()
+ProgramFolder::ProgramFolder() : TestFolder("tavo-test-")
 {
     for (const fs::directory_entry& entry : fs::directory_iterator(TAVO_PROGRAM_DIR))
     {

@@ -45,23 +45,17 @@ struct ProgramStart
     std::vector<int> ignoredSignals{}; // from the start
 };
 
-class ProgramFolder
+class ProgramFolder : public TestFolder
 {
 public:
     // Copies TAVO_PROGRAM_DIR without logs and settings.
     ProgramFolder();
 
-    const fs::path& Path() const { return mDirectory.Path(); }
     fs::path Program() const;
 
     ProgramOutcome Run(const ProgramStart& start) const;
 
-    // The text of a file of the folder, empty when it is not there.
-    std::string Read(const fs::path& name) const { return ReadFile(Path() / name); }
     std::string Log() const { return Read("Logs/Tavo.log"); }
-
-private:
-    TestFolder mDirectory{"tavo-test-"};
 };
 
 // What a command of the shell writes, and then "ended with N" where that is not 0; Linux only.

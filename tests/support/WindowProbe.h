@@ -10,9 +10,6 @@
 HWND TopWindow();
 HWND FocusedControl();
 
-// False as well for a window that has gone.
-bool IsEnabled(HWND window);
-
 std::wstring TextOf(HWND window); // also one of another process
 std::wstring SelectionOf(HWND edit);
 

@@ -31,12 +31,6 @@ HWND FocusedControl()
     return top && top->dialog->focus ? top->dialog->focus->handle : nullptr;
 }
 
-bool IsEnabled(HWND window)
-{
-    const Window* found = Find(window);
-    return found && found->enabled;
-}
-
 std::wstring SelectionOf(HWND edit)
 {
     const Window* found = Find(edit);

@@ -11,11 +11,6 @@ HWND FocusedControl()
     return GetFocus();
 }
 
-bool IsEnabled(HWND window)
-{
-    return IsWindow(window) && IsWindowEnabled(window);
-}
-
 std::wstring SelectionOf(HWND edit)
 {
     DWORD start = 0;
