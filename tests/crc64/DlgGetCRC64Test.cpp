@@ -8,9 +8,6 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-
 // Computes the sums of some texts as soon as it is open, and closes.
 class Tool : public CDlgGetCRC64
 {
@@ -46,8 +43,6 @@ class Tool : public CDlgGetCRC64
         return FALSE;
     }
 };
-
-} // namespace
 
 TEST(DlgGetCRC64, ShowsTheSumOfATextInBothForms)
 {

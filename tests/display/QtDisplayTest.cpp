@@ -16,21 +16,18 @@
 
 using platform::WindowKind;
 
-namespace
-{
-
-QWidget& Shown(const platform::Window& window)
+static QWidget& Shown(const platform::Window& window)
 {
     return *static_cast<QWidget*>(window.shown);
 }
 
-QWidget& TopWidget()
+static QWidget& TopWidget()
 {
     return Shown(*platform::TopDialog());
 }
 
 template <typename Widget = QWidget>
-Widget& WidgetOf(int id)
+static Widget& WidgetOf(int id)
 {
     for (const auto& control : platform::TopDialog()->children)
         if (control->id == static_cast<UINT>(id))
@@ -38,18 +35,18 @@ Widget& WidgetOf(int id)
     throw std::out_of_range("no such control");
 }
 
-HWND ControlOf(int id)
+static HWND ControlOf(int id)
 {
     return GetDlgItem(platform::TopDialog()->handle, id);
 }
 
 // Where the keyboard is.
-void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+static void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
 {
     QTest::keyClick(QApplication::focusWidget(), key, modifiers);
 }
 
-void Type(const char* text)
+static void Type(const char* text)
 {
     QTest::keyClicks(QApplication::focusWidget(), text);
 }
@@ -91,7 +88,7 @@ private:
     QTimer mTimer;
 };
 
-INT_PTR Serve(HWND dialog, UINT message, WPARAM wParam, LPARAM onInit)
+static INT_PTR Serve(HWND dialog, UINT message, WPARAM wParam, LPARAM onInit)
 {
     if (message == WM_INITDIALOG)
         (*reinterpret_cast<const Step*>(onInit))();
@@ -102,7 +99,7 @@ INT_PTR Serve(HWND dialog, UINT message, WPARAM wParam, LPARAM onInit)
 
 // Shows a dialog of Tavo.rc to a person. The first button that is pressed ends it with the button's id, and
 // so do IDOK and IDCANCEL where it has no such button. `owner` may be null; `onInit` runs before it is shown.
-INT_PTR Use(
+static INT_PTR Use(
     int dialogId, std::vector<Step> steps, HWND owner = nullptr, const Step& onInit = [] {})
 {
     const Person person(std::move(steps));
@@ -123,7 +120,7 @@ protected:
 
 const Step kEscape = [] { Press(Qt::Key_Escape); };
 
-std::vector<const platform::Window*> VisibleControls()
+static std::vector<const platform::Window*> VisibleControls()
 {
     std::vector<const platform::Window*> visible;
     for (const auto& control : platform::TopDialog()->children)
@@ -132,7 +129,7 @@ std::vector<const platform::Window*> VisibleControls()
     return visible;
 }
 
-void ExpectRoomForText(const platform::Window& control)
+static void ExpectRoomForText(const platform::Window& control)
 {
     const QWidget& widget = Shown(control);
     const QString text = QString::fromStdWString(control.text);
@@ -182,26 +179,24 @@ std::string DescribedDialog()
 
 const QString kHundredLines = QString::fromStdString(Repeated("[5ms] a line\r\n", 100));
 
-void Append(const std::wstring& added)
+static void Append(const std::wstring& added)
 {
     const HWND output = ControlOf(IDC_OUTPUT);
     SetWindowTextW(output, (TextOf(output) + added).c_str());
 }
 
-void ShowHundredLines()
+static void ShowHundredLines()
 {
     SetWindowTextW(ControlOf(IDC_OUTPUT), kHundredLines.toStdWString().c_str());
     SendMessageW(ControlOf(IDC_OUTPUT), EM_LINESCROLL, 0, 101);
 }
 
-void ExpectOutputAtItsEnd()
+static void ExpectOutputAtItsEnd()
 {
     const QScrollBar& bar = *WidgetOf<QPlainTextEdit>(IDC_OUTPUT).verticalScrollBar();
     EXPECT_EQ(bar.value(), bar.maximum());
     EXPECT_GT(bar.value(), 0);
 }
-
-} // namespace
 
 TEST_F(QtDisplay, CutsNoTextAndLetsNoControlLieOnAnother)
 {

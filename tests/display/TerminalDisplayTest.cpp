@@ -17,12 +17,9 @@
 using namespace testing;
 using namespace std::string_literals;
 
-namespace
-{
-
 // What the scenario wrote, which runs in a child process for a minute at most.
-std::string OutputOf(const std::function<void()>& scenario, const std::string& input,
-                     const char* locale = "C.UTF-8")
+static std::string OutputOf(const std::function<void()>& scenario, const std::string& input,
+                            const char* locale = "C.UTF-8")
 {
     const TestFolder folder;
     folder.Write("in", input);
@@ -46,13 +43,13 @@ std::string OutputOf(const std::function<void()>& scenario, const std::string& i
 }
 
 // What a dialog wrote whose input has ended.
-std::string OutputInDialog(const std::function<void(HWND)>& body, const char* locale = "C.UTF-8")
+static std::string OutputInDialog(const std::function<void(HWND)>& body, const char* locale = "C.UTF-8")
 {
     return OutputOf([&] { InDialog(body); }, "", locale);
 }
 
 // Shows in its log every command that it gets and what its controls then hold.
-bool TraceCommands(HWND dialog, UINT message, WPARAM wParam, LPARAM)
+static bool TraceCommands(HWND dialog, UINT message, WPARAM wParam, LPARAM)
 {
     if (message == WM_INITDIALOG)
     {
@@ -72,7 +69,7 @@ bool TraceCommands(HWND dialog, UINT message, WPARAM wParam, LPARAM)
 }
 
 // A long handler is posted before input has ended, and serves messages while it works.
-void LongHandler()
+static void LongHandler()
 {
     ScriptedDialog script;
     script.serve = [](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
@@ -97,7 +94,7 @@ void LongHandler()
     script.Run();
 }
 
-void OddText(HWND dialog)
+static void OddText(HWND dialog)
 {
     AddToLog(dialog, L"\x1b]0;title\a\x7f\x9b");
     AddToLog(dialog, L"31m\ttab\rback\r");
@@ -109,8 +106,6 @@ const std::string kFields = "Label: \n"
                             "1003: Red (of Red, Green, Green-blue)\n";
 const std::string kOpened = "Controls\n" + kFields;
 const std::string kCanceled = "2 |Red|0\n";
-
-} // namespace
 
 TEST(TerminalDisplay, ObeysLines)
 {

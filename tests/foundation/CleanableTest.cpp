@@ -8,13 +8,10 @@
 #include <optional>
 #include <thread>
 
-namespace
-{
-
 // The text, the count and the size in KB.
 using Report = std::tuple<std::string, std::uint64_t, std::uint64_t>;
 
-Report ReportOf(Cleanable& object)
+static Report ReportOf(Cleanable& object)
 {
     ZTString text;
     std::uint64_t count = 0;
@@ -23,7 +20,7 @@ Report ReportOf(Cleanable& object)
     return {{text.GetString(), text.GetString() + text.GetLength()}, count, size};
 }
 
-std::size_t Registered()
+static std::size_t Registered()
 {
     const CAcquireCS registry(GetgCleanablesCS());
     return GetgCleanables().size();
@@ -31,8 +28,6 @@ std::size_t Registered()
 
 // Counted right after the containers have come to life; only objects of a class can be ordered.
 [[gnu::init_priority(kStaticContainers + 1)]] const std::optional<std::size_t> gEarlyCount = Registered();
-
-} // namespace
 
 TEST(Cleanable, SixVectorsAreRegisteredBeforeTheProgramStarts)
 {

@@ -9,14 +9,11 @@
 #include <deque>
 #include <optional>
 
-namespace
-{
-
 constexpr UINT WM_STEP = WM_USER + 1;
 constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
 
 // A step that only lets what was posted before it come first.
-void Nothing() {}
+static void Nothing() {}
 
 // Driven by a list of steps. Each is a posted message of its own, posted before the one in front runs: when
 // that opens a nested loop (a dialog, a message box, a handler that pumps) the next one runs inside it.
@@ -77,7 +74,7 @@ ON_MESSAGE(WM_STEP, OnStep)
 ON_MESSAGE(WM_ADD, OnAdd)
 END_MESSAGE_MAP()
 
-std::wstring ReadAndCloseMessageBox()
+static std::wstring ReadAndCloseMessageBox()
 {
     constexpr int kMessageBoxText = 0xFFFF;
     const HWND box = TopWindow();
@@ -114,8 +111,6 @@ protected:
         DDX_Text(pDX, IDC_HIDDEN, mAfter);
     }
 };
-
-} // namespace
 
 TEST(ModalDialog, FailsWithoutATemplate)
 {

@@ -132,11 +132,8 @@ bool GssContext::Unwrap(std::string_view token, std::string& plain)
 
 } // namespace platform
 
-namespace
-{
-
 template <class Call>
-LdapFault InTime(Call call)
+static LdapFault InTime(Call call)
 {
     const auto start = steady_clock::now();
     LdapFault fault = call();
@@ -144,7 +141,7 @@ LdapFault InTime(Call call)
     return fault;
 }
 
-void Search(LdapSession& session)
+static void Search(LdapSession& session)
 {
     const char* const attributes[] = {"namingContexts", nullptr};
     LdapSession::Messages result;
@@ -169,8 +166,6 @@ void Search(LdapSession& session)
         LdapSession::FreePosition(position);
     }
 }
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -17,9 +17,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace
-{
-
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
@@ -30,7 +27,7 @@ constexpr unsigned char kExtendedResponse = 0x78;
 constexpr const char* kUnbind = "\x42";
 constexpr const char* kAbandon = "\x50";
 
-PWCHAR Text(const wchar_t* text)
+static PWCHAR Text(const wchar_t* text)
 {
     return const_cast<PWCHAR>(text);
 }
@@ -53,7 +50,7 @@ struct Session
     LDAP* const handle = owner.get();
 };
 
-ULONG Search(const Session& session)
+static ULONG Search(const Session& session)
 {
     PWCHAR attributes[] = {Text(L"namingContexts"), nullptr};
     LDAPMessage* result = nullptr;
@@ -64,7 +61,7 @@ ULONG Search(const Session& session)
 }
 
 // Answers the bind with what `answer` gives and waits until the client has gone.
-Script Answer(const Script& answer)
+static Script Answer(const Script& answer)
 {
     return [answer](Connection& peer)
     {
@@ -74,18 +71,18 @@ Script Answer(const Script& answer)
     };
 }
 
-Script Message(const std::string& operation)
+static Script Message(const std::string& operation)
 {
     return Answer([=](Connection& peer) { peer.SendMessage(operation); });
 }
 
-Script BoundThen(const Script& answer)
+static Script BoundThen(const Script& answer)
 {
     return [answer](Connection& peer) { peer.AcceptBind() && peer.ReadRequest() && (answer(peer), true); };
 }
 
 // Before the first request is read the peer's answers bear the number 0: nobody asked for them.
-Script Unasked(const std::vector<std::string>& operations, const Script& then)
+static Script Unasked(const std::vector<std::string>& operations, const Script& then)
 {
     return [=](Connection& peer)
     {
@@ -256,7 +253,7 @@ TEST(LdapConnect, TellsWhatTheSystemSays)
     EXPECT_STREQ(ldap_err2stringW(0xFFFF), L"Unknown Error");
 }
 
-bool IsASocketKeptAlive()
+static bool IsASocketKeptAlive()
 {
     int value = 0;
     for (int descriptor = 0; descriptor < 256 && value == 0; ++descriptor)
@@ -437,5 +434,3 @@ TEST(LdapLogOn, IsNotHeldUpByASilentNameServer)
             EXPECT_EQ(code, 0x31u);
     }
 }
-
-} // namespace

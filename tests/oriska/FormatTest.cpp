@@ -5,10 +5,7 @@
 
 #include <cstdio>
 
-namespace
-{
-
-std::wstring Text(const wchar_t* format, const PlaceholderValues& values)
+static std::wstring Text(const wchar_t* format, const PlaceholderValues& values)
 {
     const ZTString text = _StrFormat(format, values);
     return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
@@ -16,13 +13,11 @@ std::wstring Text(const wchar_t* format, const PlaceholderValues& values)
 
 using Case = std::tuple<const wchar_t*, PlaceholderValues, const wchar_t*>;
 
-void Check(const std::vector<Case>& cases)
+static void Check(const std::vector<Case>& cases)
 {
     for (const auto& [format, values, text] : cases)
         EXPECT_EQ(Text(format, values), text) << "format " << testing::PrintToString(format);
 }
-
-} // namespace
 
 static_assert(std::is_trivially_copyable_v<PlaceholderValue>);
 

@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-namespace
-{
-
 class CountingManager final : public IAtlStringMgr
 {
 public:
@@ -38,8 +35,6 @@ private:
         wchar_t terminator;
     } mNil{{this, 0, 0}, 0};
 };
-
-} // namespace
 
 static_assert(std::is_nothrow_move_constructible_v<ZTString> && std::is_nothrow_move_assignable_v<ZTString>);
 

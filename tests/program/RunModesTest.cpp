@@ -9,16 +9,13 @@
 #include <future>
 #include <regex>
 
-namespace
-{
-
 // The answers that the terminal offers.
-std::string Press(const std::string& buttons)
+static std::string Press(const std::string& buttons)
 {
     return RunsOnWindows() ? "" : "Press: " + buttons + "\n";
 }
 
-std::string CommandLineOf(const std::vector<std::string>& arguments)
+static std::string CommandLineOf(const std::vector<std::string>& arguments)
 {
     std::string line;
     for (const std::string& argument : arguments)
@@ -27,8 +24,9 @@ std::string CommandLineOf(const std::vector<std::string>& arguments)
 }
 
 // What a run logs, less its times and numbers: its first lines, those of its mode, and the last one.
-void ExpectLog(const ProgramFolder& folder, const std::string& user,
-               const std::vector<std::string>& arguments, const std::string& lines, const std::string& end)
+static void ExpectLog(const ProgramFolder& folder, const std::string& user,
+                      const std::vector<std::string>& arguments, const std::string& lines,
+                      const std::string& end)
 {
     const std::regex head(R"([0-9-]{10} [0-9:.]{12} [+-]\d{4} \[\d+:\d+( Main)?\] )");
     const std::string program = folder.Program().string(), quote = RunsOnWindows() ? "\"" : "";
@@ -39,7 +37,7 @@ void ExpectLog(const ProgramFolder& folder, const std::string& user,
                   end + "\n");
 }
 
-std::string ThisUser()
+static std::string ThisUser()
 {
     wchar_t name[256] = L"";
     DWORD size = std::size(name);
@@ -47,7 +45,7 @@ std::string ThisUser()
     return fs::path(name).string();
 }
 
-void OpenLog(const ProgramFolder& folder)
+static void OpenLog(const ProgramFolder& folder)
 {
     fs::create_directories(folder.Path() / "Logs");
     fs::permissions(folder.Path() / "Logs", fs::perms(0777));
@@ -234,5 +232,3 @@ TEST(Console, LogsItsStartAndItsEndAndListensForTheShutdown)
         EXPECT_EQ(fs::status(folder.Path() / "Logs/Tavo.log").permissions(), fs::perms(0640));
     }
 }
-
-} // namespace

@@ -13,9 +13,6 @@
 #include <sstream>
 #include <thread>
 
-namespace
-{
-
 // The log must serve static objects, whichever comes first and last; the step "statics" stands for both.
 struct EarlyAndLate
 {
@@ -29,15 +26,15 @@ struct EarlyAndLate
 };
 const EarlyAndLate gEarlyAndLate;
 
-std::FILE* gAnswers = nullptr;
+static std::FILE* gAnswers = nullptr;
 
-void Answer(const ZTString& text)
+static void Answer(const ZTString& text)
 {
     std::fprintf(gAnswers, "%s\n", static_cast<const char*>(StrConverter(text)));
     std::fflush(gAnswers);
 }
 
-std::string Decoded(const std::string& text)
+static std::string Decoded(const std::string& text)
 {
     std::string decoded;
     for (std::size_t at = 0; at < text.size(); ++at)
@@ -49,28 +46,28 @@ std::string Decoded(const std::string& text)
     return decoded;
 }
 
-ZTString Show(eConfigID id)
+static ZTString Show(eConfigID id)
 {
     if (GetConfigType(id) == eParamString)
         return GetConfigStr(id, nullptr);
     return std::to_wstring(GetConfigDWord(id, nullptr)).c_str();
 }
 
-bool Set(eConfigID id, const ZTString& value)
+static bool Set(eConfigID id, const ZTString& value)
 {
     return GetConfigType(id) == eParamString
                ? SetConfigStr(id, value, true, nullptr)
                : SetConfigDWord(id, static_cast<DWORD>(wtodw(value)), true, nullptr);
 }
 
-void LogMany(const ZTString& name, unsigned long count)
+static void LogMany(const ZTString& name, unsigned long count)
 {
     for (unsigned long number = 0; number < count; ++number)
         _Log(kLogProgress, L"<{0:s}.{1:u}.{0:s}>", {name, number});
 }
 
 // Until the process is killed, at most a minute: two texts in turn, each a whole one.
-void SetForEver(eConfigID id, unsigned long length)
+static void SetForEver(eConfigID id, unsigned long length)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
     for (bool odd = false; std::chrono::steady_clock::now() < end; odd = !odd)
@@ -78,7 +75,7 @@ void SetForEver(eConfigID id, unsigned long length)
 }
 
 // Sets `ready` when it begins to wait for `event`.
-void Await(const ZTString& event, const ZTString& ready)
+static void Await(const ZTString& event, const ZTString& ready)
 {
     const HANDLE awaited = CreateEventW(nullptr, TRUE, FALSE, event);
     SetEvent(CreateEventW(nullptr, TRUE, FALSE, ready));
@@ -86,13 +83,13 @@ void Await(const ZTString& event, const ZTString& ready)
         std::exit(1);
 }
 
-void Open(const ZTString& event, const ZTString&)
+static void Open(const ZTString& event, const ZTString&)
 {
     CreateEventW(nullptr, TRUE, FALSE, event);
     Answer(std::to_wstring(GetLastError()).c_str());
 }
 
-void LogInThread(const ZTString& name, const ZTString& text)
+static void LogInThread(const ZTString& name, const ZTString& text)
 {
     std::thread(
         [&]
@@ -124,7 +121,7 @@ const std::map<std::string, void (*)(const ZTString&, const ZTString&)> kSteps =
     {"statics", [](auto&, auto&) {}},
 };
 
-void Do(const std::string& step)
+static void Do(const std::string& step)
 {
     std::istringstream rest(step);
     std::string verb, first, second;
@@ -132,8 +129,6 @@ void Do(const std::string& step)
         std::getline(rest, *word, ':');
     kSteps.at(verb)(Decoded(first).c_str(), Decoded(second).c_str());
 }
-
-} // namespace
 
 int main(int count, char** arguments)
 {

@@ -9,15 +9,12 @@
 #include <set>
 #include <thread>
 
-namespace
-{
-
 constexpr int kConsoleOutput = 1000;
 constexpr DWORD kPollMilliseconds = 50;
 // The report is over when the console's text has stood still for so long.
 constexpr int kStillPolls = 16;
 
-std::string Shown(const std::wstring& text)
+static std::string Shown(const std::wstring& text)
 {
     std::string shown = text::ToUtf8(text);
     std::erase(shown, '\r');
@@ -25,7 +22,7 @@ std::string Shown(const std::wstring& text)
 }
 
 // An argument as the C runtime of a Windows program takes it apart again.
-std::wstring Quoted(const std::wstring& argument)
+static std::wstring Quoted(const std::wstring& argument)
 {
     if (argument.find_first_of(L" \t") == std::wstring::npos)
         return argument;
@@ -127,8 +124,6 @@ private:
     std::set<HWND> mShown;
     std::string mSeen; // boxes and other dialogs
 };
-
-} // namespace
 
 bool RunsOnWindows()
 {
