@@ -60,22 +60,6 @@ static ULONG Search(const Session& session)
     return code;
 }
 
-// Answers the bind with what `answer` gives and waits until the client has gone.
-static Script Answer(const Script& answer)
-{
-    return [answer](Connection& peer)
-    {
-        peer.ReadRequest();
-        answer(peer);
-        peer.ReadRequest();
-    };
-}
-
-static Script Message(const std::string& operation)
-{
-    return Answer([=](Connection& peer) { peer.SendMessage(operation); });
-}
-
 static Script BoundThen(const Script& answer)
 {
     return [answer](Connection& peer) { peer.AcceptBind() && peer.ReadRequest() && (answer(peer), true); };
@@ -95,9 +79,9 @@ static Script Unasked(const std::vector<std::string>& operations, const Script& 
     };
 }
 
-Script Bytes(const std::string& bytes)
+static Script Bytes(const std::string& bytes)
 {
-    return Answer([=](Connection& peer) { peer.Send(bytes); });
+    return Answering([=](Connection& peer) { peer.Send(bytes); });
 }
 
 const std::string kGoingDown = Connection::Result(kExtendedResponse, 0x34, " going\n \ndown\n",
@@ -105,15 +89,11 @@ const std::string kGoingDown = Connection::Result(kExtendedResponse, 0x34, " goi
 
 TEST(LdapFault, IsNamedWithItsCauseInItsTime)
 {
+    constexpr int kTls = 0, kBind = 1, kSearch = 2;
     struct Case
     {
         const char* what;
-        enum
-        {
-            Tls, // the connection
-            Bind,
-            Search
-        } call;
+        int call; // the one of these that fails
         Script script;
         ULONG code;
         const wchar_t* text;
@@ -123,60 +103,60 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
     const auto idle = [](seconds time) { return [=](Connection&) { std::this_thread::sleep_for(time); }; };
     constexpr const wchar_t* kNotLdap = L"Decoding Error: the server's answer is not an LDAP message";
     const Case kCases[] = {
-        {"a referral", Case::Bind,
-         Message(Connection::Result(kBindResponse, 0x0a, "",
-                                    BerElementOf(0xa3, BerText("ldap://127.0.0.1:1/dc=elsewhere")))),
+        {"a referral", kBind,
+         Answering(Connection::Result(kBindResponse, 0x0a, "",
+                                      BerElementOf(0xa3, BerText("ldap://127.0.0.1:1/dc=elsewhere")))),
          0x0a, L"Referral: ldap://127.0.0.1:1/dc=elsewhere"},
-        {"a referral with words", Case::Bind,
-         Message(Connection::Result(kBindResponse, 0x0a, "moved",
-                                    BerElementOf(0xa3, BerText("ldap://127.0.0.1:1")))),
+        {"a referral with words", kBind,
+         Answering(Connection::Result(kBindResponse, 0x0a, "moved",
+                                      BerElementOf(0xa3, BerText("ldap://127.0.0.1:1")))),
          0x0a, L"Referral: moved"},
-        {"a referral that ends too early", Case::Bind,
-         Message(Connection::Result(kBindResponse, 0x0a, "", BerElementOf(0xa3, "\x04\x2fldap://any"))), 0x0a,
-         L"Referral"},
-        {"an answer of another kind", Case::Bind, Message(Connection::Result(kSearchDone, 0)), 0x54,
+        {"a referral that ends too early", kBind,
+         Answering(Connection::Result(kBindResponse, 0x0a, "", BerElementOf(0xa3, "\x04\x2fldap://any"))),
+         0x0a, L"Referral"},
+        {"an answer of another kind", kBind, Answering(Connection::Result(kSearchDone, 0)), 0x54,
          L"Decoding Error: the server answered another question"},
-        {"a result with a NUL in its text", Case::Bind,
-         Message(Connection::Result(kBindResponse, 0x31, std::string("mid\0dle", 7))), 0x31,
+        {"a result with a NUL in its text", kBind,
+         Answering(Connection::Result(kBindResponse, 0x31, std::string("mid\0dle", 7))), 0x31,
          L"Invalid Credentials: mid dle"},
         // Below zero are the library's own codes, not a server's.
-        {"a code of four bytes", Case::Bind,
-         Message(BerElementOf(kBindResponse, BerElementOf(0x0a, std::string("\x80\0\0\0", 4)) + BerText("") +
-                                                 BerText("far"))),
+        {"a code of four bytes", kBind,
+         Answering(BerElementOf(kBindResponse, BerElementOf(0x0a, std::string("\x80\0\0\0", 4)) +
+                                                   BerText("") + BerText("far"))),
          0x80000000, L"Unknown Error: far"},
-        {"a result without its texts", Case::Bind,
-         Message(BerElementOf(kBindResponse, std::string("\x0a\x01\x00", 3))), 0x54, L"Decoding Error"},
-        {"TLS in place of LDAP", Case::Bind, Bytes("\x15\x03\x01"), 0x54,
+        {"a result without its texts", kBind,
+         Answering(BerElementOf(kBindResponse, std::string("\x0a\x01\x00", 3))), 0x54, L"Decoding Error"},
+        {"TLS in place of LDAP", kBind, Bytes("\x15\x03\x01"), 0x54,
          L"Decoding Error: the server speaks TLS on this port"},
-        {"bytes that are like TLS", Case::Bind, Bytes("\x16\x02"), 0x54, kNotLdap},
-        {"TLS after a message", Case::Bind,
+        {"bytes that are like TLS", kBind, Bytes("\x16\x02"), 0x54, kNotLdap},
+        {"TLS after a message", kBind,
          Unasked({Connection::Result(kExtendedResponse, 0, "", BerElementOf(0x8a, ""))},
                  [](Connection& peer) { peer.Send("\x15\x03\x01"); }),
          0x54, kNotLdap},
-        {"a length that is told later", Case::Bind, Bytes("\x30\x80\x02\x01\x01"), 0x54, kNotLdap},
-        {"a length of five bytes", Case::Bind, Bytes("\x30\x85\x01\x01\x01\x01\x01"), 0x54, kNotLdap},
-        {"a reset", Case::Bind, [](Connection& peer) { peer.ReadRequest() && (peer.EndByReset(), true); },
-         0x51, L"Server Down: connection reset by peer"},
-        {"a reset in the handshake", Case::Tls,
+        {"a length that is told later", kBind, Bytes("\x30\x80\x02\x01\x01"), 0x54, kNotLdap},
+        {"a length of five bytes", kBind, Bytes("\x30\x85\x01\x01\x01\x01\x01"), 0x54, kNotLdap},
+        {"a reset", kBind, [](Connection& peer) { peer.ReadRequest() && (peer.EndByReset(), true); }, 0x51,
+         L"Server Down: connection reset by peer"},
+        {"a reset in the handshake", kTls,
          [](Connection& peer)
          {
              peer.EndByReset();
              std::this_thread::sleep_for(std::chrono::milliseconds(300));
          },
          0x51, L"Server Down: connection reset by peer"},
-        {"no TLS", Case::Tls, [](Connection& peer) { peer.Send("220 no TLS\r\n"); }, 0x51,
+        {"no TLS", kTls, [](Connection& peer) { peer.Send("220 no TLS\r\n"); }, 0x51,
          L"Server Down: the server does not speak TLS on this port"},
-        {"a notice of disconnection", Case::Bind, Unasked({kGoingDown}, idle(seconds(0))), 0x34,
+        {"a notice of disconnection", kBind, Unasked({kGoingDown}, idle(seconds(0))), 0x34,
          L"Unavailable: going down"},
         // The library does not outlive the first.
-        {"messages that nobody asked for", Case::Bind,
+        {"messages that nobody asked for", kBind,
          Unasked({Connection::Result(kExtendedResponse, 0, "", BerElementOf(0x8a, "")),
                   Connection::Result(kBindResponse, 0)},
                  [](Connection& peer)
                  { peer.SendMessage(Connection::Result(kBindResponse, 0x31, "after all")); }),
          0x31, L"Invalid Credentials: after all"},
-        {"an answer in single bytes", Case::Bind,
-         Answer(
+        {"an answer in single bytes", kBind,
+         Answering(
              [](Connection& peer)
              {
                  for (const char byte : peer.Message(Connection::Result(kBindResponse, 0x31)))
@@ -186,10 +166,10 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
                  }
              }),
          0x31, L"Invalid Credentials"},
-        {"the end in the middle", Case::Search,
+        {"the end in the middle", kSearch,
          BoundThen([](Connection& peer) { peer.SendMessage(Connection::Entry("dc=one", {})); }), 0x51,
          L"Server Down: the server closed the connection"},
-        {"a notice of disconnection in the middle", Case::Search,
+        {"a notice of disconnection in the middle", kSearch,
          [](Connection& peer)
          {
              const Connection unasked = peer;
@@ -200,26 +180,26 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
              peer.ReadRequest();
          },
          0x34, L"Unavailable: going down"},
-        {"a search without end", Case::Search,
+        {"a search without end", kSearch,
          BoundThen([](Connection& peer)
                    { EXPECT_EQ(peer.ReadRequest() ? peer.Request().substr(3, 1) : "", kAbandon); }),
          0x55, L"Timeout: the server gave no complete answer in time", seconds(1)},
-        {"silence in place of TLS", Case::Tls, idle(seconds(5)), 0x51,
+        {"silence in place of TLS", kTls, idle(seconds(5)), 0x51,
          L"Server Down: the TLS handshake was not answered in time", seconds(2)},
     };
     for (const Case& test : kCases)
     {
         SCOPED_TRACE(test.what);
         const LdapPeer peer(test.script);
-        const Session session(peer.Port(), L"127.0.0.1", test.call == Case::Tls);
+        const Session session(peer.Port(), L"127.0.0.1", test.call == kTls);
         ULONG limit = 1;
         EXPECT_EQ(ldap_set_optionW(session.handle, LDAP_OPT_TIMELIMIT, &limit), 0u);
         const auto start = steady_clock::now();
         ULONG code = session.Connect(3);
-        for (int call = Case::Bind; call <= test.call; ++call)
+        for (int call = kBind; call <= test.call; ++call)
         {
             ASSERT_EQ(code, 0u);
-            code = call == Case::Bind ? session.Bind() : Search(session);
+            code = call == kBind ? session.Bind() : Search(session);
         }
         const auto taken = steady_clock::now() - start;
         EXPECT_EQ(code, test.code);
@@ -228,7 +208,7 @@ TEST(LdapFault, IsNamedWithItsCauseInItsTime)
         EXPECT_GE(taken, test.least);
         EXPECT_LE(taken, test.most);
         // A second connection would not be bound, and would wait for a peer that takes one alone.
-        if (test.code == 0x51 && test.call == Case::Search)
+        if (test.code == 0x51 && test.call == kSearch)
             EXPECT_EQ(Search(session), 0x51u);
     }
 }
@@ -404,7 +384,7 @@ TEST(LdapLogOn, IsNotHeldUpByASilentNameServer)
     EXPECT_EQ(sethostname("only-a-name-server-knows", 24), 0);
     ReplaceSystemFile("/etc/resolv.conf", "nameserver 127.0.0.1\n");
     const std::string refusal = Connection::Result(kBindResponse, 0x31);
-    const Script digest = Message(refusal);
+    const Script digest = Answering(refusal);
     const Script negotiate = [&refusal](Connection& connection)
     {
         connection.ReadRequest();

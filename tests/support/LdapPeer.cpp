@@ -92,12 +92,26 @@ void LdapPeer::Connection::EndByReset() const
     setsockopt(mSocket, SOL_SOCKET, SO_LINGER, &unsent, sizeof(unsent));
 }
 
-LdapPeer::LdapPeer(std::function<void(Connection&)> script, std::uint16_t port)
+Script Answering(const Script& answer)
+{
+    return [answer](Connection& peer)
+    {
+        peer.ReadRequest();
+        answer(peer);
+        peer.ReadRequest();
+    };
+}
+
+Script Answering(const std::string& operation)
+{
+    return Answering([=](Connection& peer) { peer.SendMessage(operation); });
+}
+
+LdapPeer::LdapPeer(std::function<void(Connection&)> script)
     : mListener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
 {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof(address);
     if (bind(mListener, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(mListener, 1) != 0 ||

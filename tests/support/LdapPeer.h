@@ -48,8 +48,8 @@ public:
         std::uint8_t mNumber = 0; // of the last request; our clients do not count further
     };
 
-    // On a free port, or on the one that is given, in a network of the test's own.
-    explicit LdapPeer(std::function<void(Connection&)> script, std::uint16_t port = 0);
+    // On a free port.
+    explicit LdapPeer(std::function<void(Connection&)> script);
     // Waits for the script; the connection is closed when it ends.
     ~LdapPeer();
     LdapPeer(const LdapPeer&) = delete;
@@ -65,3 +65,7 @@ private:
 
 using Connection = LdapPeer::Connection;
 using Script = std::function<void(Connection&)>;
+
+// Answers the first request in some way, or with one operation, and waits until the client has gone.
+Script Answering(const Script& answer);
+Script Answering(const std::string& operation);
