@@ -2,7 +2,6 @@
 // The LDAP test against a real directory. Runs through tests/support/with-directory, which names the servers.
 #include "tests/ldap/LdapConsole.h"
 #include "tests/support/ProgramFolder.h"
-#include "tests/support/TestFolder.h"
 #include "text/Unicode.h"
 
 #include <winldap.h>
@@ -153,35 +152,28 @@ TEST(Directory, IsTestedToTheEndBesideAShipmentAndAClose)
     }
 }
 
-// What the library would read for other programs, all of it wrong.
-TEST(Directory, IsTestedWithoutTheLibrarysSetUp)
+TEST(Directory, IsTestedWithoutTheLibrarysSetUpAndWithABrokenOneOfKerberos)
 {
     NEED_DIRECTORY();
     if (RunsOnWindows())
-        GTEST_SKIP() << "the library is the Linux client's";
-    const LdapAnswers answers = {std::getenv("TAVO_LDAP_PORT"), "alice", "wonderland", kDigest};
-    EXPECT_EQ(RunLdapTest(answers, {{"LDAPBASE", "dc=nowhere"},
-                                    {"LDAPURI", "ldap://nowhere.invalid"},
-                                    {"LDAPSIZELIMIT", "1"},
-                                    {"LDAPTIMELIMIT", "1"},
-                                    {"LDAPDEREF", "always"},
-                                    {"LDAPSASL_SECPROPS", "minssf=256"},
-                                    {"LDAPSASL_REALM", "nowhere"},
-                                    {"LDAPTLS_REQCERT", "never"}}),
-              Framed(answers, Bound(kDigest) + Walked("3")));
-}
+        GTEST_SKIP() << "the libraries are the Linux client's";
+    // What the library would read for other programs, all of it wrong.
+    const LdapAnswers digest = {std::getenv("TAVO_LDAP_PORT"), "alice", "wonderland", kDigest};
+    EXPECT_EQ(RunLdapTest(digest, {{"LDAPBASE", "dc=nowhere"},
+                                   {"LDAPURI", "ldap://nowhere.invalid"},
+                                   {"LDAPSIZELIMIT", "1"},
+                                   {"LDAPTIMELIMIT", "1"},
+                                   {"LDAPDEREF", "always"},
+                                   {"LDAPSASL_SECPROPS", "minssf=256"},
+                                   {"LDAPSASL_REALM", "nowhere"},
+                                   {"LDAPTLS_REQCERT", "never"}}),
+              Framed(digest, Bound(kDigest) + Walked("3")));
 
-TEST(Directory, IsTestedWithABrokenSetUpOfKerberos)
-{
-    NEED_DIRECTORY();
-    if (RunsOnWindows())
-        GTEST_SKIP() << "the file is the Linux client's";
     const TestFolder folder;
-    const std::string file = (folder.Path() / "krb5.conf").string();
-    WriteFile(file, "[libdefaults\n");
-    const LdapAnswers answers = {std::getenv("TAVO_LDAP_PORT"), "alice", "wonderland", kNegotiate};
+    folder.Write("krb5.conf", "[libdefaults\n");
+    const LdapAnswers negotiate = {std::getenv("TAVO_LDAP_PORT"), "alice", "wonderland", kNegotiate};
     EXPECT_EQ(
-        RunLdapTest(answers, {{"KRB5_CONFIG", file}}),
-        Framed(answers, Refused(kNegotiate, 0x31,
-                                kNoSpnego + "; Kerberos: Improper format of Kerberos configuration file")));
+        RunLdapTest(negotiate, {{"KRB5_CONFIG", (folder.Path() / "krb5.conf").string()}}),
+        Framed(negotiate, Refused(kNegotiate, 0x31,
+                                  kNoSpnego + "; Kerberos: Improper format of Kerberos configuration file")));
 }
