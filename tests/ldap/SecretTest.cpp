@@ -72,22 +72,17 @@ TEST(Password, IsGoneFromMemoryASecondAfterTheTest)
     const Input refused = both(typed("no number", kSimplePlain, whole), {"OK"});
     const Input other = Typed({port, whole, "other", kSimplePlain});
     const Input longer = Typed({port, whole, std::string(100, 'o'), kSimplePlain});
-    struct Case
-    {
-        const char* what;
-        Input input;
-        bool keepsFreed = true; // where the libraries overwrite all that they give back
-    };
-    const Case kCases[] = {
-        {"SSL", typed(tlsPort, kSimpleSsl, whole)},
-        {"plain text", typed(port, kSimplePlain, whole)},
-        {"Digest", typed(port, kDigest, "wordy")},
-        {"DPA", typed(port, kDpa, "wordy")},
+    // What is tested, the input, and whether the libraries overwrite all that they give back.
+    const std::tuple<const char*, Input, bool> kCases[] = {
+        {"SSL", typed(tlsPort, kSimpleSsl, whole), true},
+        {"plain text", typed(port, kSimplePlain, whole), true},
+        {"Digest", typed(port, kDigest, "wordy"), true},
+        {"DPA", typed(port, kDpa, "wordy"), true},
         {"NTLM", typed(port, kNtlm, "wordy"), false},
         {"Negotiate", typed(port, kNegotiate, "wordy"), false},
-        {"a cancelled dialog", both(both(refused, {"Cancel"}), other)},
-        {"a second password", both(refused, Input(other.begin() + 1, other.end()))},
-        {"a longer one", both(refused, Input(longer.begin() + 1, longer.end()))},
+        {"a cancelled dialog", both(both(refused, {"Cancel"}), other), true},
+        {"a second password", both(refused, Input(other.begin() + 1, other.end())), true},
+        {"a longer one", both(refused, Input(longer.begin() + 1, longer.end())), true},
     };
     for (const auto& [what, input, keepsFreed] : kCases)
     {

@@ -47,17 +47,11 @@ TEST(LdapHosts, AreReadFromAListOfNamesAndAddresses)
 TEST(KerberosUsers, BelongToTheServersRealmBeforeThoseOfTheMachine)
 {
     const TestFolder folder;
-    const std::string file = (folder.Path() / "krb5.conf").string();
-    WriteFile(file, "[libdefaults]\ndefault_realm = OWN\n[domain_realm]\nmapped.example = MAPPED\n");
-    setenv("KRB5_CONFIG", file.c_str(), 1);
-    struct Case
-    {
-        LdapIdentity identity;
-        const char* host;
-        const char* serverRealm;
-        const char* users;
-    };
-    const Case kCases[] = {
+    folder.Write("krb5.conf",
+                 "[libdefaults]\ndefault_realm = OWN\n[domain_realm]\nmapped.example = MAPPED\n");
+    setenv("KRB5_CONFIG", (folder.Path() / "krb5.conf").c_str(), 1);
+    // The identity, the host, the server's realm, the users.
+    const std::tuple<LdapIdentity, const char*, const char*, const char*> kCases[] = {
         {{"bob", "", {}}, "dc", "SERVER", "bob@SERVER bob@OWN"},
         {{"bob", "", {}}, "mapped.example", "SERVER", "bob@SERVER bob@MAPPED bob@OWN"},
         {{"bob", "", {}}, "dc", "", "bob@OWN"},
