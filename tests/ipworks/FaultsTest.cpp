@@ -2,6 +2,7 @@
 // What servers and networks do wrong: with what the last error begins, and how much of the file went out.
 #include "tests/ipworks/Recorder.h"
 
+using namespace std::chrono_literals;
 using namespace std::string_literals;
 
 constexpr std::int64_t kSmall = 100000;
@@ -9,6 +10,9 @@ constexpr std::int64_t kLarge = 30000000;
 constexpr std::int64_t kHalf = 4000000; // the system takes some more on its own, but not the rest
 const auto kSome = testing::AllOf(testing::Gt(0), testing::Lt(kLarge));
 const auto kAll = testing::Eq(kSmall);
+
+constexpr const char* kDeafPort = "1006 The data connection cannot be opened: the port that the server named "
+                                  "refuses it or does not answer.";
 
 struct Fault
 {
@@ -29,18 +33,9 @@ const Fault kFaults[] = {
     {"direct never comes", {.answers = {{"EPRT", "200 Noted.\r\n"}, {"STOR", kSilence}}}, "1008 "},
     {"extended port behind a firewall", {.deaf = "EPSV"}, "", kAll},
     // Through IPv6 there is no other way.
-    {"port of IPv6 behind a firewall",
-     {.address = "::1", .deaf = "EPSV"},
-     "1006 The data connection cannot be opened: the port that the server named refuses it or does not "
-     "answer."},
-    {"all ports behind a firewall",
-     {.deaf = "EPSV PASV"},
-     "1006 The data connection cannot be opened: the port that the server named refuses it or does not "
-     "answer."},
-    {"log-in that takes longer than a connection may",
-     {.answerAfter = std::chrono::milliseconds(300)},
-     "",
-     kAll},
+    {"port of IPv6 behind a firewall", {.address = "::1", .deaf = "EPSV"}, kDeafPort},
+    {"all ports behind a firewall", {.deaf = "EPSV PASV"}, kDeafPort},
+    {"log-in that takes longer than a connection may", {.answerAfter = 300ms}, "", kAll},
     {"no word of UTF-8", {.answers = {{"OPTS", "500 What?\r\n"}}}, "", kAll},
     {"name refused", {.answers = {{"STOR", "553 Not this name.\r\n"}}}, "553 Not this name."},
     {"reason in three segments",
@@ -55,7 +50,7 @@ const Fault kFaults[] = {
      {.breakAt = kHalf, .breakAnswer = "226 Received.\r\n", .atBreak = "stall"},
      "1009 The server ended the transfer before the end of the file: 226 Received.",
      kSome},
-    {"confirmed when nobody waits any more", {.farewellAfter = std::chrono::milliseconds(3000)}, "", kAll},
+    {"confirmed when nobody waits any more", {.farewellAfter = 3000ms}, "", kAll},
     {"data reset at once", {.breakAt = 0, .farewell = "426 Broken.\r\n"}, "426 Broken."},
     {"data closed at half and called complete", {.breakAt = kHalf, .atBreak = "close"}, "1009 ", kSome},
     {"stall at half", {.breakAt = kHalf, .atBreak = "stall"}, "1008 No byte moved for 2 seconds.", kSome},
@@ -91,7 +86,7 @@ TEST(Faults, GiveTheirResultAndNoMore)
 
         const auto start = std::chrono::steady_clock::now();
         const int result = recorder.Upload();
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(25));
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 25s);
         // What comes late is heard while libcurl takes its leave; from 8.12 on it does so without a word.
         const bool tellsItsLeave = testing::Matches(testing::Contains("> QUIT"))(recorder.events);
         // This libcurl loses what it has read when a connection breaks before the first byte.
