@@ -6,27 +6,23 @@
 
 #include <dlfcn.h>
 
-static bool gbThrows = false;
-static bool gbWritesNothing = false;
+static std::size_t (*gFailure)() = nullptr; // what is done in its place
 
 extern "C" std::size_t FormatTime(wchar_t* buffer, std::size_t room, const wchar_t* format,
                                   const tm* time) __asm__("wcsftime");
 
 std::size_t FormatTime(wchar_t* buffer, std::size_t room, const wchar_t* format, const tm* time)
 {
-    if (gbThrows)
-        throw 1;
-    if (gbWritesNothing)
-        return 0;
+    if (gFailure != nullptr)
+        return gFailure();
     return reinterpret_cast<decltype(&FormatTime)>(dlsym(RTLD_NEXT, "wcsftime"))(buffer, room, format, time);
 }
 
 TEST(DateFormat, SaysThatTheCalendarFailed)
 {
-    gbThrows = true;
+    gFailure = []() -> std::size_t { throw 1; };
     EXPECT_EQ(FormatLocalDate({100.5, eDateValid}), L"{ invalid date ex - 100.500000 }");
-    gbThrows = false;
-    gbWritesNothing = true;
+    gFailure = []() -> std::size_t { return 0; };
     EXPECT_EQ(FormatLocalDate({100.5, eDateValid}), L"");
-    gbWritesNothing = false;
+    gFailure = nullptr;
 }
