@@ -23,19 +23,12 @@ TAVO_UNCHECKED static void DivideByZero()
 }
 
 #if defined(__aarch64__)
+#define TAVO_ILLEGAL "udf #0"
 constexpr unsigned long kDivisionByZero = 0; // gives 0 there
 #else
+#define TAVO_ILLEGAL "ud2"
 constexpr unsigned long kDivisionByZero = kFaultIntegerDivision;
 #endif
-
-static void IllegalInstruction()
-{
-#if defined(__aarch64__)
-    __asm__ volatile("udf #0");
-#else
-    __asm__ volatile("ud2");
-#endif
-}
 
 using Fault = void (*)();
 
@@ -76,10 +69,11 @@ TEST(CatchSEH, DestroysWhatLiesBetweenTheFaultAndTheHandler)
 
 TEST(CatchSEH, TurnsFaultsIntoExceptionsOnEveryThreadAtOnceNestedTimeAndAgain)
 {
-    const std::pair<Fault, unsigned long> faults[] = {{WriteToNull, kFaultAccessViolation},
-                                                      {DivideByZero, kDivisionByZero},
-                                                      {IllegalInstruction, kFaultIllegalInstruction},
-                                                      {[] {}, 0}};
+    const std::pair<Fault, unsigned long> faults[] = {
+        {WriteToNull, kFaultAccessViolation},
+        {DivideByZero, kDivisionByZero},
+        {[] { __asm__ volatile(TAVO_ILLEGAL); }, kFaultIllegalInstruction},
+        {[] {}, 0}};
     std::vector<std::jthread> threads;
     for (int thread = 0; thread < 4; ++thread)
         threads.emplace_back(

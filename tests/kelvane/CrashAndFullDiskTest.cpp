@@ -8,9 +8,7 @@
 
 #include <unistd.h>
 
-#include <chrono>
 #include <random>
-#include <regex>
 #include <thread>
 
 using testing::HasSubstr;
@@ -88,10 +86,7 @@ umount disk/agent && umount disk
     // A line that had no room is torn; the next one, of another process, is a line of its own.
     const std::string log = folder.Read("log");
     for (const std::string text : {"before", "mended", "after"})
-        EXPECT_TRUE(
-            std::regex_search(log, std::regex("(^|\n)[^\n]{29} \\[[^\n]*\\] progress: " + text + "\n")))
-            << text << ":\n"
-            << log;
+        EXPECT_THAT(log, testing::ContainsRegex("(^|\n)[^\n]{29} \\[[^\n]*\\] progress: " + text + "\n"));
     EXPECT_THAT(log, HasSubstr("CustomerServiceText is not changed: Tavo.settings.json cannot be written: No "
                                "space left on device\n"));
 }
