@@ -13,6 +13,7 @@
 #include <clocale>
 #include <ctime>
 #include <functional>
+#include <ranges>
 
 using platform::WindowKind;
 
@@ -120,13 +121,9 @@ protected:
 
 const Step kEscape = [] { Press(Qt::Key_Escape); };
 
-static std::vector<const platform::Window*> VisibleControls()
+static auto VisibleControls()
 {
-    std::vector<const platform::Window*> visible;
-    for (const auto& control : platform::TopDialog()->children)
-        if (control->visible)
-            visible.push_back(control.get());
-    return visible;
+    return platform::TopDialog()->children | std::views::filter([](const auto& one) { return one->visible; });
 }
 
 static void ExpectRoomForText(const platform::Window& control)
@@ -172,7 +169,7 @@ std::string DescribedDialog()
     text += top.windowType() == Qt::Window ? ", on the task bar\n" : "\n";
     text += top.font().families().join(", ").toStdString() + " " + std::to_string(top.font().pointSize()) +
             (top.font().italic() ? " italic " : " ") + std::to_string(top.font().weight()) + "\n";
-    for (const auto* control : VisibleControls())
+    for (const auto& control : VisibleControls())
         text += Described(Shown(*control));
     return text;
 }
@@ -204,10 +201,10 @@ TEST_F(QtDisplay, CutsNoTextAndLetsNoControlLieOnAnother)
     {
         const Step look = []
         {
-            for (const auto* one : VisibleControls())
+            for (const auto& one : VisibleControls())
             {
                 ExpectRoomForText(*one);
-                for (const auto* other : VisibleControls())
+                for (const auto& other : VisibleControls())
                     EXPECT_EQ(Shown(*one).geometry().intersects(Shown(*other).geometry()), one == other)
                         << one->id << " lies on " << other->id;
             }
@@ -227,7 +224,7 @@ TEST_F(QtDisplay, PlacesControlsAsTheTemplateDoesInEveryLanguage)
             EXPECT_EQ(TopWidget().layoutDirection(), Qt::LeftToRight);
             const double x = TopWidget().width() / 429.0;
             const double y = TopWidget().height() / 230.0;
-            for (const auto* control : VisibleControls())
+            for (const auto& control : VisibleControls())
             {
                 const QRect place = Shown(*control).geometry();
                 EXPECT_NEAR(place.x(), control->rect.x * x, 1.0);
