@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Modal dialogs: a loop within another, a message's way to its handler, numbers between members and boxes.
+// Modal dialogs: a loop within another, and a message's way to its handler.
 #include "framework/afxwin.h"
 #include "tests/dialogs/testIds.h"
 #include "tests/support/WindowProbe.h"
 
 #include <gmock/gmock.h>
-
-#include <deque>
-#include <optional>
 
 constexpr UINT WM_STEP = WM_USER + 1;
 constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
@@ -26,9 +23,9 @@ public:
 
     INT_PTR Run(std::vector<Step> steps)
     {
-        mSteps.assign(steps.begin(), steps.end());
+        mSteps = std::move(steps);
         const INT_PTR result = DoModal();
-        EXPECT_TRUE(mSteps.empty()) << "the dialog ended before its last step";
+        EXPECT_EQ(mTaken, mSteps.size()) << "the dialog ended before its last step";
         return result;
     }
 
@@ -53,18 +50,17 @@ protected:
     afx_msg LRESULT OnAdd(WPARAM wParam, LPARAM lParam) { return static_cast<LRESULT>(wParam) + lParam; }
     afx_msg LRESULT OnStep(WPARAM, LPARAM)
     {
-        if (mSteps.empty())
+        if (mTaken == mSteps.size())
             return 0;
         PostMessageW(m_hWnd, WM_STEP, 0, 0);
-        const Step step = std::move(mSteps.front());
-        mSteps.pop_front();
-        step();
+        mSteps[mTaken++]();
         return 0;
     }
     DECLARE_MESSAGE_MAP()
 
 private:
-    std::deque<Step> mSteps;
+    std::vector<Step> mSteps;
+    std::size_t mTaken = 0;
 };
 
 BEGIN_MESSAGE_MAP(TestDialog, CDialog)
@@ -73,15 +69,6 @@ ON_BN_CLICKED(IDC_PUSH, OnWork)
 ON_MESSAGE(WM_STEP, OnStep)
 ON_MESSAGE(WM_ADD, OnAdd)
 END_MESSAGE_MAP()
-
-static std::wstring ReadAndCloseMessageBox()
-{
-    constexpr int kMessageBoxText = 0xFFFF;
-    const HWND box = TopWindow();
-    std::wstring text = TextOf(GetDlgItem(box, kMessageBoxText));
-    SendMessageW(box, WM_COMMAND, IDOK, 0);
-    return text;
-}
 
 class TestApp : public CWinApp
 {
@@ -95,22 +82,6 @@ protected:
 BEGIN_MESSAGE_MAP(TestApp, CWinApp)
 ON_COMMAND(ID_HELP, CWinApp::OnHelp)
 END_MESSAGE_MAP()
-
-class ExchangeDialog : public TestDialog
-{
-public:
-    CStringW mBefore;
-    std::uint32_t mNumber = 389;
-    CStringW mAfter;
-
-protected:
-    void DoDataExchange(CDataExchange* pDX) override
-    {
-        DDX_Text(pDX, IDC_LOG, mBefore);
-        DDX_Text(pDX, IDC_LINE, mNumber);
-        DDX_Text(pDX, IDC_HIDDEN, mAfter);
-    }
-};
 
 TEST(ModalDialog, FailsWithoutATemplate)
 {
@@ -189,52 +160,9 @@ TEST(Application, ServesTheCommandsThatTheDialogDoesNot)
         [&]
         {
             EXPECT_EQ(TextOf(TopWindow()), L"Test");
-            EXPECT_EQ(ReadAndCloseMessageBox(), L"Failed to launch help.");
+            EXPECT_EQ(TextOf(GetDlgItem(TopWindow(), kMessageBoxText)), L"Failed to launch help.");
+            SendMessageW(TopWindow(), WM_COMMAND, IDOK, 0);
         },
         [&] { dialog.EndDialog(1); },
     });
-}
-
-TEST(DataExchange, TakesNumbersOf32BitsAndStaysOpenWithAnyOtherTextSelected)
-{
-    std::vector<std::pair<std::wstring, std::optional<std::uint32_t>>> cases = {
-        {L"0", 0}, {L"4294967295", UINT32_MAX}, {L" \t636 ", 636}, {L"0000000000000007", 7}};
-    // One is 1 in 64 bits, the last has digits of another script.
-    for (const wchar_t* refused : {L"", L"  ", L"ldap", L"-1", L"4294967296", L"18446744073709551617",
-                                   L"389x", L"3 89", L"0x10", L"1.5", L"\xFF13\xFF18\xFF19"})
-        cases.emplace_back(refused, std::nullopt);
-    ExchangeDialog dialog; // opened again and again
-    for (const auto& [text, number] : cases)
-    {
-        dialog.mBefore = dialog.mAfter = L"";
-        dialog.mNumber = 389;
-        std::vector<TestDialog::Step> steps = {
-            [&, &text = text]
-            {
-                SetWindowTextW(::GetDlgItem(dialog.m_hWnd, IDC_LOG), L"before");
-                SetWindowTextW(::GetDlgItem(dialog.m_hWnd, IDC_LINE), text.c_str());
-                SetWindowTextW(::GetDlgItem(dialog.m_hWnd, IDC_HIDDEN), L"after");
-                SendMessageW(dialog.m_hWnd, WM_COMMAND, IDOK, 0);
-            },
-            Nothing,
-            [&]
-            {
-                EXPECT_EQ(TextOf(TopWindow()), L"framework_tests"); // no application tells its name
-                EXPECT_TRUE(dialog.EnableWindow(FALSE)) << "it was disabled";
-                EXPECT_EQ(ReadAndCloseMessageBox(), L"Please enter a positive integer.");
-            },
-            [&, &text = text]
-            {
-                EXPECT_EQ(FocusedControl(), ::GetDlgItem(dialog.m_hWnd, IDC_LINE));
-                EXPECT_EQ(SelectionOf(FocusedControl()), text);
-                dialog.EndDialog(IDCANCEL);
-            },
-        };
-        if (number)
-            steps.resize(1);
-        EXPECT_EQ(dialog.Run(steps), number ? IDOK : IDCANCEL) << text;
-        EXPECT_STREQ(dialog.mBefore, L"before");
-        EXPECT_EQ(dialog.mNumber, number.value_or(389)) << text;
-        EXPECT_STREQ(dialog.mAfter, number ? L"after" : L"") << "the exchange ends with a refusal";
-    }
 }

@@ -8,6 +8,7 @@
 
 // The dialog or message box that a person's input goes to.
 HWND TopWindow();
+constexpr int kMessageBoxText = 0xFFFF; // the control with a box's text
 HWND FocusedControl();
 
 std::wstring TextOf(HWND window); // also one of another process
