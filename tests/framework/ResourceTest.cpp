@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The program's resources, read back from what the compiler made, which links them on Windows too.
 #include "platform/resource/Resources.h"
-#include "resources/resource.h"
 
 #include <gtest/gtest.h>
 
@@ -26,18 +25,4 @@ TEST(Resources, VersionIsTheTrees)
     std::memcpy(parts, bytes.data() + signature + 8, sizeof parts);
     EXPECT_EQ(std::to_string(parts[1]) + "." + std::to_string(parts[0]) + "." + std::to_string(parts[3]),
               TAVO_VERSION);
-}
-
-TEST(Resources, IconHasAnImageOfEachSize)
-{
-    const HICON icon = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TAVO));
-    for (const int size : {16, 24, 32, 48, 64, 128, 256})
-    {
-        const IconImage image = FindIconImage(icon, size);
-        ASSERT_GE(image.size, 24U) << size;
-        // The width in a PNG's first chunk, high byte first, or in a bitmap's header, low byte first.
-        EXPECT_EQ(image.isPng ? image.bytes[18] << 8 | image.bytes[19] : image.bytes[5] << 8 | image.bytes[4],
-                  size);
-    }
-    EXPECT_EQ(LoadIconW(nullptr, MAKEINTRESOURCEW(1)), nullptr);
 }
