@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/Oriska.h"
+#include "resources/resource.h"
 
 #include <gtest/gtest.h>
 
@@ -172,4 +173,12 @@ TEST(String, LendsItsBuffer)
     empty.GetBuffer(0)[0] = 0; // the shared empty text is never lent
     empty.ReleaseBuffer();
     EXPECT_TRUE(empty.IsEmpty());
+}
+
+TEST(ResourceString, ComesFromTheProgramOrIsEmpty)
+{
+    EXPECT_EQ(ZTString(String(IDS_ADMINISTRATOR_CAPTION, nullptr).mText),
+              String(IDS_ADMINISTRATOR_CAPTION, GetModuleHandleW(nullptr)).mText);
+    EXPECT_STRNE(String(IDS_ADMINISTRATOR_CAPTION, nullptr).mText, L"");
+    EXPECT_STREQ(String(9999, nullptr).mText, L"");
 }
