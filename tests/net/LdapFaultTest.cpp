@@ -2,6 +2,7 @@
 // What the LDAP client says and does when the server, or what stands in its place, does something wrong.
 #include "tests/support/LdapPeer.h"
 #include "tests/support/OwnNetwork.h"
+#include "tests/support/ProgramFolder.h"
 #include "text/Unicode.h"
 
 #include <rpcdce.h>
@@ -11,10 +12,8 @@
 
 #include <chrono>
 
-#include <netinet/in.h>
 #include <sched.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 using std::chrono::seconds;
@@ -233,17 +232,6 @@ TEST(LdapConnect, TellsWhatTheSystemSays)
     EXPECT_STREQ(ldap_err2stringW(0xFFFF), L"Unknown Error");
 }
 
-static bool IsASocketKeptAlive()
-{
-    int value = 0;
-    for (int descriptor = 0; descriptor < 256 && value == 0; ++descriptor)
-    {
-        socklen_t size = sizeof(value);
-        getsockopt(descriptor, SOL_SOCKET, SO_KEEPALIVE, &value, &size);
-    }
-    return value != 0;
-}
-
 TEST(LdapConnect, TriesEveryHostUntilOneAnswersAndKeepsItAliveWhenTold)
 {
     for (const bool told : {false, true})
@@ -259,10 +247,17 @@ TEST(LdapConnect, TriesEveryHostUntilOneAnswersAndKeepsItAliveWhenTold)
         if (told)
             EXPECT_EQ(ldap_set_optionW(session.handle, LDAP_OPT_TCP_KEEPALIVE, LDAP_OPT_ON), 0u);
         ASSERT_EQ(session.Connect(), 0u);
-        EXPECT_EQ(IsASocketKeptAlive(), told);
+        const std::string seen = Said("ss -Htno dport = :" + std::to_string(peer.Port()));
+        EXPECT_EQ(seen.find("keepalive") != std::string::npos, told) << seen;
         EXPECT_EQ(session.Bind(), 0u);
     }
 }
+
+// A network where an address is known and nobody answers.
+constexpr const char* kSilence =
+    "ip link add d0 type veth peer name d1 && ip link set d0 up && ip link set d1 up && "
+    "ip addr add 192.0.2.8/24 dev d0 && ip neigh add 192.0.2.9 lladdr 02:00:00:00:00:09 dev d0 && "
+    "ip addr add 2001:db8::8/64 dev d0 nodad && ip neigh add 2001:db8::9 lladdr 02:00:00:00:00:09 dev d0";
 
 // Of a name's addresses, and of several hosts, that which says most of the server is told.
 TEST(LdapConnect, GivesEachAddressOfANameItsShareOfTheTime)
@@ -271,11 +266,6 @@ TEST(LdapConnect, GivesEachAddressOfANameItsShareOfTheTime)
         GTEST_SKIP() << "a network of its own needs root";
     ReplaceSystemFile("/etc/hosts", "2001:db8::9 two\n127.0.0.1 two localhost\n192.0.2.9 one silent\n"
                                     "2001:db8::9 one\n2001:db9::9 silent\n::1 off\n127.0.0.1 off\n");
-    // A network where an address is known and nobody answers.
-    constexpr const char* kSilence =
-        "ip link add d0 type veth peer name d1 && ip link set d0 up && ip link set d1 up && "
-        "ip addr add 192.0.2.8/24 dev d0 && ip neigh add 192.0.2.9 lladdr 02:00:00:00:00:09 dev d0 && "
-        "ip addr add 2001:db8::8/64 dev d0 nodad && ip neigh add 2001:db8::9 lladdr 02:00:00:00:00:09 dev d0";
     struct Case
     {
         const char* before; // is done
@@ -374,15 +364,9 @@ TEST(LdapLogOn, IsNotHeldUpByASilentNameServer)
 {
     if (!EnterOwnNetwork() || unshare(CLONE_NEWUTS) != 0)
         GTEST_SKIP() << "a network of its own needs root";
-    // A name server that takes every question and says nothing.
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(53);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const int server = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    EXPECT_EQ(bind(server, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(std::system(kSilence), 0);
     EXPECT_EQ(sethostname("only-a-name-server-knows", 24), 0);
-    ReplaceSystemFile("/etc/resolv.conf", "nameserver 127.0.0.1\n");
+    ReplaceSystemFile("/etc/resolv.conf", "nameserver 192.0.2.9\n");
     const std::string refusal = Connection::Result(kBindResponse, 0x31);
     const Script digest = Answering(refusal);
     const Script negotiate = [&refusal](Connection& connection)
