@@ -87,14 +87,10 @@ TEST(Settings, BeyondTheirRangeAreRefusedAndTheLogSaysWhy)
         << "nor has a byte that is not UTF-8";
 }
 
-TEST(Settings, LeaveWhatAPersonWroteInItsPlace)
+TEST(Settings, LeaveWhatAPersonWroteInItsPlaceAlsoAsAnEditorOfWindowsSavesIt)
 {
-    const AgentFolder folder;
-    folder.Write("Tavo.settings.json",
-                 R"({"note": ["kept ü", 1.5, null], "loglevel": 1, "Other": {"a": true}})");
-    EXPECT_EQ(folder.Run({"get:LogLevel", "set:LogLevel:0", "set:LogFileCount:9"}).answers,
-              "1\ntrue\ntrue\n");
-    EXPECT_EQ(folder.Settings(), R"({
+    const std::pair<const char*, const char*> rows[] = {
+        {R"({"note": ["kept ü", 1.5, null], "loglevel": 1, "Other": {"a": true}})", R"({
   "note": [
     "kept ü",
     1.5,
@@ -106,15 +102,16 @@ TEST(Settings, LeaveWhatAPersonWroteInItsPlace)
   },
   "LogFileCount": 9
 }
-)");
-}
-
-TEST(Settings, AreReadAsAnEditorOfWindowsSavesThem)
-{
-    const AgentFolder folder;
-    folder.Write("Tavo.settings.json", "\xEF\xBB\xBF{\r\n  \"LogLevel\": 1\r\n}\r\n");
-    EXPECT_EQ(folder.Run({"get:LogLevel", "set:LogFileCount:9"}).answers, "1\ntrue\n");
-    EXPECT_EQ(folder.Settings(), "{\n  \"LogLevel\": 1,\n  \"LogFileCount\": 9\n}\n");
+)"},
+        {"\xEF\xBB\xBF{\r\n  \"LogLevel\": 1\r\n}\r\n", "{\n  \"LogLevel\": 0,\n  \"LogFileCount\": 9\n}\n"}};
+    for (const auto& [before, after] : rows)
+    {
+        const AgentFolder folder;
+        folder.Write("Tavo.settings.json", before);
+        EXPECT_EQ(folder.Run({"get:LogLevel", "set:LogLevel:0", "set:LogFileCount:9"}).answers,
+                  "1\ntrue\ntrue\n");
+        EXPECT_EQ(folder.Settings(), after);
+    }
 }
 
 TEST(Settings, OfTheWrongTypeCountAsTheirDefaultsAndTheLogSaysSo)
