@@ -31,8 +31,6 @@ public:
         SetLocalFile(File());
     }
     ~Recorder() { IPWorks_FTP_Destroy(mHandle); }
-    Recorder(const Recorder&) = delete;
-    Recorder& operator=(const Recorder&) = delete;
 
     int Config(const std::string& setting) { return Do(kIPWorksConfig, setting.c_str()); }
     int SetText(int id, const char* text) { return Set(id, const_cast<char*>(text)); }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The run modes that need no console, as the program that ships runs them: all that they log, show and leave.
 #include "tests/support/AgentFolder.h"
+#include "tests/support/OwnNetwork.h"
 #include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
@@ -134,7 +135,7 @@ const std::string kSuccess =
 TEST(ForcedDump, SetsTheEventForSixSecondsForAServiceThatWaits)
 {
     using Seconds = std::chrono::duration<double>;
-    if (!LeaveNamedEventsOfOthers())
+    if (!EnterOwnNetwork())
         GTEST_SKIP() << "no right to have named events of its own";
     // The arguments, the input, what is shown, whether the event is set, and whether the user has no rights.
     const std::tuple<std::vector<std::string>, std::vector<std::string>, std::string, bool, bool> rows[] = {
@@ -186,7 +187,7 @@ TEST(ForcedDump, MakesAnEventThatTheServicesAccountMayOpen)
 {
     if (RunsOnWindows())
         GTEST_SKIP() << "this prefix has one user";
-    if (!LeaveNamedEventsOfOthers())
+    if (!EnterOwnNetwork())
         GTEST_SKIP() << "no right to have named events of its own";
     const ProgramFolder folder;
     auto run = std::async(std::launch::async, [&] { return folder.Run({{"-FORCE_DEBUG_DUMP_SILENT"}}); });

@@ -91,13 +91,12 @@ static void Open(const ZTString& event, const ZTString&)
 
 static void LogInThread(const ZTString& name, const ZTString& text)
 {
-    std::thread(
+    std::jthread(
         [&]
         {
             ThreadInit(name);
             LogNF(kLogProgress, text, false);
-        })
-        .join();
+        });
 }
 
 const std::map<std::string, void (*)(const ZTString&, const ZTString&)> kSteps = {

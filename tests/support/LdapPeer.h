@@ -52,8 +52,6 @@ public:
     explicit LdapPeer(std::function<void(Connection&)> script);
     // Waits for the script; the connection is closed when it ends.
     ~LdapPeer();
-    LdapPeer(const LdapPeer&) = delete;
-    LdapPeer& operator=(const LdapPeer&) = delete;
 
     unsigned Port() const { return mPort; }
 

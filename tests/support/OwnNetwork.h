@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A network and a view of /etc of the test's own: port 21, and host names that lead to it. Linux, as root.
+// A network and a view of /etc of the test's own: port 21, and host names that lead to it. Linux, as root. On
+// Windows there is the first function alone, for its named events.
 #pragma once
 
 #include "tests/support/TestFolder.h"
@@ -23,8 +24,6 @@ public:
     // `settings` are further lines of its configuration.
     RealFtpServer(const std::string& user, const std::string& password, const std::string& settings = "");
     ~RealFtpServer();
-    RealFtpServer(const RealFtpServer&) = delete;
-    RealFtpServer& operator=(const RealFtpServer&) = delete;
 
     const fs::path& Directory() const { return mDirectory.Path(); }
 

@@ -12,9 +12,6 @@
 // Which of the two programs this is; for the few cases that one system cannot hold.
 bool RunsOnWindows();
 
-// From now on the process and what it starts share named events with nobody. False where that is not allowed.
-bool LeaveNamedEventsOfOthers();
-
 // Keeps a file from everybody for a fifth of a second, as a virus scanner may; where a system has that.
 void HoldForAMoment(const fs::path& path);
 

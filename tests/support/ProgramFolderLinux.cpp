@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/OwnNetwork.h"
 #include "tests/support/ProgramFolder.h"
 
 #include <fcntl.h>
@@ -17,11 +16,6 @@ using Clock = std::chrono::steady_clock;
 bool RunsOnWindows()
 {
     return false;
-}
-
-bool LeaveNamedEventsOfOthers()
-{
-    return EnterOwnNetwork();
 }
 
 void SetVariable(const char* name, const char* value)

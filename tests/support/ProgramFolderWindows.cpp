@@ -2,6 +2,7 @@
 #include "tests/support/ProgramFolder.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/OwnNetwork.h"
 #include "tests/support/WindowProbe.h"
 #include "text/Unicode.h"
 
@@ -130,7 +131,7 @@ bool RunsOnWindows()
     return true;
 }
 
-bool LeaveNamedEventsOfOthers()
+bool EnterOwnNetwork()
 {
     return true; // ctest runs one program that ships at a time
 }

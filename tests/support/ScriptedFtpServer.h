@@ -51,8 +51,6 @@ public:
     // Port 0 takes a free one. A port that cannot be had ends the test program with a message.
     explicit ScriptedFtpServer(const FtpScript& script, std::uint16_t port = 0);
     ~ScriptedFtpServer();
-    ScriptedFtpServer(const ScriptedFtpServer&) = delete;
-    ScriptedFtpServer& operator=(const ScriptedFtpServer&) = delete;
 
     std::uint16_t Port() const { return mPort; }
 

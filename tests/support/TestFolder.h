@@ -29,8 +29,7 @@ class TestFolder
 public:
     explicit TestFolder(const std::string& name = "tavo test ");
     ~TestFolder();
-    TestFolder(const TestFolder&) = delete;
-    TestFolder& operator=(const TestFolder&) = delete;
+    TestFolder& operator=(TestFolder&&) = delete; // nor any other copy
 
     const fs::path& Path() const { return mPath; }
     std::string Read(const fs::path& name) const { return ReadFile(mPath / name); }
@@ -52,8 +51,7 @@ class Variable
 public:
     Variable(const char* name, const char* value);
     ~Variable();
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
+    Variable& operator=(Variable&&) = delete; // nor any other copy
 
 private:
     std::string mName;
