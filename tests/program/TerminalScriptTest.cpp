@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 TEST(TerminalScript, ReadsTheSameTextAsEver)
 {
     const std::string script =
@@ -78,9 +80,6 @@ TEST(TerminalScript, IsObeyedInItsOrderHoweverManyTestsItAsksFor)
         for (const char* line : {"LDAP", "LDAP Server=127.0.0.1", "Port=1", "Auth=1", "OK"})
             script.emplace_back(line);
     const std::string console = ProgramFolder().Run({{}, script}).console;
-    int ends = 0;
-    for (const std::string& line : Lines(WithoutTimes(console)))
-        ends += line == "END TEST";
-    EXPECT_EQ(ends, kTests);
+    EXPECT_EQ(std::ranges::count(Lines(WithoutTimes(console)), "END TEST"), kTests);
     EXPECT_EQ(console.find("Not understood"), std::string::npos) << console;
 }

@@ -22,14 +22,12 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
     WriteFile(Logs() / "old.log", "old");
     MakeOld(Logs() / "old.log");
     WriteFile(Logs() / "big.log", RandomBytes(3000000));
-    const std::map<int, std::string> names = {
-        {SIGINT, "SIGINT"}, {SIGTERM, "SIGTERM"}, {SIGHUP, "SIGHUP"}, {SIGQUIT, "SIGQUIT"}};
     const auto expectOrderlyEnd =
         [&](const std::string& state, ProgramStart start, const std::vector<int>& signals)
     {
         for (const int number : signals)
         {
-            const std::string& name = names.at(number);
+            const std::string name = std::string("SIG") + sigabbrev_np(number);
             SCOPED_TRACE(state + ", " + name);
             fs::remove(Logs() / "Tavo.log");
             fs::remove(folder.Path() / "archiver");
