@@ -5,20 +5,17 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <regex>
 
 // A line whose values are not compared, and why.
-constexpr std::pair<const char*, const char*> kDifferences[] = {
-    {"Current Computer: ", "the Windows side asks for the NetBIOS name, in capitals and cut to 15"},
-    {"Current local time: ", "\"%c\" belongs to the C runtime, and the clock moves on"},
-    {"Current RFC822 mail time: ", "the clock moves on"},
-    {"Current ISO8601 time: ", "the clock moves on"},
-    {"Current ODBC time in UTC: ", "the clock moves on"},
-    {"Daylight Bias: ", "the Windows side here gives one to a zone that has no daylight time"},
-    {"Timezone Standard Name: ", "each system has zone names of its own"},
-    {"Timezone Daylight Name: ", "each system has zone names of its own"},
-    {"MAC log: ", "the sizes of the adapter records differ"},
-    {"User default locale: ", "the prefix has a registry of its own"},
-    {"System default locale: ", "the prefix has a registry of its own"},
+const std::pair<std::regex, const char*> kDifferences[] = {
+    {std::regex("(Current Computer: ).*"),
+     "the Windows side asks for the NetBIOS name, in capitals, cut to 15"},
+    {std::regex("(Current .* time.*: ).*"), "\"%c\" belongs to the C runtime, and the clock moves on"},
+    {std::regex("(Daylight Bias: ).*"), "the Windows side here gives one to a zone without daylight time"},
+    {std::regex("(Timezone .* Name: ).*"), "each system has zone names of its own"},
+    {std::regex("(MAC log: ).*"), "the sizes of the adapter records differ"},
+    {std::regex("(.* default locale: ).*"), "the prefix has a registry of its own"},
 };
 
 static std::vector<std::string> Compared(const std::string& console)
@@ -27,9 +24,8 @@ static std::vector<std::string> Compared(const std::string& console)
     for (std::string line : Lines(WithoutTimes(console)))
     {
         std::erase(line, '\r');
-        for (const auto& [start, why] : kDifferences)
-            if (line.rfind(start, 0) == 0)
-                line = start;
+        for (const auto& [values, why] : kDifferences)
+            line = std::regex_replace(line, values, "$1");
         if (line.find("Current Computer") != std::string::npos)
             lines.clear(); // what stands above the report is how a display shows a dialog
         lines.push_back(line);
