@@ -9,9 +9,6 @@
 constexpr UINT WM_STEP = WM_USER + 1;
 constexpr UINT WM_ADD = WM_USER + 2; // gives the sum of its parameters
 
-// A step that only lets what was posted before it come first.
-static void Nothing() {}
-
 // Driven by a list of steps. Each is a posted message of its own, posted before the one in front runs: when
 // that opens a nested loop (a dialog, a message box, a handler that pumps) the next one runs inside it.
 class TestDialog : public CDialog
@@ -156,7 +153,7 @@ TEST(Application, ServesTheCommandsThatTheDialogDoesNot)
     app.m_pMainWnd = &dialog;
     dialog.Run({
         [&] { SendMessageW(dialog.m_hWnd, WM_COMMAND, ID_HELP, 0); },
-        Nothing,
+        [] {}, // what was posted before it comes first
         [&]
         {
             EXPECT_EQ(TextOf(TopWindow()), L"Test");

@@ -11,8 +11,8 @@ constexpr UINT WM_STEP = WM_USER + 1;
 class OpenCreds : public LDAPCreds
 {
 public:
-    std::vector<std::function<void()>>
-        mSteps; // each a message of its own, posted before the one in front runs
+    // Each a message of its own, posted before the one in front runs.
+    std::vector<std::function<void()>> mSteps;
     HWND Control(int id) const { return ::GetDlgItem(m_hWnd, id); }
 
 protected:
@@ -50,20 +50,20 @@ TEST(LdapCreds, GiveTheirCallerWhatTheDialogHoldsUnlessItIsCancelled)
     };
     for (const auto& [selection, port, focus, key, result, method, portNumber] : rows)
     {
-        SCOPED_TRACE(selection);
+        SCOPED_TRACE(testing::PrintToString(port) + " and method " + std::to_string(selection));
         OpenCreds creds;
-        creds.mSteps = {[&, selection = selection, port = port, focus = focus, key = key]
-                        {
-                            EXPECT_EQ(FocusedControl(), creds.Control(IDC_SERVER));
-                            EXPECT_EQ(TextOf(creds.Control(IDC_AUTH_METHOD)), L"Try all");
-                            if (selection != 0) // with which it opens
-                                SendMessageW(creds.Control(IDC_AUTH_METHOD), CB_SETCURSEL, selection, 0);
-                            for (const int id : {IDC_SERVER, IDC_DOMAIN, IDC_USER, IDC_PASSWORD})
-                                SetWindowTextW(creds.Control(id),
-                                               (L"b\u00fc \U0001F600 " + std::to_wstring(id)).c_str());
-                            SetWindowTextW(creds.Control(IDC_PORT), port.c_str());
-                            PressKey(creds.m_hWnd, focus, key);
-                        }};
+        const auto fillAndPress = [&, selection = selection, port = port, focus = focus, key = key]
+        {
+            EXPECT_EQ(FocusedControl(), creds.Control(IDC_SERVER));
+            EXPECT_EQ(TextOf(creds.Control(IDC_AUTH_METHOD)), L"Try all");
+            if (selection != 0) // with which it opens
+                SendMessageW(creds.Control(IDC_AUTH_METHOD), CB_SETCURSEL, selection, 0);
+            for (const int id : {IDC_SERVER, IDC_DOMAIN, IDC_USER, IDC_PASSWORD})
+                SetWindowTextW(creds.Control(id), (L"b\u00fc \U0001F600 " + std::to_wstring(id)).c_str());
+            SetWindowTextW(creds.Control(IDC_PORT), port.c_str());
+            PressKey(focus, key);
+        };
+        creds.mSteps = {fillAndPress};
         EXPECT_EQ(creds.DoModal(), result);
         EXPECT_EQ(creds.mAuthMethod, method);
         EXPECT_EQ(creds.mPort, portNumber);
@@ -101,7 +101,7 @@ TEST(LdapCreds, StayOpenWithATextThatIsNoPortSelectedAndTakeNothingAfterIt)
         const auto lookAndCancel = [&]
         {
             EXPECT_EQ(FocusedControl(), creds.Control(IDC_PORT));
-            EXPECT_EQ(SelectionOf(FocusedControl()), refused);
+            EXPECT_EQ(FocusedSelection(), refused);
             creds.EndDialog(IDCANCEL);
         };
         creds.mSteps = {refuse, [] {}, readTheBox, lookAndCancel}; // the box comes in the second's time

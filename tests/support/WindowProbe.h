@@ -12,10 +12,10 @@ constexpr int kMessageBoxText = 0xFFFF; // the control with a box's text
 HWND FocusedControl();
 
 std::wstring TextOf(HWND window); // also one of another process
-std::wstring SelectionOf(HWND edit);
+std::wstring FocusedSelection();
 
 // Presses a key at a control (VK_RETURN or VK_ESCAPE), which is served like any input, not at once.
-void PressKey(HWND dialog, int controlId, WORD key);
+void PressKey(int controlId, WORD key);
 
 // Serves the messages that wait.
 void Pump();

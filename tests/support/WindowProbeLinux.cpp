@@ -5,20 +5,6 @@
 
 using platform::Window;
 
-// Among the newest dialog, its owners and their controls.
-static Window* Find(HWND handle)
-{
-    for (Window* dialog = platform::TopDialog(); dialog != nullptr; dialog = dialog->parent)
-    {
-        if (dialog->handle == handle)
-            return dialog;
-        for (const auto& control : dialog->children)
-            if (control->handle == handle)
-                return control.get();
-    }
-    return nullptr;
-}
-
 HWND TopWindow()
 {
     const Window* top = platform::TopDialog();
@@ -31,14 +17,14 @@ HWND FocusedControl()
     return top && top->dialog->focus ? top->dialog->focus->handle : nullptr;
 }
 
-std::wstring SelectionOf(HWND edit)
+std::wstring FocusedSelection()
 {
-    const Window* found = Find(edit);
-    return found->text.substr(found->selectionStart, found->selectionEnd - found->selectionStart);
+    const Window& edit = *platform::TopDialog()->dialog->focus;
+    return edit.text.substr(edit.selectionStart, edit.selectionEnd - edit.selectionStart);
 }
 
-void PressKey(HWND dialog, int controlId, WORD key)
+void PressKey(int controlId, WORD key)
 {
-    SetFocus(GetDlgItem(dialog, controlId));
-    platform::UserPressed(*Find(dialog), key);
+    SetFocus(GetDlgItem(TopWindow(), controlId));
+    platform::UserPressed(*platform::TopDialog(), key);
 }
