@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/Locale.h"
 #include "tests/support/TestFolder.h"
+#include "text/Unicode.h"
 
 #include <windows.h>
 
@@ -137,15 +138,13 @@ TEST(CodePage, AnsiIsTheCharacterSetOfTheUsersLocale)
 
 TEST(CodePage, LongTextsGiveWhatTheirPartsGive)
 {
-    const std::wstring part = L"a\u00E9\u3042\U0001F600b"; // an odd length: any character may end a piece
+    const std::string part = "a\u00E9\u3042\U0001F600b"; // an odd length: any character may end a piece
     constexpr int kParts = 5000;
-    std::wstring wide;
-    for (int i = 0; i < kParts; ++i)
-        wide += part;
+    const std::wstring wide = text::FromUtf8(Repeated(part, kParts));
     for (const char* const locale : {"en_US.UTF-8", "de_DE.ISO-8859-1", "ja_JP.eucJP", "zh_CN.GB18030"})
     {
         const Variable variable("LC_ALL", locale);
-        std::string expected = Repeated(ToNarrow(part), kParts);
+        std::string expected = Repeated(ToNarrow(text::FromUtf8(part)), kParts);
         EXPECT_TRUE(ToNarrow(wide) == expected) << locale;
 
         const int room = static_cast<int>(expected.size()) - 1;
