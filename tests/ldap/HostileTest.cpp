@@ -142,11 +142,10 @@ TEST(HostileDirectory, NeitherHoldsNorDrainsTheProgram)
 // The lines of a test count from its start: it begins two seconds and more after the program.
 TEST(LdapTest, CountsItsLinesFromItsStart)
 {
-    ProgramStart start;
-    start.arguments = {"-FTP_LOG=case"};
-    start.awaited = "Beginning upload";
-    start.input = Typed({"9", "cn=any", "any", kSimplePlain});
-    start.input.emplace_back("Close");
+    std::vector<std::string> input = Typed({"9", "cn=any", "any", kSimplePlain});
+    input.emplace_back("Close");
+    const ProgramStart start = {
+        .arguments = {"-FTP_LOG=case"}, .input = input, .awaited = "Beginning upload"};
     const std::string console = ProgramFolder().Run(start).console;
     std::smatch begin;
     ASSERT_TRUE(std::regex_search(console, begin, std::regex("\\[(\\d+)ms\\] \n========= LDAP"))) << console;

@@ -86,12 +86,9 @@ std::vector<std::string> Typed(const LdapAnswers& answers)
 std::string RunLdapTest(const LdapAnswers& answers,
                         const std::vector<std::pair<std::string, std::string>>& environment)
 {
-    const ProgramFolder folder;
-    ProgramStart start;
-    start.input = Typed(answers);
-    start.environment = environment;
-    start.limit = std::chrono::minutes(3); // a loaded machine draws slowly under Wine
-    const ProgramOutcome outcome = folder.Run(start);
+    constexpr std::chrono::minutes kLimit{3}; // a loaded machine draws slowly under Wine
+    const ProgramOutcome outcome =
+        ProgramFolder().Run({.input = Typed(answers), .environment = environment, .limit = kLimit});
     const std::string console = WithoutTimes(outcome.console, "[] ");
     if (!outcome.ended)
         return "the program did not end:\n" + console;

@@ -11,12 +11,10 @@ bool gHasOwnNetwork = false;
 
 ProgramStart ShipmentTest::Unattended(const std::string& name, bool asOtherUser)
 {
-    ProgramStart start;
-    start.arguments = {"-FTP_LOG=" + name, "-AUTOCLOSE", "yes"};
-    start.limit = std::chrono::seconds(120);
-    start.asOtherUser = asOtherUser;
-    start.awaited = "FTP_LOG: "; // the input stays open: the program has to end by itself
-    return start;
+    return {.arguments = {"-FTP_LOG=" + name, "-AUTOCLOSE", "yes"},
+            .limit = std::chrono::seconds(120),
+            .asOtherUser = asOtherUser,
+            .awaited = "FTP_LOG: "}; // the input stays open: the program has to end by itself
 }
 
 ProgramOutcome ShipmentTest::Ship(const ProgramStart& start) const

@@ -42,45 +42,39 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
         }
     };
 
-    ProgramStart start;
-    start.arguments = {"-FORCE_DEBUG_DUMP"};
-    start.signalWhen = Shows("Are you sure");
-    expectOrderlyEnd("box", start, {SIGINT});
+    expectOrderlyEnd("box", {.arguments = {"-FORCE_DEBUG_DUMP"}, .signalWhen = Shows("Are you sure")},
+                     {SIGINT});
 
-    start.arguments = {"-FORCE_DEBUG_DUMP_SILENT"};
-    start.signalWhen = [](const std::string&, int) { return IsHeld(L"Global\\Tavo_ForceCoreDump"); };
-    expectOrderlyEnd("forced dump", start, {SIGTERM});
+    const auto dumps = [](const std::string&, int) { return IsHeld(L"Global\\Tavo_ForceCoreDump"); };
+    expectOrderlyEnd("forced dump", {.arguments = {"-FORCE_DEBUG_DUMP_SILENT"}, .signalWhen = dumps},
+                     {SIGTERM});
 
     const LdapPeer silent([](Connection& peer) { peer.ReadRequest(), peer.ReadRequest(); });
-    start.arguments = {};
-    start.input = Lines("LDAP ...\nLDAP Server=127.0.0.1\nPort=" + std::to_string(silent.Port()) +
-                        "\nUsername=a\nPassword=b\nAuthentication=Digest\nOK");
-    start.signalWhen = Shows("ldap_bind_s(Digest) begin");
-    expectOrderlyEnd("LDAP call", start, {SIGQUIT});
-    start.input = {};
+    const std::string test = "LDAP ...\nLDAP Server=127.0.0.1\nPort=" + std::to_string(silent.Port()) +
+                             "\nUsername=a\nPassword=b\nAuthentication=Digest\nOK";
+    expectOrderlyEnd("LDAP call", {.input = Lines(test), .signalWhen = Shows("ldap_bind_s(Digest) begin")},
+                     {SIGQUIT});
 
-    start.arguments = {"-FTP_LOG=case", "-AUTOCLOSE=yes"};
+    const std::vector<std::string> ship = {"-FTP_LOG=case", "-AUTOCLOSE=yes"};
     const std::string id = (folder.Path() / "archiver").string();
     const fs::path whole = folder.Path() / "whole";
     ReplaceArchiver("[ ! -e '" + whole.string() + "' ] || exec \"$REAL\" \"$@\"; echo half > case.zip; " +
                     "echo half > case.zip.tmp; echo $$ > '" + id + "'; exec sleep 60");
-    start.signalWhen = [&id](const std::string&, int) { return fs::exists(id) && !ReadFile(id).empty(); };
-    expectOrderlyEnd("packing", start, {SIGINT, SIGTERM, SIGHUP, SIGQUIT});
+    const auto packs = [&id](const std::string&, int) { return !ReadFile(id).empty(); };
+    expectOrderlyEnd("packing", {.arguments = ship, .signalWhen = packs}, {SIGINT, SIGTERM, SIGHUP, SIGQUIT});
     EXPECT_TRUE(EndsSoon(ReadFile(id)));
 
     WriteFile(whole, "");
     ScriptedFtpServer server({.bytesPerSecond = 200000}, kFtpPort);
-    start.signalWhen = Shows("% done, ");
-    expectOrderlyEnd("sending", start, {SIGHUP});
+    expectOrderlyEnd("sending", {.arguments = ship, .signalWhen = Shows("% done, ")}, {SIGHUP});
 }
 
 TEST_F(Signals, ThatWereIgnoredFromTheStartStayIgnored)
 {
-    ProgramStart start; // as nohup(1) starts it; then the end of input closes the console
-    start.ignoredSignals = {SIGHUP, SIGCHLD, SIGXFSZ};
-    start.signal = SIGHUP;
-    start.signalWhen = Shows("System default locale");
-    const ProgramOutcome outcome = folder.Run(start);
+    // As nohup(1) starts it; then the end of input closes the console.
+    const ProgramOutcome outcome = folder.Run({.signal = SIGHUP,
+                                               .signalWhen = Shows("System default locale"),
+                                               .ignoredSignals = {SIGHUP, SIGCHLD, SIGXFSZ}});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.console;
     EXPECT_THAT(folder.Log(), HasSubstr("finished tavo app"));
 }

@@ -163,9 +163,7 @@ TEST_F(WholeShipment, IsStartedByTheButtonInTheTerminalAndUsesARealServersTls)
 {
     WriteFile(Logs() / "fresh.log", "fresh");
     const RealFtpServer server(kFtpUser, kFtpPassword, kTlsSettings);
-    ProgramStart start;
-    start.input = {"FTP Logs to Support", "Close"};
-    const ProgramOutcome outcome = Ship(start);
+    const ProgramOutcome outcome = Ship({.input = {"FTP Logs to Support", "Close"}});
     EXPECT_THAT(outcome.console, HasSubstr(" a -r -ssw  \""));
     EXPECT_THAT(outcome.console, HasSubstr("The connection is encrypted"));
     EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 0", kSent));
