@@ -14,9 +14,9 @@ static std::wstring WithoutQuotes(std::wstring text)
     return text;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+static void Fuzz(std::string_view input)
 {
-    const std::wstring text = text::FromUtf8(TextOf(data, size));
+    const std::wstring text = text::FromUtf8(input);
     std::vector<std::wstring> arguments(1);
     for (const wchar_t character : text)
         if (character == L'\n')
@@ -42,5 +42,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(value == nullptr || text.find(value) != std::wstring::npos);
         Require(parser.HasVal(key) == (value != nullptr && *value != L'\0'));
     }
-    return 0;
 }

@@ -4,10 +4,9 @@
 #include "tests/fuzz/Require.h"
 #include "text/Unicode.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+static void Fuzz(std::string_view text)
 {
     constexpr std::size_t kLongest = 255 - 4; // with ".zip"
-    const std::string_view text = TextOf(data, size);
     const std::size_t end = text.substr(0, 8).find('\n');
     const bool hasReplacement = end != std::string_view::npos;
     const std::wstring replacement = hasReplacement ? text::FromUtf8(text.substr(0, end)) : L"_";
@@ -24,5 +23,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(character >= L' ' && (character < 0xD800 || character > 0xDFFF));
     RemoveIllegalFileSystemCharacters(name, replacement.c_str());
     Require(name.AsView() == cleaned);
-    return 0;
 }

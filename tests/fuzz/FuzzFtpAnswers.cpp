@@ -36,9 +36,8 @@ static int OnEvent(void* lines, int eventId, int paramCount, void* params[], int
     return 0;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+static void Fuzz(std::string_view text)
 {
-    const std::string_view text = TextOf(data, size);
     UploadJob job;
     job.password = kSecret;
     int lines = 0;
@@ -55,5 +54,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     Require(lines <= kMostLines);
     RequireHarmless(MakeHarmless(text, kSecret));
-    return 0;
 }

@@ -3,11 +3,10 @@
 #include "platform/net/LdapHost.h"
 #include "tests/fuzz/Require.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+static void Fuzz(std::string_view input)
 {
     std::vector<platform::LdapHost> hosts;
-    static_cast<void>(platform::ParseHosts(TextOf(data, size), 389, hosts));
+    static_cast<void>(platform::ParseHosts(input, 389, hosts));
     for (const platform::LdapHost& host : hosts)
         Require(host.port != 0 && host.name.find(' ') == std::string::npos);
-    return 0;
 }

@@ -19,14 +19,13 @@ static void ReadAsEachKind(Bytes data)
     Require(ReadIconGroup(data).size() <= data.size());
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+static void Fuzz(std::string_view input)
 {
-    const Bytes file(data, size);
+    const Bytes file(reinterpret_cast<const BYTE*>(input.data()), input.size());
     ReadAsEachKind(file);
     for (const Resource& resource : ReadResFile(file))
     {
-        Require(resource.data.size() <= size);
+        Require(resource.data.size() <= file.size());
         ReadAsEachKind(resource.data);
     }
-    return 0;
 }

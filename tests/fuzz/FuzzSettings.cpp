@@ -5,9 +5,8 @@
 
 using namespace kelvane;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+static void Fuzz(std::string_view file)
 {
-    const std::string_view file = TextOf(data, size);
     const bool broken = FindSetting(file, "LogLevel").finding == eFinding::Broken;
     for (const SettingValue& value : {SettingValue(std::uint32_t{7}), SettingValue(std::string("Logs"))})
     {
@@ -19,5 +18,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(found.finding == eFinding::Value && found.value == value);
         Require(WithSetting(*written, "LOGLEVEL", value) == written);
     }
-    return 0;
 }

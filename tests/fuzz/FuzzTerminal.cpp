@@ -49,9 +49,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
     return 0;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+static void Fuzz(std::string_view bytes)
 {
-    std::string_view bytes = TextOf(data, size);
     static TerminalEncoding encoding;
     Window dialog;
     Fill(dialog);
@@ -82,5 +81,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE)
             continue;
     }
-    return 0;
 }

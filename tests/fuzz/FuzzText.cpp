@@ -35,9 +35,8 @@ static void CheckShown(const std::wstring& wide)
         Require(character == L'\n' || text::IsSafeToShow(static_cast<char32_t>(character)));
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+static void Fuzz(std::string_view bytes)
 {
-    const std::string_view bytes = TextOf(data, size);
     std::wstring wide = text::FromUtf8(bytes);
     Require(text::ToUtf8(wide) == bytes);
     Require(text::FromUtf16(text::ToUtf16(wide)) == wide);
@@ -45,11 +44,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::erase_if(wide, IsSurrogate);
     Require(wide == WellFormed(bytes));
 
-    std::wstring any(size / sizeof(wchar_t), L'\0');
-    std::memcpy(any.data(), data, any.size() * sizeof(wchar_t));
+    std::wstring any(bytes.size() / sizeof(wchar_t), L'\0');
+    std::memcpy(any.data(), bytes.data(), any.size() * sizeof(wchar_t));
     CheckShown(any);
     text::ToUtf16(any);
     const std::string written = text::ToUtf8(any);
     Require(text::ToUtf8(text::FromUtf8(written)) == written);
-    return 0;
 }

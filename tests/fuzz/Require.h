@@ -11,7 +11,11 @@ inline void Require(bool holds)
         std::abort();
 }
 
-inline std::string_view TextOf(const std::uint8_t* data, std::size_t size)
+// What the target does with each input.
+static void Fuzz(std::string_view input);
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    return {reinterpret_cast<const char*>(data), size};
+    Fuzz({reinterpret_cast<const char*>(data), size});
+    return 0;
 }
