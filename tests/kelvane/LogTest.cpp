@@ -13,8 +13,7 @@ using namespace testing;
 // The line less its time, process and thread.
 static std::string Rest(const std::string& line)
 {
-    const std::size_t at = line.find("] ");
-    return at == std::string::npos ? line : line.substr(at + 2);
+    return line.substr(line.find("] ") + 2);
 }
 
 static std::vector<std::string> Texts(const AgentFolder& folder)

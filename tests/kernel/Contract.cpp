@@ -3,7 +3,6 @@
 #define SECURITY_WIN32
 #include <windows.h>
 
-#include <process.h>
 #include <security.h>
 #include <time.h>
 #include <wchar.h>

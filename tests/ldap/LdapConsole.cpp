@@ -14,7 +14,8 @@ const std::string kServerMark = "<server>";
 // Wine's client has no such option.
 constexpr unsigned kWineKeepAlive = 0x5c;
 
-static std::string CodeText(unsigned code)
+// Windows' client knows the code alone.
+static std::string CodeText(unsigned code, const std::string& cause)
 {
     static const std::map<unsigned, std::string> texts = {
         {0x01, "Operations Error"},
@@ -24,19 +25,13 @@ static std::string CodeText(unsigned code)
         {0x20, "No Such Object"},
         {0x22, "Invalid DN Syntax"},
         {0x31, "Invalid Credentials"},
+        {0x33, "Busy"},
         {0x35, "Unwilling To Perform"},
         {0x51, "Server Down"},
-        {0x33, "Busy"},
         {0x52, "Local Error"},
         {0x59, "Parameter Error"},
     };
-    return texts.at(code);
-}
-
-// Windows' client knows the code alone.
-static std::string CodeText(unsigned code, const std::string& cause)
-{
-    return CodeText(code) + (cause.empty() || RunsOnWindows() ? "" : ": " + cause);
+    return texts.at(code) + (cause.empty() || RunsOnWindows() ? "" : ": " + cause);
 }
 
 static std::string ResultText(unsigned code)

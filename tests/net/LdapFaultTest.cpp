@@ -10,8 +10,6 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
-
 #include <sched.h>
 #include <sys/resource.h>
 #include <unistd.h>
