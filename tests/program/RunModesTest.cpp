@@ -213,10 +213,7 @@ TEST(Console, LogsItsStartAndItsEndAndListensForTheShutdown)
         SCOPED_TRACE(reason);
         const ProgramFolder folder;
         bool heard = false;
-        ProgramStart start;
-        start.limit = std::chrono::seconds(30);
-        start.signal = number;
-        start.signalWhen = [&heard](const std::string&, int process)
+        const auto listens = [&heard](const std::string&, int process)
         {
             std::error_code gone;
             for (const auto& thread :
@@ -224,7 +221,8 @@ TEST(Console, LogsItsStartAndItsEndAndListensForTheShutdown)
                 heard = heard || ReadFile(thread.path() / "comm") == "GUIListenForShu\n";
             return heard;
         };
-        EXPECT_EQ(folder.Run(start).exitCode, number == 0 ? 0 : 128 + number);
+        const ProgramOutcome outcome = folder.Run({.signal = number, .signalWhen = listens});
+        EXPECT_EQ(outcome.exitCode, number == 0 ? 0 : 128 + number);
         EXPECT_EQ(heard, number != 0);
         ExpectLog(folder, ThisUser(), {}, "", std::string("2: ") + reason);
         if (RunsOnWindows())

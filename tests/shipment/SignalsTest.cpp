@@ -85,12 +85,11 @@ TEST_F(Signals, EnvironmentNamesNoCodeToLoad)
     const fs::path pipe = folder.Path() / "openssl.cnf";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     LdapPeer peer([](Connection& connection) { connection.ReadRequest(); });
-    ProgramStart start;
-    start.environment = {{"OPENSSL_CONF", pipe.string()}, {"SASL_PATH", pipe.string()}};
-    start.input = {"LDAP ...", "LDAP Server=127.0.0.1", "Port=" + std::to_string(peer.Port()),
-                   "Authentication=Simple bind - SSL", "OK"};
-    start.limit = std::chrono::seconds(20);
-    const ProgramOutcome outcome = folder.Run(start);
+    const ProgramOutcome outcome =
+        folder.Run({.input = {"LDAP ...", "LDAP Server=127.0.0.1", "Port=" + std::to_string(peer.Port()),
+                              "Authentication=Simple bind - SSL", "OK"},
+                    .environment = {{"OPENSSL_CONF", pipe.string()}, {"SASL_PATH", pipe.string()}},
+                    .limit = std::chrono::seconds(20)});
     EXPECT_TRUE(outcome.ended);
     EXPECT_THAT(outcome.console, HasSubstr("END TEST"));
 }

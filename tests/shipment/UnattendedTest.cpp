@@ -38,16 +38,15 @@ TEST_F(UnattendedShipment, ServesAllButtonsAndIsNotCutShortByClose)
     WriteFile(Logs() / "fresh.log", content);
     ScriptedFtpServer server({.bytesPerSecond = 4000000}, kFtpPort);
     ReplaceArchiver("sleep 2; exec \"$REAL\" \"$@\"");
-    ProgramStart start;
-    start.arguments = {"-FTP_LOG=case"};
-    start.input = {"CRC64", "Cancel", "LDAP ...", "Cancel", "Close"}; // and nothing else ends the program
+    // And nothing else ends the program.
+    const std::vector<std::string> input = {"CRC64", "Cancel", "LDAP ...", "Cancel", "Close"};
     // What the console says before the user does anything, and what comes after his last deed.
     for (const auto& [awaited, after] :
          {std::pair("Please wait...", "Compression finished"), {"% done, ", "100% done"}})
     {
         SCOPED_TRACE(awaited);
-        start.awaited = awaited;
-        const ProgramOutcome outcome = Ship(start);
+        const ProgramOutcome outcome =
+            Ship({.arguments = {"-FTP_LOG=case"}, .input = input, .awaited = awaited});
         EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 0", kSent));
         EXPECT_LT(outcome.console.find("DiagnosticsDlg"), outcome.console.find(after)) << outcome.console;
         EXPECT_EQ("case.zip", server.UploadedName());
