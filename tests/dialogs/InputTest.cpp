@@ -42,27 +42,24 @@ static std::vector<int> CommandsAfter(const std::function<void(HWND)>& body)
 
 TEST(Input, IsDroppedWhenItsControlCannotTakeItAnyMore)
 {
-    EXPECT_THAT(CommandsAfter(
-                    [](HWND dialog)
-                    {
-                        UserClicked(ControlOfTop(IDC_PUSH));
-                        UserClicked(ControlOfTop(IDC_BOX));
-                        EnableWindow(GetDlgItem(dialog, IDC_PUSH), FALSE);
-                    }),
-                ElementsAre(IDC_BOX, IDCANCEL));
-    EXPECT_THAT(CommandsAfter(
-                    [](HWND dialog)
-                    {
-                        UserClicked(ControlOfTop(IDC_PUSH));
-                        const auto pump = [](HWND window)
-                        {
-                            Pump();
-                            EndDialog(window, 1);
-                        };
-                        ScriptedDialog{.body = pump, .owner = dialog}.Run();
-                    }),
-                ElementsAre(IDCANCEL))
-        << "the dialog was disabled under another one";
+    const auto disable = [](HWND dialog)
+    {
+        UserClicked(ControlOfTop(IDC_PUSH));
+        UserClicked(ControlOfTop(IDC_BOX));
+        EnableWindow(GetDlgItem(dialog, IDC_PUSH), FALSE);
+    };
+    EXPECT_THAT(CommandsAfter(disable), ElementsAre(IDC_BOX, IDCANCEL));
+    const auto openAnother = [](HWND dialog)
+    {
+        UserClicked(ControlOfTop(IDC_PUSH));
+        const auto pump = [](HWND window)
+        {
+            Pump();
+            EndDialog(window, 1);
+        };
+        ScriptedDialog{.body = pump, .owner = dialog}.Run();
+    };
+    EXPECT_THAT(CommandsAfter(openAnother), ElementsAre(IDCANCEL)) << "it was disabled under another one";
 }
 
 TEST(Input, EndsWhereAProgramStopsReading)
@@ -78,16 +75,14 @@ TEST(Input, EndsWhereAProgramStopsReading)
 
 TEST(Input, StaysWhereOnlyPostedMessagesAndPaintingAreAskedFor)
 {
-    EXPECT_THAT(
-        CommandsAfter(
-            [](HWND dialog)
-            {
-                UserClicked(ControlOfTop(IDC_PUSH));
-                PostMessageW(dialog, WM_NOTE, 0, 0);
-                MSG message;
-                while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_POSTMESSAGE | PM_QS_PAINT))
-                    DispatchMessageW(&message);
-                PostMessageW(dialog, WM_NOTE, 0, 0);
-            }),
-        ElementsAre(0, 0, IDC_PUSH, IDCANCEL));
+    const auto serveSome = [](HWND dialog)
+    {
+        UserClicked(ControlOfTop(IDC_PUSH));
+        PostMessageW(dialog, WM_NOTE, 0, 0);
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_POSTMESSAGE | PM_QS_PAINT))
+            DispatchMessageW(&message);
+        PostMessageW(dialog, WM_NOTE, 0, 0);
+    };
+    EXPECT_THAT(CommandsAfter(serveSome), ElementsAre(0, 0, IDC_PUSH, IDCANCEL));
 }
