@@ -50,7 +50,7 @@ TEST(Settings, HoldTheOldOrTheNewTextWheneverTheWriterIsKilled)
     }
     EXPECT_GT(interrupted, kKills / 20) << "hardly any kill met a writer at work";
     // A killed writer neither holds the lock nor leaves anything in the way.
-    EXPECT_EQ(folder.Run({"set:LogLevel:1", "get:LogLevel"}).answers, "true\n1\n");
+    EXPECT_EQ(folder.Answers({"set:LogLevel:1", "get:LogLevel"}), "true\n1\n");
     EXPECT_THAT(folder.Names("Tavo.settings"), testing::ElementsAre("Tavo.settings.json"));
 }
 
@@ -96,12 +96,10 @@ TEST(Settings, AreChangedWhileAnotherAccountLocksTheirFolder)
 {
     const AgentFolder folder;
     fs::permissions(folder.Path(), fs::perms(0755));
-    const ChildProcess other(L"setpriv --reuid=65534 --regid=65534 --clear-groups flock \"" +
-                             folder.Path().wstring() + L"\" sleep 20");
+    const ChildProcess other(kAsNobody + L"flock \"" + folder.Path().wstring() + L"\" sleep 20");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
     const std::string openFiles = "shell:cd '" + folder.Path().string() + "' && ls /proc/$PPID/fd >";
-    EXPECT_EQ(folder.Run({openFiles + "before", "set:LogFileCount:7", openFiles + "after"}).answers,
-              "true\n");
+    EXPECT_EQ(folder.Answers({openFiles + "before", "set:LogFileCount:7", openFiles + "after"}), "true\n");
     EXPECT_EQ(folder.Read("after"), folder.Read("before"));
     EXPECT_NE(folder.Read("after"), "");
     other.Kill();
@@ -116,7 +114,7 @@ TEST(Settings, ThatAreBrokenAreToldWhileTheirLockIsHeld)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(folder.Run({"init", "get:LogLevel"}).answers, "2\n");
+    EXPECT_EQ(folder.Answers({"init", "get:LogLevel"}), "2\n");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(8))
         << "a moment for each setting";
     EXPECT_EQ(folder.Settings(), "{") << "its writer may be mending it";
@@ -162,8 +160,7 @@ TEST(Log, TakesItsTurnWhileAnotherAccountKeepsTheLock)
         GTEST_SKIP() << "only root may give files away";
     fs::permissions(folder.Path() / "Logs", fs::perms(0755));
     fs::permissions(folder.Path(), fs::perms(0755));
-    const ChildProcess other(L"setpriv --reuid=65534 --regid=65534 --clear-groups flock \"" + lock.wstring() +
-                             L"\" sleep 20");
+    const ChildProcess other(kAsNobody + L"flock \"" + lock.wstring() + L"\" sleep 20");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
     folder.Run({"log:2:new"});
     EXPECT_EQ(folder.Read("Logs/Tavo.1.log").size(), 2000u);
@@ -202,7 +199,7 @@ TEST(Settings, KeepTheirOwnerAndMode)
     if (chown(file.c_str(), 65534, 65533) != 0)
         GTEST_SKIP() << "only root may give files away";
     fs::permissions(file, fs::perms(04640));
-    EXPECT_EQ(folder.Run({"set:LogFileCount:7"}).answers, "true\n");
+    EXPECT_EQ(folder.Answers({"set:LogFileCount:7"}), "true\n");
     EXPECT_EQ(Said("stat -c '%u %g %a' '" + file + "'"), "65534 65533 640\n")
         << "but no rights to run as its owner";
 }
@@ -250,7 +247,7 @@ TEST(Settings, BehindALinkAreWrittenWhereItLeads)
         fs::create_symlink(link, folder.Path() / "Tavo.settings.json");
         if (exists)
             folder.Write(end, "{\"LogFileCount\": 3}\n");
-        EXPECT_EQ(folder.Run({"get:LogFileCount", "set:LogFileCount:9"}).answers,
+        EXPECT_EQ(folder.Answers({"get:LogFileCount", "set:LogFileCount:9"}),
                   exists ? "3\ntrue\n" : "5\ntrue\n");
         EXPECT_TRUE(fs::is_symlink(folder.Path() / "Tavo.settings.json"));
         EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder.Path() / end)));
@@ -258,7 +255,7 @@ TEST(Settings, BehindALinkAreWrittenWhereItLeads)
 
         // What cannot be understood is set aside beside its own place, which is left free.
         folder.Write(end, "broken");
-        EXPECT_EQ(folder.Run({"get:LogFileCount"}).answers, "5\n");
+        EXPECT_EQ(folder.Answers({"get:LogFileCount"}), "5\n");
         const fs::path aside = (folder.Path() / end).parent_path() / "Tavo.settings.broken-1.json";
         EXPECT_EQ(folder.Read(aside), "broken");
         EXPECT_TRUE(fs::is_symlink(folder.Path() / "Tavo.settings.json"));

@@ -83,11 +83,11 @@ TEST(Log, LiesWhereTheSettingSaysFromTheNextStartOn)
     // From the root of the drive, where there are drives.
     const fs::path rooted = other.root_directory() / other.relative_path();
     folder.Run({"set:LogDirectory:" + Encoded(rooted.string())});
-    EXPECT_EQ(folder.Run({"init", "log:2:there", "directory"}).answers, (other / "").string() + "\n");
+    EXPECT_EQ(folder.Answers({"init", "log:2:there", "directory"}), (other / "").string() + "\n");
     EXPECT_THAT(folder.Read("other place/Tavo.log"), HasSubstr("there"));
 
     folder.Run({"set:LogDirectory:"});
-    EXPECT_EQ(folder.Run({"init", "directory"}).answers, (folder.Path() / "Logs" / "").string() + "\n")
+    EXPECT_EQ(folder.Answers({"init", "directory"}), (folder.Path() / "Logs" / "").string() + "\n")
         << "nothing is no place";
 }
 

@@ -27,7 +27,7 @@ static std::string AllOf(const AgentFolder& folder)
     std::vector<std::string> steps{"init"};
     for (const auto& [name, fallback, most] : kSettings)
         steps.push_back("get:" + name);
-    return folder.Run(steps).answers;
+    return folder.Answers(steps);
 }
 
 static std::string Nested(std::size_t levels)
@@ -55,9 +55,9 @@ TEST(Settings, HoldWhatIsSetAtOnceAndAnyTextForTheNextProcess)
 {
     const AgentFolder folder;
     const std::string setText = "set:CustomerServiceText:" + Encoded("\"q\\\": {\n\tü 😀");
-    EXPECT_EQ(folder.Run({"get:LogLevel", "set:LogLevel:1", "get:LogLevel", setText}).answers,
+    EXPECT_EQ(folder.Answers({"get:LogLevel", "set:LogLevel:1", "get:LogLevel", setText}),
               "2\ntrue\n1\ntrue\n");
-    EXPECT_EQ(folder.Run({"get:CustomerServiceText"}).answers, "\"q\\\": {\n\tü 😀\n");
+    EXPECT_EQ(folder.Answers({"get:CustomerServiceText"}), "\"q\\\": {\n\tü 😀\n");
 }
 
 TEST(Settings, BeyondTheirRangeAreRefusedAndTheLogSaysWhy)
@@ -68,22 +68,20 @@ TEST(Settings, BeyondTheirRangeAreRefusedAndTheLogSaysWhy)
             continue;
         const AgentFolder folder;
         const std::string highest = std::to_string(most);
-        EXPECT_EQ(folder
-                      .Run({"set:" + name + ":" + highest, "set:" + name + ":" + std::to_string(most + 1),
-                            "set:" + name + ":none", "reset:" + name, "get:" + name})
-                      .answers,
-                  "true\nfalse\nfalse\n" + highest + "\n");
+        EXPECT_EQ(
+            folder.Answers({"set:" + name + ":" + highest, "set:" + name + ":" + std::to_string(most + 1),
+                            "set:" + name + ":none", "reset:" + name, "get:" + name}),
+            "true\nfalse\nfalse\n" + highest + "\n");
         EXPECT_THAT(folder.Log(), HasSubstr("failure: " + name + " is not changed: " + TakenBy(most)));
     }
     EXPECT_FALSE(
         SetConfigStr(eConfigCustomerServiceText, std::wstring(1, wchar_t{0xD800}).c_str(), true, nullptr))
         << "half of a surrogate pair has no place in the file";
     const AgentFolder folder;
-    EXPECT_EQ(folder
-                  .Run({"set:CustomerServiceText:kept", "set:CustomerServiceText:" + Encoded("Gr\xFC\xDF"),
-                        "reset:CustomerServiceText", "get:CustomerServiceText"})
-                  .answers,
-              "true\nfalse\nkept\n")
+    EXPECT_EQ(
+        folder.Answers({"set:CustomerServiceText:kept", "set:CustomerServiceText:" + Encoded("Gr\xFC\xDF"),
+                        "reset:CustomerServiceText", "get:CustomerServiceText"}),
+        "true\nfalse\nkept\n")
         << "nor has a byte that is not UTF-8";
 }
 
@@ -108,7 +106,7 @@ TEST(Settings, LeaveWhatAPersonWroteInItsPlaceAlsoAsAnEditorOfWindowsSavesIt)
     {
         const AgentFolder folder;
         folder.Write("Tavo.settings.json", before);
-        EXPECT_EQ(folder.Run({"get:LogLevel", "set:LogLevel:0", "set:LogFileCount:9"}).answers,
+        EXPECT_EQ(folder.Answers({"get:LogLevel", "set:LogLevel:0", "set:LogFileCount:9"}),
                   "1\ntrue\ntrue\n");
         EXPECT_EQ(folder.Settings(), after);
     }
@@ -156,7 +154,7 @@ TEST(Settings, ThatCannotBeUnderstoodAreSetAside)
         EXPECT_EQ(folder.Settings(), writes ? "{\n  \"LogLevel\": 2\n}\n" : "");
     }
     folder.Write("Tavo.settings.json", Nested(64));
-    EXPECT_EQ(folder.Run({"get:LogLevel"}).answers, "2\n");
+    EXPECT_EQ(folder.Answers({"get:LogLevel"}), "2\n");
     EXPECT_EQ(folder.Settings(), Nested(64)) << "deep, but not too deep";
 }
 
@@ -213,13 +211,13 @@ TEST(Settings, ThatAWriteWouldMakeTooLargeToReadAreRefused)
     const AgentFolder folder;
     const std::string before = "{\"a\": [1" + Repeated(",1", 200'000) + "]}";
     folder.Write("Tavo.settings.json", before);
-    EXPECT_EQ(folder.Run({"set:LogFileCount:7", "get:LogFileCount"}).answers, "false\n5\n");
+    EXPECT_EQ(folder.Answers({"set:LogFileCount:7", "get:LogFileCount"}), "false\n5\n");
     EXPECT_EQ(folder.Settings().size(), before.size());
     EXPECT_THAT(
         folder.Log(),
         HasSubstr("LogFileCount is not changed: Tavo.settings.json would become larger than 1048576 bytes"));
     folder.Write("Tavo.settings.json", R"({"LogFileCount": 7, "a": ")" + std::string(1'048'576, 'x') + "\"}");
-    EXPECT_EQ(folder.Run({"get:LogFileCount"}).answers, "5\n");
+    EXPECT_EQ(folder.Answers({"get:LogFileCount"}), "5\n");
     EXPECT_THAT(folder.Log(), HasSubstr("Tavo.settings.json cannot be read: defaults hold\n"));
 }
 
@@ -237,7 +235,7 @@ TEST(Settings, OfProcessesThatWriteAtOnceAreAllStored)
             {
                 const std::string value = std::to_string(most == 1 || most == 2 ? round % 2 : 10 + round);
                 starters.emplace_back([&folder, step = "set:" + name + ":" + value]
-                                      { EXPECT_EQ(folder.Run({step}).answers, "true\n"); });
+                                      { EXPECT_EQ(folder.Answers({step}), "true\n"); });
                 all += value + "\n";
             }
         }

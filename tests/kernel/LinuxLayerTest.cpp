@@ -59,8 +59,8 @@ TEST(NamedEventOfUsers, NobodyElseCanTakeItAwayOrMakeItFail)
     const std::wstring name = UniqueName(L"attacked");
     const HANDLE event = CreateEventW(OpenAccessAttributes(), TRUE, FALSE, name.c_str());
     SetEvent(event);
-    const ChildProcess attacker(L"setpriv --reuid 65534 --regid 65534 --clear-groups sh -c "
-                                L"\"for i in $(ipcs -s | awk '/^0x/{print $2}'); do ipcrm -s $i; done; "
+    const ChildProcess attacker(kAsNobody +
+                                L"sh -c \"for i in $(ipcs -s | awk '/^0x/{print $2}'); do ipcrm -s $i; done; "
                                 L"for i in $(ipcs -m | awk '/^0x/{print $2}'); do ipcrm -m $i; done; "
                                 L"for f in /dev/shm/*; do truncate -s 0 $f; done; true\"");
     EXPECT_EQ(attacker.ExitCode(), 0U);

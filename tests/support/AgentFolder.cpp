@@ -43,8 +43,7 @@ AgentOutcome AgentFolder::Run(const std::vector<std::string>& steps, bool asNobo
         for (const char* name : {"libKelvane.so", "libOriska.so", "libtavoplatform.so"})
             fs::copy_file(fs::path(TAVO_AGENT).parent_path().parent_path() / "bin" / name, Path() / name,
                           fs::copy_options::skip_existing);
-        user = L"setpriv --reuid=65534 --regid=65534 --clear-groups env \"LD_LIBRARY_PATH=" +
-               Path().wstring() + L"\" ";
+        user = kAsNobody + L"env \"LD_LIBRARY_PATH=" + Path().wstring() + L"\" ";
     }
     const DWORD exitCode = ChildProcess(user + Line(answers, steps)).ExitCode();
     return {exitCode, Read(answers), Read(errors)};

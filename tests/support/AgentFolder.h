@@ -21,9 +21,10 @@ public:
 
     fs::path Agent() const;
 
-    // Both from any thread. `asNobody` (Linux, as root) runs the agent as a user without rights.
+    // All from any thread. `asNobody` (Linux, as root) runs the agent as a user without rights.
     ChildProcess Start(const std::vector<std::string>& steps) const;
     AgentOutcome Run(const std::vector<std::string>& steps, bool asNobody = false) const;
+    std::string Answers(const std::vector<std::string>& steps) const { return Run(steps).answers; }
 
     std::string Log() const { return Read("Logs/Tavo.log"); }
     std::string Settings() const { return Read("Tavo.settings.json"); }
