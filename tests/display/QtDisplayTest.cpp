@@ -142,7 +142,7 @@ static void ExpectRoomForText(const platform::Window& control)
 }
 
 // What a screen reader says of it, and how it looks.
-std::string Described(QWidget& widget)
+static std::string Described(QWidget& widget)
 {
     const QAccessibleInterface& face = *QAccessible::queryAccessibleInterface(&widget);
     std::string text = QMetaEnum::fromType<QAccessible::Role>().valueToKey(face.role());
@@ -158,7 +158,7 @@ std::string Described(QWidget& widget)
     return text + "\n";
 }
 
-std::string DescribedDialog()
+static std::string DescribedDialog()
 {
     const QWidget& top = TopWidget();
     std::string text = Described(TopWidget()) + top.windowTitle().toStdString();

@@ -322,7 +322,7 @@ TEST(LdapConnect, SaysSoWhenTheSystemHasNoThreadLeft)
     EXPECT_EXIT(connect(), testing::ExitedWithCode(0), "^52 Local Error: resource temporarily unavailable$");
 }
 
-ULONG BindAs(const Session& session, const wchar_t* user, const wchar_t* domain, ULONG method)
+static ULONG BindAs(const Session& session, const wchar_t* user, const wchar_t* domain, ULONG method)
 {
     const std::u16string name = text::ToUtf16(user);
     const std::u16string realm = text::ToUtf16(domain);
