@@ -123,12 +123,6 @@ TEST(Console, ServesPostedLinesInAHandlerAtTheDepthWherePumpsEnd)
         });
 }
 
-TEST(Console, OpensWithTheKeyboardInItsText)
-{
-    const OpenConsole console([](OpenConsole& open) { PostMessageW(open.m_hWnd, WM_DEEP, 0, 0); });
-    EXPECT_TRUE(console.mHasFocus);
-}
-
 TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableTheButton)
 {
     // An unattended shipment that is under way elsewhere.
