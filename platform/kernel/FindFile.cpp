@@ -27,7 +27,7 @@ FILETIME FileTimeOf(const struct statx_timestamp& time)
 bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FIND_DATAW& data)
 {
     struct statx status = {};
-    constexpr unsigned kWanted = STATX_TYPE | STATX_SIZE | STATX_ATIME | STATX_MTIME | STATX_BTIME;
+    constexpr unsigned kWanted = STATX_TYPE | STATX_SIZE | STATX_MTIME;
     if (statx(folder, name, AT_SYMLINK_NOFOLLOW, kWanted, &status) != 0)
         return false;
     data = {};
@@ -44,9 +44,6 @@ bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FI
         data.dwFileAttributes |= FILE_ATTRIBUTE_DIRECTORY;
     if (data.dwFileAttributes == 0)
         data.dwFileAttributes = FILE_ATTRIBUTE_NORMAL;
-    if ((status.stx_mask & STATX_BTIME) != 0)
-        data.ftCreationTime = FileTimeOf(status.stx_btime);
-    data.ftLastAccessTime = FileTimeOf(status.stx_atime);
     // A pipe, a socket or a device holds no text, and who opens it may wait for ever: it counts as written
     // before everything else.
     if (directory || S_ISREG(mode))

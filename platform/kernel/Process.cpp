@@ -176,7 +176,6 @@ pid_t Spawn(const std::string& program, const std::vector<std::wstring>& words, 
     std::vector<char*> pointers(words.size() + 1); // null at the end
     std::ranges::transform(arguments, pointers.begin(),
                            [](std::string& argument) { return argument.data(); });
-    signal(SIGCHLD, SIG_DFL); // a parent that ignored it left us that, and then no exit code is kept
     pid_t id = 0;
     static std::mutex turn; // two at once would leave the other's mask for good
     const std::lock_guard<std::mutex> lock(turn);

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <csignal>
 #include <system_error>
 
 #include <openssl/err.h>
@@ -73,7 +72,6 @@ void LdapChannel::WaitForMore() const
 
 LdapFault LdapChannel::StartTls(const std::string& host, Deadline deadline)
 {
-    std::signal(SIGPIPE, SIG_IGN); // OpenSSL writes to sockets whose peer has gone
     ERR_clear_error();
     const Owned<SSL_CTX, SSL_CTX_free> context(SSL_CTX_new(TLS_client_method()));
     if (context == nullptr || SSL_CTX_set_default_verify_paths(context.get()) != 1)

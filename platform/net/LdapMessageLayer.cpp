@@ -151,12 +151,8 @@ ber_slen_t LdapMessageLayer::Read(char* bytes, std::size_t length)
 
 ber_slen_t LdapMessageLayer::Write(const char* bytes, std::size_t length)
 {
-    const ber_slen_t written = WriteBelow(bytes, length);
-    const int error = errno;
-    const bool isAwaited = written < 0 && (error == EAGAIN || error == EINTR); // it comes again
-    if (!isAwaited)
-        explicit_bzero(const_cast<char*>(bytes), written < 0 ? length : static_cast<std::size_t>(written));
-    errno = error;
+    const ber_slen_t written = WriteBelow(bytes, length); // waits itself; what fails does not come again
+    explicit_bzero(const_cast<char*>(bytes), written < 0 ? length : static_cast<std::size_t>(written));
     return written;
 }
 
