@@ -14,6 +14,15 @@ TEST(SickMachine, GetsAnAnswerToo)
     const std::string tokyo = "bias: -540\n(.*\n){2}Timezone Standard Name: Tokyo Standard Time\n";
     const std::string bareEtc = "unset TZ; unshare -m sh -c 'mount -t tmpfs none /etc; cd /etc; ";
     const std::string zone = " /usr/share/zoneinfo/Asia/Tokyo localtime; ";
+    // A display server that takes the connection and then says nothing.
+    const auto silent = [](const std::string& family, const std::string& address, const std::string& display)
+    {
+        return "python3 -c 'import os, socket\nserver = socket.socket(socket.AF_" + family +
+               ")\nserver.bind(" + address + ")\nserver.listen()\nos.environ." + display +
+               "\nos.system(\"timeout 30 $PROGRAM\")'";
+    };
+    const std::string unanswered =
+        "^No windows can be shown: the display \"[^\n]+\" did not answer in 10 s\nZT .*" + report;
     const std::pair<std::string, std::string> rows[] = {
         {bareEtc + "ln -s" + zone + "echo Europe/Paris > timezone; $PROGRAM'", tokyo},
         {bareEtc + "cp" + zone + "echo Asia/Tokyo > timezone; $PROGRAM'", tokyo},
@@ -28,6 +37,12 @@ TEST(SickMachine, GetsAnAnswerToo)
          "administrator of this computer.\nPress: OK\n$"},
         {"prlimit --stack=65536 $PROGRAM", report},
         {"$PROGRAM <&-", report},
+        {silent("INET", "(\"127.0.0.1\", 0)",
+                "update(DISPLAY = f\"127.0.0.1:{server.getsockname()[1] - 6000}\")"),
+         unanswered},
+        {"cd ${PROGRAM%/*}; " +
+             silent("UNIX", "\"silent\"", "update(WAYLAND_DISPLAY = os.path.abspath(\"silent\"))"),
+         unanswered},
         // Nobody reads any more.
         {"{ sleep 1; env --default-signal=PIPE $PROGRAM; echo $? >&2; } | true", "^0\n$"},
     };

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "platform/display/qt/Application.h"
 
+#include "platform/display/qt/DisplayServer.h"
+
 #include <QApplication>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QProxyStyle>
 #include <QStyleFactory>
 #include <QStyleOption>
+
+#include <cstdio>
 
 namespace platform
 {
@@ -40,12 +44,29 @@ public:
 
 constexpr char kLastResort[] = "offscreen";
 
-// Where Qt can reach none of the platforms it is given, it ends the process. So the last one given always
-// works, and means that there is no display.
-QByteArray Platforms()
+struct Platforms
+{
+    QByteArrayList mUsable;
+    std::shared_ptr<void> mServer; // the connection to the first one's, where it has any
+    std::string mProblem;          // why there is none, where more is known than that
+};
+
+// Of the platforms that are chosen, those from the first one on whose display server answers: Qt comes to the
+// others only where it cannot load that one.
+Platforms FindPlatforms()
 {
     const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
-    return (chosen.isEmpty() ? QByteArray("xcb;wayland") : chosen) + ';' + kLastResort;
+    Platforms found;
+    for (const QByteArray& platform : (chosen.isEmpty() ? QByteArray("xcb;wayland") : chosen).split(';'))
+    {
+        const std::string name = platform.split(':').first().toStdString();
+        const bool hasServer = name == "xcb" || name.starts_with("wayland");
+        if (hasServer && found.mUsable.isEmpty())
+            found.mServer = ConnectToServer(name, found.mProblem);
+        if (!hasServer || found.mServer != nullptr || !found.mUsable.isEmpty())
+            found.mUsable.append(platform);
+    }
+    return found;
 }
 
 void IgnoreMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
@@ -61,7 +82,16 @@ KeptLocale::~KeptLocale()
 std::unique_ptr<QApplication> MakeApplication()
 {
     const KeptLocale locale;
-    static QByteArray platforms = Platforms();
+    const Platforms found = FindPlatforms();
+    if (found.mUsable.isEmpty() && !found.mProblem.empty())
+        std::fprintf(stderr, "No windows can be shown: %s\n", found.mProblem.c_str());
+    if (found.mUsable.isEmpty())
+        return nullptr;
+
+    // Where Qt can reach none of the platforms it is given, it ends the process. So the last one given always
+    // works, and means that there is no display.
+    const bool wanted = found.mUsable.first() == kLastResort;
+    static QByteArray platforms = found.mUsable.join(';') + ';' + kLastResort;
     static char name[] = "Tavo";
     static char option[] = "-platform";
     static char* arguments[] = {name, option, platforms.data(), nullptr};
@@ -73,7 +103,6 @@ std::unique_ptr<QApplication> MakeApplication()
     auto application = std::make_unique<QApplication>(count, arguments);
     qInstallMessageHandler(reports);
 
-    const bool wanted = qgetenv("QT_QPA_PLATFORM").startsWith(kLastResort);
     if (QGuiApplication::platformName() == kLastResort && !wanted)
         return nullptr;
     QApplication::setStyle(new Style);
