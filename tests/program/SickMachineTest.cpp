@@ -43,6 +43,11 @@ TEST(SickMachine, GetsAnAnswerToo)
         {"cd ${PROGRAM%/*}; " +
              silent("UNIX", "\"silent\"", "update(WAYLAND_DISPLAY = os.path.abspath(\"silent\"))"),
          unanswered},
+        // Qt has it, and it would end the process.
+        {"DISPLAY=:0 QT_QPA_PLATFORM=eglfs $PROGRAM", "^No windows can be shown: QT_QPA_PLATFORM names "
+                                                      "\"eglfs\", where xcb, wayland or offscreen can be\nZT "
+                                                      ".*" +
+                                                          report},
         // Nobody reads any more.
         {"{ sleep 1; env --default-signal=PIPE $PROGRAM; echo $? >&2; } | true", "^0\n$"},
     };

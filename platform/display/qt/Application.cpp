@@ -61,6 +61,11 @@ Platforms FindPlatforms()
     {
         const std::string name = platform.split(':').first().toStdString();
         const bool hasServer = name == "xcb" || name.starts_with("wayland");
+        if (!hasServer && name != kLastResort) // "eglfs" for one ends the process where it does not fit
+        {
+            found.mProblem = "QT_QPA_PLATFORM names \"" + name + "\", where xcb, wayland or offscreen can be";
+            continue;
+        }
         if (hasServer && found.mUsable.isEmpty())
             found.mServer = ConnectToServer(name, found.mProblem);
         if (!hasServer || found.mServer != nullptr || !found.mUsable.isEmpty())

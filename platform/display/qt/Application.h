@@ -11,7 +11,8 @@ class QApplication;
 namespace platform
 {
 
-// Null when no display server answers. QT_QPA_PLATFORM chooses another platform of Qt's, as always.
+// Null when no display server answers. QT_QPA_PLATFORM chooses among Qt's platforms for a desktop, and
+// "offscreen" for tests.
 std::unique_ptr<QApplication> MakeApplication();
 
 // Puts the C locale back to what it was when this was made. Qt sets it at the start from the environment,
