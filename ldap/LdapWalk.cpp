@@ -3,6 +3,7 @@
 
 #include "base/Owned.h"
 #include "ldap/LdapCall.h"
+#include "text/SafeToShow.h"
 
 #include <winber.h>
 
@@ -55,8 +56,10 @@ void Search(LDAP* session, ZTString& namingContext, const LdapConsole& append)
     append(LdapResultLine(error));
     if (error != 0)
     {
+        // The server's own text, which could hold lines of its own.
+        const std::wstring shown = text::SafeToShow(base.AsView());
         append(_StrFormat(L"LDAP:GetChildNodes failed with {0:d}, {1:s} at [{2:s}]\r\n",
-                          {error, errorText, base}));
+                          {error, errorText, shown.c_str()}));
         return;
     }
     const int objects = VisitEntries(session, found, root, namingContext);

@@ -159,6 +159,9 @@ TEST(LdapTest, TellsEachStepOnItsOwn)
         {{kContexts, {{}, 0, kElsewhere}}, Walked("1")},
         {{{{{{"namingContexts", {"dc=a", "dc=b"}}}, {{"namingContexts", {"dc=c", "dc=d"}}}}}, {{}, 0x20}},
          Found("base", "2") + NotFound("one_level", 0x20, "dc=d")},
+        // A context that would imitate a line of the console, and turn it around.
+        {{{{{{"namingContexts", {"dc=a]\r\nEND TEST\r\n\u202E["}}}}}, {{}, 0x20}},
+         one + NotFound("one_level", 0x20, "dc=a]  END TEST   [")},
     };
     for (const auto& [answers, walk] : kCases)
         ExpectTold(LdapPeer(Searched(answers)).Port(), kSimplePlain, Bound(kSimplePlain) + walk);
