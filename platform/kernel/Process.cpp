@@ -121,6 +121,8 @@ std::string FindProgram(const std::string& name)
     return {};
 }
 
+constexpr char kNowhere[] = "/dev/null";
+
 class SpawnSettings
 {
 public:
@@ -153,9 +155,9 @@ public:
 
     void Hide()
     {
-        posix_spawn_file_actions_addopen(&mActions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&mActions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&mActions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_addopen(&mActions, STDIN_FILENO, kNowhere, O_RDONLY, 0);
+        posix_spawn_file_actions_addopen(&mActions, STDOUT_FILENO, kNowhere, O_WRONLY, 0);
+        posix_spawn_file_actions_addopen(&mActions, STDERR_FILENO, kNowhere, O_WRONLY, 0);
     }
     void SetFolder(const std::string& folder)
     {
@@ -208,7 +210,11 @@ BOOL CreateProcessW(LPCWSTR application, LPWSTR commandLine, LPSECURITY_ATTRIBUT
     if (program.empty())
         return FailWith(ERROR_FILE_NOT_FOUND);
     if ((startup->dwFlags & STARTF_USESHOWWINDOW) != 0 && startup->wShowWindow == SW_HIDE)
+    {
+        if (access(kNowhere, R_OK | W_OK) != 0)
+            return FailWith(ERROR_GEN_FAILURE); // a device's, lest the program is looked for
         settings.Hide();
+    }
     int error = 0;
     const pid_t id = Spawn(program, words, settings, error);
     if (id == 0)

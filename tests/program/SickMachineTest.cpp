@@ -14,6 +14,7 @@ TEST(SickMachine, GetsAnAnswerToo)
     const std::string tokyo = "bias: -540\n(.*\n){2}Timezone Standard Name: Tokyo Standard Time\n";
     const std::string bareEtc = "unset TZ; unshare -m sh -c 'mount -t tmpfs none /etc; cd /etc; ";
     const std::string zone = " /usr/share/zoneinfo/Asia/Tokyo localtime; ";
+    const std::string bareDev = "unshare -imn sh -c 'mount -t tmpfs none /dev; ";
     // A display server that takes the connection and then says nothing.
     const auto silent = [](const std::string& family, const std::string& address, const std::string& display)
     {
@@ -32,6 +33,11 @@ TEST(SickMachine, GetsAnAnswerToo)
          "System default locale: \\[de-de\\] \\(x0407\\)\n"},
         {bareEtc + "echo LANG=fr_FR > locale.conf; $PROGRAM'",
          "System default locale: \\[fr-fr\\] \\(x040C\\)\n"},
+        {bareDev + "$PROGRAM -FTP_LOG=x -AUTOCLOSE=yes'",
+         "FTP_LOG: Failed to launch before FTP: .*Err=31: A device attached to the system is not "
+         "functioning.\n$"},
+        {bareDev + "$PROGRAM >&-; timeout 30 $PROGRAM <&-'",
+         "^Tavo: the console's text cannot be written: Bad file descriptor\nZT .*" + report},
         // An account with one thread, which root can make.
         {"prlimit --nproc=1 setpriv --reuid=64322 --regid=64322 --clear-groups $PROGRAM",
          "administrator of this computer.\nPress: OK\n$"},
@@ -48,10 +54,11 @@ TEST(SickMachine, GetsAnAnswerToo)
                                                       "\"eglfs\", where xcb, wayland or offscreen can be\nZT "
                                                       ".*" +
                                                           report},
+        {"$PROGRAM >/dev/full", "^Tavo: the console's text cannot be written: No space left on device\n$"},
         // Nobody reads any more.
         {"{ sleep 1; env --default-signal=PIPE $PROGRAM; echo $? >&2; } | true", "^0\n$"},
     };
-    for (const auto& [command, answer] : std::span(rows).subspan(getuid() == 0 ? 0 : 6))
+    for (const auto& [command, answer] : std::span(rows).subspan(getuid() == 0 ? 0 : 8))
     {
         const ProgramFolder folder;
         EXPECT_THAT(Said("export PROGRAM='" + folder.Program().string() +

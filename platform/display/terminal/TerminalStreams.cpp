@@ -13,7 +13,10 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
+#include <system_error>
+#include <utility>
 
 namespace platform
 {
@@ -24,12 +27,12 @@ namespace
 constexpr std::size_t kLongestLine = std::size_t{64} << 20; // bytes; a longer one is taken in pieces
 
 // A descriptor that was closed when the program started would be given to the next file that is opened, and
-// console text would go into that.
+// console text would go into that. What is always there and can be neither read nor written takes its place.
 [[gnu::constructor]] void OpenMissingStreams()
 {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
         if (fcntl(stream, F_GETFD) == -1 && errno == EBADF)
-            open("/dev/null", stream == STDIN_FILENO ? O_RDONLY : O_WRONLY);
+            open("/", O_RDONLY);
 }
 
 } // namespace
@@ -40,7 +43,7 @@ TerminalOutput::TerminalOutput(const TerminalEncoding& encoding) : mEncoding(enc
     signal(SIGPIPE, SIG_IGN);
 }
 
-// What cannot be written is lost; the next text is tried again.
+// What cannot be written is lost, which is told once; the next text is tried again.
 void TerminalOutput::Write(std::string_view bytes)
 {
     while (!bytes.empty())
@@ -54,8 +57,16 @@ void TerminalOutput::Write(std::string_view bytes)
             poll(&ready, 1, -1);
         }
         else if (errno != EINTR)
-            return;
+            return TellLoss(errno);
     }
+}
+
+// Not of a reader that has seen enough.
+void TerminalOutput::TellLoss(int error)
+{
+    if (error != EPIPE && !std::exchange(mLossIsTold, true))
+        std::fprintf(stderr, "Tavo: the console's text cannot be written: %s\n",
+                     std::generic_category().message(error).c_str());
 }
 
 void TerminalOutput::WritePart(std::wstring_view text)

@@ -28,10 +28,12 @@ public:
 
 private:
     void Write(std::string_view bytes);
+    void TellLoss(int error);
 
     const TerminalEncoding& mEncoding;
     HarmlessText mHarmless;
     bool mAtLineStart = true;
+    bool mLossIsTold = false;
 };
 
 class TerminalInput
