@@ -59,16 +59,27 @@ void TellTrouble(const wchar_t* text)
         LogNF(kLogFailure, text, false);
 }
 
+std::string NameAside(int number)
+{
+    return "Tavo.settings.broken-" + std::to_string(number) + ".json";
+}
+
+// How many were moved away, as far as they are there still.
+int SetAsideSoFar()
+{
+    std::error_code error;
+    int number = 0;
+    while (std::filesystem::exists(StorePath().parent_path() / NameAside(number + 1), error))
+        ++number;
+    return number;
+}
+
 // Moves the file away and gives its new name, or nothing when it stays where it is. The caller holds the
 // lock, so nobody replaces the file meanwhile.
 std::string SetAside()
 {
     std::error_code error;
-    std::string name;
-    int number = 0;
-    do
-        name = "Tavo.settings.broken-" + std::to_string(++number) + ".json";
-    while (std::filesystem::exists(StorePath().parent_path() / name, error));
+    const std::string name = NameAside(SetAsideSoFar() + 1);
     std::filesystem::rename(StorePath(), StorePath().parent_path() / name, error);
     return error ? std::string() : name;
 }
@@ -95,12 +106,13 @@ FileContent ReadSettled()
     return content;
 }
 
+std::atomic<bool> gSetAsideIsTold{false};
+
 // Also on standard error, since the log then lies where the defaults want it, and perhaps nobody looks there.
 // The caller does not hold the lock: logging reads settings, which may meet the same file.
 void TellSetAside(const std::string& name)
 {
-    static std::atomic<bool> told{false};
-    if (!told.exchange(true))
+    if (!gSetAsideIsTold.exchange(true))
         std::fprintf(stderr,
                      name.empty() ? "Tavo: %s cannot be understood and cannot be moved away: defaults hold\n"
                                   : "Tavo: %s could not be understood and was moved to %s: defaults hold\n",
@@ -110,6 +122,14 @@ void TellSetAside(const std::string& name)
     else
         _Log(kLogFailure, L"Tavo.settings.json could not be understood and was moved to {0:S}: defaults hold",
              {name.c_str()});
+}
+
+// As long as nobody mends what an earlier run moved away, or stores a setting anew.
+void TellSetAsideEarlier()
+{
+    const int number = SetAsideSoFar();
+    if (number > 0 && !gSetAsideIsTold)
+        TellSetAside(NameAside(number));
 }
 
 FoundSetting FindIn(const FileContent& content, std::string_view name)
@@ -152,7 +172,10 @@ ZTString WriteLocked(std::string_view name, const SettingValue& value, std::opti
 
 FoundSetting ReadStoredSetting(std::string_view name)
 {
-    FoundSetting found = FindIn(ReadWholeFile(StorePath(), kLongestFile), name);
+    const FileContent content = ReadWholeFile(StorePath(), kLongestFile);
+    if (content.missing)
+        TellSetAsideEarlier();
+    FoundSetting found = FindIn(content, name);
     if (found.finding != eFinding::Broken)
         return found;
 

@@ -144,14 +144,16 @@ TEST(Settings, ThatCannotBeUnderstoodAreSetAside)
         const AgentOutcome outcome =
             folder.Run({writes ? "set:LogLevel:2" : "get:LogLevel", "get:LogFileCount"});
         EXPECT_EQ(outcome.answers, writes ? "true\n5\n" : "2\n5\n") << number;
-        EXPECT_EQ(outcome.errors, "Tavo: " + (folder.Path() / "Tavo.settings.json").string() +
-                                      " could not be understood and was moved to " + aside +
-                                      ": defaults hold\n");
+        const std::string told = "Tavo: " + (folder.Path() / "Tavo.settings.json").string() +
+                                 " could not be understood and was moved to " + aside + ": defaults hold\n";
+        EXPECT_EQ(outcome.errors, told);
         EXPECT_EQ(folder.Read(aside), broken);
         EXPECT_THAT(folder.Log(),
                     HasSubstr("failure: Tavo.settings.json could not be understood and was moved to " +
                               aside + ": defaults hold\n"));
         EXPECT_EQ(folder.Settings(), writes ? "{\n  \"LogLevel\": 2\n}\n" : "");
+        EXPECT_EQ(folder.Run({"get:LogLevel"}).errors, writes ? "" : told)
+            << "until there are settings again";
     }
     folder.Write("Tavo.settings.json", Nested(64));
     EXPECT_EQ(folder.Answers({"get:LogLevel"}), "2\n");
