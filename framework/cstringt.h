@@ -191,7 +191,6 @@ public:
 
     // Parts of the text; a place or a count outside it is cut down to it.
     CStringT Left(int count) const { return Part(0, ToSize(count)); }
-    CStringT Right(int count) const { return Part(Size() - std::min(Size(), ToSize(count)), Size()); }
     CStringT Mid(int first) const { return Part(ToSize(first), Size()); }
     CStringT Mid(int first, int count) const { return Part(ToSize(first), ToSize(count)); }
 

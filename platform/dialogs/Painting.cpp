@@ -4,8 +4,6 @@
 // iconic window, so no display shows them.
 #include "platform/dialogs/WindowTable.h"
 
-#include <algorithm>
-
 using namespace platform;
 
 namespace
@@ -34,7 +32,6 @@ HDC BeginPaint(HWND handle, LPPAINTSTRUCT paint)
     if (dialog == nullptr)
         return nullptr;
     dialog->dialog->needsPaint = false;
-    dialog->dialog->drawn.clear();
     paint->hdc = reinterpret_cast<HDC>(handle);
     GetClientRect(handle, &paint->rcPaint);
     return paint->hdc;
@@ -57,13 +54,9 @@ BOOL GetClientRect(HWND handle, LPRECT rectangle)
     return TRUE;
 }
 
-BOOL DrawIcon(HDC context, int x, int y, HICON icon)
+BOOL DrawIcon(HDC context, int, int, HICON icon)
 {
-    Window* const dialog = FindDialog(reinterpret_cast<HWND>(context));
-    if (dialog == nullptr || icon == nullptr)
-        return FALSE;
-    dialog->dialog->drawn.push_back({icon, x, y});
-    return TRUE;
+    return FindDialog(reinterpret_cast<HWND>(context)) != nullptr && icon != nullptr ? TRUE : FALSE;
 }
 
 int GetSystemMetrics(int index)

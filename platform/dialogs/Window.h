@@ -33,27 +33,18 @@ struct ComboItem
     LPARAM data = 0;
 };
 
-// An icon at a place of the client area, in pixels from its upper left corner.
-struct DrawnIcon
-{
-    HICON icon = nullptr;
-    int x = 0;
-    int y = 0;
-};
-
 // What only a dialog has.
 struct DialogState
 {
     DialogFont font;
     HICON bigIcon = nullptr;
     HICON smallIcon = nullptr;
-    Window* focus = nullptr;      // the control with the keyboard, also while another dialog is on top
-    UINT defaultButton = 0;       // control id, 0 for none
-    std::vector<DrawnIcon> drawn; // by the last WM_PAINT
-    bool isMessageBox = false;    // one label and push buttons without a layout: the display makes one
-    UINT messageBoxType = 0;      // as given to MessageBoxW
-    bool iconic = false;          // minimised
-    int pixelWidth = 0;           // client area, set by the display when it shows the dialog; 0 is unknown
+    Window* focus = nullptr;   // the control with the keyboard, also while another dialog is on top
+    UINT defaultButton = 0;    // control id, 0 for none
+    bool isMessageBox = false; // one label and push buttons without a layout: the display makes one
+    UINT messageBoxType = 0;   // as given to MessageBoxW
+    bool iconic = false;       // minimised
+    int pixelWidth = 0;        // client area, set by the display when it shows the dialog; 0 is unknown
     int pixelHeight = 0;
 
     // For the message calls alone.

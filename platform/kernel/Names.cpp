@@ -76,9 +76,7 @@ DWORD GetModuleFileNameW(HMODULE, LPWSTR buffer, DWORD size)
     std::vector<char> bytes(PATH_MAX);
     const ssize_t length = readlink("/proc/self/exe", bytes.data(), bytes.size() - 1);
     // Where /proc is not mounted, the file that the kernel was told to start.
-    if ((length <= 0 &&
-         realpath(reinterpret_cast<const char*>(getauxval(AT_EXECFN)), bytes.data()) == nullptr) ||
-        size == 0)
+    if (length <= 0 && realpath(reinterpret_cast<const char*>(getauxval(AT_EXECFN)), bytes.data()) == nullptr)
     {
         FailWith(ERROR_INSUFFICIENT_BUFFER);
         return 0;

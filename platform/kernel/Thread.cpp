@@ -4,7 +4,6 @@
 
 #include <process.h>
 #include <pthread.h>
-#include <sched.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -67,13 +66,5 @@ DWORD GetCurrentThreadId()
 
 void Sleep(DWORD milliseconds)
 {
-    if (milliseconds == INFINITE)
-        for (;;)
-            pause();
-    if (milliseconds == 0)
-    {
-        sched_yield();
-        return;
-    }
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }

@@ -9,6 +9,8 @@
 
 #include <dlfcn.h>
 
+#include <tuple>
+
 static std::vector<std::pair<WPARAM, LPARAM>> gScrolls;
 
 LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -17,6 +19,16 @@ LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
         gScrolls.emplace_back(wParam, lParam);
     return reinterpret_cast<decltype(&SendMessageW)>(dlsym(RTLD_NEXT, "SendMessageW"))(window, message,
                                                                                        wParam, lParam);
+}
+
+using Drawn = std::tuple<HICON, int, int>;
+static std::vector<Drawn> gDrawn;
+
+BOOL DrawIcon(HDC context, int x, int y, HICON icon)
+{
+    EXPECT_EQ(context, reinterpret_cast<HDC>(platform::TopDialog()->handle));
+    gDrawn.emplace_back(icon, x, y);
+    return TRUE;
 }
 
 class Minimised : public CTavoDlg
@@ -33,10 +45,8 @@ class Minimised : public CTavoDlg
         EXPECT_EQ(SendMessageW(m_hWnd, WM_QUERYDRAGICON, 0, 0), reinterpret_cast<LRESULT>(icon));
         platform::UserMinimized(*platform::TopDialog(), true);
         SendMessageW(m_hWnd, WM_PAINT, 0, 0);
-        EXPECT_EQ(state.drawn.size(), 1u);
-        EXPECT_EQ(state.drawn[0].icon, icon);
-        EXPECT_EQ(state.drawn[0].x, 413); // of 858 pixels, which the icon takes 32 of
-        EXPECT_EQ(state.drawn[0].y, 214); // of 460
+        // Of 858 and 460 pixels, of which the icon takes 32.
+        EXPECT_EQ(gDrawn, std::vector{Drawn(icon, 413, 214)});
         EndDialog(1);
         return TRUE;
     }
