@@ -62,7 +62,8 @@ public:
     explicit Listing(DIR* folder) : mFolder(folder) {}
     ~Listing() override { closedir(mFolder); }
 
-    // False after the last entry. One that vanishes meanwhile is passed over.
+    // False after the last entry. One that vanishes meanwhile is passed over, and so is one that cannot be
+    // looked at: who goes on to open it meets the reason.
     bool Next(WIN32_FIND_DATAW& data)
     {
         while (const dirent* entry = readdir(mFolder))
