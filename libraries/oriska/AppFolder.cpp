@@ -8,11 +8,8 @@ ZTString GetPathInAppFolder(const wchar_t* name)
 {
     // A path that fills the buffer may have been cut.
     std::wstring path(MAX_PATH, L'\0');
-    DWORD length;
-    while ((length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()))) ==
-           path.size())
+    while (GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())) == path.size())
         path.resize(path.size() * 2);
-    path.resize(length);
     path.resize(path.rfind(wchar_t{std::filesystem::path::preferred_separator}) + 1);
     path += name;
     return ZTString(path.data(), static_cast<int>(path.size()));

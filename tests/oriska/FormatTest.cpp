@@ -49,11 +49,12 @@ TEST(Format, ReadsBracesAndIndices)
         {L"{}, {}, {}", {1, 2, 3}, L"1, 2, 3"},
         {L"{:04X} {:d}", {255, 255}, L"00FF 255"},
         {L"{1} {} {0} {}", {L"a", L"b", L"c", L"d"}, L"b b a d"}, // every placeholder moves the index on
-        {L"{0} {1} never", {1}, L"1 @@@"},
+        {L"{10} {11} never", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, L"10 @@@"},
         {L"{}", {}, L"@@@"},
         {L"{99999999999999999999999} never", {1}, L"@@@"},
         {L"{4294967296} never", {1}, L"@@@"}, // no index wraps round to an argument
         {L"{0", {1}, L"{0"},
+        {L"{0:d", {1}, L"{0:d"},
         {L"{", {1}, L"{"},
         {L"{name} {-1} { 0}", {1}, L"{name} {-1} { 0}"},
         {L"{000}{0:}", {1}, L"11"},
@@ -67,7 +68,7 @@ TEST(Format, ChecksASpecAgainstTheTypeOfItsValue)
         {L"{0:s}|{0:S}|{0:f}|{0:n}|{0:x}|{0:+d}", {12}, L"12|12|12|12|12|12"},
         {L"{0:d}|{0:u}|{0:n}", {L"text"}, L"text|text|text"},
         {L"{0:d}|{0:s}|{0:g}", {1.5}, L"1.5|1.5|1.5"},
-        {L"{0:*d}|{0:%}|{0:5}|{0:dd}|{0:.}|{0:-}|{0:ld}", {5}, L"5|5|5|5|5|5|5"},
+        {L"{0:*d}|{0:%}|{0:5}|{0:ud}|{0:.}|{0:-}|{0:ld}", {-5}, L"-5|-5|-5|-5|-5|-5|-5"},
         {L"{0:S}|{1:s}", {L"wide", "narrow"}, L"wide|narrow"},
         {L"[{0}{1}{0:5s}]",
          {static_cast<const wchar_t*>(nullptr), static_cast<const char*>(nullptr)},
@@ -114,7 +115,7 @@ TEST(Format, AgreesWithPrintfOnEveryCombinationOfFlagsAndSizes)
         EXPECT_EQ(std::string(text.begin(), text.end()), expected) << spec;
     };
     for (const std::string front : {"", "-", "0", "-0"})
-        for (const std::string sizes : {"", "1", "12", ".0", ".3", "9.3", "20.12", "1.20"})
+        for (const std::string sizes : {"", "1", "12", ".0", ".3", "9.0", "9.3", "20.12", "1.20"})
         {
             for (const char conversion : {'d', 'u', 'X'})
                 for (const long long value : {0LL, 1LL, -1LL, 123456LL, std::numeric_limits<long long>::min(),

@@ -19,7 +19,9 @@ TEST(LockWaits, AreBookedByLabelFromAnyThread)
     threads.clear();
     RecordLockWait(L"Catalogue", 4294967295);
     RecordLockWait(L"Catalogue", 5);
+    RecordLockWait(L"None", 0);
     EXPECT_EQ(GetLockWaits(), L"Catalogue: 2 waits, 42949673.00 ms, longest 42949672.95 ms\n"
+                              L"None: 1 waits, 0.00 ms, longest 0.00 ms\n"
                               L"Queue: 8000 waits, 4000.00 ms, longest 0.50 ms\n");
 }
 
@@ -32,4 +34,5 @@ TEST(Timer, CountsHundredthsOfAMillisecond)
     const DWORD elapsed = TimerEnd100thms(start);
     EXPECT_GE(elapsed, 4900u);
     EXPECT_LE(elapsed, (std::chrono::steady_clock::now() - before) / std::chrono::microseconds(10));
+    EXPECT_EQ(TimerEnd100thms(TimerStart() + 1'000'000'000), 0u) << "not begun yet";
 }
