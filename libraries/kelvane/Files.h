@@ -14,8 +14,8 @@
 namespace kelvane
 {
 
-// The path as the system's calls take it. On Linux that is UTF-8, less the characters that stand for bytes
-// that are not UTF-8 (see GetCommandLineW of the layer).
+// The path as the system's calls take it: on Linux UTF-8, with the bytes in it that are not (see
+// text/Unicode.h).
 std::filesystem::path NativePath(std::wstring_view path);
 
 // `directory` as a full path with a separator at its end; a relative one lies in the program folder.
@@ -66,7 +66,7 @@ public:
     bool IsOpen() const;
     // The file's size where its last line has no end, else 0; also for a file that may not be read.
     std::uint64_t SizeInMidLine() const;
-    bool Append(std::string_view bytes);
+    void Append(std::string_view bytes);
     // What is wrong with the file, or the system's text, when one of these failed.
     const ZTString& Problem() const { return mProblem; }
 

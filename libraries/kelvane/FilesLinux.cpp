@@ -8,7 +8,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <list>
 #include <system_error>
@@ -177,17 +176,7 @@ bool FlushDirectory(const std::filesystem::path& directory)
 
 std::filesystem::path NativePath(std::wstring_view path)
 {
-    const auto isByte = [](wchar_t character) { return character >= 0xDC80 && character <= 0xDCFF; };
-    std::string native;
-    for (auto at = path.begin(); at != path.end();)
-    {
-        const auto text = at;
-        at = std::find_if(text, path.end(), isByte);
-        native += Narrow({text, at});
-        for (; at != path.end() && isByte(*at); ++at)
-            native += static_cast<char>(*at - 0xDC00);
-    }
-    return native;
+    return Narrow(path);
 }
 
 ZTString FullDirectory(const ZTString& directory)
@@ -315,18 +304,17 @@ std::uint64_t AppendFile::SizeInMidLine() const
     return static_cast<std::uint64_t>(status.st_size);
 }
 
-bool AppendFile::Append(std::string_view bytes)
+void AppendFile::Append(std::string_view bytes)
 {
     ssize_t written;
     do
         written = write(static_cast<int>(mHandle), bytes.data(), bytes.size());
     while (written < 0 && errno == EINTR);
     if (written == static_cast<ssize_t>(bytes.size()))
-        return true;
+        return;
     if (written >= 0)
         errno = ENOSPC; // there was room for a part
     mProblem = LastErrorText();
-    return false;
 }
 
 FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)

@@ -194,14 +194,13 @@ std::uint64_t AppendFile::SizeInMidLine() const
     return read && last != '\n' ? at + 1 : 0;
 }
 
-bool AppendFile::Append(std::string_view bytes)
+void AppendFile::Append(std::string_view bytes)
 {
     DWORD written = 0;
     if (!WriteFile(ToHandle(mHandle), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr))
         mProblem = ErrorText(GetLastError());
     else if (written != bytes.size())
         mProblem = ErrorText(ERROR_DISK_FULL); // there was room for a part
-    return mProblem.IsEmpty();
 }
 
 FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)

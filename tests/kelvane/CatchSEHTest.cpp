@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "foundation/Kelvane.h"
+#include "tests/support/ProgramFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -92,7 +93,10 @@ TEST(CatchSEHDeathTest, LeavesOtherFaultsDeadly)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto fault = testing::Not(testing::HasSubstr("terminate called"));
-    EXPECT_DEATH((CodeOf(WriteToNull), WriteToNull()), fault);
+    EXPECT_DEATH((CodeOf(WriteToNull), CodeOf(WriteToNull), WriteToNull()), fault);
     EXPECT_DEATH(CodeOf([] { std::thread(WriteToNull).join(); }), fault) << "the guard is another thread's";
     EXPECT_DEATH(CodeOf([] { raise(SIGSEGV); }), fault) << "sent, not met";
+    if (!RunsOnWindows())
+        EXPECT_DEATH(CodeOf([] { EXPECT_EQ(std::system("kill -SEGV $PPID"), 0); }), fault)
+            << "by another process";
 }

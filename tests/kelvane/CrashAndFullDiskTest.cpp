@@ -99,7 +99,8 @@ TEST(Settings, AreChangedWhileAnotherAccountLocksTheirFolder)
     const ChildProcess other(kAsNobody + L"flock \"" + folder.Path().wstring() + L"\" sleep 20");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
     const std::string openFiles = "shell:cd '" + folder.Path().string() + "' && ls /proc/$PPID/fd >";
-    EXPECT_EQ(folder.Answers({openFiles + "before", "set:LogFileCount:7", openFiles + "after"}), "true\n");
+    EXPECT_EQ(folder.Answers({openFiles + "before", "set:LogFileCount:7", "log:2:x", openFiles + "after"}),
+              "true\n");
     EXPECT_EQ(folder.Read("after"), folder.Read("before"));
     EXPECT_NE(folder.Read("after"), "");
     other.Kill();
@@ -147,6 +148,9 @@ TEST(Settings, WhoseLockCannotBeHadSayWhy)
     folder.Run({"set:LogFileCount:7"});
     EXPECT_THAT(folder.Log(),
                 HasSubstr("LogFileCount is not changed: Tavo.settings.lock cannot be had: Is a directory\n"));
+    fs::create_directory(folder.Path() / "Tavo.settings.json");
+    EXPECT_EQ(folder.Run({"get:LogLevel"}).answers, "2\n");
+    EXPECT_THAT(folder.Log(), HasSubstr("Tavo.settings.json cannot be read: defaults hold\n"));
 }
 
 TEST(Log, TakesItsTurnWhileAnotherAccountKeepsTheLock)
@@ -162,9 +166,14 @@ TEST(Log, TakesItsTurnWhileAnotherAccountKeepsTheLock)
     fs::permissions(folder.Path(), fs::perms(0755));
     const ChildProcess other(kAsNobody + L"flock \"" + lock.wstring() + L"\" sleep 20");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    const auto start = std::chrono::steady_clock::now();
+    const std::string before = Said("date '+%F %T'");
     folder.Run({"log:2:new"});
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100)) << "its turn";
     EXPECT_EQ(folder.Read("Logs/Tavo.1.log").size(), 2000u);
     EXPECT_THAT(folder.Log(), HasSubstr("new"));
+    EXPECT_LT(before, folder.Log());
+    EXPECT_LT(folder.Log(), Said("date '+%F %T.~'"));
     EXPECT_THAT(folder.Names("Tavo.log"), testing::ElementsAre("Tavo.log"));
     other.Kill();
 }
@@ -176,8 +185,9 @@ TEST(Log, BehindALinkIsMadeAnewWhereItLeads)
     fs::create_symlink("var/onward", folder.Path() / "Logs");
     fs::create_directory(folder.Path() / "var");
     fs::create_symlink("../else/where", folder.Path() / "var/onward");
-    const AgentOutcome outcome =
-        folder.Run({"log:2:one", "shell:rm -r '" + (folder.Path() / "else").string() + "'", "log:2:two"});
+    fs::permissions(folder.Path(), fs::perms(0777));
+    const AgentOutcome outcome = folder.Run(
+        {"log:2:one", "shell:rm -r '" + (folder.Path() / "else").string() + "'", "log:2:two"}, true);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_THAT(folder.Read("else/where/Tavo.log"), HasSubstr("two"));
 
@@ -199,24 +209,39 @@ TEST(Settings, KeepTheirOwnerAndMode)
     if (chown(file.c_str(), 65534, 65533) != 0)
         GTEST_SKIP() << "only root may give files away";
     fs::permissions(file, fs::perms(04640));
-    EXPECT_EQ(folder.Answers({"set:LogFileCount:7"}), "true\n");
+    const std::string edit = "shell:" + Encoded("echo '{\"LogFileCount\": 3}' >'" + file + "'");
+    EXPECT_EQ(folder.Answers(
+                  {"set:LogFileCount:7", edit, "get:LogFileCount", "reset:LogFileCount", "get:LogFileCount"}),
+              "true\n7\n3\n");
     EXPECT_EQ(Said("stat -c '%u %g %a' '" + file + "'"), "65534 65533 640\n")
         << "but no rights to run as its owner";
+}
+
+TEST(Settings, AndLogsThatAreNewLetOthersInNoFurtherThanMeant)
+{
+    const AgentFolder folder;
+    const fs::path deep = folder.Path() / std::string(200, 'x') / std::string(200, 'x');
+    fs::create_directories(deep);
+    fs::copy(folder.Agent(), deep);
+    const std::string there = "cd '" + deep.string() + "' && umask 0 && ";
+    Said(there + "./" + folder.Agent().filename().string() + " out set:LogDirectory:a/b init log:2:x");
+    EXPECT_EQ(Said(there + "stat -c %a Tavo.settings.json a/b a/b/Tavo.log"), "644\n750\n640\n");
 }
 
 TEST(TextFiles, AreNotWrittenThroughALinkThatAnotherAccountPlanted)
 {
     const AgentFolder folder;
     folder.Write("victim", "untouched");
-    for (const char* name : {"list.txt", "list.txt.new"})
-        fs::create_symlink(folder.Path() / "victim", folder.Path() / name);
-    const fs::path list = folder.Path() / "list.txt";
-    EXPECT_TRUE(WriteTextFileAsUTF8(list.wstring().c_str(), L"names", true, true, false, false));
+    const std::string name = "list\x80z\xFF.\xE9.txt"; // from a disk of another system
+    for (const char* ending : {"", ".new"})
+        fs::create_symlink(folder.Path() / "victim", folder.Path() / (name + ending));
+    const fs::path list = folder.Path() / name;
+    EXPECT_TRUE(WriteTextFileAsUTF8(ZTString(list.c_str()), L"names", true, true, false, false));
     EXPECT_EQ(folder.Read("victim"), "untouched");
-    EXPECT_EQ(folder.Read("list.txt"), "names");
+    EXPECT_EQ(folder.Read(name), "names");
     EXPECT_FALSE(fs::is_symlink(list));
     EXPECT_EQ(fs::status(list).permissions(), fs::perms(0600));
-    EXPECT_THAT(folder.Names("list"), testing::ElementsAre("list.txt"));
+    EXPECT_THAT(folder.Names("list"), testing::ElementsAre(name));
 }
 
 TEST(Threads, AreNamedForTheKernelInWholeCharacters)

@@ -49,6 +49,8 @@ TEST(Settings, AreFoundByTheirWholeNameInAnyCase)
         EXPECT_EQ(id, number++);
         EXPECT_EQ(GetConfigType(id), most == 0 ? 2 : 13);
     }
+    EXPECT_EQ(GetConfigID(L"LOGSIZELIMITKB", true), 340);
+    EXPECT_EQ(GetConfigID(L"RECORDLOCKWAITS", true), 342);
 }
 
 TEST(Settings, HoldWhatIsSetAtOnceAndAnyTextForTheNextProcess)
@@ -83,6 +85,8 @@ TEST(Settings, BeyondTheirRangeAreRefusedAndTheLogSaysWhy)
                         "reset:CustomerServiceText", "get:CustomerServiceText"}),
         "true\nfalse\nkept\n")
         << "nor has a byte that is not UTF-8";
+    EXPECT_THAT(folder.Log(), HasSubstr("failure: A setting is not changed: its text is not UTF-8, or holds "
+                                        "half a character\n"));
 }
 
 TEST(Settings, LeaveWhatAPersonWroteInItsPlaceAlsoAsAnEditorOfWindowsSavesIt)
@@ -117,8 +121,8 @@ TEST(Settings, OfTheWrongTypeCountAsTheirDefaultsAndTheLogSaysSo)
     const AgentFolder folder;
     folder.Write(
         "Tavo.settings.json",
-        R"({"LogDirectory": 5, "CustomerServiceText": ["x"], "LogLevel": "two", "LogSizeLimitKB": 1.5,
-                     "LogFileCount": 100, "RecordLockWaits": 4294967296})");
+        R"({"LOGDIRECTORY": 5, "CUSTOMERSERVICETEXT": ["x"], "LOGLEVEL": "two", "LOGSIZELIMITKB": 1.5,
+                     "LOGFILECOUNT": 100, "RECORDLOCKWAITS": 4294967296})");
     std::string fallbacks;
     const std::string answers = AllOf(folder);
     for (const auto& [name, fallback, most] : kSettings)
@@ -183,8 +187,9 @@ TEST(Settings, ThatCannotBeUnderstoodNorMovedAwayHoldNobodyUp)
     folder.Write("Tavo.settings.json", "{");
     const auto open = [&folder](const char* name, int mode)
     { fs::permissions(folder.Path() / name, fs::perms(mode)); };
-    fs::create_directory(folder.Path() / "Logs");
+    folder.Write("Logs/Tavo.log", "");
     open("Logs", 0777);
+    open("Logs/Tavo.log", 0222);
     const std::string trouble = "Tavo: " + (folder.Path() / "Tavo.settings.json").string() +
                                 " cannot be understood and cannot be moved away: defaults hold\n";
     const auto start = std::chrono::steady_clock::now();

@@ -49,6 +49,8 @@ TEST(Transitions, AreTheDaysOnWhichTheClockIsPutForwardOrBack)
         {"EST5EDT,M3.2.0,M11.1.0",
          "03-12 11-05, 03-11 11-04, 03-10 11-03, 03-08 11-01, 03-14 11-07, 03-13 11-06, 03-12 11-05",
          "a rule in place of a name"},
+        {"AAA-3BBB,J1/1,J180", Repeated("01-01 06-29, ", 6) + "01-01 06-29",
+         "New Year, still December in UTC"},
     };
     for (const auto& [name, expected, why] : rows)
     {
