@@ -129,7 +129,7 @@ private:
     bool HasSpoken();
     bool IsInterrupted() { return IsSending() && HasSpoken(); }
     void ReadLastWord();
-    bool Stop(int code, std::string_view text);
+    void Stop(int code, std::string_view text);
     void Moved() { mMovedAt = Clock::now(); }
     bool HasStalled();
     bool Drain();
@@ -229,12 +229,10 @@ bool CurlUpload::Prepare()
     Set(CURLOPT_URL, url.c_str());
     Set(CURLOPT_PROTOCOLS_STR, "ftp");
     Set(CURLOPT_PROXY, "");
-    Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
     Set(CURLOPT_USERNAME, mJob.user.c_str());
     Set(CURLOPT_PASSWORD, mJob.password.c_str());
     Set(CURLOPT_QUOTE, mCommands.get());
     Set(CURLOPT_UPLOAD, 1L);
-    Set(CURLOPT_FTP_SKIP_PASV_IP, 1L);
     if (!mJob.passive)
         Set(CURLOPT_FTPPORT, "-"); // the address that the control connection has
 
@@ -523,11 +521,10 @@ void CurlUpload::ReadLastWord()
     }
 }
 
-bool CurlUpload::Stop(int code, std::string_view text)
+void CurlUpload::Stop(int code, std::string_view text)
 {
     if (mStopped.code == kIPWorksOk)
         mStopped = {code, std::string(text)};
-    return false;
 }
 
 // A byte has moved when the other side's system has acknowledged it: what our own system has taken can wait

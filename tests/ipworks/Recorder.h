@@ -95,12 +95,14 @@ private:
         switch (eventId)
         {
         case kIPWorksStatus:
+            EXPECT_EQ("Control", Text(params[0]));
             note("status " + std::to_string(Number(params[1])) + " " + Text(params[2]));
             break;
         case kIPWorksFailure:
             note("error " + std::to_string(Number(params[0])) + " " + Text(params[1]));
             break;
         case kIPWorksDialogue:
+            EXPECT_LE(Number(params[0]), 1);
             note((Number(params[0]) == 0 ? "> " : "< ") + Text(params[1]));
             break;
         case kIPWorksApprove:
@@ -109,6 +111,7 @@ private:
                                         static_cast<std::size_t>(lengths[0]));
             recorder.subject = Text(params[1]);
             recorder.issuer = Text(params[2]);
+            EXPECT_EQ(Number(params[4]), Text(params[3]).empty() ? 1 : 0);
             params[4] = Value(recorder.approves ? 1 : 0);
             break;
         case kIPWorksStarted:
@@ -118,6 +121,7 @@ private:
             note("ended " + std::to_string(Number(params[0])));
             break;
         case kIPWorksProgress:
+            EXPECT_EQ("0", std::to_string(Number(params[0])) + Text(params[3]));
             recorder.progress.push_back({std::chrono::steady_clock::now(),
                                          *static_cast<std::int64_t*>(params[1]), Number(params[2])});
             break;
