@@ -146,7 +146,7 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
                 if (clicks)
                     SendMessageW(open.m_hWnd, WM_COMMAND, IDC_FTP_LOGS, 0);
                 const BOOL wasDisabled = EnableWindow(::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS), !starts);
-                EXPECT_EQ(wasDisabled, starts) << commandLine;
+                EXPECT_EQ(wasDisabled != FALSE, starts) << commandLine;
                 MSG message;
                 int posted = 0;
                 // Taken away here: no shipment is to run.

@@ -124,7 +124,8 @@ const Step kEscape = [] { Press(Qt::Key_Escape); };
 
 static auto VisibleControls()
 {
-    return platform::TopDialog()->children | std::views::filter([](const auto& one) { return one->visible; });
+    return platform::TopDialog()->children |
+           std::views::filter([](const auto& one) { return Shown(*one).isVisible(); });
 }
 
 static void ExpectRoomForText(const platform::Window& control)

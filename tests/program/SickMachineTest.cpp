@@ -20,7 +20,7 @@ TEST(SickMachine, GetsAnAnswerToo)
     {
         return "python3 -c 'import os, socket\nserver = socket.socket(socket.AF_" + family +
                ")\nserver.bind(" + address + ")\nserver.listen()\nos.environ." + display +
-               "\nos.system(\"timeout 30 $PROGRAM\")'";
+               "\nos.system(\"timeout 120 $PROGRAM\")'";
     };
     const std::string unanswered =
         "^No windows can be shown: the display \"[^\n]+\" did not answer in 10 s\nZT .*" + report;

@@ -73,8 +73,9 @@ std::shared_ptr<void> ConnectToServer(const std::string& qtPlatform, std::string
     if (connection)
         return *connection;
     const char* const name = std::getenv(isX ? "DISPLAY" : "WAYLAND_DISPLAY");
-    problem = "the display \"" + std::string(name != nullptr ? name : "") + "\" did not answer in " +
-              std::to_string(kServerPatience.count()) + " s";
+    if (problem.empty()) // the first one is the one that was wanted
+        problem = "the display \"" + std::string(name != nullptr ? name : "wayland-0") +
+                  "\" did not answer in " + std::to_string(kServerPatience.count()) + " s";
     return nullptr;
 }
 
