@@ -36,7 +36,7 @@ TEST(SickMachine, GetsAnAnswerToo)
         {bareDev + "$PROGRAM -FTP_LOG=x -AUTOCLOSE=yes'",
          "FTP_LOG: Failed to launch before FTP: .*Err=31: A device attached to the system is not "
          "functioning.\n$"},
-        {bareDev + "$PROGRAM >&-; timeout 30 $PROGRAM <&-'",
+        {bareDev + "$PROGRAM >&-; timeout 30 sh -c \"$PROGRAM <&-\"'", // for it wants its own input
          "^Tavo: the console's text cannot be written: Bad file descriptor\nZT .*" + report},
         // An account with one thread, which root can make.
         {"prlimit --nproc=1 setpriv --reuid=64322 --regid=64322 --clear-groups $PROGRAM",
