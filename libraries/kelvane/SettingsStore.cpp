@@ -127,8 +127,9 @@ void TellSetAside(const std::string& name)
 // As long as nobody mends what an earlier run moved away, or stores a setting anew.
 void TellSetAsideEarlier()
 {
-    const int number = SetAsideSoFar();
-    if (number > 0 && !gSetAsideIsTold)
+    if (gSetAsideIsTold)
+        return;
+    if (const int number = SetAsideSoFar(); number > 0)
         TellSetAside(NameAside(number));
 }
 

@@ -88,10 +88,12 @@ std::unique_ptr<QApplication> MakeApplication()
 {
     const KeptLocale locale;
     const Platforms found = FindPlatforms();
-    if (found.mUsable.isEmpty() && !found.mProblem.empty())
-        std::fprintf(stderr, "No windows can be shown: %s\n", found.mProblem.c_str());
     if (found.mUsable.isEmpty())
+    {
+        if (!found.mProblem.empty())
+            std::fprintf(stderr, "No windows can be shown: %s\n", found.mProblem.c_str());
         return nullptr;
+    }
 
     // Where Qt can reach none of the platforms it is given, it ends the process. So the last one given always
     // works, and means that there is no display.

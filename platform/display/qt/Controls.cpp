@@ -165,7 +165,7 @@ QWidget* MakeTextArea(const Window& control, QWidget& parent)
     edit->setLineWrapMode(QPlainTextEdit::NoWrap);
     edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    QPalette palette;
+    QPalette palette; // a text that cannot be edited lies on the dialog's own colour
     palette.setColor(QPalette::Base, palette.color(QPalette::Window));
     edit->setPalette(palette);
     return edit;

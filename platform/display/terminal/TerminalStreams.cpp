@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <system_error>
@@ -37,11 +36,7 @@ constexpr std::size_t kLongestLine = std::size_t{64} << 20; // bytes; a longer o
 
 } // namespace
 
-TerminalOutput::TerminalOutput(const TerminalEncoding& encoding) : mEncoding(encoding)
-{
-    // A reader that went away is an error of the write, not the end of the program.
-    signal(SIGPIPE, SIG_IGN);
-}
+TerminalOutput::TerminalOutput(const TerminalEncoding& encoding) : mEncoding(encoding) {}
 
 // What cannot be written is lost, which is told once; the next text is tried again.
 void TerminalOutput::Write(std::string_view bytes)
