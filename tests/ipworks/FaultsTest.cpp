@@ -93,8 +93,7 @@ TEST(Faults, GiveTheirResultAndNoMore)
             recorder.Config("StallSeconds=3");
         else if (script.answerAfter.count() > 0)
             recorder.Config("StallSeconds=1");
-        else if (error.starts_with("1008") || script.atBreak == "stall" || isLate ||
-                 !script.greeting.ends_with('\n'))
+        else if (error.starts_with("1008") || isLate || !script.greeting.ends_with('\n'))
             recorder.Config("StallSeconds=2");
 
         const auto start = std::chrono::steady_clock::now();
