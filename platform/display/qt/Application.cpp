@@ -10,7 +10,10 @@
 #include <QStyleFactory>
 #include <QStyleOption>
 
+#include <xcb/xcb.h>
+
 #include <cstdio>
+#include <cstdlib>
 
 namespace platform
 {
@@ -74,6 +77,14 @@ Platforms FindPlatforms()
     return found;
 }
 
+// A lost X server ends the process. Qt 6.10 only asks its own loop to end, which does not run here.
+void EndWithTheServer(const QGuiApplication& application)
+{
+    const auto* const x = application.nativeInterface<QNativeInterface::QX11Application>();
+    if (x != nullptr && xcb_connection_has_error(x->connection()) != 0)
+        std::exit(EXIT_FAILURE);
+}
+
 void IgnoreMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
 
 } // namespace
@@ -114,6 +125,8 @@ std::unique_ptr<QApplication> MakeApplication()
         return nullptr;
     QApplication::setStyle(new Style);
     QApplication::setQuitOnLastWindowClosed(false);
+    QObject::connect(application.get(), &QCoreApplication::aboutToQuit,
+                     [&made = *application] { EndWithTheServer(made); });
     return application;
 }
 
