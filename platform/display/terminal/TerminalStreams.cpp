@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -24,6 +23,15 @@ namespace
 {
 
 constexpr std::size_t kLongestLine = std::size_t{64} << 20; // bytes; a longer one is taken in pieces
+constexpr std::size_t kMostAtOnce = 4096;
+
+// Byte by byte: a copy by the C library leaves what it moved in vector registers, and the loader saves those
+// on the stack when it binds the next function. A line may hold a password.
+void Move(volatile char* to, const char* from, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] = from[i];
+}
 
 // A descriptor that was closed when the program started would be given to the next file that is opened, and
 // console text would go into that. What is always there and can be neither read nor written takes its place.
@@ -113,7 +121,7 @@ std::optional<std::wstring> TerminalInput::TakeLine()
         line.remove_suffix(1);
     std::wstring text = mEncoding.Decode(line, true);
     const std::size_t taken = isWhole ? length + 1 : length;
-    std::copy(mBytes.begin() + static_cast<std::ptrdiff_t>(taken), mBytes.end(), mBytes.begin());
+    Move(mBytes.data(), mBytes.data() + taken, mBytes.size() - taken);
     explicit_bzero(mBytes.data() + mBytes.size() - taken, taken);
     mBytes.resize(mBytes.size() - taken);
     return text;
@@ -124,30 +132,20 @@ bool TerminalInput::CanRead() const
     return !mEnded && (!mIsTerminal || IsInForeground());
 }
 
-// A line may hold a password: no memory that is given back holds it.
-void TerminalInput::Append(std::string_view bytes)
+void TerminalInput::Read()
 {
-    if (mBytes.size() + bytes.size() > mBytes.capacity())
+    const std::size_t had = mBytes.size();
+    if (had + kMostAtOnce > mBytes.capacity())
     {
-        std::string larger;
-        larger.reserve(2 * (mBytes.size() + bytes.size()));
-        larger = mBytes;
+        std::string larger(2 * (had + kMostAtOnce), '\0');
+        Move(larger.data(), mBytes.data(), had);
         mBytes.swap(larger);
         Wipe(larger);
     }
-    mBytes += bytes;
-}
-
-void TerminalInput::Read()
-{
-    std::array<char, 4096> buffer;
-    const ssize_t count = read(STDIN_FILENO, buffer.data(), buffer.size());
-    if (count > 0)
-    {
-        Append({buffer.data(), static_cast<std::size_t>(count)});
-        explicit_bzero(buffer.data(), static_cast<std::size_t>(count));
-    }
-    else if (count == 0 || (errno != EINTR && errno != EAGAIN))
+    mBytes.resize(had + kMostAtOnce);
+    const ssize_t count = read(STDIN_FILENO, mBytes.data() + had, kMostAtOnce);
+    mBytes.resize(had + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    if (count == 0 || (count < 0 && errno != EINTR && errno != EAGAIN))
         mEnded = true;
 }
 

@@ -61,8 +61,6 @@ public:
     bool IsTerminal() const { return mIsTerminal; }
 
 private:
-    void Append(std::string_view bytes);
-
     TerminalEncoding& mEncoding;
     const bool mIsTerminal;
     std::string mBytes;
