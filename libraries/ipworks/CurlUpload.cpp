@@ -319,7 +319,7 @@ UploadResult CurlUpload::Judge(CURLcode code) const
     case CURLE_RECV_ERROR:
     case CURLE_GOT_NOTHING:
     case CURLE_PARTIAL_FILE:
-        return {kIPWorksConnectionLost, text};
+        return {kIPWorksConnectionLost, "The connection broke: " + text};
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_FTP_WEIRD_PASS_REPLY:
     case CURLE_FTP_WEIRD_PASV_REPLY:

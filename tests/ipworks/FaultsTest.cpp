@@ -25,7 +25,7 @@ struct Fault
 
 const Fault kFaults[] = {
     {"no room at the greeting", {.greeting = "421 Too many users.\r\n"}, "421 Too many users."},
-    {"hang-up at the greeting", {.greeting = kHangUp}, "1009 "},
+    {"hang-up at the greeting", {.greeting = kHangUp}, "1009 The connection broke: "},
     {"stall at the greeting", {.greeting = kSilence}, "1008 No byte moved for 2 seconds."},
     {"a passive answer that is nonsense",
      {.answers = {{"EPSV", "500 No.\r\n"}, {"PASV", "227 Come in (somewhere).\r\n"}}},
@@ -67,7 +67,7 @@ const Fault kFaults[] = {
      testing::Gt(0),
      1000000},
     {"stall at half", {.breakAt = kHalf, .atBreak = "stall"}, "1008 No byte moved for 2 seconds.", kSome},
-    {"hang-up after the last byte", {.farewell = kHangUp}, "1009 ", kAll},
+    {"hang-up after the last byte", {.farewell = kHangUp}, "1009 The connection broke: ", kAll},
     {"stall after the last byte", {.farewell = kSilence}, "1008 No byte moved for 2 seconds.", kAll},
     {"answers in single bytes", {.inSingleBytes = true}, "", kAll},
     {"silent goodbye", {.answers = {{"QUIT", kSilence}}}, "", kAll},
