@@ -749,6 +749,12 @@ TEST_F(QtDisplay, ShowsInItsColourWhereTheKeyboardIsAndOpensListsBelowTheirBox)
     EXPECT_EQ(QGuiApplication::desktopFileName(), "tavo") << "finds the icon on a Wayland desktop";
 }
 
+TEST_F(QtDisplay, IsLostInOrderWithAWaylandServer)
+{
+    EXPECT_EXIT(qWarning("The Wayland connection broke. Did the Wayland compositor die?"),
+                testing::ExitedWithCode(1), "Did the Wayland compositor die");
+}
+
 TEST_F(QtDisplay, WaitsWithoutWork)
 {
     const std::clock_t before = std::clock();

@@ -85,6 +85,17 @@ void EndWithTheServer(const QGuiApplication& application)
         std::exit(EXIT_FAILURE);
 }
 
+QtMessageHandler gReport = nullptr;
+
+// Where the Wayland server is lost, Qt says so and ends the process at once, past what is to be done at its
+// end.
+void EndWithWayland(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    gReport(type, context, message);
+    if (message.startsWith("The Wayland connection ") && !qEnvironmentVariableIsSet("QT_WAYLAND_RECONNECT"))
+        std::exit(EXIT_FAILURE);
+}
+
 void IgnoreMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
 
 } // namespace
@@ -117,9 +128,9 @@ std::unique_ptr<QApplication> MakeApplication()
 
     QGuiApplication::setDesktopFileName("tavo"); // by which a Wayland desktop finds the icon
     // A platform that is missing is not worth a word: the next one is taken, or the terminal.
-    const QtMessageHandler reports = qInstallMessageHandler(IgnoreMessage);
+    gReport = qInstallMessageHandler(IgnoreMessage);
     auto application = std::make_unique<QApplication>(count, arguments);
-    qInstallMessageHandler(reports);
+    qInstallMessageHandler(EndWithWayland);
 
     if (QGuiApplication::platformName() == kLastResort && !wanted)
         return nullptr;
