@@ -93,6 +93,7 @@ void CTavoDlg::OnUnusedButton() {}
 
 void CTavoDlg::OnFtpLogsButton()
 {
+    SetFocus(mOutputEdit.m_hWnd); // a disabled window that has it keeps the keyboard from the dialog
     GetDlgItem(IDC_FTP_LOGS)->EnableWindow(FALSE);
     PostMessageW(m_hWnd, WM_FTP_LOGS, 0, 0);
 }

@@ -143,9 +143,14 @@ TEST(Console, StartsAShipmentByAMessageFromTheButtonOrTheSwitchesWhichDisableThe
         const OpenConsole console(
             [&](OpenConsole& open)
             {
+                const HWND button = ::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS);
                 if (clicks)
+                {
+                    ::SetFocus(button);
                     SendMessageW(open.m_hWnd, WM_COMMAND, IDC_FTP_LOGS, 0);
-                const BOOL wasDisabled = EnableWindow(::GetDlgItem(open.m_hWnd, IDC_FTP_LOGS), !starts);
+                    EXPECT_EQ(FocusedControl(), ::GetDlgItem(open.m_hWnd, IDC_OUTPUT));
+                }
+                const BOOL wasDisabled = EnableWindow(button, !starts);
                 EXPECT_EQ(wasDisabled != FALSE, starts) << commandLine;
                 MSG message;
                 int posted = 0;
