@@ -82,6 +82,9 @@ struct FileContent
 };
 FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit);
 
+// Below 0 for a time in the future; nothing when the system does not tell it.
+std::optional<std::chrono::milliseconds> SinceLastWrite(const std::filesystem::path& path);
+
 // Both write a new file beside `path`, which is then renamed: what lay there, a link for instance, is not
 // written through. What fails leaves nothing behind. For one caller at a time.
 

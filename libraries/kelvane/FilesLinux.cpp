@@ -336,6 +336,15 @@ FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)
     }
 }
 
+std::optional<std::chrono::milliseconds> SinceLastWrite(const std::filesystem::path& path)
+{
+    std::error_code error;
+    const auto written = std::filesystem::last_write_time(path, error);
+    if (error)
+        return std::nullopt;
+    return std::chrono::round<std::chrono::milliseconds>(decltype(written)::clock::now() - written);
+}
+
 ZTString ReplaceWholeFile(const std::filesystem::path& path, std::string_view text)
 {
     // Renaming asks for rights on the directory alone.

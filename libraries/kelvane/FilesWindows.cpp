@@ -13,6 +13,7 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 constexpr DWORD kRetryMs = 10;
 constexpr int kReadRetries = 20;
 constexpr int kMoveRetries = 200;
+constexpr std::chrono::seconds kLongestDeletion{1}; // of a file that the system removes with its last handle
 
 HANDLE ToHandle(std::intptr_t handle)
 {
@@ -99,9 +100,11 @@ std::filesystem::path NativePath(std::wstring_view path)
 ZTString FullDirectory(const ZTString& directory)
 {
     std::filesystem::path full = directory.GetString();
-    if (!full.is_absolute()) // one from the root lies on the drive of the program's folder
-        full = std::filesystem::path(GetPathInAppFolder(L"").GetString()) / full;
     full.make_preferred();
+    // One of another machine is absolute, too, which the library denies; one from the root lies on the drive
+    // of the program's folder.
+    if (!full.native().starts_with(L"\\\\") && !full.is_absolute())
+        full = std::filesystem::path(GetPathInAppFolder(L"").GetString()) / full;
     full /= ""; // a separator at the end
     return full.c_str();
 }
@@ -124,13 +127,17 @@ ZTString MakePrivateDirectory(const std::filesystem::path& directory)
 FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds patience)
     : mPath(path), mHandle(0)
 {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto start = std::chrono::steady_clock::now();
+    // Without the last flag, the file that a link leads to would be removed.
+    constexpr DWORD kHow = FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT;
     HANDLE file;
-    while ((file = Open(path, GENERIC_WRITE | DELETE, 0, OPEN_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE)) ==
-               INVALID_HANDLE_VALUE &&
-           IsPassing(GetLastError()) && std::chrono::steady_clock::now() < deadline)
+    DWORD error = ERROR_SUCCESS;
+    while ((file = Open(path, GENERIC_WRITE | DELETE, 0, OPEN_ALWAYS, kHow)) == INVALID_HANDLE_VALUE &&
+           IsPassing(error = GetLastError()) &&
+           std::chrono::steady_clock::now() - start <
+               (error == ERROR_ACCESS_DENIED ? std::min<std::chrono::milliseconds>(patience, kLongestDeletion)
+                                             : patience))
         Sleep(1);
-    const DWORD error = GetLastError();
     if (file != INVALID_HANDLE_VALUE)
         mHandle = reinterpret_cast<std::intptr_t>(file);
     else if (error != ERROR_SHARING_VIOLATION)
@@ -225,6 +232,24 @@ FileContent ReadWholeFile(const std::filesystem::path& path, std::size_t limit)
     if (!read || text.size() > limit)
         return {};
     return {false, std::move(text)};
+}
+
+std::optional<std::chrono::milliseconds> SinceLastWrite(const std::filesystem::path& path)
+{
+    // By the file itself: what the folder says of it may be older.
+    const HANDLE file = Open(path, FILE_READ_ATTRIBUTES, kShareAll, OPEN_EXISTING);
+    if (file == INVALID_HANDLE_VALUE)
+        return std::nullopt;
+    FILETIME written{};
+    FILETIME now{};
+    const BOOL known = GetFileTime(file, nullptr, nullptr, &written);
+    CloseHandle(file);
+    GetSystemTimeAsFileTime(&now);
+    const auto ticks = [](const FILETIME& time) // of 100 ns
+    { return std::int64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime; };
+    if (!known)
+        return std::nullopt;
+    return std::chrono::milliseconds((ticks(now) - ticks(written)) / 10'000);
 }
 
 ZTString ReplaceWholeFile(const std::filesystem::path& path, std::string_view text)

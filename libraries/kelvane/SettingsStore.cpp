@@ -86,9 +86,8 @@ std::string SetAside()
 
 bool HasChangedJustNow()
 {
-    std::error_code error;
-    const auto changed = std::filesystem::last_write_time(StorePath(), error);
-    return !error && std::chrono::abs(decltype(changed)::clock::now() - changed) < kSettled;
+    const auto age = SinceLastWrite(StorePath());
+    return age && std::chrono::abs(*age) < kSettled;
 }
 
 // Somebody may be in the middle of writing the file in its place: one that changed just now is read again,

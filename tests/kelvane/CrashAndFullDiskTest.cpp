@@ -123,23 +123,6 @@ TEST(Settings, ThatAreBrokenAreToldWhileTheirLockIsHeld)
     other.Kill();
 }
 
-// An editor that writes in place: for a moment the file is empty.
-TEST(Settings, ThatAreJustBeingWrittenAreNotSetAside)
-{
-    for (const std::string step : {"get:LogLevel", "set:LogFileCount:7"})
-    {
-        const AgentFolder folder;
-        folder.Write("write", "cd \"$1\" && : >Tavo.settings.json\n(sleep 0.3; echo '{\"LogLevel\": 1}' "
-                              ">Tavo.settings.json) >write.out 2>&1 &\n");
-        const AgentOutcome outcome = folder.Run(
-            {"shell:sh '" + (folder.Path() / "write").string() + "' '" + folder.Path().string() + "'", step,
-             "get:LogLevel"});
-        EXPECT_EQ(outcome.answers, step.starts_with("get") ? "1\n1\n" : "true\n1\n");
-        EXPECT_EQ(outcome.errors, "");
-        EXPECT_THAT(folder.Names("Tavo.settings"), testing::ElementsAre("Tavo.settings.json"));
-    }
-}
-
 // The text of a refusal is the system's own where there is one.
 TEST(Settings, WhoseLockCannotBeHadSayWhy)
 {

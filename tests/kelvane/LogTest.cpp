@@ -86,6 +86,12 @@ TEST(Log, LiesWhereTheSettingSaysFromTheNextStartOn)
     EXPECT_EQ(folder.Answers({"init", "log:2:there", "directory"}), (other / "").string() + "\n");
     EXPECT_THAT(folder.Read("other place/Tavo.log"), HasSubstr("there"));
 
+    if (RunsOnWindows())
+    {
+        folder.Run({R"(set:LogDirectory:\\server\share\logs)"});
+        EXPECT_EQ(folder.Answers({"directory"}), "\\\\server\\share\\logs\\\n") << "on another machine";
+    }
+
     folder.Run({"set:LogDirectory:"});
     EXPECT_EQ(folder.Answers({"init", "directory"}), (folder.Path() / "Logs" / "").string() + "\n")
         << "nothing is no place";

@@ -251,3 +251,27 @@ TEST(Settings, OfProcessesThatWriteAtOnceAreAllStored)
     EXPECT_THAT(folder.Settings(), HasSubstr("\"note\": \"kept\""));
     EXPECT_THAT(folder.Names("Tavo.settings"), ElementsAre("Tavo.settings.json"));
 }
+
+// An editor that writes in place: for a moment the file is empty.
+TEST(Settings, ThatAreJustBeingWrittenAreNotSetAside)
+{
+    for (const std::string step : {"get:LogLevel", "set:LogFileCount:7"})
+    {
+        const AgentFolder folder;
+        folder.Write("Tavo.settings.json", "");
+        std::thread editor(
+            [&folder]
+            {
+                for (int turn = 1; turn <= 15; ++turn)
+                {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                    folder.Write("Tavo.settings.json", turn < 15 ? "{" : R"({"LogLevel": 1})");
+                }
+            });
+        const AgentOutcome outcome = folder.Run({step, "get:LogLevel"});
+        editor.join();
+        EXPECT_EQ(outcome.answers, step.starts_with("get") ? "1\n1\n" : "true\n1\n");
+        EXPECT_EQ(outcome.errors, "");
+        EXPECT_THAT(folder.Names("Tavo.settings"), testing::ElementsAre("Tavo.settings.json"));
+    }
+}
