@@ -4,6 +4,7 @@
 #include "base/Owned.h"
 #include "foundation/DateValue.h"
 #include "foundation/Kelvane.h"
+#include "shipment/LastWrite.h"
 #include "text/SafeToShow.h"
 #include "text/Unicode.h"
 
@@ -97,7 +98,8 @@ std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff)
         {
             if (!IsDirectory(entry))
             {
-                if (FILETIMEToTimeT(entry.ftLastWriteTime) < cutOff)
+                if (FILETIMEToTimeT(entry.ftLastWriteTime) < cutOff &&
+                    FILETIMEToTimeT(LastWrite(current + entry.cFileName, entry)) < cutOff)
                     names.insert(ListedName(entry.cFileName));
             }
             else if (IsWalked(entry))
@@ -109,7 +111,7 @@ std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff)
 
 void DeleteArchiveAndList(const ZTString& archivePath, const ZTString& listPath)
 {
-    constexpr int kTries = 10;
+    constexpr int kTries = 30;
     constexpr DWORD kPause = 50; // milliseconds
     for (const ZTString& path : {archivePath, ZTString(archivePath + L".tmp"), listPath})
         for (int tries = 1;

@@ -23,8 +23,8 @@ ZTString ArchiveName(const wchar_t* wanted);
 // what is not text stands as "?", which the archiver takes for any one character.
 std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff);
 
-// With the archiver's own file, which is there until the archive is whole. Waits up to half a second for
-// each of the three while somebody holds it: a virus scanner, a backup.
+// With the archiver's own file, which is there until the archive is whole. Waits up to one and a half seconds
+// for each of the three while somebody holds it: a virus scanner, a backup.
 void DeleteArchiveAndList(const ZTString& archivePath, const ZTString& listPath);
 
 // Packs everything in the working directory but the names of the ignore list, if there are any.

@@ -152,7 +152,7 @@ void HoldForAMoment(const fs::path& path)
     std::thread(
         [file]
         {
-            Sleep(200);
+            Sleep(1000);
             CloseHandle(file);
         })
         .detach();

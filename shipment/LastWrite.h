@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "foundation/Oriska.h"
+
+#include <windows.h>
+
+// When a file that FindFirstFileW has found was last written to. On Windows a folder's record tells of a file
+// that is open for writing, such as a log, only as of its opening: there the file itself is asked, and the
+// record holds where it cannot be.
+FILETIME LastWrite(const ZTString& path, const WIN32_FIND_DATAW& record);
