@@ -56,7 +56,7 @@ bool IsReadable(curl_socket_t socket, std::chrono::milliseconds limit)
 
 bool IsBroken(curl_socket_t socket, std::chrono::milliseconds limit)
 {
-    return Poll(socket, 0, limit);
+    return Poll(socket, POLLRDBAND, limit); // one event has to be asked for, and this one never comes
 }
 
 int Receive(curl_socket_t socket, char* buffer, int capacity)
