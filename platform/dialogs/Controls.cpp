@@ -19,11 +19,9 @@ const wchar_t* TextOf(LPARAM lParam)
     return text != nullptr ? text : L"";
 }
 
-// The text and a NUL, cut to the capacity; gives the length without the NUL.
+// The text and a NUL, cut to the capacity of one at least; gives the length without the NUL.
 LRESULT CopyText(std::wstring_view text, WPARAM capacity, LPARAM lParam)
 {
-    if (capacity == 0)
-        return 0;
     const std::size_t length = std::min(text.size(), static_cast<std::size_t>(capacity) - 1);
     auto* const buffer = reinterpret_cast<wchar_t*>(lParam);
     *std::copy_n(text.data(), length, buffer) = L'\0';

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What Enter and Esc do in a dialog. Enter presses the push button with the focus, else the default button;
-// Esc asks the dialog to cancel itself, as the close box does.
+// What Enter and Esc do in a dialog, which displays send no other keys. Enter presses the push button with
+// the focus, else the default button; Esc asks the dialog to cancel itself, as the close box does.
 #include "platform/dialogs/DialogLoop.h"
 #include "platform/dialogs/WindowTable.h"
 
@@ -20,20 +20,6 @@ void PressDefault(Window& dialog)
     const Window* const button = FindControl(dialog, id);
     if (button == nullptr || button->enabled)
         Call(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(HandleOf(button)));
-}
-
-// The keys that a dialog takes before the control with the focus does.
-bool TakeKey(Window& dialog, const MSG& message)
-{
-    if (message.message != WM_KEYDOWN)
-        return false;
-    if (message.wParam == VK_RETURN)
-        PressDefault(dialog);
-    else if (message.wParam == VK_ESCAPE)
-        PostCancel(dialog);
-    else
-        return false;
-    return true;
 }
 
 } // namespace
@@ -56,7 +42,11 @@ BOOL IsDialogMessageW(HWND handle, LPMSG message)
     Window* const window = FindWindow(message->hwnd);
     if (dialog == nullptr || window == nullptr || &DialogOf(*window) != dialog)
         return FALSE;
-    if (!TakeKey(*dialog, *message))
+    if (message->message != WM_KEYDOWN)
         DispatchMessageW(message);
+    else if (message->wParam == VK_RETURN)
+        PressDefault(*dialog);
+    else
+        PostCancel(*dialog);
     return TRUE;
 }

@@ -96,13 +96,9 @@ LRESULT ServeDialog(Window& dialog, UINT message, WPARAM wParam, LPARAM lParam)
         state.needsPaint = false;
         return 0;
     case WM_SETICON:
-    {
-        HICON& icon = wParam == ICON_BIG ? state.bigIcon : state.smallIcon;
-        const HICON former = icon;
-        icon = reinterpret_cast<HICON>(lParam);
+        state.icon = reinterpret_cast<HICON>(lParam);
         TheDisplay().Refresh(dialog, Change::Icon, 0);
-        return reinterpret_cast<LRESULT>(former);
-    }
+        return 0;
     default:
         return ServeText(dialog, message, wParam, lParam);
     }

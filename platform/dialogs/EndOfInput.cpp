@@ -22,9 +22,6 @@ bool CancelTopDialog()
     Window* const top = TopDialog();
     if (top == nullptr || !top->visible || !top->enabled || HandlerDepth() > top->dialog->depth)
         return false;
-    if (top->dialog->canceled)
-        return EndDialog(top->handle, IDCANCEL) != FALSE;
-    top->dialog->canceled = true;
     const UINT id = top->dialog->isMessageBox ? AnswerOfNobody(*top) : IDCANCEL;
     return PostTo(top->handle, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
                   reinterpret_cast<LPARAM>(HandleOf(FindControl(*top, id))));

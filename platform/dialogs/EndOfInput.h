@@ -6,7 +6,7 @@ namespace platform
 {
 
 // Once a person's input has ended: posts to the dialog on top that it is canceled, as soon as the dialog's
-// own loop asks for messages. A dialog that does not end on that is ended. False when nothing was done.
+// own loop asks for messages. False when nothing was done.
 bool CancelTopDialog();
 
 } // namespace platform

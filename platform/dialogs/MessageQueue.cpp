@@ -6,8 +6,6 @@
 #include "platform/dialogs/UserInput.h"
 #include "platform/dialogs/WindowTable.h"
 
-#include <algorithm>
-
 namespace platform
 {
 
@@ -29,14 +27,6 @@ void MessageQueue::Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     if (mWaiting)
         mDisplay->Wake();
     mWaiting = false;
-}
-
-void MessageQueue::Drop(HWND window)
-{
-    const auto isForIt = [window](const MSG& message) { return message.hwnd == window; };
-    std::erase_if(mInput, isForIt);
-    const std::lock_guard lock(mMutex);
-    std::erase_if(mPosted, isForIt);
 }
 
 void MessageQueue::AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam)

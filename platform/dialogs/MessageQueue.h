@@ -17,13 +17,11 @@ class Display;
 class MessageQueue
 {
 public:
-    // Any thread.
+    // Any thread. What still waits when its window goes reaches nobody.
     void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-    // Drops what waits for a window that goes. The windows' thread only, like all below.
-    void Drop(HWND window);
-
-    // What a person did. It comes after all posted messages, whenever those were posted.
+    // The windows' thread only, like all below. What a person did. It comes after all posted messages,
+    // whenever those were posted.
     void AddInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     // Whether some of that waits to be taken. No more is to be done then: it may be meant for what comes of

@@ -19,8 +19,6 @@ BOOL UpdateWindow(HWND handle)
     Window* const dialog = FindDialog(handle);
     if (dialog == nullptr)
         return FALSE;
-    if (dialog->visible && dialog->dialog->needsPaint)
-        Call(*dialog, WM_PAINT, 0, 0);
     TheDisplay().Update(*dialog);
     return TRUE;
 }

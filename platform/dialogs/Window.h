@@ -37,8 +37,7 @@ struct ComboItem
 struct DialogState
 {
     DialogFont font;
-    HICON bigIcon = nullptr;
-    HICON smallIcon = nullptr;
+    HICON icon = nullptr; // has a picture of every size
     Window* focus = nullptr;   // the control with the keyboard, also while another dialog is on top
     UINT defaultButton = 0;    // control id, 0 for none
     bool isMessageBox = false; // one label and push buttons without a layout: the display makes one
@@ -53,7 +52,6 @@ struct DialogState
     LONG_PTR messageResult = 0;    // DWLP_MSGRESULT
     INT_PTR result = 0;            // as given to EndDialog
     bool ended = false;            // EndDialog was called
-    bool canceled = false;         // told so because input has ended
     bool hasDisabledOwner = false; // which is enabled again when this dialog ends
     bool needsPaint = false;
     int depth = 0; // of message handlers on the stack where the dialog's own loop runs

@@ -153,9 +153,6 @@ void RemoveDialog(Window& dialog)
         for (const auto& control : dialog.children)
             table.handles.erase(control->handle);
     }
-    table.queue.Drop(dialog.handle);
-    for (const auto& control : dialog.children)
-        table.queue.Drop(control->handle);
     std::erase_if(table.dialogs, [&](const auto& other) { return other.get() == &dialog; });
 }
 

@@ -39,9 +39,7 @@ class Minimised : public CTavoDlg
         const LRESULT lines = SendMessageW(::GetDlgItem(m_hWnd, IDC_OUTPUT), EM_GETLINECOUNT, 0, 0);
         EXPECT_EQ(gScrolls.back(), std::pair(WPARAM{0}, LPARAM{lines})) << "the last line is in sight";
         const HICON icon = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_TAVO));
-        const platform::DialogState& state = *platform::TopDialog()->dialog;
-        EXPECT_EQ(state.bigIcon, icon);
-        EXPECT_EQ(state.smallIcon, icon);
+        EXPECT_EQ(platform::TopDialog()->dialog->icon, icon);
         EXPECT_EQ(SendMessageW(m_hWnd, WM_QUERYDRAGICON, 0, 0), reinterpret_cast<LRESULT>(icon));
         platform::UserMinimized(*platform::TopDialog(), true);
         SendMessageW(m_hWnd, WM_PAINT, 0, 0);

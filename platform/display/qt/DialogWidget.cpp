@@ -203,10 +203,7 @@ void DialogWidget::RefreshDialog(Change change)
     case Change::Text:
         return setWindowTitle(ToQString(mDialog.text));
     case Change::Icon:
-    {
-        const DialogState& state = *mDialog.dialog;
-        return setWindowIcon(ToQIcon(state.bigIcon ? state.bigIcon : state.smallIcon));
-    }
+        return setWindowIcon(ToQIcon(mDialog.dialog->icon));
     default: // Enabled: modality keeps the person out.
         return;
     }
