@@ -89,9 +89,7 @@ bool MayRemove(int set)
         semid_ds* mStatus;
         int mValue;
     } argument = {&status};
-    const uid_t user = geteuid();
-    return semctl(set, 0, IPC_STAT, argument) == 0 &&
-           (user == status.sem_perm.uid || user == status.sem_perm.cuid);
+    return semctl(set, 0, IPC_STAT, argument) == 0 && status.sem_perm.uid == geteuid();
 }
 
 class Event : public Waitable

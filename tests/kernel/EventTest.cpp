@@ -17,10 +17,10 @@ HANDLE Create(const std::wstring& name)
     return CreateEventW(nullptr, TRUE, FALSE, name.c_str());
 }
 
-// A process that holds `name`, and does so already.
-ChildProcess Holder(const AgentFolder& folder, const std::wstring& name)
+// A process that holds `name` and `ready`, which it has set.
+ChildProcess Holder(const AgentFolder& folder, const std::wstring& name,
+                    const std::wstring& ready = UniqueName(L"ready"))
 {
-    const std::wstring ready = UniqueName(L"ready");
     const HANDLE event = Create(ready);
     ChildProcess process =
         folder.Start({"await:" + fs::path(name).string() + ":" + fs::path(ready).string()});
@@ -95,11 +95,7 @@ TEST(NamedEvent, NameIsGoneWhenItsLastHolderIs)
     CloseHandle(own);
     EXPECT_FALSE(IsHeld(name));
 
-    const ChildProcess alone = Holder(folder, name);
-    const HANDLE set = Create(name);
-    SetEvent(set);
-    CloseHandle(set);
-    alone.Kill();
+    Holder(folder, UniqueName(L"other"), name).Kill();
     const HANDLE fresh = Create(name);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_SUCCESS});
     EXPECT_EQ(WaitForSingleObject(fresh, 0), DWORD{WAIT_TIMEOUT});

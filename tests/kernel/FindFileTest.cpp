@@ -39,7 +39,8 @@ TEST(FindFile, ListsAFolderWithKindsSizesAndTimes)
     const TestFolder folder;
     folder.Write("old.log", "12345");
     using namespace std::chrono;
-    fs::last_write_time(folder.Path() / "old.log", file_clock::from_sys(sys_seconds(seconds(1700000000))));
+    fs::last_write_time(folder.Path() / "old.log",
+                        file_clock::from_sys(sys_time(milliseconds(1700000000500))));
     folder.Write("new.txt", "");
     fs::resize_file(folder.Path() / "new.txt", 0x180000002);
     fs::create_directory(folder.Path() / "sub");

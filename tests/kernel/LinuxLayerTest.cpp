@@ -22,7 +22,7 @@ TEST(HandleOnLinux, IsNeverUsedAgainOnceClosed)
     const HANDLE next = CreateEventW(nullptr, TRUE, FALSE, UniqueName(L"next").c_str());
     EXPECT_NE(next, closed);
     EXPECT_EQ(WaitForSingleObject(closed, 0), DWORD{WAIT_FAILED});
-    EXPECT_FALSE(CloseHandle(closed));
+    EXPECT_FALSE(SetEvent(closed) || ResetEvent(closed) || CloseHandle(closed));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
     CloseHandle(next);
     WIN32_FIND_DATAW data = {};
