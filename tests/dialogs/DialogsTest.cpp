@@ -36,6 +36,9 @@ TEST(Queue, KeepsTheOrderAndDropsWhatTheDialogLeavesBehind)
     EXPECT_THAT(noted, ElementsAre(1, 2, 3));
     EXPECT_FALSE(PostMessageW(gone, WM_NOTE, 6, 0));
     EXPECT_EQ(SendMessageW(gone, WM_NOTE, 7, 0), 0);
+    EXPECT_FALSE(EndDialog(gone, 1));
+    EXPECT_FALSE(EnableWindow(gone, TRUE));
+    EXPECT_FALSE(SetWindowTextW(gone, L""));
 }
 
 TEST(Queue, LibrarysPumpServesTheKeysOfADialogWhoseLoopIsHeldUp)

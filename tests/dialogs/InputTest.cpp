@@ -46,20 +46,24 @@ TEST(Input, IsDroppedWhenItsControlCannotTakeItAnyMore)
     {
         UserClicked(ControlOfTop(IDC_PUSH));
         UserClicked(ControlOfTop(IDC_BOX));
-        EnableWindow(GetDlgItem(dialog, IDC_PUSH), FALSE);
+        UserPressed(*TopDialog(), VK_RETURN);
+        for (const int id : {IDC_PUSH, IDC_DEFAULT})
+            EnableWindow(GetDlgItem(dialog, id), FALSE);
     };
     EXPECT_THAT(CommandsAfter(disable), ElementsAre(IDC_BOX, IDCANCEL));
     const auto openAnother = [](HWND dialog)
     {
         UserClicked(ControlOfTop(IDC_PUSH));
+        UserClosed(*TopDialog());
         const auto pump = [](HWND window)
         {
             Pump();
             EndDialog(window, 1);
         };
         ScriptedDialog{.body = pump, .owner = dialog}.Run();
+        PostMessageW(dialog, WM_NOTE, 0, 0);
     };
-    EXPECT_THAT(CommandsAfter(openAnother), ElementsAre(IDCANCEL)) << "it was disabled under another one";
+    EXPECT_THAT(CommandsAfter(openAnother), ElementsAre(0, IDCANCEL)) << "it was disabled under another one";
 }
 
 TEST(Input, EndsWhereAProgramStopsReading)
@@ -85,4 +89,26 @@ TEST(Input, StaysWhereOnlyPostedMessagesAndPaintingAreAskedFor)
         PostMessageW(dialog, WM_NOTE, 0, 0);
     };
     EXPECT_THAT(CommandsAfter(serveSome), ElementsAre(0, 0, IDC_PUSH, IDCANCEL));
+}
+
+TEST(Input, AnswersABoxByItsFirstButtonAndWithEscapeByItsOnlyOne)
+{
+    const std::tuple<UINT, WORD, int> rows[] = {
+        {MB_OK, VK_ESCAPE, IDOK}, {MB_YESNO, VK_RETURN, IDYES}, {MB_YESNO, VK_ESCAPE, MB_TIMEDOUT}};
+    for (const auto& [type, key, answer] : rows)
+    {
+        const auto press = [key = key](HWND, UINT message, WPARAM, LPARAM)
+        {
+            if (message == WM_NOTE)
+                UserPressed(*TopDialog(), key);
+            return message == WM_NOTE;
+        };
+        const auto open = [type = type, answer = answer](HWND dialog)
+        {
+            PostMessageW(dialog, WM_NOTE, 0, 0);
+            EXPECT_EQ(MessageBoxTimeoutW(dialog, L"", L"", type, 0, 200), answer);
+            EndDialog(dialog, 1);
+        };
+        ScriptedDialog{.body = open, .serve = press}.Run();
+    }
 }
