@@ -119,6 +119,7 @@ TEST(Scene, DISABLED_Failures)
             for (const wchar_t* line :
                  {L"it failed", L"Failed too", L"Error - one", L"Err=81 as well", L"no error"})
                 AddToLog(dialog, line + std::wstring(L"\r\n"));
+            MessageBoxW(dialog, L"Sure?", L"Question", MB_YESNO);
         });
 }
 
@@ -226,10 +227,12 @@ TEST(PersonAtATerminal, TypesEveryCharacterOfAPasswordAndNoOther)
     {
         const TerminalScreen screen(Scene("Password"), std::string("TERM=") + terminal);
         screen.WaitFor("not shown");
-        screen.Type(" p\u00e4s;=sx");
+        screen.Type("wrong");
+        screen.Press("C-u");
+        screen.Type(" p\u00e4O[s;=sx");
         screen.Press("BSpace Left Tab Home F5 Up");
         screen.Enter({"w ", "", "", "Push"});
-        EXPECT_THAT(screen.WaitFor("It was"), HasSubstr("It was ( p\u00e4s;=sw )"));
+        EXPECT_THAT(screen.WaitFor("It was"), HasSubstr("It was ( p\u00e4O[s;=sw )"));
         EXPECT_EQ(screen.Recorded().find("s;"), screen.Recorded().rfind("s;")) << screen.Recorded();
         screen.Press("C-d");
     }
@@ -238,18 +241,19 @@ TEST(PersonAtATerminal, TypesEveryCharacterOfAPasswordAndNoOther)
 TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
 {
     const ProgramFolder folder;
-    const TerminalScreen screen(folder.Program());
+    const TerminalScreen screen(folder.Program(), "TERM=from-elsewhere"); // which moves the cursor like most
     screen.WaitFor("\n>");
-    screen.Press("elp Home F5 h End PageUp Enter");
+    // Home and End are also those of other terminals.
+    screen.Press("e Escape [7~ h End l Home Escape [8~ F5 p Escape [34~ Enter");
     screen.Press("l Space pa Home C-Right Delete d Enter");
-    screen.Press("x Space zzy C-Left BSpace y Enter");
-    screen.Enter({"clsoe", "sow", "qzzt", "hqelpq"});
+    screen.Press("s Space ort C-Left BSpace p Enter");
+    screen.Enter({"xxxhelp", "sow", "qzzt", "hqelpq"});
     screen.Press("o Enter");
-    screen.Press("sUp Tab C-u crc6 Tab Enter");
+    screen.Press("sUp Tab C-u crc6 Left Tab Enter");
     screen.Enter({" two blanks "});
     screen.Press("o Tab f Tab Enter Enter");
-    screen.Press("wide= Tab n Enter");
-    screen.Enter({"hex=1", "input"});
+    screen.Press("w Tab = Tab n Enter");
+    screen.Enter({"?", "hex=1", "i"});
     screen.Press("Up Up Enter");
     screen.Press("C-d");
     EXPECT_THAT(screen.WaitFor("Dialog is closed", "> help"),
@@ -260,10 +264,10 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
                            "Tab completes a name, the arrow keys bring back what was typed.\n"
                            "> ldpa\n"
                            "Not understood, but near \"LDAP ...\": help lists what can be pressed.\n"
-                           "> xyzzy\n"
+                           "> sport\n"
                            "Not understood: help lists what can be pressed.\n"
-                           "> clsoe\n"
-                           "Not understood, but near \"Close\": help lists what can be pressed.\n"
+                           "> xxxhelp\n"
+                           "Not understood, but near \"help\": help lists what can be pressed.\n"
                            "> sow\n"
                            "Not understood, but near \"show\": help lists what can be pressed.\n"
                            "> qzzt\n"
@@ -281,13 +285,33 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
                            "OK, Cancel, Get CRC64, or a box to change [Get CRC64]:\n"
                            "CRC64: 9378702243592935650\n"
                            "CRC64 Hex: 8227D800038418E2\n"
-                           "OK, Cancel, Get CRC64, or a box to change [OK]: wide=on\n"
+                           "OK, Cancel, Get CRC64, or a box to change [OK]: Wide characters=on\n"
                            "Wide characters: on\n"
+                           "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: ?\n"
+                           "Press: OK, Cancel, Get CRC64\n"
+                           "Fill: Input, Wide characters, CRC64, CRC64 Hex\n"
+                           "A name, or any part of it that no other has, presses a button or asks for\n"
+                           "a box; name=text fills one. Enter takes what stands in [].\n"
+                           "show: what the boxes hold. quit: ends the program. Ctrl-D: closes this dialog.\n"
+                           "Tab completes a name, the arrow keys bring back what was typed.\n"
                            "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: hex=1\n"
-                           "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: input\n"
+                           "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: i\n"
                            "Input [ two blanks ]: hex=1\n"
                            "OK, Cancel, Get CRC64, or a box to change [Get CRC64]:\n"
                            "Dialog is closed."));
+
+    // A question of two rows is taken away whole.
+    const TerminalScreen narrow(folder.Program(), "", 30);
+    narrow.WaitFor("\n>");
+    narrow.Enter({"CRC64", "", ""});
+    narrow.Press("wid= Tab Tab C-u C-d");
+    EXPECT_EQ(narrow.WaitFor("Dialog is closed.", "Wide"), "Wide characters (on, off) [on]\n"
+                                                           ":\n"
+                                                           "wid=on, wid=off\n"
+                                                           "OK, Cancel, Get CRC64, or a bo\n"
+                                                           "x to change [Get CRC64]:\n"
+                                                           "Dialog is closed.\n"
+                                                           ">");
 }
 
 TEST(PersonAtATerminal, SeesFailuresInRedUnlessNoColourIsWanted)
@@ -297,7 +321,7 @@ TEST(PersonAtATerminal, SeesFailuresInRedUnlessNoColourIsWanted)
     for (const std::string wish : {"NO_COLOR= TERM=xterm", "NO_COLOR=1", "TERM=vt100", "TERM=dumb"})
     {
         const TerminalScreen screen(Scene("Failures"), wish);
-        screen.WaitFor("no error");
+        screen.WaitFor("no error\nQuestion\nSure?\nYes, No:");
         const std::string recorded = screen.Recorded();
         const std::regex redText("\x1b\\[31m([^\x1b]*)\x1b\\[0m");
         const std::vector<std::string> red(
@@ -346,11 +370,15 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
         EXPECT_EQ(Said(kill + signal + "; timeout 5 sh -c \"while " + kill + "0; do sleep 0.1; done\""), "");
         if (isStopped)
             screen.Press("C-q");
-        EXPECT_THAT(screen.WaitFor("icanon\necho", "half"), EndsWith("icanon\necho")) << signal;
+        EXPECT_THAT(screen.WaitFor("icanon\necho", "half"),
+                    AllOf(StartsWith(isStopped ? "half a line" : "half a line\n"), EndsWith("icanon\necho")))
+            << signal;
     }
     const TerminalScreen screen("bash --norc");
-    screen.Enter({folder.Program()});
-    screen.WaitFor("\n>");
+    screen.Enter({folder.Program().string() + " &"});
+    screen.WaitFor("help lists");
+    screen.Enter({"fg"});
+    screen.WaitFor("\n>", "fg");
     screen.Type("hel");
     screen.WaitFor("> hel"); // what is not read yet goes with the signal
     screen.Press("C-z");
@@ -363,6 +391,11 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
     screen.WaitFor("> help\nPress:", "fg");
     screen.Enter({"quit"});
     screen.WaitFor("is closed", "fg");
+
+    // Nobody tells it that the terminal has gone.
+    const std::string code = (folder.Path() / "code").string();
+    TerminalScreen("trap '' HUP; " + folder.Program().string() + "; echo $? >" + code).WaitFor("\n>");
+    EXPECT_EQ(Said("timeout 20 sh -c 'until test -s " + code + "; do sleep 0.1; done'; cat " + code), "0\n");
 }
 
 TEST(UploadProgress, ReckonsRateAndTimeFromTheLinesBefore)
@@ -372,8 +405,11 @@ TEST(UploadProgress, ReckonsRateAndTimeFromTheLinesBefore)
         {L"1% done, 1000 sent\r\n", 0, L"1% done, 1000 sent"},
         {L"[1ms] FTP_LOG: 10% done, 10000 sent\r\n", 1000,
          L"[1ms] FTP_LOG: 10% done, 10000 sent, 9 KB/s, 0:10 left"},
-        {L"10% done, 10000000 sent\r\n", 7000, L"10% done, 10000000 sent, 1.4 MB/s, 1:03 left"},
-        {L"50% done, 50000 sent\r\n", 7200000, L"50% done, 50000 sent, 0 KB/s, 2:02:27 left"},
+        {L"10% done, 10000000 sent\r\n", 6667, L"10% done, 10000000 sent, 1.5 MB/s, 1:00 left"},
+        {L"50% done, 2000 sent\r\n", 1800000, L"50% done, 2000 sent, 0 KB/s, 1:00:00 left"},
+        {L"1% done, 2000 sent\r\n", 1000, L"1% done, 2000 sent, 1 KB/s, 3:18 left"},
+        {L"0% done, 2000 sent\r\n", 1000, L"0% done, 2000 sent"}, // no share of the whole to reckon from
+        {L"1% done, 2000 sent\r\n", 0, L"1% done, 2000 sent"},    // nor any time
         {L"100% done, 101000 sent\r\n", 1000, L"100% done, 101000 sent, 100 KB/s"},
         {L"2% done, 900 sent\r\n", 2000, L"2% done, 900 sent"}, // a new attempt
     };
@@ -381,7 +417,8 @@ TEST(UploadProgress, ReckonsRateAndTimeFromTheLinesBefore)
     for (const auto& [line, milliseconds, shown] : cases)
     {
         platform::UploadProgress progress;
-        progress.Describe(std::get<0>(cases[0]), start);
+        for (const int early : {0, 100})
+            progress.Describe(std::get<0>(cases[0]), start + std::chrono::milliseconds(early));
         EXPECT_EQ(progress.Describe(line, start + std::chrono::milliseconds(milliseconds)), shown);
     }
     EXPECT_EQ(platform::UploadProgress().Describe(L"50% of it", start), std::nullopt);
