@@ -321,7 +321,7 @@ TEST(PersonAtATerminal, SeesFailuresInRedUnlessNoColourIsWanted)
     for (const std::string wish : {"NO_COLOR= TERM=xterm", "NO_COLOR=1", "TERM=vt100", "TERM=dumb"})
     {
         const TerminalScreen screen(Scene("Failures"), wish);
-        screen.WaitFor("no error\nQuestion\nSure?\nYes, No:");
+        EXPECT_THAT(screen.WaitFor("Yes, No"), EndsWith("no error\nQuestion\nSure?\nYes, No:"));
         const std::string recorded = screen.Recorded();
         const std::regex redText("\x1b\\[31m([^\x1b]*)\x1b\\[0m");
         const std::vector<std::string> red(
@@ -379,19 +379,28 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
     screen.WaitFor("help lists");
     screen.Enter({"fg"});
     screen.WaitFor("\n>", "fg");
-    screen.Type("hel");
-    screen.WaitFor("> hel"); // what is not read yet goes with the signal
-    screen.Press("C-z");
-    screen.WaitFor("Stopped");
-    screen.Enter({"stty -a | grep -ow -e '-*echo'"});
-    screen.WaitFor("\necho\n", "Stopped");
-    screen.Enter({"fg"});
-    screen.WaitFor("> hel", "fg");
+    std::string typed = "> ";
+    for (const char* part : {"he", "l"}) // it stops a second time
+    {
+        screen.Type(part);
+        screen.WaitFor(typed += part, "fg"); // what is not read yet goes with the signal
+        screen.Press("C-z");
+        screen.WaitFor("Stopped", typed);
+        screen.Enter({"stty -a | grep -ow -e '-*echo'"});
+        screen.WaitFor("\necho\n", "Stopped");
+        screen.Enter({"fg"});
+        screen.WaitFor(typed, "fg");
+    }
     screen.Enter({"p"});
     screen.WaitFor("> help\nPress:", "fg");
     screen.Enter({"quit"});
     screen.WaitFor("is closed", "fg");
 
+    // Where its text goes into a file it is asked for nothing.
+    const std::string text = (folder.Path() / "text").string();
+    const TerminalScreen unseen(folder.Program().string() + " >" + text + "; cat " + text + "; echo End");
+    unseen.Press("C-d");
+    unseen.WaitFor("\nPress: Close, LDAP ..., FTP Logs to Support, CRC64\nEnd");
     // Nobody tells it that the terminal has gone.
     const std::string code = (folder.Path() / "code").string();
     TerminalScreen("trap '' HUP; " + folder.Program().string() + "; echo $? >" + code).WaitFor("\n>");
