@@ -121,4 +121,7 @@ TEST(ProcessOnLinux, ChildGetsNoFileSignalMaskOrHandlerOfOurs)
     const auto before = openFiles();
     EXPECT_EQ(ChildProcess(L"true").ExitCode(), 0U);
     EXPECT_EQ(openFiles(), before);
+    fs::create_symlink("/bin/sh", folder.Path() / "mine");
+    const Variable path("PATH", folder.Path().c_str());
+    EXPECT_EQ(ChildProcess(L"mine -c \"exit 7\"").ExitCode(), 7U);
 }

@@ -44,6 +44,8 @@ TEST(Process, ExitCodeIsThereOnceItHasEnded)
     EXPECT_TRUE(GetExitCodeProcess(agent.Handle(), &code));
     EXPECT_EQ(code, DWORD{STILL_ACTIVE});
     agent.Kill();
+    EXPECT_EQ(agent.ExitCode(), RunsOnWindows() ? 1U : 137U); // as a shell tells of SIGKILL
+    EXPECT_FALSE(TerminateProcess(nullptr, 1) || GetExitCodeProcess(nullptr, &code));
     EXPECT_EQ(folder.Run({"exit:7"}).exitCode, 7U);
 }
 
@@ -66,8 +68,9 @@ TEST(Process, SaysWhyItCouldNotStart)
     };
     for (const auto& [line, error] : rows)
         EXPECT_EQ(ChildProcess(line, folder.Path()).Error(), error) << line;
-    EXPECT_EQ(ChildProcess(L"\"" + folder.Agent().wstring() + L"\"", folder.Path() / L"missing").Error(),
-              DWORD{ERROR_DIRECTORY});
+    for (const wchar_t* none : {L"missing", L"plain"})
+        EXPECT_EQ(ChildProcess(L"\"" + folder.Agent().wstring() + L"\"", folder.Path() / none).Error(),
+                  DWORD{ERROR_DIRECTORY});
 }
 
 TEST(Thread, RunsWithItsArgumentUnderAnIdAndALastErrorOfItsOwn)
