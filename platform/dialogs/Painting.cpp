@@ -31,7 +31,6 @@ HDC BeginPaint(HWND handle, LPPAINTSTRUCT paint)
         return nullptr;
     dialog->dialog->needsPaint = false;
     paint->hdc = reinterpret_cast<HDC>(handle);
-    GetClientRect(handle, &paint->rcPaint);
     return paint->hdc;
 }
 

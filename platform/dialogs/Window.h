@@ -37,7 +37,7 @@ struct ComboItem
 struct DialogState
 {
     DialogFont font;
-    HICON icon = nullptr; // has a picture of every size
+    HICON icon = nullptr;      // has a picture of every size
     Window* focus = nullptr;   // the control with the keyboard, also while another dialog is on top
     UINT defaultButton = 0;    // control id, 0 for none
     bool isMessageBox = false; // one label and push buttons without a layout: the display makes one
