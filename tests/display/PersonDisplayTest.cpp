@@ -363,7 +363,7 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
                                     "ASAN_OPTIONS=handle_segv=0 TSAN_OPTIONS=handle_segv=0");
         screen.WaitFor("\n>");
         screen.Type("half a line");
-        screen.WaitFor("half");
+        screen.WaitFor("half a line");
         const std::string kill = "pkill -f '^" + folder.Program().string() + "' -";
         if (isStopped)
             screen.Press("C-s");
@@ -389,7 +389,7 @@ TEST(PersonAtATerminal, HasTheTerminalBackHoweverTheProgramEndsOrStops)
         screen.Enter({"stty -a | grep -ow -e '-*echo'"});
         screen.WaitFor("\necho\n", "Stopped");
         screen.Enter({"fg"});
-        screen.WaitFor(typed, "fg");
+        screen.WaitFor(typed, "\necho\n");
     }
     screen.Enter({"p"});
     screen.WaitFor("> help\nPress:", "fg");
