@@ -2,8 +2,9 @@
 #pragma once
 
 // While it lives, an end from outside goes through EndRun. On Linux: the signals INT, HUP, QUIT and TERM, on
-// a thread of its own, and exit(3) by a library, as the window's calls it when its display is gone. On
-// Windows, where the program has no console: the end of the session. Made once, before any other thread.
+// a thread of its own, and exit(3) by a library or quick_exit(3) by the window's part, when its display is
+// gone. On Windows, where the program has no console: the end of the session. Made once, before any other
+// thread.
 class EndWatch
 {
 public:

@@ -35,7 +35,7 @@ void OnExit()
 EndWatch::EndWatch()
 {
     SetConsoleCtrlHandler(OnEnding, TRUE);
-    gbIsWatching = std::atexit(OnExit) == 0;
+    gbIsWatching = std::atexit(OnExit) == 0 && std::at_quick_exit(OnExit) == 0;
 }
 
 EndWatch::~EndWatch()

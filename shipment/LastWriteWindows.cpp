@@ -9,7 +9,13 @@ FILETIME LastWrite(const ZTString& path, const WIN32_FIND_DATAW& record)
                     nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return written;
-    GetFileTime(file, nullptr, nullptr, &written);
+    BY_HANDLE_FILE_INFORMATION about{};
+    const BOOL known = GetFileInformationByHandle(file, &about);
     CloseHandle(file);
+    // The file's own time may wait for its writer to close it, too. Its size does not.
+    if (known && (about.nFileSizeHigh != record.nFileSizeHigh || about.nFileSizeLow != record.nFileSizeLow))
+        GetSystemTimeAsFileTime(&written);
+    else if (known)
+        written = about.ftLastWriteTime;
     return written;
 }

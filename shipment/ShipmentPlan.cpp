@@ -111,7 +111,7 @@ std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff)
 
 void DeleteArchiveAndList(const ZTString& archivePath, const ZTString& listPath)
 {
-    constexpr int kTries = 30;
+    constexpr int kTries = 20;
     constexpr DWORD kPause = 50; // milliseconds
     for (const ZTString& path : {archivePath, ZTString(archivePath + L".tmp"), listPath})
         for (int tries = 1;

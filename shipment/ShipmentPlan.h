@@ -23,7 +23,7 @@ ZTString ArchiveName(const wchar_t* wanted);
 // what is not text stands as "?", which the archiver takes for any one character.
 std::set<ZTString> OldFileNames(const ZTString& directory, std::int64_t cutOff);
 
-// With the archiver's own file, which is there until the archive is whole. Waits up to one and a half seconds
+// With the archiver's own file, which is there until the archive is whole. Waits up to a second
 // for each of the three while somebody holds it: a virus scanner, a backup.
 void DeleteArchiveAndList(const ZTString& archivePath, const ZTString& listPath);
 

@@ -12,10 +12,12 @@
 namespace
 {
 
-bool Poll(SOCKET socket, short events, std::chrono::milliseconds limit)
+// What has come, of `events` and of what is told unasked; 0 when nothing has.
+short Poll(SOCKET socket, short events, std::chrono::milliseconds limit)
 {
     WSAPOLLFD one{socket, events, 0};
-    return WSAPoll(&one, 1, std::max(0, static_cast<int>(limit.count()))) > 0;
+    WSAPoll(&one, 1, std::max(0, static_cast<int>(limit.count())));
+    return one.revents;
 }
 
 } // namespace
@@ -51,12 +53,13 @@ int UnacknowledgedBytes(curl_socket_t socket)
 
 bool IsReadable(curl_socket_t socket, std::chrono::milliseconds limit)
 {
-    return Poll(socket, POLLRDNORM, limit);
+    return Poll(socket, POLLRDNORM, limit) != 0;
 }
 
 bool IsBroken(curl_socket_t socket, std::chrono::milliseconds limit)
 {
-    return Poll(socket, POLLRDBAND, limit); // one event has to be asked for, and this one never comes
+    // One event has to be asked for.
+    return (Poll(socket, POLLRDBAND, limit) & (POLLERR | POLLHUP | POLLNVAL)) != 0;
 }
 
 int Receive(curl_socket_t socket, char* buffer, int capacity)

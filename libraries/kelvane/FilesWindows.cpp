@@ -127,17 +127,23 @@ ZTString MakePrivateDirectory(const std::filesystem::path& directory)
 FileLock::FileLock(const std::filesystem::path& path, std::chrono::milliseconds patience)
     : mPath(path), mHandle(0)
 {
-    const auto start = std::chrono::steady_clock::now();
+    using SteadyClock = std::chrono::steady_clock;
+    const auto start = SteadyClock::now();
+    auto lastHeld = start; // by somebody; what is denied after that is being deleted, or not allowed
     // Without the last flag, the file that a link leads to would be removed.
     constexpr DWORD kHow = FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT;
     HANDLE file;
     DWORD error = ERROR_SUCCESS;
-    while ((file = Open(path, GENERIC_WRITE | DELETE, 0, OPEN_ALWAYS, kHow)) == INVALID_HANDLE_VALUE &&
-           IsPassing(error = GetLastError()) &&
-           std::chrono::steady_clock::now() - start <
-               (error == ERROR_ACCESS_DENIED ? std::min<std::chrono::milliseconds>(patience, kLongestDeletion)
-                                             : patience))
+    while ((file = Open(path, GENERIC_WRITE | DELETE, 0, OPEN_ALWAYS, kHow)) == INVALID_HANDLE_VALUE)
+    {
+        error = GetLastError();
+        const auto now = SteadyClock::now();
+        if (error != ERROR_ACCESS_DENIED)
+            lastHeld = now;
+        if (!IsPassing(error) || now - start >= patience || now - lastHeld >= kLongestDeletion)
+            break;
         Sleep(1);
+    }
     if (file != INVALID_HANDLE_VALUE)
         mHandle = reinterpret_cast<std::intptr_t>(file);
     else if (error != ERROR_SHARING_VIOLATION)

@@ -12,7 +12,7 @@
 // Which of the two programs this is; for the few cases that one system cannot hold.
 bool RunsOnWindows();
 
-// Keeps a file from everybody for a fifth of a second, as a virus scanner may; where a system has that.
+// Keeps a file from everybody for 0.7 s, as a virus scanner may; where a system has that.
 void HoldForAMoment(const fs::path& path);
 
 struct ProgramOutcome

@@ -152,7 +152,7 @@ void HoldForAMoment(const fs::path& path)
     std::thread(
         [file]
         {
-            Sleep(1000);
+            Sleep(700);
             CloseHandle(file);
         })
         .detach();

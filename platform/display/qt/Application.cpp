@@ -82,18 +82,18 @@ void EndWithTheServer(const QGuiApplication& application)
 {
     const auto* const x = application.nativeInterface<QNativeInterface::QX11Application>();
     if (x != nullptr && xcb_connection_has_error(x->connection()) != 0)
-        std::exit(EXIT_FAILURE);
+        std::quick_exit(EXIT_FAILURE);
 }
 
 QtMessageHandler gReport = nullptr;
 
-// Where the Wayland server is lost, Qt says so and ends the process at once, past what is to be done at its
-// end.
+// Where the Wayland server is lost, Qt says so and ends the process by _exit, which skips all that is to be
+// done then.
 void EndWithWayland(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     gReport(type, context, message);
-    if (message.startsWith("The Wayland connection ") && !qEnvironmentVariableIsSet("QT_WAYLAND_RECONNECT"))
-        std::exit(EXIT_FAILURE);
+    if (message.startsWith("The Wayland connection "))
+        std::quick_exit(EXIT_FAILURE);
 }
 
 void IgnoreMessage(QtMsgType, const QMessageLogContext&, const QString&) {}
@@ -126,6 +126,7 @@ std::unique_ptr<QApplication> MakeApplication()
     static char* arguments[] = {name, option, platforms.data(), nullptr};
     static int count = 3;
 
+    qunsetenv("QT_WAYLAND_RECONNECT");           // by which Qt would connect anew, or end without a word
     QGuiApplication::setDesktopFileName("tavo"); // by which a Wayland desktop finds the icon
     // A platform that is missing is not worth a word: the next one is taken, or the terminal.
     gReport = qInstallMessageHandler(IgnoreMessage);
