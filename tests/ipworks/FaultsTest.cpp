@@ -53,7 +53,7 @@ const Fault kFaults[] = {
      kSome},
     {"hang-up while nothing moves",
      {.breakAt = kHalf, .breakAnswer = kHangUp},
-     "1009 ", // whose words depends on who looks first, libcurl or we
+     "1009 The ", // whose further words depend on who looks first, libcurl or we
      kSome},
     {"confirmed when nobody waits any more", {.farewellAfter = 3000ms}, "", kAll},
     {"data reset at once", {.breakAt = 0, .farewell = "426 Broken.\r\n"}, "426 Broken."},

@@ -78,9 +78,9 @@ Platforms FindPlatforms()
 }
 
 // A lost X server ends the process. Qt 6.10 only asks its own loop to end, which does not run here.
-void EndWithTheServer(const QGuiApplication& application)
+void EndWithTheServer()
 {
-    const auto* const x = application.nativeInterface<QNativeInterface::QX11Application>();
+    const auto* const x = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     if (x != nullptr && xcb_connection_has_error(x->connection()) != 0)
         std::quick_exit(EXIT_FAILURE);
 }
@@ -137,8 +137,7 @@ std::unique_ptr<QApplication> MakeApplication()
         return nullptr;
     QApplication::setStyle(new Style);
     QApplication::setQuitOnLastWindowClosed(false);
-    QObject::connect(application.get(), &QCoreApplication::aboutToQuit,
-                     [&made = *application] { EndWithTheServer(made); });
+    QObject::connect(application.get(), &QCoreApplication::aboutToQuit, EndWithTheServer);
     return application;
 }
 
