@@ -31,6 +31,29 @@ std::string UserLocale(const std::array<const char*, 3>& variables)
     return {};
 }
 
+// The locale that the lines of a locale.conf(5) set: LC_ALL, LC_NUMERIC or LANG, the first that is there.
+std::string LocaleOfFile(std::string_view content)
+{
+    for (const std::string_view variable : kFormatVariables)
+    {
+        for (std::string_view rest = content; !rest.empty();)
+        {
+            std::string_view line = rest.substr(0, rest.find('\n'));
+            rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+            if (!line.starts_with(variable) || line.substr(variable.size(), 1) != "=")
+                continue;
+            line.remove_prefix(variable.size() + 1);
+            line = line.substr(0, line.find_last_not_of(" \t\r") + 1);
+            if (line.size() >= 2 && (line.front() == '"' || line.front() == '\'') &&
+                line.back() == line.front())
+                line = line.substr(1, line.size() - 2);
+            if (!line.empty())
+                return std::string(line);
+        }
+    }
+    return {};
+}
+
 std::string SystemLocale()
 {
     for (const char* path : {"/etc/default/locale", "/etc/locale.conf"})
@@ -106,28 +129,6 @@ LCID platform::LcidOfLocale(std::string_view name)
         return kEnglishUnitedStates;
     const LCID id = NumberOf(IcuLocale(name));
     return id == 0 ? LOCALE_CUSTOM_DEFAULT : id;
-}
-
-std::string platform::LocaleOfFile(std::string_view content)
-{
-    for (const std::string_view variable : kFormatVariables)
-    {
-        for (std::string_view rest = content; !rest.empty();)
-        {
-            std::string_view line = rest.substr(0, rest.find('\n'));
-            rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-            if (!line.starts_with(variable) || line.substr(variable.size(), 1) != "=")
-                continue;
-            line.remove_prefix(variable.size() + 1);
-            line = line.substr(0, line.find_last_not_of(" \t\r") + 1);
-            if (line.size() >= 2 && (line.front() == '"' || line.front() == '\'') &&
-                line.back() == line.front())
-                line = line.substr(1, line.size() - 2);
-            if (!line.empty())
-                return std::string(line);
-        }
-    }
-    return {};
 }
 
 std::string platform::UserCharset()

@@ -15,9 +15,6 @@ namespace platform
 // empty name, LOCALE_CUSTOM_DEFAULT for one that has no number.
 PLATFORM_EXPORT LCID LcidOfLocale(std::string_view name);
 
-// The locale that the lines of a locale.conf(5) set: LC_ALL, LC_NUMERIC or LANG, the first that is there.
-PLATFORM_EXPORT std::string LocaleOfFile(std::string_view content);
-
 // What LOCALE_CUSTOM_DEFAULT stands for, as ICU names it, the user's default or the system's; empty when
 // neither has that number, and when both have and differ.
 std::string LocaleWithoutNumber();

@@ -12,7 +12,8 @@ TEST(SickMachine, GetsAnAnswerToo)
 {
     const std::string report = "Customer service: [^\n]*\n$";
     const std::string tokyo = "bias: -540\n(.*\n){2}Timezone Standard Name: Tokyo Standard Time\n";
-    const std::string bareEtc = "unset TZ; unshare -m sh -c 'mount -t tmpfs none /etc; cd /etc; ";
+    const auto bareEtc = [](const std::string& filled)
+    { return "unset TZ; unshare -m sh -c 'mount -t tmpfs none /etc; cd /etc; " + filled + "; $PROGRAM'"; };
     const std::string zone = " /usr/share/zoneinfo/Asia/Tokyo localtime; ";
     const std::string bareDev = "unshare -imn sh -c 'mount -t tmpfs none /dev; ";
     // A display server that takes the connection and then says nothing.
@@ -25,13 +26,14 @@ TEST(SickMachine, GetsAnAnswerToo)
     const std::string unanswered =
         "^No windows can be shown: the display \"[^\n]+\" did not answer in 10 s\nZT .*" + report;
     const std::pair<std::string, std::string> rows[] = {
-        {bareEtc + "ln -s" + zone + "echo Europe/Paris > timezone; $PROGRAM'", tokyo},
-        {bareEtc + "cp" + zone + "echo Asia/Tokyo > timezone; $PROGRAM'", tokyo},
-        {bareEtc + "echo Asia/Tokyo > timezone; $PROGRAM'", // which is not in force
+        {bareEtc("ln -s" + zone + "echo Europe/Paris > timezone"), tokyo},
+        {bareEtc("cp" + zone + "echo Asia/Tokyo > timezone"), tokyo},
+        {bareEtc("echo Asia/Tokyo > timezone"), // which is not in force
          "bias: 0\n(.*\n){2}Timezone Standard Name: Coordinated Universal Time\n"},
-        {bareEtc + "mkdir default; echo LANG=de_DE.UTF-8 > default/locale; $PROGRAM'",
+        {bareEtc(
+             R"(mkdir default; printf "LANGUAGE=fr\nLANG=\"\"\nLANG=\047de_DE\047 \r\n" > default/locale)"),
          "System default locale: \\[de-de\\] \\(x0407\\)\n"},
-        {bareEtc + "echo LANG=fr_FR > locale.conf; $PROGRAM'",
+        {bareEtc(R"(printf "#\nLANG=de_DE\nLC_ALL=fr_FR" > locale.conf)"),
          "System default locale: \\[fr-fr\\] \\(x040C\\)\n"},
         {bareDev + "$PROGRAM -FTP_LOG=x -AUTOCLOSE=yes'",
          "FTP_LOG: Failed to launch before FTP: .*Err=31: A device attached to the system is not "
