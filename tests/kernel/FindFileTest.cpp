@@ -63,26 +63,3 @@ TEST(FindFile, ListsAFolderWithKindsSizesAndTimes)
     EXPECT_EQ(List(folder.Path() / "*"), expected);
     EXPECT_EQ(DeleteFileW((folder.Path().wstring() + L"/caf\xDCE9").c_str()), !RunsOnWindows());
 }
-
-TEST(FindFile, SaysWhatIsMissing)
-{
-    const TestFolder folder;
-    WIN32_FIND_DATAW data = {};
-    EXPECT_EQ(FindFirstFileW((folder.Path() / "none" / "*").wstring().c_str(), &data), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
-    EXPECT_FALSE(FindNextFileW(INVALID_HANDLE_VALUE, &data));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
-}
-
-TEST(FindFile, DeleteTakesAFileAndNothingElse)
-{
-    const TestFolder folder;
-    folder.Write("file", "x");
-    fs::create_directory(folder.Path() / "sub");
-    EXPECT_TRUE(DeleteFileW((folder.Path() / L"file").wstring().c_str()));
-    EXPECT_FALSE(fs::exists(folder.Path() / "file"));
-    EXPECT_FALSE(DeleteFileW((folder.Path() / L"file").wstring().c_str()));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
-    EXPECT_FALSE(DeleteFileW((folder.Path() / L"sub").wstring().c_str()));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
-}

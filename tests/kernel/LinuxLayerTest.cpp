@@ -1,55 +1,17 @@
 // SPDX-License-Identifier: MIT
-// What of the layer shows only from the Linux side: users, signals, open files, names that are not UTF-8.
+// What of the layer shows only from the Linux side.
 #include "foundation/OpenAccess.h"
 #include "tests/support/AgentFolder.h"
 #include "text/Unicode.h"
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <sched.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <fstream>
-
-TEST(HandleOnLinux, IsNeverUsedAgainOnceClosed)
-{
-    const HANDLE closed = CreateEventW(nullptr, TRUE, FALSE, UniqueName(L"closed").c_str());
-    EXPECT_TRUE(CloseHandle(closed));
-    const HANDLE next = CreateEventW(nullptr, TRUE, FALSE, UniqueName(L"next").c_str());
-    EXPECT_NE(next, closed);
-    EXPECT_EQ(WaitForSingleObject(closed, 0), DWORD{WAIT_FAILED});
-    EXPECT_FALSE(SetEvent(closed) || ResetEvent(closed) || CloseHandle(closed));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
-    CloseHandle(next);
-    WIN32_FIND_DATAW data = {};
-    const HANDLE find = FindFirstFileW(L"/*", &data);
-    EXPECT_FALSE(CloseHandle(find)) << "a find handle has a call of its own";
-    EXPECT_TRUE(FindClose(find));
-    EXPECT_FALSE(FindClose(find));
-}
-
-TEST(NamedEventOfUsers, NullAccessListOpensItToEveryUser)
-{
-    if (geteuid() != 0)
-        GTEST_SKIP() << "only root can become another user";
-    const AgentFolder folder;
-    const std::wstring name = UniqueName(L"users");
-    const auto openAsNobody = [&] { return folder.Run({"open:" + text::ToUtf8(name)}, true).answers; };
-    for (SECURITY_ATTRIBUTES* const attributes : {OpenAccessAttributes(), LPSECURITY_ATTRIBUTES{}})
-    {
-        const mode_t old = umask(0077); // has no say in it
-        const HANDLE event = CreateEventW(attributes, FALSE, FALSE, (L"Global\\" + name).c_str());
-        umask(old);
-        EXPECT_EQ(openAsNobody(),
-                  std::to_string(attributes != nullptr ? ERROR_ALREADY_EXISTS : ERROR_ACCESS_DENIED) + "\n");
-        CloseHandle(event);
-        EXPECT_EQ(openAsNobody(), "0\n") << "gone with its file, whoever made that";
-    }
-}
 
 // Another account and lack of room are errors of the calls, never a signal.
 TEST(NamedEventOfUsers, NobodyElseCanTakeItAwayOrMakeItFail)
@@ -94,34 +56,4 @@ TEST(ProcessOnLinux, LeavesNoZombieWhenNobodyWaits)
         Sleep(100);
     EXPECT_NE(kill(running, 0), 0) << "a zombie still answers";
     CloseHandle(event);
-}
-
-TEST(ProcessOnLinux, ChildGetsNoFileSignalMaskOrHandlerOfOurs)
-{
-    const TestFolder folder;
-    const int inherited = open("/dev/null", O_RDONLY); // without O_CLOEXEC
-    sigset_t blocked;
-    sigemptyset(&blocked);
-    sigaddset(&blocked, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
-    signal(SIGPIPE, SIG_IGN);
-    signal(SIGHUP, SIG_IGN); // as nohup(1) leaves it to this program, and to what that starts
-    // Of ls itself: 0, 1 (its output), 2, 3 (the folder). Signals above 28 are the C library's.
-    const ChildProcess shell(
-        L"sh -c \"exec > seen; readlink /proc/self/fd/0 /proc/self/fd/2; ls /proc/self/fd; "
-        L"sed -nE 's/(SigBlk|SigIgn):.*(.{7})$/\\1 \\2/p' /proc/self/status\"",
-        folder.Path());
-    shell.ExitCode();
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGHUP, SIG_DFL);
-    pthread_sigmask(SIG_UNBLOCK, &blocked, nullptr);
-    close(inherited);
-    EXPECT_EQ(folder.Read("seen"), "/dev/null\n/dev/null\n0\n1\n2\n3\nSigBlk 0000000\nSigIgn 0000001\n");
-    const auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
-    const auto before = openFiles();
-    EXPECT_EQ(ChildProcess(L"true").ExitCode(), 0U);
-    EXPECT_EQ(openFiles(), before);
-    fs::create_symlink("/bin/sh", folder.Path() / "mine");
-    const Variable path("PATH", folder.Path().c_str());
-    EXPECT_EQ(ChildProcess(L"mine -c \"exit 7\"").ExitCode(), 7U);
 }

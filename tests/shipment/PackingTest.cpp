@@ -25,13 +25,18 @@ TEST_F(Archiver, IsFollowedByTheUploadWhateverItsCode)
 TEST_F(Archiver, ThatCannotBeStartedIsNamedWithTheReason)
 {
     const fs::path archiver = folder.Path() / "7za.exe";
+    const auto expectTold = [&](const std::string& reason)
+    {
+        EXPECT_THAT(Verdicts(Ship("case")),
+                    ElementsAre(MatchesRegex("Failed to launch before FTP: \\[\"" + archiver.string() +
+                                             "\" a .*\\*\\]  Err=" + reason)));
+    };
     fs::remove(archiver);
-    EXPECT_THAT(Verdicts(Ship("case")),
-                ElementsAre(MatchesRegex("Failed to launch before FTP: \\[\"" + archiver.string() +
-                                         "\" a .*\\*\\]  Err=.*The system cannot find the file "
-                                         "specified\\..*")));
+    expectTold("2: The system cannot find the file specified\\.");
     WriteFile(archiver, "no program");
-    EXPECT_THAT(Verdicts(Ship("case")), ElementsAre(StartsWith("Failed to launch before FTP: [")));
+    expectTold("5: Access is denied\\.");
+    fs::permissions(archiver, fs::perms(0755));
+    expectTold("193: %1 is not a valid Win32 application\\.");
 }
 
 TEST_F(Archiver, ThatTakesTooLongIsLeftAlone)
@@ -62,10 +67,12 @@ TEST_F(Archiver, IsFollowedByTheReasonWhereTheUploadCannotBeStarted)
 
 TEST_F(Archiver, GetsNoInputFileOrNameOfCodeToLoadAndPacksForThisAccountAlone)
 {
-    ReplaceArchiver("{ pwd; umask; cat; env | grep '=/nowhere$'; ls -l /proc/self/fd | sed -n 's/.* "
+    ReplaceArchiver("{ pwd; umask; sed -nE 's/(SigBlk|SigIgn):.*(.{7})$/\\1 \\2/p' /proc/self/status; cat; "
+                    "env | grep '=/nowhere$'; ls -l /proc/self/fd | sed -n 's/.* "
                     "\\([0-9]*\\) -> /\\1 /p'; } > '" +
                     (folder.Path() / "seen").string() + "' 2>&1");
     ProgramStart start = Unattended("case");
+    start.ignoredSignals = {SIGHUP}; // as nohup(1) leaves it to the program, and to what that starts
     std::istringstream names(
         "GCONV_PATH GIO_EXTRA_MODULES GIO_MODULE_DIR GSSNTLMSSP_DEBUG GSS_MECH_CONFIG GTK_MODULES GTK_PATH "
         "KRB5_TRACE LDAPCONF LDAPRC LIBGL_DRIVERS_PATH NTLM_USER_FILE OPENSSL_CONF OPENSSL_CONF_INCLUDE "
@@ -75,10 +82,10 @@ TEST_F(Archiver, GetsNoInputFileOrNameOfCodeToLoadAndPacksForThisAccountAlone)
         start.environment.emplace_back(name, "/nowhere");
     Ship(start);
     const std::string seen = ReadFile(folder.Path() / "seen");
-    EXPECT_THAT(seen, StartsWith(Logs().string() + "\n0077\n"));
+    EXPECT_THAT(seen, StartsWith(Logs().string() + "\n0077\nSigBlk 0000000\nSigIgn 0000001\n"));
     EXPECT_THAT(seen, HasSubstr("0 /dev/null\n"));
     // 0, 1, 2 and the directory that ls reads.
-    EXPECT_EQ(6, std::count(seen.begin(), seen.end(), '\n')) << seen;
+    EXPECT_EQ(8, std::count(seen.begin(), seen.end(), '\n')) << seen;
 }
 
 // What ignores SIGCHLD hands that on to its children, and the system then keeps no exit code for them.
@@ -133,7 +140,7 @@ TEST_F(LogDirectory, ThatIsReadOnlyOrMissingGivesAnError)
     fs::remove_all(Logs());
     fs::permissions(folder.Path(), fs::perms(0555)); // nor can it be made anew
     EXPECT_THAT(Verdicts(Ship(Unattended("case", true))),
-                ElementsAre(StartsWith("Failed to launch before FTP: [")));
+                ElementsAre(EndsWith("\" *]  Err=267: The directory name is invalid.")));
 }
 
 TEST_F(LogDirectory, MayHaveAQuotationMarkInItsName)

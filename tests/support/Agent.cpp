@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The other process of a test. The first argument names the file for the answers, a line each; standard error
 // goes to a file beside it. The others are steps, "verb:argument:argument", in which "%XX" stands for a byte.
-// After "arguments" there are no steps: they are answered as they came.
 #include "foundation/Kelvane.h"
 #include "foundation/Locks.h"
 
@@ -116,7 +115,6 @@ const std::map<std::string, void (*)(const ZTString&, const ZTString&)> kSteps =
     {"shutdown", [](auto& reason, auto&) { SignalShutdown(reason); }},
     {"open", Open},
     {"await", Await},
-    {"exit", [](auto& code, auto&) { std::exit(static_cast<int>(wtodw(code))); }},
     {"statics", [](auto&, auto&) {}},
 };
 
@@ -134,9 +132,8 @@ int main(int count, char** arguments)
     gAnswers = std::fopen(arguments[1], "wb");
     if (std::freopen((std::string(arguments[1]) + ".errors").c_str(), "wb", stderr) == nullptr)
         return 2;
-    const bool answersArguments = count > 2 && std::string_view(arguments[2]) == "arguments";
-    for (int index = answersArguments ? 3 : 2; index < count; ++index)
-        answersArguments ? Answer(arguments[index]) : Do(arguments[index]);
+    for (int index = 2; index < count; ++index)
+        Do(arguments[index]);
     std::fclose(gAnswers);
     return 0;
 }

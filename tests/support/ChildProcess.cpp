@@ -16,9 +16,8 @@ ChildProcess::ChildProcess(std::wstring line, const std::filesystem::path& folde
     startup.cb = sizeof startup;
     startup.dwFlags = isHidden ? STARTF_USESHOWWINDOW : 0;
     startup.wShowWindow = SW_HIDE;
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                        directory.empty() ? nullptr : directory.c_str(), &startup, &mInformation))
-        mError = GetLastError();
+    CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                   directory.empty() ? nullptr : directory.c_str(), &startup, &mInformation);
 }
 
 ChildProcess::~ChildProcess()

@@ -21,13 +21,9 @@ public:
     // shows no window, and on Linux reads and writes nothing of ours.
     explicit ChildProcess(std::wstring line, const std::filesystem::path& folder = {}, bool isHidden = true);
     ~ChildProcess();
-    ChildProcess(ChildProcess&& other) noexcept
-        : mInformation(std::exchange(other.mInformation, {})), mError(other.mError)
-    {
-    }
+    ChildProcess(ChildProcess&& other) noexcept : mInformation(std::exchange(other.mInformation, {})) {}
     ChildProcess& operator=(ChildProcess&&) = delete;
 
-    DWORD Error() const { return mError; } // ERROR_SUCCESS when it has started
     HANDLE Handle() const { return mInformation.hProcess; }
     DWORD Id() const { return mInformation.dwProcessId; }
 
@@ -39,5 +35,4 @@ public:
 
 private:
     PROCESS_INFORMATION mInformation = {};
-    DWORD mError = ERROR_SUCCESS;
 };
