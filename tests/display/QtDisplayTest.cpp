@@ -302,30 +302,6 @@ TEST_F(QtDisplay, WindowIconHasEverySizeOfTheResource)
     EXPECT_EQ(LoadIconW(nullptr, MAKEINTRESOURCEW(1)), nullptr);
 }
 
-TEST_F(QtDisplay, TabGoesThroughTheControlsInTheTemplatesOrder)
-{
-    const std::pair<int, std::vector<int>> cases[] = {
-        {IDD_CONSOLE, {IDC_OUTPUT, IDC_CLOSE, IDC_LDAP, IDC_FTP_LOGS, IDC_CRC64, IDC_OUTPUT}},
-        {IDD_LDAP_CREDS,
-         {IDC_SERVER, IDC_PORT, IDC_DOMAIN, IDC_USER, IDC_PASSWORD, IDC_AUTH_METHOD, IDOK, IDCANCEL,
-          IDC_SERVER}},
-        {IDD_CRC64, {IDOK, IDCANCEL, IDC_INPUT, IDC_WIDE_CHARS, IDC_GET_CRC64, IDC_CRC, IDC_CRC_HEX, IDOK}},
-    };
-    for (const auto& [dialog, expected] : cases)
-    {
-        std::vector<int> order;
-        const Step note = [&order]
-        {
-            order.push_back(static_cast<int>(platform::TopDialog()->dialog->focus->id));
-            Press(Qt::Key_Tab);
-        };
-        std::vector<Step> steps(expected.size(), note);
-        steps.push_back(kEscape);
-        Use(dialog, steps);
-        EXPECT_EQ(order, expected) << "dialog " << dialog;
-    }
-}
-
 TEST_F(QtDisplay, EnterEscAndClosingPressTheButtonsThatTheyShould)
 {
     // The dialog, what has the focus, the key, and how the dialog ends.

@@ -68,34 +68,6 @@ TEST(Numbers, AreReadAsAWhole)
     EXPECT_EQ(wtodw(nullptr), 0xFFFFFFFF);
 }
 
-TEST(FileTimes, BecomeSecondsRoundedDown)
-{
-    std::vector<std::int64_t> seconds;
-    for (const std::uint64_t ticks :
-         std::vector<std::uint64_t>{116'444'736'009'999'999, 116'444'736'010'000'000, 116'444'735'999'999'999,
-                                    116'444'735'990'000'000, 0, 133'452'576'000'000'000})
-        seconds.push_back(FILETIMEToTimeT({static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)}));
-    EXPECT_EQ(seconds, (std::vector<std::int64_t>{0, 1, -1, -1, -11'644'473'600, 1'700'784'000}));
-}
-
-TEST(Files, AreWrittenAsUtf8)
-{
-    const TestFolder folder;
-    const ZTString start = ZTString(folder.Path().string().c_str()) + L"/";
-    const ZTString list = start + L"list\u00FC.txt";
-    const fs::path name = u8"list\u00FC.txt";
-    EXPECT_EQ(ZTGetFileSize(list), 0u) << "not there";
-    EXPECT_TRUE(WriteTextFileAsUTF8(list, L"", true, true, false, false));
-    EXPECT_TRUE(fs::exists(folder.Path() / name)) << "an empty text makes an empty file";
-    EXPECT_TRUE(WriteTextFileAsUTF8(list, L"one\r\n\u00FC", true, true, false, false));
-    EXPECT_EQ(folder.Read(name), "one\r\nü") << "line ends stay";
-    EXPECT_EQ(ZTGetFileSize(list), 7u);
-    EXPECT_TRUE(WriteTextFileAsUTF8(list, L"2", true, true, false, false));
-    EXPECT_EQ(folder.Read(name), "2") << "replaced";
-    EXPECT_FALSE(WriteTextFileAsUTF8(start + L"missing/x", L"x", true, true, false, false));
-    EXPECT_EQ(ZTGetFileSize(start), 0u) << "a directory";
-}
-
 TEST(Files, ThatAreLinksAreKnown)
 {
     const auto isLink = [](DWORD attributes, DWORD tag)

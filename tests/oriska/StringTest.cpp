@@ -142,37 +142,6 @@ TEST(String, WidensUtf8)
     EXPECT_EQ(L"<" + text + L"|" + text + nullptr, L"<plain|plain");
 }
 
-TEST(String, OrdersByCodeUnitsAPrefixFirst)
-{
-    const wchar_t* const kOrder[] = {L"", L"A", L"B", L"Ba", L"a", L"aa", L"b", L"\xE9", L"\xFFFD"};
-    for (const wchar_t* left : kOrder)
-        for (const wchar_t* right : kOrder)
-        {
-            const bool less = std::wstring(left) < right;
-            EXPECT_EQ(ZTString(left) < ZTString(right), less);
-            EXPECT_EQ(ZTString(left).Compare(right) < 0, less);
-            EXPECT_EQ(ZTString(left) == right, std::wstring(left) == right);
-        }
-}
-
-TEST(String, LendsItsBuffer)
-{
-    ZTString text(L"abc");
-    wchar_t* buffer = text.GetBuffer(100);
-    EXPECT_STREQ(buffer, L"abc");
-    EXPECT_GE(text.GetAllocLength(), 100);
-    buffer[1] = 0;
-    text.ReleaseBuffer();
-    EXPECT_EQ(text, L"a");
-    text.GetBuffer(5)[1] = L'\0';
-    text.ReleaseBuffer(2);
-    EXPECT_EQ(text.GetLength(), 2);
-    ZTString empty;
-    empty.GetBuffer(0)[0] = 0; // the shared empty text is never lent
-    empty.ReleaseBuffer();
-    EXPECT_TRUE(empty.IsEmpty());
-}
-
 TEST(ResourceString, ComesFromTheProgramOrIsEmpty)
 {
     EXPECT_EQ(ZTString(String(IDS_ADMINISTRATOR_CAPTION, nullptr).mText),

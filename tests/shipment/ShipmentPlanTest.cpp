@@ -25,7 +25,8 @@ TEST(OldFileNames, ExactlyTheCutOffIsNotOld)
     using namespace std::chrono;
     const TestFolder logs;
     logs.Write("file.log", "x");
-    fs::last_write_time(logs.Path() / "file.log", file_clock::from_sys(sys_seconds(seconds(kCutOff))));
+    fs::last_write_time(logs.Path() / "file.log",
+                        file_clock::from_sys(sys_seconds(seconds(kCutOff))) + milliseconds(999));
     const ZTString directory = logs.Path().wstring().c_str();
     EXPECT_EQ(OldFileNames(directory, kCutOff), std::set<ZTString>{});
     EXPECT_EQ(OldFileNames(directory, kCutOff + 1), std::set<ZTString>{L"file.log"});
