@@ -35,27 +35,3 @@ TEST(EditControl, KeepsTheTextItIsGivenAndCountsItsLines)
             EXPECT_EQ(buffer[4], L'-') << "wrote past the capacity";
         });
 }
-
-TEST(AnyControl, CanBeDisabledAndFocused)
-{
-    InDialog(
-        [](HWND dialog)
-        {
-            const HWND line = GetDlgItem(dialog, IDC_LINE);
-            const HWND push = GetDlgItem(dialog, IDC_PUSH);
-            EXPECT_FALSE(EnableWindow(push, FALSE));
-            EXPECT_EQ(SetFocus(push), nullptr);
-            EXPECT_TRUE(EnableWindow(push, TRUE)) << "it was disabled";
-            SetFocus(line);
-            EXPECT_EQ(SetFocus(push), line);
-            EXPECT_EQ(FocusedControl(), push);
-            Send(dialog, IDC_BOX, BM_CLICK);
-            EXPECT_EQ(FocusedControl(), GetDlgItem(dialog, IDC_BOX)) << "a click gives the focus";
-            SetFocus(push);
-            EnableWindow(push, FALSE);
-            EXPECT_EQ(FocusedControl(), nullptr) << "a disabled control has no focus";
-            EXPECT_EQ(GetAncestor(push, GA_ROOT), dialog);
-            EXPECT_EQ(GetAncestor(dialog, GA_ROOT), dialog);
-            EXPECT_EQ(GetDlgItem(dialog, 4711), nullptr);
-        });
-}

@@ -61,7 +61,6 @@ private:
 };
 
 BEGIN_MESSAGE_MAP(TestDialog, CDialog)
-ON_WM_PAINT()
 ON_BN_CLICKED(IDC_PUSH, OnWork)
 ON_MESSAGE(WM_STEP, OnStep)
 ON_MESSAGE(WM_ADD, OnAdd)
@@ -79,12 +78,6 @@ protected:
 BEGIN_MESSAGE_MAP(TestApp, CWinApp)
 ON_COMMAND(ID_HELP, CWinApp::OnHelp)
 END_MESSAGE_MAP()
-
-TEST(ModalDialog, FailsWithoutATemplate)
-{
-    TestDialog dialog(4711);
-    EXPECT_EQ(dialog.DoModal(), -1);
-}
 
 TEST(ModalDialog, DisablesItsParentAndReturnsBeforeItThoughThatEndsFirst)
 {
@@ -111,18 +104,6 @@ TEST(ModalDialog, DisablesItsParentAndReturnsBeforeItThoughThatEndsFirst)
     });
     EXPECT_EQ(result, 1);
     EXPECT_TRUE(returned);
-}
-
-TEST(ModalDialog, PaintsAreOver)
-{
-    TestDialog dialog;
-    dialog.Run({
-        [&]
-        {
-            Pump(); // without an end where OnPaint leaves something to paint
-            dialog.EndDialog(1);
-        },
-    });
 }
 
 TEST(MessageMap, GivesTheResultOfARowAndLeavesTheRestToTheBase)
