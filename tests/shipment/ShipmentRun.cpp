@@ -42,7 +42,8 @@ void ShipmentTest::ReplaceArchiver(const std::string& script) const
     const fs::path archiver = folder.Path() / "7za.exe";
     const fs::path real = folder.Path() / "real";
     fs::rename(archiver, real);
-    WriteFile(archiver, "#!/bin/sh\nREAL='" + real.string() + "'\n" + script);
+    // Another shell would unblock the signals that it gets blocked.
+    WriteFile(archiver, "#!/bin/bash\nREAL='" + real.string() + "'\n" + script);
     fs::permissions(archiver, fs::perms(0755));
 }
 
