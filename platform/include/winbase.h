@@ -182,7 +182,8 @@ extern "C"
     // --- Files ---
 
     // The pattern's last part is "*". A symbolic link carries its own times, the reparse attribute and
-    // IO_REPARSE_TAG_SYMLINK, and the directory attribute when it leads to one.
+    // IO_REPARSE_TAG_SYMLINK, and the directory attribute when it leads to one. Sizes and other times than
+    // that of the last write are not told.
     PLATFORM_EXPORT HANDLE FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW data);
     PLATFORM_EXPORT BOOL FindNextFileW(HANDLE find, LPWIN32_FIND_DATAW data);
     PLATFORM_EXPORT BOOL FindClose(HANDLE find);

@@ -27,7 +27,7 @@ FILETIME FileTimeOf(const struct statx_timestamp& time)
 bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FIND_DATAW& data)
 {
     struct statx status = {};
-    constexpr unsigned kWanted = STATX_TYPE | STATX_SIZE | STATX_MTIME;
+    constexpr unsigned kWanted = STATX_TYPE | STATX_MTIME;
     if (statx(folder, name, AT_SYMLINK_NOFOLLOW, kWanted, &status) != 0)
         return false;
     data = {};
@@ -48,11 +48,6 @@ bool FillData(int folder, const char* name, std::wstring_view wideName, WIN32_FI
     // before everything else.
     if (directory || S_ISREG(mode))
         data.ftLastWriteTime = FileTimeOf(status.stx_mtime);
-    if (S_ISREG(status.stx_mode))
-    {
-        data.nFileSizeHigh = static_cast<DWORD>(status.stx_size >> 32);
-        data.nFileSizeLow = static_cast<DWORD>(status.stx_size);
-    }
     return CopyOut(wideName, data.cFileName, MAX_PATH);
 }
 

@@ -111,6 +111,8 @@ TEST_F(LogDirectory, WithUnreadableFoldersAPipeALoopAndGreatDepthIsShippedAsFarA
     elsewhere.Write("another.log", "old");
     MakeOld(elsewhere.Path() / "another.log");
     fs::create_directory_symlink(elsewhere.Path(), Logs() / "link");
+    fs::create_symlink("nowhere", Logs() / "to nothing");
+    EXPECT_EQ(Said("cd '" + Logs().string() + "' && touch -h -d '30 days ago' link 'to nothing'"), "");
     fs::path deep = Logs();
     for (int level = 0; level < 200; ++level)
         deep /= "level";
@@ -124,7 +126,7 @@ TEST_F(LogDirectory, WithUnreadableFoldersAPipeALoopAndGreatDepthIsShippedAsFarA
     // 1 is the archiver's own word for what it could not read.
     EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 1", kSent))
         << outcome.console;
-    EXPECT_THAT(outcome.console, HasSubstr("Ignoring:\nold.log\npipe\n"));
+    EXPECT_THAT(outcome.console, HasSubstr("Ignoring:\nold.log\npipe\nto nothing\n"));
     // The loop lies in the archive as a link, which older unpackers refuse to make.
     Tree sent = Unpack(server.Directory() / "case.zip", {0, 2});
     EXPECT_EQ("fresh", sent["fresh.log"]);
