@@ -43,8 +43,12 @@ TEST(NamedEventOfUsers, NobodyElseCanTakeItAwayOrMakeItFail)
     EXPECT_EQ(status, 0) << "neither an event nor the right error";
 }
 
-TEST(ProcessOnLinux, LeavesNoZombieWhenNobodyWaits)
+TEST(ProcessOnLinux, LeavesNoOpenFileAndNoZombieWhenNobodyWaits)
 {
+    const auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
+    const auto before = openFiles();
+    EXPECT_EQ(ChildProcess(L"true").ExitCode(), 0U);
+    EXPECT_EQ(openFiles(), before);
     const AgentFolder folder;
     const std::wstring go = UniqueName(L"go");
     const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, go.c_str());
