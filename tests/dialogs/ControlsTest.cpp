@@ -35,3 +35,20 @@ TEST(EditControl, KeepsTheTextItIsGivenAndCountsItsLines)
             EXPECT_EQ(buffer[4], L'-') << "wrote past the capacity";
         });
 }
+
+TEST(AnyControl, HasTheFocusUnlessItIsDisabled)
+{
+    InDialog(
+        [](HWND dialog)
+        {
+            const HWND push = GetDlgItem(dialog, IDC_PUSH);
+            EnableWindow(push, FALSE);
+            EXPECT_EQ(SetFocus(push), nullptr);
+            EnableWindow(push, TRUE);
+            Send(dialog, IDC_BOX, BM_CLICK);
+            EXPECT_EQ(FocusedControl(), GetDlgItem(dialog, IDC_BOX)) << "a click gives the focus";
+            SetFocus(push);
+            EnableWindow(push, FALSE);
+            EXPECT_EQ(FocusedControl(), nullptr) << "a disabled control has no focus";
+        });
+}
