@@ -61,7 +61,6 @@ private:
 };
 
 BEGIN_MESSAGE_MAP(TestDialog, CDialog)
-ON_WM_PAINT()
 ON_BN_CLICKED(IDC_PUSH, OnWork)
 ON_MESSAGE(WM_STEP, OnStep)
 ON_MESSAGE(WM_ADD, OnAdd)
@@ -105,18 +104,6 @@ TEST(ModalDialog, DisablesItsParentAndReturnsBeforeItThoughThatEndsFirst)
     });
     EXPECT_EQ(result, 1);
     EXPECT_TRUE(returned);
-}
-
-TEST(ModalDialog, PaintsAreOver)
-{
-    TestDialog dialog;
-    dialog.Run({
-        [&]
-        {
-            Pump(); // without an end where OnPaint leaves something to paint
-            dialog.EndDialog(1);
-        },
-    });
 }
 
 TEST(MessageMap, GivesTheResultOfARowAndLeavesTheRestToTheBase)
