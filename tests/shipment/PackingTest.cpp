@@ -145,11 +145,11 @@ TEST_F(LogDirectory, ThatIsReadOnlyOrMissingGivesAnError)
                 ElementsAre(EndsWith("\" *]  Err=267: The directory name is invalid.")));
 }
 
-TEST_F(LogDirectory, MayHaveAQuotationMarkInItsName)
+TEST_F(LogDirectory, MayHaveQuotationMarksAndBackslashesInItsName)
 {
     const RealFtpServer server(kFtpUser, kFtpPassword);
-    WriteFile(folder.Path() / "Tavo.settings.json", R"({"LogDirectory": "lo\\\"g \"s"})");
-    WriteFile(folder.Path() / "lo\\\"g \"s" / "fresh.log", "fresh");
+    WriteFile(folder.Path() / "Tavo.settings.json", R"({"LogDirectory": "l\\o\\\"g \"s"})");
+    WriteFile(folder.Path() / "l\\o\\\"g \"s" / "fresh.log", "fresh");
     EXPECT_THAT(Verdicts(Ship("case")), ElementsAre("Compression finished.  Exit Code: 0", kSent));
     EXPECT_EQ("fresh", Unpack(server.Directory() / "case.zip")["fresh.log"]);
 }
