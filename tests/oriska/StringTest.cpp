@@ -142,6 +142,19 @@ TEST(String, WidensUtf8)
     EXPECT_EQ(L"<" + text + L"|" + text + nullptr, L"<plain|plain");
 }
 
+TEST(String, OrdersByCodeUnitsAPrefixFirst)
+{
+    const wchar_t* const kOrder[] = {L"", L"A", L"B", L"Ba", L"a", L"aa", L"b", L"\xE9", L"\xFFFD"};
+    for (const wchar_t* left : kOrder)
+        for (const wchar_t* right : kOrder)
+        {
+            const bool less = std::wstring(left) < right;
+            EXPECT_EQ(ZTString(left) < ZTString(right), less);
+            EXPECT_EQ(ZTString(left).Compare(right) < 0, less);
+            EXPECT_EQ(ZTString(left) == right, std::wstring(left) == right);
+        }
+}
+
 TEST(ResourceString, ComesFromTheProgramOrIsEmpty)
 {
     EXPECT_EQ(ZTString(String(IDS_ADMINISTRATOR_CAPTION, nullptr).mText),
