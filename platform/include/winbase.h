@@ -120,11 +120,10 @@ extern "C"
 
     // --- Processes and threads ---
 
-    // `application` is null: the program is the first word of the command line, looked for in PATH when it
-    // names no directory, relative to the caller's directory otherwise, and nothing is added to it. The rest
-    // is split by the rules of the C runtime. The child gets standard input, output and error (null devices
-    // with SW_HIDE) and no other open file, and the current environment; the flags are 0.
-    // A path that is not a program gives ERROR_ACCESS_DENIED or ERROR_BAD_EXE_FORMAT.
+    // `application` is null: the whole path of the program is the first word of the command line, and nothing
+    // is added to it. The rest is split by the rules of the C runtime. The child gets standard input, output
+    // and error (null devices with SW_HIDE) and no other open file, and the current environment; the flags
+    // are 0. A path that is not a program gives ERROR_ACCESS_DENIED or ERROR_BAD_EXE_FORMAT.
     PLATFORM_EXPORT BOOL CreateProcessW(LPCWSTR application, LPWSTR commandLine,
                                         LPSECURITY_ATTRIBUTES processAttributes,
                                         LPSECURITY_ATTRIBUTES threadAttributes, BOOL inheritHandles,

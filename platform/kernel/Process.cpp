@@ -94,33 +94,6 @@ class FirstThread : public KernelObject
 {
 };
 
-bool IsFile(const std::string& path)
-{
-    struct stat status = {};
-    return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
-}
-
-// The program's full path; empty when PATH has no such file.
-std::string FindProgram(const std::string& name)
-{
-    if (name.find('/') != std::string::npos)
-    {
-        const Owned<char, free> folder(get_current_dir_name());
-        return name.front() == '/' || folder == nullptr ? name : folder.get() + ('/' + name);
-    }
-    const char* path = getenv("PATH");
-    std::string_view rest = path == nullptr ? "/usr/bin:/bin" : path;
-    while (!name.empty() && !rest.empty())
-    {
-        const std::size_t end = std::min(rest.find(':'), rest.size());
-        std::string candidate = std::string(rest.substr(0, end)) + '/' + name;
-        if (IsFile(candidate))
-            return candidate;
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
-    return {};
-}
-
 constexpr char kNowhere[] = "/dev/null";
 
 class SpawnSettings
@@ -197,7 +170,7 @@ BOOL CreateProcessW(LPCWSTR application, LPWSTR commandLine, LPSECURITY_ATTRIBUT
     if (application != nullptr || commandLine == nullptr || flags != 0 || environment != nullptr)
         return FailWith(ERROR_INVALID_PARAMETER);
     const std::vector<std::wstring> words = SplitCommandLine(commandLine);
-    const std::string program = FindProgram(text::ToUtf8(words.front()));
+    const std::string program = text::ToUtf8(words.front());
     SpawnSettings settings;
     if (currentDirectory != nullptr)
     {
@@ -207,8 +180,6 @@ BOOL CreateProcessW(LPCWSTR application, LPWSTR commandLine, LPSECURITY_ATTRIBUT
             return FailWith(ERROR_DIRECTORY);
         settings.SetFolder(folder);
     }
-    if (program.empty())
-        return FailWith(ERROR_FILE_NOT_FOUND);
     if ((startup->dwFlags & STARTF_USESHOWWINDOW) != 0 && startup->wShowWindow == SW_HIDE)
     {
         if (access(kNowhere, R_OK | W_OK) != 0)

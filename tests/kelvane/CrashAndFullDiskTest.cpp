@@ -110,7 +110,8 @@ TEST(Settings, ThatAreBrokenAreToldWhileTheirLockIsHeld)
 {
     const AgentFolder folder;
     folder.Write("Tavo.settings.json", "{");
-    const ChildProcess other(L"flock \"" + folder.Path().wstring() + L"/Tavo.settings.lock\" sleep 20");
+    const ChildProcess other(L"/usr/bin/flock \"" + folder.Path().wstring() +
+                             L"/Tavo.settings.lock\" sleep 20");
     while (folder.Names("Tavo.settings").size() < 2)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     std::this_thread::sleep_for(std::chrono::milliseconds(200));

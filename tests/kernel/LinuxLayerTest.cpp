@@ -47,7 +47,7 @@ TEST(ProcessOnLinux, LeavesNoOpenFileAndNoZombieWhenNobodyWaits)
 {
     const auto openFiles = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
     const auto before = openFiles();
-    EXPECT_EQ(ChildProcess(L"true").ExitCode(), 0U);
+    EXPECT_EQ(ChildProcess(L"/bin/true").ExitCode(), 0U);
     EXPECT_EQ(openFiles(), before);
     const AgentFolder folder;
     const std::wstring go = UniqueName(L"go");

@@ -11,7 +11,7 @@
 bool IsHeld(const std::wstring& name);
 
 // In front of a command line: runs it as a user without rights; Linux, as root.
-const std::wstring kAsNobody = L"setpriv --reuid=65534 --regid=65534 --clear-groups ";
+const std::wstring kAsNobody = L"/usr/bin/setpriv --reuid=65534 --regid=65534 --clear-groups ";
 
 // A process that a test starts.
 class ChildProcess
