@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <numeric>
 #include <regex>
 #include <thread>
 
@@ -219,6 +220,35 @@ TEST(PersonAtATerminal, NeverSeesAPassword)
                     AllOf(HasSubstr("Password: ......"), EndsWith("icanon\necho")));
         EXPECT_THAT(screen.Recorded() + folder.Log(), Not(HasSubstr("s3cret")));
     }
+}
+
+TEST(PersonAtATerminal, LeavesNoPieceOfAPasswordInMemory)
+{
+    if (getuid() != 0)
+        GTEST_SKIP() << "needs root to read the memory of another process";
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "a sanitizer keeps what is given back";
+#endif
+    std::vector<std::string> pieces;
+    for (int number = 10; number < 30; ++number)
+        pieces.push_back("piece" + std::to_string(number));
+    const ProgramFolder folder;
+    const TerminalScreen screen(folder.Program());
+    screen.WaitFor("\n>");
+    screen.Enter({"LDAP", "dc", "", "", "admin"});
+    screen.WaitFor("not shown");
+    screen.Enter({std::accumulate(pieces.begin(), pieces.end(), std::string()), "", "Cancel"});
+    screen.WaitFor("is closed");
+    const std::string memory = MemoryOf(std::stoi(Said("pgrep -f ^" + folder.Program().string())));
+    const auto holds = [&memory](const std::string& text)
+    {
+        return memory.find(text) != std::string::npos ||
+               memory.find(Widened(text, sizeof(char16_t))) != std::string::npos ||
+               memory.find(Widened(text, sizeof(wchar_t))) != std::string::npos;
+    };
+    EXPECT_TRUE(holds("is closed"));
+    for (const std::string& piece : pieces)
+        EXPECT_FALSE(holds(piece)) << piece;
 }
 
 TEST(PersonAtATerminal, TypesEveryCharacterOfAPasswordAndNoOther)

@@ -5,44 +5,11 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <thread>
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <unistd.h>
-
-// All that the process can write to.
-static std::string MemoryOf(int id)
-{
-    const std::string process = "/proc/" + std::to_string(id);
-    const int memory = open((process + "/mem").c_str(), O_RDONLY | O_CLOEXEC);
-    std::ifstream maps(process + "/maps");
-    std::string all;
-    for (std::string line; std::getline(maps, line);)
-    {
-        unsigned long begin = 0;
-        unsigned long end = 0;
-        char mode[5] = "";
-        if (std::sscanf(line.c_str(), "%lx-%lx %4s", &begin, &end, mode) != 3 || mode[1] != 'w')
-            continue;
-        std::string part(end - begin, '\0');
-        const ssize_t got = pread(memory, part.data(), part.size(), static_cast<off_t>(begin));
-        all.append(part, 0, static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-    }
-    close(memory);
-    return all;
-}
-
-// Each character in so many bytes, the lowest first.
-static std::string Widened(const std::string& text, std::size_t width)
-{
-    std::string wide;
-    for (const char character : text)
-        wide.append(1, character).append(width - 1, '\0');
-    return wide;
-}
 
 TEST(Password, IsGoneFromMemoryASecondAfterTheTest)
 {

@@ -58,5 +58,11 @@ public:
 // What a command of the shell writes, and then "ended with N" where that is not 0; Linux only.
 std::string Said(const std::string& command);
 
+// All that a process can write to; Linux only, as root.
+std::string MemoryOf(int id);
+
+// As it stands there: each character in so many bytes, the lowest first.
+std::string Widened(const std::string& text, std::size_t width);
+
 // The console's text with `mark` in place of each "[...ms] ", whose number differs from run to run.
 std::string WithoutTimes(const std::string& console, const char* mark = "");

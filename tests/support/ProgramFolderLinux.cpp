@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <thread>
 
 using Clock = std::chrono::steady_clock;
@@ -31,6 +32,35 @@ std::string Said(const std::string& command)
         text += static_cast<char>(byte);
     const int status = pclose(pipe);
     return text + (status == 0 ? "" : "ended with " + std::to_string(WEXITSTATUS(status)));
+}
+
+std::string MemoryOf(int id)
+{
+    const std::string process = "/proc/" + std::to_string(id);
+    const int memory = open((process + "/mem").c_str(), O_RDONLY | O_CLOEXEC);
+    std::ifstream maps(process + "/maps");
+    std::string all;
+    for (std::string line; std::getline(maps, line);)
+    {
+        unsigned long begin = 0;
+        unsigned long end = 0;
+        char mode[5] = "";
+        if (std::sscanf(line.c_str(), "%lx-%lx %4s", &begin, &end, mode) != 3 || mode[1] != 'w')
+            continue;
+        std::string part(end - begin, '\0');
+        const ssize_t got = pread(memory, part.data(), part.size(), static_cast<off_t>(begin));
+        all.append(part, 0, static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+    }
+    close(memory);
+    return all;
+}
+
+std::string Widened(const std::string& text, std::size_t width)
+{
+    std::string wide;
+    for (const char character : text)
+        wide.append(1, character).append(width - 1, '\0');
+    return wide;
 }
 
 fs::path ProgramFolder::Program() const

@@ -315,7 +315,7 @@ private:
         {
             if (key != L'\n')
             {
-                mSecret += key;
+                AddToSecret(key);
                 return false;
             }
             mOutput.Draw("\n");
@@ -355,6 +355,20 @@ private:
         DropQuestion();
         if (!answer.empty())
             WriteLine(answer);
+    }
+
+    // What the text grows out of is overwritten.
+    void AddToSecret(wchar_t key)
+    {
+        if (mSecret.size() == mSecret.capacity())
+        {
+            std::wstring larger;
+            larger.reserve(2 * mSecret.size());
+            larger += mSecret;
+            mSecret.swap(larger);
+            Wipe(larger);
+        }
+        mSecret += key;
     }
 
     void Complete(const Window& dialog)

@@ -27,14 +27,12 @@ std::wstring Lower(std::wstring_view text)
 
 std::wstring NameOf(const Window& control)
 {
-    std::wstring name = PlainCaption(control.text);
-    if (control.kind == WindowKind::Edit || control.kind == WindowKind::ComboBox)
-    {
-        const Window* const label = LabelOf(control);
-        name = label != nullptr ? PlainCaption(label->text) : std::to_wstring(control.id);
-        while (name.ends_with(L':'))
-            name.pop_back();
-    }
+    if (control.kind != WindowKind::Edit && control.kind != WindowKind::ComboBox)
+        return PlainCaption(control.text);
+    const Window* const label = LabelOf(control);
+    std::wstring name = label != nullptr ? PlainCaption(label->text) : std::to_wstring(control.id);
+    while (name.ends_with(L':'))
+        name.pop_back();
     return name;
 }
 

@@ -91,6 +91,7 @@ std::wstring TypedText(std::wstring_view keys)
 {
     constexpr wchar_t kEscape = L'\x1b';
     std::wstring text;
+    text.reserve(keys.size()); // a password leaves no copies while the text grows
     while (!keys.empty())
     {
         const wchar_t key = keys.front();
