@@ -78,7 +78,7 @@ TEST(DateValue, IsRoundedToTheSecond)
 TEST(DateValue, RefusesWhatCannotBeSplit)
 {
     const double infinity = std::numeric_limits<double>::infinity();
-    for (const double date : {-657434.5, -1e300, 1e300, 2147483647.0, infinity, -infinity,
+    for (const double date : {-657434.5, -1e300, 1e300, 2146789688.0, infinity, -infinity,
                               std::numeric_limits<double>::quiet_NaN()})
     {
         DateFields fields{};
