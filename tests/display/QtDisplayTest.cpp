@@ -387,6 +387,8 @@ TEST_F(QtDisplay, PastedTextOfSeveralLinesEndsInABoxOfOneLineWithTheFirst)
     Use(IDD_CRC64, {[&]
                     {
                         WidgetOf(IDC_INPUT).setFocus();
+                        paste(QString(40000, u'x'), std::wstring(40000, L'x'));
+                        Press(Qt::Key_A, Qt::ControlModifier);
                         paste("[]\n", L"[]");
                         Press(Qt::Key_Left);
                         paste("one\r\ntwo\r\n", L"[one]");
@@ -441,7 +443,10 @@ TEST_F(QtDisplay, NoOtherButtonIsPressedWhenThePressedOneIsDisabled)
     const Step disable = []
     {
         WidgetOf(IDC_FTP_LOGS).setFocus();
+        EnableWindow(ControlOf(IDC_CRC64), FALSE);
+        EXPECT_TRUE(WidgetOf(IDC_FTP_LOGS).hasFocus()) << "another one is disabled";
         EnableWindow(ControlOf(IDC_FTP_LOGS), FALSE);
+        EXPECT_FALSE(WidgetOf(IDC_FTP_LOGS).isEnabled());
         Press(Qt::Key_Space);
     };
     EXPECT_EQ(Use(IDD_CONSOLE, {disable, kEscape}), IDCANCEL);
@@ -521,13 +526,21 @@ TEST_F(QtDisplay, FindSelectsPlacesGoesOnAtTheOtherEndAndSaysWhatItMissed)
         EXPECT_EQ(QApplication::focusWidget(), &output) << "Esc closes the bar alone";
         EXPECT_EQ(output.viewport()->height(), whole);
         Press(Qt::Key_F, Qt::ControlModifier);
+        says("");
         Press(Qt::Key_Return);
         EXPECT_EQ(line(), 0) << "what was selected is looked for";
+        Press(Qt::Key_F, Qt::ControlModifier);
+        Type("two");
+        Press(Qt::Key_Return);
+        EXPECT_EQ(output.textCursor().selectedText(), "two") << "typing replaces it";
         Press(Qt::Key_Escape);
         Press(Qt::Key_A, Qt::ControlModifier);
         Press(Qt::Key_F, Qt::ControlModifier);
-        EXPECT_EQ(bar.findChild<QLineEdit*>()->text(), "FAILED") << "but not several lines";
+        EXPECT_EQ(bar.findChild<QLineEdit*>()->text(), "two") << "but not several lines";
         Press(Qt::Key_Escape);
+        SetWindowTextW(ControlOf(IDC_OUTPUT), L"");
+        Press(Qt::Key_F3);
+        EXPECT_TRUE(bar.isVisible()) << "where it says that nothing is found";
     };
     EXPECT_EQ(Use(IDD_CONSOLE, {find, kEscape}), IDCANCEL);
 }
@@ -554,8 +567,10 @@ TEST_F(QtDisplay, MenuWrapsLinesAndKeysChangeTheSizeOfTheText)
             for (const QAction* action : menu->actions())
                 words += action->text() + (action->isEnabled() ? "" : " (grey)");
             EXPECT_EQ(words.join(", "),
-                      "&Copy (grey), Select &all, , &Find..., Find &next, Find &previous, , "
-                      "&Wrap lines, &Larger text, S&maller text, , &Save as...");
+                      (reason == QContextMenuEvent::Mouse ? "&Copy (grey)" : "&Copy") +
+                          QString(", Select &all, , &Find..., Find &next, Find &previous, , "
+                                  "&Wrap lines, &Larger text, S&maller text, , &Save as..."));
+            WidgetOf<QPlainTextEdit>(IDC_OUTPUT).selectAll();
             QTest::keyClick(menu, Qt::Key_W);
             EXPECT_EQ(output.horizontalScrollBar()->maximum() == 0, reason == QContextMenuEvent::Mouse);
             ExpectOutputAtItsEnd();
@@ -684,6 +699,8 @@ TEST_F(QtDisplay, MessageBoxTakesAKeyForAnAnswerAndNoCloseBox)
         EXPECT_EQ(face.role(), QAccessible::AlertMessage);
         EXPECT_EQ(face.text(QAccessible::Description).toStdString(), words);
         EXPECT_EQ(signs(), "32 at 12 ");
+        EXPECT_GT(WidgetOf(IDOK).y(), text.geometry().bottom());
+        EXPECT_EQ(TopWidget().minimumSize(), TopWidget().maximumSize());
         Press(Qt::Key_Escape);
     };
     {
@@ -713,6 +730,15 @@ TEST_F(QtDisplay, ShowsInItsColourWhereTheKeyboardIsAndOpensListsBelowTheirBox)
             for (const QPoint corner : {QPoint(0, 0), QPoint(image.width() - 1, image.height() - 1)})
                 EXPECT_EQ(image.pixel(corner) == highlight, focus == &output);
         }
+        auto& button = WidgetOf<QPushButton>(IDC_FTP_LOGS);
+        const QImage image = button.grab().toImage();
+        button.setText({});
+        const QImage bare = button.grab().toImage();
+        int rows = 0; // of its caption
+        for (int y = 0; y < bare.height(); ++y)
+            rows += image.copy(0, y, image.width(), 1) != bare.copy(0, y, bare.width(), 1) ? 1 : 0;
+        EXPECT_GT(rows, button.fontMetrics().height()) << "in several lines";
+        EXPECT_NE(bare.pixel(bare.width() / 2, 0), bare.pixel(bare.rect().center())) << "in a frame";
     };
     Use(IDD_CONSOLE, {look, kEscape});
     const Step open = []
