@@ -43,6 +43,11 @@ TEST(SickMachine, GetsAnAnswerToo)
         // An account with one thread, which root can make.
         {"prlimit --nproc=1 setpriv --reuid=64322 --regid=64322 --clear-groups $PROGRAM",
          "administrator of this computer.\nPress: OK\n$"},
+        {"cd ${PROGRAM%/*}; install -D /usr/share/zoneinfo/Asia/Tokyo zoneinfo/right/Asia/Tokyo; "
+         "ln -s zoneinfo/right/Asia zones; TZDIR=$PWD/zones TZ=Tokyo $PROGRAM",
+         tokyo},
+        {"rm ${PROGRAM%/*}/libtavoqt.so; DISPLAY=:0 $PROGRAM",
+         "^No windows can be shown: [^\n]*libtavoqt.so[^\n]*\nZT .*" + report},
         {"prlimit --stack=65536 $PROGRAM", report},
         {"$PROGRAM <&-", report},
         {silent("INET", "(\"127.0.0.1\", 0)",
