@@ -283,7 +283,7 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
     screen.Enter({" two blanks "});
     screen.Press("o Tab f Tab Enter Enter");
     screen.Press("w Tab = Tab n Enter");
-    screen.Enter({"?", "hex=1", "i"});
+    screen.Enter({"?", "hex=1", "i", "i"});
     screen.Press("Up Up Enter");
     screen.Press("C-d");
     EXPECT_THAT(screen.WaitFor("Dialog is closed", "> help"),
@@ -326,7 +326,8 @@ TEST(PersonAtATerminal, EditsCompletesAndIsHelped)
                            "Tab completes a name, the arrow keys bring back what was typed.\n"
                            "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: hex=1\n"
                            "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: i\n"
-                           "Input [ two blanks ]: hex=1\n"
+                           "Input [ two blanks ]: i\n"
+                           "OK, Cancel, Get CRC64, or a box to change [Get CRC64]: hex=1\n"
                            "OK, Cancel, Get CRC64, or a box to change [Get CRC64]:\n"
                            "Dialog is closed."));
 
