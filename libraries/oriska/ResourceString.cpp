@@ -3,15 +3,8 @@
 
 String::String(UINT id, HINSTANCE instance)
 {
-    // A string that fills the buffer but for its terminator may have been cut.
-    int room = 128;
-    int length;
-    do
-    {
-        room *= 2;
-        length = LoadStringW(instance, id, mStorage.GetBuffer(room), room);
-        mStorage.ReleaseBuffer(length);
-    } while (length == room - 1);
+    constexpr int kRoom = 256; // every text of the program is shorter
+    mStorage.ReleaseBuffer(LoadStringW(instance, id, mStorage.GetBuffer(kRoom), kRoom));
     mText = mStorage;
 }
 
