@@ -85,13 +85,13 @@ TEST(Cleanable, ReportsElementsOfAnySize)
 TEST(Cleanable, CountsTheTextOfTheFrameworksStrings)
 {
     CleanableVector<CStringW> strings;
-    strings.mItems.assign(1000, CStringW(std::wstring(50, L'x').c_str()));
+    strings.mItems.assign(10'000, CStringW(std::wstring(50, L'x').c_str()));
     std::uint64_t characters = 0;
     for (const CStringW& item : strings.mItems)
         characters += static_cast<std::uint64_t>(item.GetAllocLength()) + 5;
-    EXPECT_GE(characters, 55000u);
+    EXPECT_GE(characters, 550'000u);
     EXPECT_EQ(ReportOf(strings),
-              (Report{"ZTString in CleanableVector<ZTString >", 1000, characters * 2 / 1024}))
+              (Report{"ZTString in CleanableVector<ZTString >", 10'000, characters * 2 / 1024}))
         << "the blank is the compiler's";
 }
 
