@@ -68,32 +68,6 @@ static bool TraceCommands(HWND dialog, UINT message, WPARAM wParam, LPARAM)
     return true;
 }
 
-// A long handler is posted before input has ended, and serves messages while it works.
-static void LongHandler()
-{
-    ScriptedDialog script;
-    script.serve = [](HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
-    {
-        if (message == WM_INITDIALOG)
-        {
-            AddToLog(dialog, L"opens\r\n");
-            Pump();
-            PostMessageW(dialog, WM_NOTE, 0, 0);
-        }
-        if (message != WM_NOTE)
-            return TraceCommands(dialog, message, wParam, lParam);
-        for (int i = 0; i < 5; ++i)
-        {
-            AddToLog(dialog, L"works\r\n");
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-            Pump();
-        }
-        AddToLog(dialog, L"is done\r\n");
-        return true;
-    };
-    script.Run();
-}
-
 static void OddText(HWND dialog)
 {
     AddToLog(dialog, L"\x1b]0;title\a\x7f\x9b");
@@ -127,11 +101,8 @@ TEST(TerminalDisplay, ObeysLines)
         {"1001=\xc3\xa4\n1004\n", "1004 \xc3\xa4|Red|0\n"},
         {"1001=\n1002=on\n", "Box: on\n1002 |Red|1\n"},
         {"box=ON\nbox=off\n", "Box: off\n1002 |Red|0\n"}, // it was on already
-        {"1003=2\n1004\n", "1004 |Green-blue|0\n"},
-        {"1003=green\n1004\n", "1004 |Green|0\n"}, // the whole name goes before a longer one
+        {"1003=green\n1004\n", "1004 |Green|0\n"},        // the whole name goes before a longer one
         {"1003=green-\n1004\n", "1004 |Green-blue|0\n"},
-        {"1003=gre\n", "1003 is one of Red, Green, Green-blue.\n"}, // two begin so
-        {"1003=3\n", "1003 is one of Red, Green, Green-blue.\n"},
         {"1006=x\n", usage},               // hidden
         {"1000=x\n", usage},               // read-only
         {"1003=0\n1004", "1004 |Red|0\n"}, // the last line needs no end
@@ -148,10 +119,17 @@ TEST(TerminalDisplay, ObeysLines)
 
 TEST(TerminalDisplay, EndOfInputWaitsForTheHandlersThatWerePosted)
 {
-    EXPECT_EQ(OutputOf(LongHandler, ""),
-              "Controls\nopens\n" + kFields + "works\nworks\nworks\nworks\nworks\nis done\n" + kCanceled);
-    // A command is obeyed while the handler runs.
-    EXPECT_THAT(OutputOf(LongHandler, "push\n"), HasSubstr("works\n1004 |Red|0\nworks\n"));
+    const auto work = [](HWND dialog)
+    {
+        for (int i = 0; i < 5; ++i)
+        {
+            AddToLog(dialog, L"works\r\n");
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            Pump();
+        }
+    };
+    EXPECT_EQ(OutputOf([&] { ScriptedDialog{.body = work, .serve = TraceCommands}.Run(); }, ""),
+              kOpened + Repeated("works\n", 5) + kCanceled);
 }
 
 TEST(TerminalDisplay, LetsNoControlCharacterThroughAndWritesWhatTheLocaleCan)
@@ -186,8 +164,9 @@ TEST(TerminalDisplay, SleepsWhileThereIsNothingToDo)
         dup2(pipe(held) == 0 ? held[0] : -1, STDIN_FILENO); // no input comes, and it does not end
         const std::clock_t before = std::clock();
         const DWORD start = GetTickCount();
-        const int answer = MessageBoxTimeoutW(dialog, L"Waits", L"Idle", MB_OK, 0, 1000);
-        const bool sleeps = std::clock() - before < CLOCKS_PER_SEC / 10 && GetTickCount() - start >= 1000;
+        const int answer = MessageBoxTimeoutW(dialog, L"Waits", L"Idle", MB_OK, 0, 1100);
+        const DWORD passed = GetTickCount() - start;
+        const bool sleeps = std::clock() - before < CLOCKS_PER_SEC / 10 && passed >= 1100 && passed < 5000;
         AddToLog(dialog, answer == MB_TIMEDOUT && sleeps ? L"idle\r\n" : L"answered or busy\r\n");
     };
     EXPECT_THAT(OutputInDialog(idle), EndsWith("idle\n"));
