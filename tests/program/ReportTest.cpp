@@ -66,27 +66,33 @@ TEST(Report, TellsTheTimeZoneOfTheMachineAndTheLocaleOfItsUser)
         GTEST_SKIP() << "a Windows machine has its zone, and a user his locale, whatever a process says";
     const time_t start = time(nullptr);
     const int month = gmtime(&start)->tm_mon + 1;
-    const std::tuple<const char*, const char*, std::vector<std::string>> rows[] = {
+    using Variables = std::vector<std::pair<std::string, std::string>>;
+    // The first variable that is set and not empty names the locale.
+    const std::tuple<const char*, Variables, std::vector<std::string>> rows[] = {
         {"America/St_Johns",
-         "ru_RU.KOI8-R",
+         {{"LC_ALL", "ru_RU.KOI8-R"}, {"LC_NUMERIC", "C"}, {"LANG", "C"}},
          {"Timezone base bias: 210", "Daylight Bias: -60",
           "Timezone Standard Name: Newfoundland Standard Time", "Standard Bias: 0",
           "Timezone Daylight Name: Newfoundland Daylight Time",
-          "Daylight transitions: 2023-03-12, 2023-11-05", "User default locale: [ru-ru] (x0419)"}},
+          "Daylight transitions: 2023-03-12, 2023-11-05", "User default locale: [ru-ru] (x0419)",
+          "Formated 1.2 = 1,2"}},
         {"Asia/Kolkata",
-         "de_DE.UTF-8",
+         {{"LC_ALL", ""}, {"LC_NUMERIC", "de_DE.UTF-8"}, {"LANG", "C"}},
          {"Timezone base bias: -330", "Daylight Bias: -60", "Timezone Standard Name: India Standard Time",
           "Daylight transitions: 2023-00-00, 2023-00-00", "User default locale: [de-de] (x0407)",
           "System default locale: [en-us] (x0409)", "1.2 = 1.2", "Formated 1.2 = 1,2"}},
         {"UTC",
-         "C",
+         {{"LC_ALL", "C"}},
          {"Time Zone Info: Can't determine if standard/daylight time", "Timezone base bias: 0",
           "Daylight Bias: 0", "Timezone Standard Name: Coordinated Universal Time",
           "Daylight transitions: 2023-00-00, 2023-00-00", "User default locale: [en-us] (x0409)"}},
         // Daylight time but for the turn of the year, and standard time in this half of the year.
-        {"AAA-3BBB,J2/0,J365/24", "C", {"Time Zone Info: Daylight Time.  Bias=-60"}},
+        {"AAA-3BBB,J2/0,J365/24",
+         {{"LC_ALL", ""}, {"LC_NUMERIC", ""}, {"LANG", "fr_FR.UTF-8"}},
+         {"Time Zone Info: Daylight Time.  Bias=-60", "User default locale: [fr-fr] (x040C)",
+          "Formated 1.2 = 1,2"}},
         {month < 7 ? "AAA-3BBB,J250,J300" : "AAA-3BBB,J50,J100",
-         "C",
+         {},
          {"Time Zone Info: Standard Time.  Bias=0"}},
     };
     // As strftime has them, and whether in UTC.
@@ -96,12 +102,12 @@ TEST(Report, TellsTheTimeZoneOfTheMachineAndTheLocaleOfItsUser)
         {"\nCurrent ISO8601 time: %Y-%m-%dT%H:%M:%S\n", false},
         {"\nCurrent ODBC time in UTC: {ts '%Y-%m-%d %H:%M:%S' }\n", true}};
     const ProgramFolder folder;
-    for (const auto& [zone, locale, lines] : rows)
+    for (auto [zone, variables, lines] : rows)
     {
+        variables.emplace_back("TZ", zone);
         const Variable variable("TZ", zone);
         const time_t before = time(nullptr);
-        const std::string console =
-            WithoutTimes(folder.Run({{}, {}, {{"TZ", zone}, {"LC_ALL", locale}}}).console);
+        const std::string console = WithoutTimes(folder.Run({.environment = variables}).console);
         for (const std::string& line : lines)
             EXPECT_THAT(console, HasSubstr("\n" + line + "\n")) << zone;
         for (const auto& [format, isUtc] : kTimes)
