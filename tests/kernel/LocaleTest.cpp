@@ -42,18 +42,6 @@ TEST(Locale, HasTheNumberThatWindowsGivesIt)
         EXPECT_EQ(LcidOfLocale(name), id) << name;
 }
 
-TEST(Locale, UsersIsTheFirstVariableThatIsSet)
-{
-    const Variable lang("LANG", "en_GB.UTF-8");
-    const Variable type("LC_NUMERIC", nullptr);
-    const Variable all("LC_ALL", "");
-    EXPECT_EQ(GetUserDefaultLCID(), 0x0809U);
-    const Variable french("LC_NUMERIC", "fr_FR.UTF-8");
-    EXPECT_EQ(GetUserDefaultLCID(), 0x040CU);
-    const Variable german("LC_ALL", "de_DE");
-    EXPECT_EQ(GetUserDefaultLCID(), 0x0407U);
-}
-
 // Wine has the key without values.
 TEST(Locale, RegistryNamesItByItsShortTag)
 {
@@ -112,17 +100,5 @@ TEST(CodePage, AnsiIsTheCharacterSetOfTheUsersLocale)
     {
         const Variable variable("LC_ALL", locale);
         EXPECT_EQ(ToNarrow(wide), narrow) << locale;
-    }
-}
-
-TEST(CodePage, LongTextsGiveWhatTheirPartsGive)
-{
-    const std::string part = "a\u00E9\u3042\U0001F600b"; // an odd length: any character may end a piece
-    constexpr int kParts = 5000;
-    const std::wstring wide = text::FromUtf8(Repeated(part, kParts));
-    for (const char* const locale : {"en_US.UTF-8", "de_DE.ISO-8859-1", "ja_JP.eucJP", "zh_CN.GB18030"})
-    {
-        const Variable variable("LC_ALL", locale);
-        EXPECT_TRUE(ToNarrow(wide) == Repeated(ToNarrow(text::FromUtf8(part)), kParts)) << locale;
     }
 }
