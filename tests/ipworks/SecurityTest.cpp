@@ -41,15 +41,6 @@ TEST(Security, CertificateOfATrustedAuthorityProvesTheServer)
     }
 }
 
-// What TLS sends for itself on the dialogue's connection is not a word of the server.
-TEST(Security, TicketAndNewKeysDoNotEndTheUpload)
-{
-    const std::string content = RandomBytes(20000000);
-    Recorder recorder({.certificate = kHost, .renewsKeys = true}, content);
-    EXPECT_EQ(0, recorder.Upload()) << recorder.LastError();
-    EXPECT_TRUE(content == recorder.server.Uploaded()) << recorder.server.Uploaded().size();
-}
-
 TEST(Security, ServerThatAsksForNoLoginOrEncryptsTheDialogueOnlyIsCalledReadableInBothModes)
 {
     const std::pair<FtpScript, std::vector<Matcher<std::string>>> rows[] = {
