@@ -106,12 +106,6 @@ TEST(Directory, IsTestedAsTheDialogSays)
     }
 }
 
-TEST(Directory, IsNotTestedWhenTheDialogIsCancelledOrThePortIsNoNumber)
-{
-    EXPECT_EQ(RunLdapTest({"389", "", "", kTryAll, "localhost", "", "Cancel"}), "");
-    EXPECT_EQ(RunLdapTest({"ldap", "", "", kTryAll}), "");
-}
-
 // One sum on both systems: the client's own there, ours here.
 TEST(Directory, HasItsErrorsNamedAsWindowsNamesThem)
 {
