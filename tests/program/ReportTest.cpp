@@ -70,14 +70,14 @@ TEST(Report, TellsTheTimeZoneOfTheMachineAndTheLocaleOfItsUser)
     // The first variable that is set and not empty names the locale.
     const std::tuple<const char*, Variables, std::vector<std::string>> rows[] = {
         {"America/St_Johns",
-         {{"LC_ALL", "ru_RU.KOI8-R"}, {"LC_NUMERIC", "C"}, {"LANG", "C"}},
+         {{"LC_ALL", "ru_RU.KOI8-R"}, {"LC_NUMERIC", "en_US.UTF-8"}},
          {"Timezone base bias: 210", "Daylight Bias: -60",
           "Timezone Standard Name: Newfoundland Standard Time", "Standard Bias: 0",
           "Timezone Daylight Name: Newfoundland Daylight Time",
           "Daylight transitions: 2023-03-12, 2023-11-05", "User default locale: [ru-ru] (x0419)",
           "Formated 1.2 = 1,2"}},
         {"Asia/Kolkata",
-         {{"LC_ALL", ""}, {"LC_NUMERIC", "de_DE.UTF-8"}, {"LANG", "C"}},
+         {{"LC_ALL", ""}, {"LC_NUMERIC", "de_DE.UTF-8"}, {"LANG", "en_US.UTF-8"}},
          {"Timezone base bias: -330", "Daylight Bias: -60", "Timezone Standard Name: India Standard Time",
           "Daylight transitions: 2023-00-00, 2023-00-00", "User default locale: [de-de] (x0407)",
           "System default locale: [en-us] (x0409)", "1.2 = 1.2", "Formated 1.2 = 1,2"}},
