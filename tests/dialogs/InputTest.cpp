@@ -90,25 +90,3 @@ TEST(Input, StaysWhereOnlyPostedMessagesAndPaintingAreAskedFor)
     };
     EXPECT_THAT(CommandsAfter(serveSome), ElementsAre(0, 0, IDC_PUSH, IDCANCEL));
 }
-
-TEST(Input, AnswersABoxByItsFirstButtonAndWithEscapeByItsOnlyOne)
-{
-    const std::tuple<UINT, WORD, int> rows[] = {
-        {MB_OK, VK_ESCAPE, IDOK}, {MB_YESNO, VK_RETURN, IDYES}, {MB_YESNO, VK_ESCAPE, MB_TIMEDOUT}};
-    for (const auto& [type, key, answer] : rows)
-    {
-        const auto press = [key = key](HWND, UINT message, WPARAM, LPARAM)
-        {
-            if (message == WM_NOTE)
-                UserPressed(*TopDialog(), key);
-            return message == WM_NOTE;
-        };
-        const auto open = [type = type, answer = answer](HWND dialog)
-        {
-            PostMessageW(dialog, WM_NOTE, 0, 0);
-            EXPECT_EQ(MessageBoxTimeoutW(dialog, L"", L"", type, 0, 200), answer);
-            EndDialog(dialog, 1);
-        };
-        ScriptedDialog{.body = open, .serve = press}.Run();
-    }
-}
