@@ -91,13 +91,17 @@ function(tavo_shared name)
   endif()
 endfunction()
 
+# For resources/Version.rc, on both systems.
+set(tavo_version -DTAVO_VERSION_MAJOR=${PROJECT_VERSION_MAJOR} -DTAVO_VERSION_MINOR=${PROJECT_VERSION_MINOR}
+  -DTAVO_VERSION_PATCH=${PROJECT_VERSION_PATCH})
+
 # Links an .rc file into a Windows program or library, compiled with the version and what else is given.
 function(tavo_windows_resource target rc)
   get_filename_component(dir ${rc} DIRECTORY)
   file(GLOB parts CONFIGURE_DEPENDS ${dir}/*)
   target_sources(${target} PRIVATE ${rc})
   set_source_files_properties(${rc} PROPERTIES OBJECT_DEPENDS "${parts}"
-    COMPILE_OPTIONS "-I${dir};-c65001;-DTAVO_VERSION_MAJOR=${PROJECT_VERSION_MAJOR};-DTAVO_VERSION_MINOR=${PROJECT_VERSION_MINOR};-DTAVO_VERSION_PATCH=${PROJECT_VERSION_PATCH};${ARGN}")
+    COMPILE_OPTIONS "-I${dir};-c65001;${tavo_version};${ARGN}")
 endfunction()
 
 # Gives a program the resources of an .rc file. For Windows windres links them in. For Linux the same
@@ -119,8 +123,7 @@ function(tavo_resources target rc)
   add_custom_command(OUTPUT ${res}
     COMMAND ${WINDRES} --preprocessor=${CMAKE_C_COMPILER} --preprocessor-arg=-E --preprocessor-arg=-xc
             --preprocessor-arg=-DRC_INVOKED -c65001 -O res -I${shortDir} -Iplatform/include
-            -DTAVO_VERSION_MAJOR=${PROJECT_VERSION_MAJOR} -DTAVO_VERSION_MINOR=${PROJECT_VERSION_MINOR}
-            -DTAVO_VERSION_PATCH=${PROJECT_VERSION_PATCH} -i ${shortDir}/${shortRc} -o ${res}
+            ${tavo_version} -i ${shortDir}/${shortRc} -o ${res}
     WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} DEPENDS ${parts} VERBATIM)
   set(source ${CMAKE_CURRENT_BINARY_DIR}/${target}Resources.c)
   file(CONFIGURE OUTPUT ${source} CONTENT [=[
