@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "base/Owned.h"
 #include "platform/kernel/CommandLine.h"
 #include "platform/kernel/Handle.h"
 #include "text/Unicode.h"
@@ -17,7 +16,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <mutex>
 #include <optional>
 

@@ -232,23 +232,26 @@ TEST(PersonAtATerminal, LeavesNoPieceOfAPasswordInMemory)
     std::vector<std::string> pieces;
     for (int number = 10; number < 30; ++number)
         pieces.push_back("piece" + std::to_string(number));
-    const ProgramFolder folder;
-    const TerminalScreen screen(folder.Program());
-    screen.WaitFor("\n>");
-    screen.Enter({"LDAP", "dc", "", "", "admin"});
-    screen.WaitFor("not shown");
-    screen.Enter({std::accumulate(pieces.begin(), pieces.end(), std::string()), "", "Cancel"});
-    screen.WaitFor("is closed");
-    const std::string memory = MemoryOf(std::stoi(Said("pgrep -f ^" + folder.Program().string())));
-    const auto holds = [&memory](const std::string& text)
+    const std::string password = std::accumulate(pieces.begin(), pieces.end(), std::string());
+    for (const bool edits : {true, false})
     {
-        return memory.find(text) != std::string::npos ||
-               memory.find(Widened(text, sizeof(char16_t))) != std::string::npos ||
-               memory.find(Widened(text, sizeof(wchar_t))) != std::string::npos;
-    };
-    EXPECT_TRUE(holds("is closed"));
-    for (const std::string& piece : pieces)
-        EXPECT_FALSE(holds(piece)) << piece;
+        const ProgramFolder folder;
+        const TerminalScreen screen(folder.Program(), edits ? "" : "TERM=dumb");
+        screen.WaitFor("\n>");
+        screen.Enter({"LDAP", "dc", "", "", edits ? "admin" : "Password=" + password,
+                      edits ? password : "admin", "", "Cancel"});
+        screen.WaitFor("is closed.\n>");
+        const std::string memory = MemoryOf(std::stoi(Said("pgrep -f ^" + folder.Program().string())));
+        const auto holds = [&memory](const std::string& text)
+        {
+            return memory.find(text) != std::string::npos ||
+                   memory.find(Widened(text, sizeof(char16_t))) != std::string::npos ||
+                   memory.find(Widened(text, sizeof(wchar_t))) != std::string::npos;
+        };
+        EXPECT_TRUE(holds("is closed"));
+        for (const std::string& piece : pieces)
+            EXPECT_FALSE(holds(piece)) << piece << edits;
+    }
 }
 
 TEST(PersonAtATerminal, TypesEveryCharacterOfAPasswordAndNoOther)

@@ -95,18 +95,18 @@ private:
         EXPECT_EQ(paramCount, kParameters[eventId]);
         switch (eventId)
         {
-        case 1:
+        case 1: // the state
             EXPECT_EQ("Control", Text(params[0]));
             note("status " + std::to_string(Number(params[1])) + " " + Text(params[2]));
             break;
-        case 4:
+        case 4: // a failure
             note("error " + std::to_string(Number(params[0])) + " " + Text(params[1]));
             break;
-        case 5:
+        case 5: // a line of the dialogue
             EXPECT_LE(Number(params[0]), 1);
             note((Number(params[0]) == 0 ? "> " : "< ") + Text(params[1]));
             break;
-        case 6:
+        case 6: // a certificate to approve
             note("approve " + Text(params[3]));
             recorder.certificate.assign(static_cast<const char*>(params[0]),
                                         static_cast<std::size_t>(lengths[0]));
@@ -115,13 +115,13 @@ private:
             EXPECT_EQ(Number(params[4]), Text(params[3]).empty() ? 1 : 0);
             params[4] = Value(recorder.approves ? 1 : 0);
             break;
-        case 7:
+        case 7: // the start
             note("started " + Text(params[0]));
             break;
-        case 8:
+        case 8: // the end
             note("ended " + std::to_string(Number(params[0])));
             break;
-        case 9:
+        case 9: // progress
             EXPECT_EQ("0", std::to_string(Number(params[0])) + Text(params[3]));
             recorder.progress.push_back({std::chrono::steady_clock::now(),
                                          *static_cast<std::int64_t*>(params[1]), Number(params[2])});

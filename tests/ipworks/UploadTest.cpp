@@ -175,3 +175,16 @@ TEST(Component, UnknownNumbersAndInjectedTextGiveACodeAndAText)
         EXPECT_EQ(0, recorder.Config(setting)) << setting;
     EXPECT_TRUE(recorder.events.empty());
 }
+
+TEST(Component, NullHandleIsAnsweredByEveryCall)
+{
+    EXPECT_EQ(nullptr, IPWorks_FTP_Create(nullptr, nullptr));
+    EXPECT_EQ(1001, IPWorks_FTP_Set(nullptr, 24, 0, nullptr, 0));
+    EXPECT_EQ(1001, IPWorks_FTP_Do(nullptr, 20, 0, nullptr, nullptr, 0));
+    EXPECT_STREQ("1001 There is no component.", IPWorks_FTP_GetLastError(nullptr));
+    EXPECT_EQ(0, IPWorks_FTP_Destroy(nullptr));
+    void* const fresh = IPWorks_FTP_Create([](void*, int, int, void**, int*) { return 0; }, nullptr);
+    EXPECT_EQ(1003, IPWorks_FTP_Do(fresh, 20, 0, nullptr, nullptr, 0));
+    EXPECT_STREQ("1003 The remote host or the remote file is not set.", IPWorks_FTP_GetLastError(fresh));
+    EXPECT_EQ(0, IPWorks_FTP_Destroy(fresh));
+}

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kernel/Locale.h"
 #include "tests/support/TestFolder.h"
-#include "text/Unicode.h"
 
 #include <windows.h>
 

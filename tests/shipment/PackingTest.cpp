@@ -2,6 +2,7 @@
 // What can go wrong before the upload: the archiver, and the directory that it packs.
 #include "tests/shipment/ShipmentRun.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <sstream>
@@ -80,7 +81,9 @@ TEST_F(Archiver, GetsNoInputFileOrNameOfCodeToLoadAndPacksForThisAccountAlone)
         "SASL_CONF_PATH SASL_PATH SSLKEYLOGFILE");
     for (std::string name; names >> name;)
         start.environment.emplace_back(name, "/nowhere");
+    const int inherited = open("/dev/null", O_RDONLY);
     Ship(start);
+    close(inherited);
     const std::string seen = ReadFile(folder.Path() / "seen");
     EXPECT_THAT(seen, StartsWith(Logs().string() + "\n0077\nSigBlk 0000000\nSigIgn 0000001\n"));
     EXPECT_THAT(seen, HasSubstr("0 /dev/null\n"));
@@ -126,6 +129,7 @@ TEST_F(LogDirectory, WithUnreadableFoldersAPipeALoopAndGreatDepthIsShippedAsFarA
     // 1 is the archiver's own word for what it could not read.
     EXPECT_THAT(Verdicts(outcome), ElementsAre("Compression finished.  Exit Code: 1", kSent))
         << outcome.console;
+    EXPECT_EQ(outcome.errors, "") << "the archiver's warnings";
     EXPECT_THAT(outcome.console, HasSubstr("Ignoring:\nold.log\npipe\nto nothing\n"));
     // The loop lies in the archive as a link, which older unpackers refuse to make.
     Tree sent = Unpack(server.Directory() / "case.zip", {0, 2});

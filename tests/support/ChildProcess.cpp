@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/ChildProcess.h"
 
+#include <stdexcept>
+
 bool IsHeld(const std::wstring& name)
 {
     const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, name.c_str());
@@ -16,8 +18,9 @@ ChildProcess::ChildProcess(std::wstring line, const std::filesystem::path& folde
     startup.cb = sizeof startup;
     startup.dwFlags = isHidden ? STARTF_USESHOWWINDOW : 0;
     startup.wShowWindow = SW_HIDE;
-    CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                   directory.empty() ? nullptr : directory.c_str(), &startup, &mInformation);
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                        directory.empty() ? nullptr : directory.c_str(), &startup, &mInformation))
+        throw std::runtime_error("cannot be started: " + std::filesystem::path(line).string());
 }
 
 ChildProcess::~ChildProcess()

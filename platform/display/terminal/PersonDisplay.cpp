@@ -72,13 +72,13 @@ public:
     void Begin(std::wstring prompt) override
     {
         mPrompt = std::move(prompt);
-        mText.clear();
+        Wipe(mText);
         Show();
     }
     bool Take(wchar_t key) override
     {
         if (key != L'\n')
-            mText += key;
+            AddToSecret(mText, key); // of a box that the line names
         return key == L'\n';
     }
     std::wstring Text() const override { return mText; }
@@ -315,7 +315,7 @@ private:
         {
             if (key != L'\n')
             {
-                AddToSecret(key);
+                AddToSecret(mSecret, key);
                 return false;
             }
             mOutput.Draw("\n");
@@ -331,15 +331,18 @@ private:
         }
         if (editor.Take(key))
         {
-            const std::wstring line = editor.Text();
+            std::wstring line = editor.Text();
             if (!Trim(line).empty())
                 editor.Remember(line);
             Answer(dialog, line);
+            Wipe(line);
             return true;
         }
+        if (!editor.MovesCursor())
+            return false;
         // What would follow is not to be seen.
         const std::wstring line = editor.Text();
-        if (!editor.MovesCursor() || !mConversation.BeginsSecret(dialog, line))
+        if (!mConversation.BeginsSecret(dialog, line))
             return false;
         HideQuestion();
         Answer(dialog, line);
@@ -355,20 +358,6 @@ private:
         DropQuestion();
         if (!answer.empty())
             WriteLine(answer);
-    }
-
-    // What the text grows out of is overwritten.
-    void AddToSecret(wchar_t key)
-    {
-        if (mSecret.size() == mSecret.capacity())
-        {
-            std::wstring larger;
-            larger.reserve(2 * mSecret.size());
-            larger += mSecret;
-            mSecret.swap(larger);
-            Wipe(larger);
-        }
-        mSecret += key;
     }
 
     void Complete(const Window& dialog)

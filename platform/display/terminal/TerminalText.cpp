@@ -87,6 +87,19 @@ std::wstring TerminalEncoding::Refusal() const
     return L"Not taken: that line is not text in " + text::FromUtf8(mCharset) + L". LANG says what it is.";
 }
 
+void AddToSecret(std::wstring& text, wchar_t character)
+{
+    if (text.size() == text.capacity())
+    {
+        std::wstring larger;
+        larger.reserve(2 * text.size());
+        larger += text;
+        text.swap(larger);
+        Wipe(larger);
+    }
+    text += character;
+}
+
 std::wstring TypedText(std::wstring_view keys)
 {
     constexpr wchar_t kEscape = L'\x1b';

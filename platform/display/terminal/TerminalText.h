@@ -50,6 +50,9 @@ private:
 // What the keys of a line that is not shown have typed: those that move the cursor mean nothing there.
 std::wstring TypedText(std::wstring_view keys);
 
+// Adds to a text that may be a password: what it grows out of is overwritten.
+void AddToSecret(std::wstring& text, wchar_t character);
+
 // Overwrites what a text holds, since it may be a password, and empties it.
 template <typename Text>
 void Wipe(Text& text)
