@@ -91,7 +91,7 @@ TEST(Report, TellsTheTimeZoneOfTheMachineAndTheLocaleOfItsUser)
          {{"LC_ALL", ""}, {"LC_NUMERIC", ""}, {"LANG", "fr_FR.UTF-8"}},
          {"Time Zone Info: Daylight Time.  Bias=-60", "User default locale: [fr-fr] (x040C)",
           "Formated 1.2 = 1,2"}},
-        // As in Dublin, whose winter the C library calls its daylight time: the clock of the year is behind.
+        // As in Dublin, where the C library calls it daylight time while the clock is behind.
         {"AAA-1BBB0,J2/0,J365/24", {}, {"Time Zone Info: Standard Time.  Bias=0"}},
         {month < 7 ? "AAA-3BBB,J250,J300" : "AAA-3BBB,J50,J100",
          {},

@@ -25,14 +25,6 @@ namespace
 constexpr std::size_t kLongestLine = std::size_t{64} << 20; // bytes; a longer one is taken in pieces
 constexpr std::size_t kMostAtOnce = 4096;
 
-// Byte by byte: a copy by the C library leaves what it moved in vector registers, and the loader saves those
-// on the stack when it binds the next function. A line may hold a password.
-void Move(volatile char* to, const char* from, std::size_t count)
-{
-    for (std::size_t i = 0; i < count; ++i)
-        to[i] = from[i];
-}
-
 // A descriptor that was closed when the program started would be given to the next file that is opened, and
 // console text would go into that. What is always there and can be neither read nor written takes its place.
 [[gnu::constructor]] void OpenMissingStreams()
@@ -136,12 +128,7 @@ void TerminalInput::Read()
 {
     const std::size_t had = mBytes.size();
     if (had + kMostAtOnce > mBytes.capacity())
-    {
-        std::string larger(2 * (had + kMostAtOnce), '\0');
-        Move(larger.data(), mBytes.data(), had);
-        mBytes.swap(larger);
-        Wipe(larger);
-    }
+        Grow(mBytes, 2 * (had + kMostAtOnce));
     mBytes.resize(had + kMostAtOnce);
     const ssize_t count = read(STDIN_FILENO, mBytes.data() + had, kMostAtOnce);
     mBytes.resize(had + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));

@@ -90,13 +90,7 @@ std::wstring TerminalEncoding::Refusal() const
 void AddToSecret(std::wstring& text, wchar_t character)
 {
     if (text.size() == text.capacity())
-    {
-        std::wstring larger;
-        larger.reserve(2 * text.size());
-        larger += text;
-        text.swap(larger);
-        Wipe(larger);
-    }
+        Grow(text, 2 * text.size());
     text += character;
 }
 

@@ -50,9 +50,6 @@ private:
 // What the keys of a line that is not shown have typed: those that move the cursor mean nothing there.
 std::wstring TypedText(std::wstring_view keys);
 
-// Adds to a text that may be a password: what it grows out of is overwritten.
-void AddToSecret(std::wstring& text, wchar_t character);
-
 // Overwrites what a text holds, since it may be a password, and empties it.
 template <typename Text>
 void Wipe(Text& text)
@@ -61,5 +58,28 @@ void Wipe(Text& text)
     explicit_bzero(text.data(), text.size() * sizeof(text[0]));
     text.clear();
 }
+
+// One by one: a copy by the C library leaves what it moved in vector registers, and the loader saves those on
+// the stack when it binds the next function. They may be a password's.
+template <typename Character>
+void Move(volatile Character* to, const Character* from, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] = from[i];
+}
+
+// Makes room for so many characters: more than the text has. What it grows out of is overwritten.
+template <typename Text>
+void Grow(Text& text, std::size_t room)
+{
+    Text larger(room, {});
+    Move(larger.data(), text.data(), text.size());
+    larger.resize(text.size());
+    text.swap(larger);
+    Wipe(larger);
+}
+
+// Adds to a text that may be a password.
+void AddToSecret(std::wstring& text, wchar_t character);
 
 } // namespace platform
