@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A message box is a dialog of the layer's own: a label, and a button for each answer.
 #include "platform/resource/DialogTemplate.h"
-#include "platform/kernel/Error.h"
 #include "platform/dialogs/WindowTable.h"
 #include "platform/dialogs/DialogLoop.h"
 
@@ -64,10 +63,7 @@ INT_PTR Procedure(HWND handle, UINT message, WPARAM wParam, LPARAM)
 int Run(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type, Deadline deadline)
 {
     if (!StartWindows())
-    {
-        SetLastError(ERROR_ACCESS_DENIED);
         return 0;
-    }
     std::unique_ptr<Window> box =
         MakeMessageBox(text != nullptr ? text : L"", caption != nullptr ? caption : L"Error", type);
     return static_cast<int>(RunModal(std::move(box), {owner, &Procedure, 0, deadline}));
