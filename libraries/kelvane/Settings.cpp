@@ -27,7 +27,7 @@ struct Setting
 };
 
 // What each means stands at its id.
-constexpr std::array<Setting, 6> kCatalogue{{
+constexpr auto kCatalogue = std::to_array<Setting>({
     {eConfigLogDirectory, L"LogDirectory", eParamString, "Logs", 0, 0},
     {eConfigCustomerServiceText, L"CustomerServiceText", eParamString,
      "Customer service: https://support.zt.example", 0, 0},
@@ -35,7 +35,7 @@ constexpr std::array<Setting, 6> kCatalogue{{
     {eConfigLogSizeLimitKB, L"LogSizeLimitKB", eParamDWord, nullptr, 4096, 4'194'304},
     {eConfigLogFileCount, L"LogFileCount", eParamDWord, nullptr, 5, kMostOlderLogs},
     {eConfigRecordLockWaits, L"RecordLockWaits", eParamDWord, nullptr, 0, 1},
-}};
+});
 
 // What this process knows already, never destroyed: static objects log at the very end.
 struct Memory

@@ -36,7 +36,7 @@ unsigned long wtodw(const wchar_t* text)
     rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
     rest.remove_suffix(rest.size() - (rest.find_last_not_of(kBlanks) + 1));
     unsigned base = 10;
-    if (rest.size() > 2 && rest[0] == L'0' && (rest[1] == L'x' || rest[1] == L'X'))
+    if (rest.starts_with(L"0x") || rest.starts_with(L"0X"))
     {
         base = 16;
         rest.remove_prefix(2);
