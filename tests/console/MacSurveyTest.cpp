@@ -84,10 +84,14 @@ TEST(MacSurvey, TellsTheSizeThatTheListNeeds)
 TEST(FormatToBuffer, FillsPlaceholdersAndCutsAtTheRoom)
 {
     const std::tuple<const wchar_t*, PlaceholderValues, int, int, const wchar_t*> kCases[] = {
-        {L"{:02X}{}", {10, 3}, 5, 3, L"0A3"}, {L"{}-{}", {1, 2}, 10, 3, L"1-2"},
+        {L"{:02X}{}", {10, 3}, 5, 3, L"0A3"},
+        {L"{}-{}", {1, 2}, 10, 3, L"1-2"},
         {L"{1}{}", {1, 2}, 10, 2, L"22"}, // the running index counts the placeholders closed so far
-        {L"a{1:u}b", {1}, 10, 4, L"a@@@"},    {L"abcdef", {}, 4, 3, L"abc"},
-        {L"abc", {}, 4, 3, L"abc"},           {L"", {}, 1, 0, L""},
+        {L"a{1:u}b", {1}, 10, 4, L"a@@@"},
+        {L"ab{1}", {1}, 4, 3, L"ab@"},
+        {L"abcdef", {}, 4, 3, L"abc"},
+        {L"abc", {}, 4, 3, L"abc"},
+        {L"", {}, 1, 0, L""},
     };
     for (const auto& [format, values, size, result, text] : kCases)
     {

@@ -416,6 +416,9 @@ TEST_F(QtDisplay, AppendedTextIsSeenAndLeavesTheSelectionAlone)
         EXPECT_EQ(area.toPlainText(), "one\ntwo\nthree") << "a line end may come in two parts";
         SendMessageW(output, EM_SETSEL, 5, 8);
         EXPECT_EQ(area.textCursor().selectedText(), "two");
+        Press(Qt::Key_Home, Qt::ControlModifier);
+        Press(Qt::Key_End, Qt::ShiftModifier);
+        EXPECT_EQ(area.textCursor().selectedText(), "one");
         ShowHundredLines();
         area.verticalScrollBar()->setValue(0);
         SendMessageW(output, EM_LINESCROLL, 0, 3);

@@ -19,7 +19,7 @@ using namespace std::string_literals;
 
 // What the scenario wrote, which runs in a child process for a minute at most.
 static std::string OutputOf(const std::function<void()>& scenario, const std::string& input,
-                            const char* locale = "C.UTF-8")
+                            const char* locale = "")
 {
     const TestFolder folder;
     folder.Write("in", input);
@@ -29,6 +29,8 @@ static std::string OutputOf(const std::function<void()>& scenario, const std::st
     {
         alarm(60);
         setenv("LC_ALL", locale, 1);
+        setenv("LC_CTYPE", "C.UTF-8", 1);
+        setenv("LANG", "de_DE.ISO-8859-15", 1);
         dup2(open((folder.Path() / "in").c_str(), O_RDONLY), STDIN_FILENO);
         dup2(creat((folder.Path() / "out").c_str(), 0600), STDOUT_FILENO);
         if (!platform::UseDisplay(platform::DisplayKind::Terminal))
@@ -43,7 +45,7 @@ static std::string OutputOf(const std::function<void()>& scenario, const std::st
 }
 
 // What a dialog wrote whose input has ended.
-static std::string OutputInDialog(const std::function<void(HWND)>& body, const char* locale = "C.UTF-8")
+static std::string OutputInDialog(const std::function<void(HWND)>& body, const char* locale = "")
 {
     return OutputOf([&] { InDialog(body); }, "", locale);
 }

@@ -17,6 +17,13 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
     // With the other names that zones have there.
     folder.Write("zoneinfo/posix/Asia/Tokyo", ReadFile(tokyo));
     const std::string copy = (folder.Path() / "zoneinfo/posix/Asia/Tokyo").string();
+    // One that had another clock until this year began.
+    const std::string compile =
+        "cd '" + folder.Path().string() + R"(' && export YEAR=$(date +%Y) && printf '%s\n' \
+        "Rule R $YEAR only - Mar 1 0:00 1:00 D" "Rule R $YEAR only - Oct 1 0:00 0 S" \
+        "Zone moved 1:00 - AAA $YEAR" "5:00 R B%sT" | /usr/sbin/zic -d . -)";
+    ASSERT_EQ(std::system(compile.c_str()), 0);
+    const std::string moved = (folder.Path() / "moved").string();
     // The zone, its bias and that of daylight time, whether it has one, and the names.
     const std::tuple<const char*, LONG, LONG, bool, std::wstring, std::wstring> rows[] = {
         {"Europe/Berlin", -60, -60, true, L"W. Europe Standard Time", L"W. Europe Daylight Time"},
@@ -32,6 +39,7 @@ TEST(TimeZone, IsTheOneThatWindowsHasForIt)
         {"ABC-3DEF,M3.5.0,M10.5.0", -180, -60, true, L"ABC", L"DEF"},
         {"PST", 0, 0, false, L"PST", L"PST"}, // no zone of the C library, which then keeps UTC
         {"UTC", 0, 0, false, L"Coordinated Universal Time", L"Coordinated Universal Time"},
+        {moved.c_str(), -300, -60, true, L"BST", L"BDT"},
         {"XYZ5", 300, 0, false, L"XYZ", L"XYZ"},
     };
     for (const auto& [zone, expectedBias, daylightBias, changes, standardName, daylightName] : rows)

@@ -355,6 +355,17 @@ TEST(LdapLogOn, HasTheDomainForARealmWhereTheServerLeavesTheChoice)
     EXPECT_EQ(BindAs(session, L"bob", L"two", LDAP_AUTH_DIGEST), 0x31u);
 }
 
+TEST(LdapLogOn, SaysWhyAChallengeCannotBeMet)
+{
+    const LdapPeer peer(Answering(Connection::Result(
+        kBindResponse, 0x0e, "", BerElementOf(0x87, "qop=\"none\",nonce=\"n\",algorithm=md5-sess"))));
+    const Session session(peer.Port());
+    ASSERT_EQ(session.Connect(), 0u);
+    EXPECT_STREQ(
+        ldap_err2stringW(BindAs(session, L"bob", L"two", LDAP_AUTH_DIGEST)),
+        L"Auth Unknown: SASL(-13): authentication failure: Server doesn't support any known qop level");
+}
+
 TEST(LdapLogOn, NamesThePackageThatIsMissing)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process that has looked for none yet

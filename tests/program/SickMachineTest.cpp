@@ -25,7 +25,10 @@ TEST(SickMachine, GetsAnAnswerToo)
     };
     const std::string unanswered =
         "^No windows can be shown: the display \"[^\n]+\" did not answer in 10 s\nZT .*" + report;
+    const std::string longestName(64, 'h');
     const std::pair<std::string, std::string> rows[] = {
+        {"unshare --uts sh -c 'echo " + longestName + " >/proc/sys/kernel/hostname; $PROGRAM'",
+         "Current Computer: " + longestName + "\n"},
         {bareEtc("ln -s" + zone + "echo Europe/Paris > timezone"), tokyo},
         {bareEtc("cp" + zone + "echo Asia/Tokyo > timezone"), tokyo},
         {bareEtc("echo Asia/Tokyo > timezone"), // which is not in force
@@ -65,7 +68,7 @@ TEST(SickMachine, GetsAnAnswerToo)
         // Nobody reads any more.
         {"{ sleep 1; env --default-signal=PIPE $PROGRAM; echo $? >&2; } | true", "^0\n$"},
     };
-    for (const auto& [command, answer] : std::span(rows).subspan(getuid() == 0 ? 0 : 8))
+    for (const auto& [command, answer] : std::span(rows).subspan(getuid() == 0 ? 0 : 9))
     {
         const ProgramFolder folder;
         EXPECT_THAT(Said("export PROGRAM='" + folder.Program().string() +
