@@ -242,7 +242,8 @@ TEST(PersonAtATerminal, LeavesNoPieceOfAPasswordInMemory)
     for (const bool edits : {true, false})
     {
         const ProgramFolder folder;
-        const TerminalScreen screen(folder.Program(), edits ? "" : "TERM=dumb");
+        // So wide that no prompt is broken where the program comes to all of them late.
+        const TerminalScreen screen(folder.Program(), edits ? "" : "TERM=dumb", 300);
         screen.WaitFor("\n>");
         screen.Enter({"LDAP", "dc", "", "", edits ? "admin" : "Password=" + password,
                       edits ? password : "admin", "", "Cancel"});
