@@ -217,7 +217,7 @@ TEST(Console, LogsItsStartAndItsEndAndListensForTheShutdown)
             return heard;
         };
         const ProgramOutcome outcome = folder.Run({.signal = number, .signalWhen = listens});
-        EXPECT_EQ(outcome.exitCode, number == 0 ? 0 : 128 + number);
+        EXPECT_EQ(outcome.exitCode, -number);
         EXPECT_EQ(heard, number != 0);
         ExpectLog(folder, ThisUser(), {}, "", std::string("2: ") + reason);
         if (RunsOnWindows())

@@ -33,7 +33,7 @@ TEST_F(Signals, EndARunInOrderInEachOfItsStates)
             fs::remove(folder.Path() / "archiver");
             start.signal = number;
             const ProgramOutcome outcome = folder.Run(start);
-            ASSERT_EQ(outcome.exitCode, 128 + number) << outcome.console;
+            ASSERT_EQ(outcome.exitCode, -number) << outcome.console;
             EXPECT_LT(outcome.secondsAfterSignal, 2.0);
             EXPECT_THAT(folder.Log(), HasSubstr(": ended by " + name + "\n"));
             for (const auto& entry : fs::directory_iterator(Logs()))

@@ -18,7 +18,7 @@ TEST_F(UnattendedShipment, SecondIsRefusedAndAfterAKillTheNextOneShips)
                     other.Program().string() + "' -FTP_LOG=second -AUTOCLOSE=yes </dev/null >'" +
                     seen.string() + "' 2>&1; echo \"ended with $?\" >>'" + seen.string() +
                     "'; kill -9 $PPID");
-    EXPECT_EQ(128 + 9, folder.Run(Unattended("first")).exitCode);
+    EXPECT_EQ(-SIGKILL, folder.Run(Unattended("first")).exitCode);
     const std::string second = ReadFile(seen);
     EXPECT_THAT(second, HasSubstr("Current Computer: "));
     EXPECT_THAT(second, EndsWith("ended with 0\n"));

@@ -17,8 +17,8 @@ void HoldForAMoment(const fs::path& path);
 
 struct ProgramOutcome
 {
-    bool ended = true; // false: it was ended because its time ran out
-    int exitCode = -1;
+    bool ended = true;   // false: it was ended because its time ran out
+    int exitCode = -1;   // minus the number of the signal that ended it (Linux)
     std::string console; // UTF-8, "\n" line ends: what the user saw, boxes and dialogs included
     std::string errors;  // standard error; Linux only
     double secondsAfterSignal = 0;

@@ -155,7 +155,7 @@ ProgramOutcome ProgramFolder::Run(const ProgramStart& start) const
     }
     endInput();
     outcome.secondsAfterSignal = std::chrono::duration<double>(Clock::now() - signalled).count();
-    outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     outcome.leftAnImage = WIFSIGNALED(status) && WCOREDUMP(status);
     outcome.console = said.Read("console");
     outcome.errors = said.Read("errors");
